@@ -1,0 +1,139 @@
+// The forms in which a record's members stand in the settings file: each reads a text into a member's type
+// and writes it back, with both directions next to each other.
+//
+// Read gives nothing when the text does not convert (the member then keeps its value); Write gives nothing
+// when the value cannot be brought into file units, as with a zero factor (the piece of the line then stays
+// empty). A form without Write belongs to members that are never saved.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "config/conversions.h"
+#include "config/step_factors.h"
+#include "config/text.h"
+
+namespace zolvane {
+
+struct BareText {
+  static std::optional<std::string> Read(std::string_view text, const StepFactors&) {
+    return std::string{text};
+  }
+  static std::optional<std::string> Write(const std::string& text, const StepFactors&) { return text; }
+};
+
+// Written in double quotes; every double quote is dropped on reading.
+struct QuotedText {
+  static std::optional<std::string> Read(std::string_view text, const StepFactors&) {
+    return WithoutQuotes(text);
+  }
+  static std::optional<std::string> Write(const std::string& text, const StepFactors&) {
+    return InQuotes(text);
+  }
+};
+
+// A flag that fails to load unless it is a word or a number.
+struct WordOrNumberFlag {
+  static std::optional<bool> Read(std::string_view text, const StepFactors&) { return StrictFlag(text); }
+  static std::optional<std::string> Write(bool flag, const StepFactors&) { return FlagText(flag); }
+};
+
+// A flag that always loads: a leading number that is not zero is true.
+struct LeadingNumberFlag {
+  static std::optional<bool> Read(std::string_view text, const StepFactors&) { return NumericFlag(text); }
+  static std::optional<std::string> Write(bool flag, const StepFactors&) { return FlagText(flag); }
+};
+
+// The opposite of the flag in the line.
+struct NegatedFlag {
+  static std::optional<bool> Read(std::string_view text, const StepFactors&) {
+    const auto flag = StrictFlag(text);
+    return flag ? std::optional{!*flag} : std::nullopt;
+  }
+};
+
+struct LeadingReal {
+  static std::optional<double> Read(std::string_view text, const StepFactors&) { return LeadingNumber(text); }
+  static std::optional<std::string> Write(double value, const StepFactors&) { return GeneralText(value); }
+};
+
+struct StrictReal {
+  static std::optional<double> Read(std::string_view text, const StepFactors&) { return StrictNumber(text); }
+  static std::optional<std::string> Write(double value, const StepFactors&) { return GeneralText(value); }
+};
+
+struct StrictSingle {
+  static std::optional<float> Read(std::string_view text, const StepFactors&) {
+    const auto value = StrictNumber(text);
+    return value ? ToSingle(*value) : std::nullopt;
+  }
+};
+
+// A leading number, rounded half to even.
+template <WholeNumber T>
+struct RoundedWhole {
+  static std::optional<T> Read(std::string_view text, const StepFactors&) {
+    return RoundHalfToEven<T>(LeadingNumber(text));
+  }
+  static std::optional<std::string> Write(T value, const StepFactors&) { return WholeText(value); }
+};
+
+// A strict number, rounded half to even.
+template <WholeNumber T>
+struct StrictWhole {
+  static std::optional<T> Read(std::string_view text, const StepFactors&) {
+    const auto value = StrictNumber(text);
+    return value ? RoundHalfToEven<T>(*value) : std::nullopt;
+  }
+  static std::optional<std::string> Write(T value, const StepFactors&) { return WholeText(value); }
+};
+
+// Serial-dilute XY steps on their way to the file: whole file units, rounded half away from zero.
+struct SDStepsWriting {
+  static std::optional<std::string> Write(std::int32_t steps, const StepFactors& factors) {
+    const auto units = Quotient(steps, factors.SDXY);
+    return units ? std::optional{PictureText(*units, NumberPicture::Whole)} : std::nullopt;
+  }
+};
+
+// Serial-dilute XY steps, rounded half to even on loading.
+struct SDSteps : SDStepsWriting {
+  static std::optional<std::int32_t> Read(std::string_view text, const StepFactors& factors) {
+    const auto steps = Product(LeadingNumber(text), factors.SDXY);
+    return steps ? RoundHalfToEven<std::int32_t>(*steps) : std::nullopt;
+  }
+};
+
+// Serial-dilute XY steps, rounded half away from zero on loading.
+struct SDStepsByPicture : SDStepsWriting {
+  static std::optional<std::int32_t> Read(std::string_view text, const StepFactors& factors) {
+    const auto steps = Product(LeadingNumber(text), factors.SDXY);
+    return steps ? PictureWhole(*steps) : std::nullopt;
+  }
+};
+
+// Z steps of a nest: millimetres with two decimals in the file.
+struct NestZSteps {
+  static std::optional<std::int32_t> Read(std::string_view text, const StepFactors& factors) {
+    const auto steps = Quotient(LeadingNumber(text), factors.Z);
+    return steps ? PictureWhole(*steps) : std::nullopt;
+  }
+  static std::optional<std::string> Write(std::int32_t steps, const StepFactors& factors) {
+    const auto millimetres = Product(steps, factors.Z);
+    return millimetres ? std::optional{PictureText(*millimetres, NumberPicture::Hundredths)} : std::nullopt;
+  }
+};
+
+// A head offset: strict millimetres in the file, whole motor steps of the given axis in memory.
+template <double StepFactors::*Factor>
+struct OffsetSteps {
+  static std::optional<double> Read(std::string_view text, const StepFactors& factors) {
+    const auto millimetres = StrictNumber(text);
+    const auto steps = millimetres ? Quotient(*millimetres, factors.*Factor) : std::nullopt;
+    return steps ? PictureValue(*steps, NumberPicture::Whole) : std::nullopt;
+  }
+};
+
+}  // namespace zolvane

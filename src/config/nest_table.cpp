@@ -1,0 +1,61 @@
+#include "config/nest_table.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+
+#include "config/record_table.h"
+
+namespace zolvane {
+namespace {
+
+using Nest = Field<NestTypeRecord>;
+constexpr std::size_t placeFields = 6;
+
+// A member of one of the three places.
+template <std::size_t Place, auto Member>
+constexpr auto inPlace = [](auto& nest) -> auto& {
+  return nest.Nests[Place].*Member;
+};
+
+// The six pieces of one place. The label stands before the code in the line.
+template <std::size_t Place>
+constexpr std::array<Nest, placeFields> PlaceFields() {
+  constexpr std::size_t base = 2 + placeFields * Place;
+  return {
+      Nest::Line<inPlace<Place, &NestPosition::Label>, QuotedText>(base),
+      Nest::Line<inPlace<Place, &NestPosition::Code>, BareText>(base + 1),
+      Nest::Line<inPlace<Place, &NestPosition::Setting>, RoundedWhole<std::int16_t>>(base + 2),
+      Nest::Line<inPlace<Place, &NestPosition::X>, SDStepsByPicture>(base + 3),
+      Nest::Line<inPlace<Place, &NestPosition::Y>, SDStepsByPicture>(base + 4),
+      Nest::Line<inPlace<Place, &NestPosition::Z>, NestZSteps>(base + 5),
+  };
+}
+
+constexpr std::array<Nest, 20> NestFields() {
+  std::array<Nest, 20> fields{Nest::Line<&NestTypeRecord::Name, QuotedText>(0),
+                              Nest::Line<&NestTypeRecord::Code, BareText>(1)};
+  std::size_t next = 2;
+  for (const auto& place : {PlaceFields<0>(), PlaceFields<1>(), PlaceFields<2>()}) {
+    for (const auto& field : place) {
+      fields[next++] = field;
+    }
+  }
+  return fields;
+}
+
+constexpr auto nestFields = NestFields();
+constexpr RecordTable<NestTypeRecord> nestTable{nestFields, 20, &NestTypeRecord::ID};
+static_assert(CoversLine<NestTypeRecord>(nestFields, 20));
+
+}  // namespace
+
+NestTypeRecord LoadNestType(const Configuration& configuration, std::string& item, std::string_view file) {
+  return LoadInstalledOr(nestTable, configuration, nestTypeSection, item, file);
+}
+
+void SaveNestType(const Configuration& configuration, const NestTypeRecord& record, std::string_view file) {
+  SaveRecord(nestTable, record, configuration, nestTypeSection, file);
+}
+
+}  // namespace zolvane

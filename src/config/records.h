@@ -1,0 +1,244 @@
+// The records of the configuration tables, as they stand in memory. Fresh records are empty, zero and false.
+//
+// Members named Field followed by a number are kept without interpretation and carry the number of their
+// position in the record line; where the upload or download gives one of them a use, its comment says which.
+// Positions that pass through a step factor are motor steps in memory and file units (millimetres) in the
+// file.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+
+namespace zolvane {
+
+// Section "DeviceType": a model of the instrument, and the device-wide switches of the one that is installed.
+struct DeviceTypeRecord {
+  std::string ID;
+  std::string Name;
+  bool Field1 = false;
+  std::string Code;  // what the instrument reports about itself
+  bool UploadCalibrationData = false;
+  bool DownloadCalibrationData = false;
+  bool ImportCalibrationData = false;
+  bool ExportCalibrationData = false;
+  bool SDXYEncoderStatus = false;
+  double SDXYEncoderMMStepFactorOn = 0.0;   // steps per file unit with encoders
+  double SDXYEncoderMMStepFactorOff = 0.0;  // steps per file unit without
+  bool CollisionDetectEnableZ = false;
+  bool ZCollisionStatus = false;
+  bool CollisionDetectEnableSDXY = false;
+  bool SDXYCollisionStatus = false;
+};
+
+// Section "CageType": a carrier of pipetting modules.
+struct CageTypeRecord {
+  std::string ID;
+  std::string Name;
+  std::string Code;  // "MICROTITER", "SERIALDILUTE"
+  bool Field2 = false;
+  std::int32_t CageReleaseBarHeight = 0;
+  std::int32_t CageReleaseHeight = 0;
+  bool Field3 = false;
+  bool Field4 = false;
+  std::int32_t Field5 = 0;  // head-change S, steps
+  std::int32_t Field6 = 0;
+  std::int32_t Field7 = 0;  // tip-change S, steps
+  std::int32_t Field8 = 0;
+};
+
+// Section "HeadType": a pipette head. The five offsets are named in millimetres, as their keys are; in memory
+// they hold motor steps.
+struct HeadTypeRecord {
+  std::string ID;
+  std::string Name;
+  std::string Code;  // the head's class: "MICROTITER", "SERIALDILUTE", "CALIBRATE"
+  double Field2 = 0.0;
+  double TipVolume = 0.0;  // microlitres
+  double Field4 = 0.0;
+  std::int16_t Field5 = 0;  // channel count
+  double Field6 = 0.0;
+  bool Field7 = false;
+  bool Field8 = false;
+  bool Field9 = false;
+  std::int32_t Field10 = 0;  // serial-dilute head-eject S, steps
+  std::int32_t Field11 = 0;  // serial-dilute head-lock S, steps
+  double Field14 = 0.0;      // drop-off Z
+  double Field15 = 0.0;      // pick-up Z
+  std::string ChannelCode;   // the head's name: "1_CH_SHORT", "1_CH_LONG", "8_CH", "12_CH"
+  bool Field17 = false;
+  std::int32_t Field12 = 0;    // aspirate origin, steps
+  double Field13 = 0.0;        // tip-eject S
+  double TipMountDepth = 0.0;  // of the head's tip volume, taken from the height calibration on loading
+  std::string Field18;         // RFID identifier
+  double SDTeachToolOffsetMM = 0.0;
+  double SDHomeSensorSeekOffsetMM = 0.0;
+  double SDPreCollectHeightMM = 0.0;
+  double SDRFIDReadHeightMM = 0.0;
+  double SDHeadEjectOffsetMM = 0.0;
+};
+
+// Section "TipType": a kind of tip.
+struct TipTypeRecord {
+  std::string ID;
+  std::string Name;
+  std::string Code;  // the tip's class
+  double Field2 = 0.0;
+  double Field3 = 0.0;
+  std::int16_t Field4 = 0;
+  std::int16_t Field5 = 0;
+  bool Field6 = false;
+  std::int32_t Field7 = 0;  // rack-eject Z
+  std::int32_t Field8 = 0;  // rack-pick-up Z
+  std::int32_t Field9 = 0;  // chute-eject Z
+  double Field10 = 0.0;
+  std::int32_t Field11 = 0;
+  bool Field12 = false;
+  bool Field13 = false;
+  bool Field14 = false;  // first tip-size flag (1250 microlitres)
+  bool Field15 = false;  // second tip-size flag
+  bool Field16 = false;  // third tip-size flag
+  bool Field17 = false;  // fourth tip-size flag
+  std::string Field18;   // name of the tip's volume-correction section
+  double TipChuteClearOffset = 0.0;
+};
+
+// One line "Axis1", "Axis2", ... of the section of the current device and cage.
+struct AxisRecord {
+  bool Defined = false;
+  std::string Name;
+  float UnitsPerStep = 0.0F;  // millimetres per step
+  std::int32_t Field3 = 0;
+  std::int32_t Field4 = 0;
+  std::int32_t Field5 = 0;
+  std::int32_t Field6 = 0;
+  std::int32_t Field7 = 0;
+  std::int32_t Field8 = 0;
+  std::int16_t Field9 = 0;
+  std::int16_t Field10 = 0;
+  std::int16_t Field11 = 0;
+  std::int16_t Field12 = 0;
+  std::int16_t Field13 = 0;
+  std::int16_t Field14 = 0;
+  std::int32_t Field15 = 0;
+};
+
+// Section "PlateType": the labware library. The two SBSA1 values are one pair for the whole section.
+struct PlateTypeRecord {
+  std::string Key;
+  std::string Name;
+  std::string Field2;
+  std::int16_t Field3 = 0;
+  std::int16_t Field4 = 0;
+  double Field5 = 0.0;
+  double Field6 = 0.0;
+  double Field7 = 0.0;
+  double Field8 = 0.0;
+  double Field9 = 0.0;
+  double Field10 = 0.0;
+  std::string Field11;
+  double Field12 = 0.0;
+  double Field13 = 0.0;
+  double Field14 = 0.0;
+  bool Field15 = false;
+  double SBSA1Xmm = 0.0;
+  double SBSA1Ymm = 0.0;
+  bool Field16 = false;
+  bool Field17 = false;
+  bool Field18 = false;
+  bool Field19 = false;
+  bool Field20 = false;
+  bool Field21 = false;
+};
+
+// Section "Calibration_" and the device's name: the stage calibration table.
+struct CalibrationRecord {
+  std::string Key;
+  std::string Name;
+  std::int32_t Field2 = 0;
+  std::int32_t Field3 = 0;
+  std::int32_t Field4 = 0;  // Field4 to Field9: steps
+  std::int32_t Field5 = 0;
+  std::int32_t Field6 = 0;
+  std::int32_t Field7 = 0;
+  std::int32_t Field8 = 0;
+  std::int32_t Field9 = 0;
+};
+
+// Section "Position_" and the device's name: a place on the stage.
+struct PositionRecord {
+  std::string Key;
+  std::string PositionName;  // "STAGE1", "TIPCHUTE", ...
+  std::string Name;          // the display name; empty at the end of the table
+  std::string Field3;
+  std::int32_t Field4 = 0;  // stage X, motor counts
+  std::int32_t Field5 = 0;  // stage Y, motor counts
+  std::int32_t X = 0;       // serial-dilute X, steps
+  std::int32_t Y = 0;       // serial-dilute Y, steps
+  std::int32_t Field8 = 0;  // Field8 to Field11: steps
+  std::int32_t Field9 = 0;
+  std::int32_t Field10 = 0;
+  std::int32_t Field11 = 0;
+  bool Flag12 = false;
+  bool NotFlag12 = false;  // the negation of the flag in the line, derived on loading and never stored
+  bool Flag13 = false;
+  std::string Field14;
+  bool Flag15 = false;
+  bool Flag16 = false;
+};
+
+// Section "Z_Calibration": the heights. The names' irregular capitals are part of the file's format.
+struct ZCalibrationRecord {
+  double MountHeight = 0.0;
+  double StageHeightLower = 0.0;
+  double StageHeightUpper = 0.0;
+  double HeadDepth_1ch_Short = 0.0;
+  double Headdepth_1ch_Long = 0.0;
+  double HeadDepth_8ch = 0.0;
+  double HeadDepth_12ch = 0.0;
+  double HeadDepth_96_384 = 0.0;
+  double HeadDepth_TeachTool_1Ch = 0.0;
+  double HeadDepth_TeachTool_96_384 = 0.0;
+  double NestDepth_Y = 0.0;
+  double NestDepth_XY_6 = 0.0;
+  double TipMountDepth12 = 0.0;
+  double TipMountDepth30 = 0.0;
+  double TipMountDepth125 = 0.0;
+  double TipMountDepth300 = 0.0;
+  double TipMountDepth1250 = 0.0;
+  double CalibrationPlateDepth = 0.0;
+  double DeltaZ = 0.0;
+  double DeltaZTolerance = 0.0;
+};
+
+// Section "NestCalibration".
+struct NestCalibrationRecord {
+  std::string Key;
+  std::string Name;
+  std::int32_t Value1 = 0;  // Value1 to Value6: steps
+  std::int32_t Value2 = 0;
+  std::int32_t Value3 = 0;
+  std::int32_t Value4 = 0;
+  std::int32_t Value5 = 0;
+  std::int32_t Value6 = 0;
+};
+
+// One of the three places of a nest.
+struct NestPosition {
+  std::string Code;
+  std::string Label;
+  std::int16_t Setting = 0;
+  std::int32_t X = 0;  // steps
+  std::int32_t Y = 0;  // steps
+  std::int32_t Z = 0;  // steps
+};
+
+// Section "NestType": a holder in which pipette heads are parked.
+struct NestTypeRecord {
+  std::string ID;
+  std::string Name;
+  std::string Code;  // "NEST8", "NEST12"
+  std::array<NestPosition, 3> Nests;
+};
+
+}  // namespace zolvane

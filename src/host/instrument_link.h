@@ -1,0 +1,29 @@
+// The host object through which every instrument command travels.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "host/status.h"
+
+namespace zolvane {
+
+class InstrumentLink {
+ public:
+  virtual ~InstrumentLink() = default;
+
+  // The stop flag: cleared by the add-in before each command, raised by the link when the user asks to stop.
+  virtual std::optional<bool> Stop() = 0;
+  virtual Status SetStop(bool stop) = 0;
+
+  // The hold flag: true from the add-in's first command until the page detaches.
+  virtual Status SetHold(bool hold) = 0;
+
+  // Sends one command line (no terminator) and waits for its reply. True when the instrument answered; false
+  // when it did not, with `reply` as the link left it. Nothing when the call itself failed. `number` is
+  // always 0.
+  virtual std::optional<bool> SendCommand(std::string& command, std::string& reply, std::int32_t number) = 0;
+};
+
+}  // namespace zolvane
