@@ -93,7 +93,7 @@ struct DecimalForm {
 
 DecimalForm ToDecimalForm(double value) {
   std::array<char, 64> buffer{};
-  const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), std::abs(value),
+  const auto* const end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), std::abs(value),
                                  std::chars_format::scientific, significantDigits - 1)
                        .ptr;
   const std::string_view text{buffer.data(), static_cast<std::size_t>(end - buffer.data())};
@@ -135,14 +135,13 @@ std::string ExponentText(const std::string& digits, int exponent) {
 
 // Adds one in the last place.
 void CarryUp(std::string& digits) {
-  for (auto digit = digits.rbegin(); digit != digits.rend(); ++digit) {
-    if (*digit != '9') {
-      ++*digit;
-      return;
-    }
-    *digit = '0';
+  const auto lastBelowNine = digits.find_last_not_of('9');
+  if (lastBelowNine == std::string::npos) {
+    digits.assign(digits.size(), '0').insert(0, 1, '1');
+    return;
   }
-  digits.insert(0, 1, '1');
+  ++digits[lastBelowNine];
+  std::fill(digits.begin() + static_cast<std::ptrdiff_t>(lastBelowNine) + 1, digits.end(), '0');
 }
 
 // All digits down to the last decimal place, rounded half away from zero: value times ten to the power

@@ -1,0 +1,38 @@
+# Sourced by ./run and ./test: installs the Debian packages that are missing, and says nothing when none is.
+
+install_packages() {
+  local missing=() package
+  for package in "$@"; do
+    [[ "$(dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null)" == installed ]] || missing+=("$package")
+  done
+  ((${#missing[@]})) || return 0
+  echo "Installing: ${missing[*]}" >&2
+  local as_root=()
+  ((EUID == 0)) || as_root=(sudo)
+  local log
+  log=$(mktemp)
+  if ! { "${as_root[@]}" apt-get update -qq &&
+    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}"; } \
+    >"$log" 2>&1; then
+    cat "$log" >&2
+    echo "Could not install ${missing[*]}. Install them by hand and try again." >&2
+    return 1
+  fi
+  rm -f "$log"
+}
+
+build_packages=(g++ cmake ninja-build libcli11-dev nlohmann-json3-dev libasio-dev)
+test_packages=(libgtest-dev gcovr)
+benchmark_packages=(libbenchmark-dev)
+
+# Configures and builds a preset, and shows what the tools said only when they failed.
+build_preset() {
+  local root=$1 preset=$2
+  mkdir -p "$root/build"
+  local log="$root/build/$preset.log"
+  if ! (cd "$root" && cmake --preset "$preset" && cmake --build --preset "$preset") >"$log" 2>&1; then
+    cat "$log" >&2
+    echo "The build failed; the lines above are in $log." >&2
+    return 1
+  fi
+}
