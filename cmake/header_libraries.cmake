@@ -1,0 +1,21 @@
+# The header-only libraries of the bench. A cross compiler must not see the build machine's system headers, so for
+# Windows the three libraries are linked into a folder of their own.
+if(WIN32)
+  set(header_folder ${CMAKE_BINARY_DIR}/header_libraries)
+  file(MAKE_DIRECTORY ${header_folder})
+  foreach(entry CLI nlohmann asio asio.hpp)
+    file(CREATE_LINK /usr/include/${entry} ${header_folder}/${entry} SYMBOLIC)
+  endforeach()
+  add_library(zolvane_header_libraries INTERFACE)
+  target_include_directories(zolvane_header_libraries SYSTEM INTERFACE ${header_folder})
+  target_compile_definitions(zolvane_header_libraries INTERFACE _WIN32_WINNT=0x0601 NOMINMAX WIN32_LEAN_AND_MEAN)
+  target_link_libraries(zolvane_header_libraries INTERFACE ws2_32 mswsock)
+else()
+  find_package(CLI11 REQUIRED)
+  find_package(nlohmann_json REQUIRED)
+  find_package(Threads REQUIRED)
+  add_library(zolvane_header_libraries INTERFACE)
+  target_link_libraries(zolvane_header_libraries INTERFACE CLI11::CLI11 nlohmann_json::nlohmann_json
+                                                           Threads::Threads)
+endif()
+target_compile_definitions(zolvane_header_libraries INTERFACE ASIO_STANDALONE ASIO_NO_DEPRECATED)
