@@ -94,8 +94,8 @@ struct DecimalForm {
 DecimalForm ToDecimalForm(double value) {
   std::array<char, 64> buffer{};
   const auto* const end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), std::abs(value),
-                                 std::chars_format::scientific, significantDigits - 1)
-                       .ptr;
+                                        std::chars_format::scientific, significantDigits - 1)
+                              .ptr;
   const std::string_view text{buffer.data(), static_cast<std::size_t>(end - buffer.data())};
   const auto mark = text.find('e');
   DecimalForm form{

@@ -64,17 +64,8 @@ void SaveZCalibration(const Configuration& configuration, const ZCalibrationReco
 
 NestCalibrationRecord LoadNestCalibration(const Configuration& configuration, const std::string& item,
                                           std::string_view name, std::string_view file) {
-  if (!item.empty()) {
-    return LoadRecord(nestCalibrationTable, configuration, nestCalibrationSection, item, file);
-  }
-  if (name.empty()) {
-    return {};
-  }
-  return FindRecord(
-      [&configuration](const std::string& number) {
-        return LoadNestCalibration(configuration, number, "", "");
-      },
-      [name](const NestCalibrationRecord& record) { return record.Name == name; });
+  return LoadByItemOrName(nestCalibrationTable, configuration, nestCalibrationSection, item,
+                          &NestCalibrationRecord::Name, name, file);
 }
 
 void SaveNestCalibration(const Configuration& configuration, const NestCalibrationRecord& record,

@@ -176,17 +176,8 @@ void SaveCalibration(const Configuration& configuration, const CalibrationRecord
 
 PositionRecord LoadPosition(const Configuration& configuration, const std::string& item,
                             std::string_view name, std::string_view file) {
-  const auto load = [&configuration](const std::string& number, std::string_view source) {
-    return LoadRecord(positionTable, configuration, PositionSection(configuration.Current), number, source);
-  };
-  if (!item.empty()) {
-    return load(item, file);
-  }
-  if (name.empty()) {
-    return {};
-  }
-  return FindRecord([&load](const std::string& number) { return load(number, ""); },
-                    [name](const PositionRecord& record) { return record.PositionName == name; });
+  return LoadByItemOrName(positionTable, configuration, PositionSection(configuration.Current), item,
+                          &PositionRecord::PositionName, name, file);
 }
 
 void SavePosition(const Configuration& configuration, const PositionRecord& record, std::string_view file) {

@@ -244,4 +244,22 @@ void ForEachRecordAndTheEnd(Load load, Visit visit) {
   });
 }
 
+// Loads an item from the file; without an item, the first record whose `member` equals the name. The lookup
+// always searches the configuration file and gives the end record when nothing matches. Without item and
+// name: an empty record.
+template <class Record>
+Record LoadByItemOrName(const RecordTable<Record>& table, const Configuration& configuration,
+                        std::string_view section, const std::string& item, std::string Record::*member,
+                        std::string_view name, std::string_view file) {
+  if (!item.empty()) {
+    return LoadRecord(table, configuration, section, item, file);
+  }
+  if (name.empty()) {
+    return {};
+  }
+  return FindRecord(
+      [&](const std::string& number) { return LoadRecord(table, configuration, section, number, ""); },
+      [&](const Record& record) { return record.*member == name; });
+}
+
 }  // namespace zolvane

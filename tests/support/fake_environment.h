@@ -27,6 +27,9 @@ class FakeEnvironment final : public Environment {
   std::string Folder = "/add-in";
   std::shared_ptr<FakeSettings> Settings;
 
+  // A settings-file service to hand out instead.
+  std::shared_ptr<IniFileService> OtherSettings;
+
   // The buttons that close the coming message boxes. When they are used up, OK.
   std::deque<std::int32_t> BoxAnswers;
 
@@ -44,7 +47,10 @@ class FakeEnvironment final : public Environment {
   std::string ProgramFolder() override { return Folder; }
 
   std::shared_ptr<IniFileService> CreateIniFileService() override {
-    return journal_.Fails("create settings service") ? nullptr : Settings;
+    if (journal_.Fails("create settings service")) {
+      return nullptr;
+    }
+    return OtherSettings ? OtherSettings : Settings;
   }
 
   Status AppendBlankLine(const std::string& file) override {

@@ -16,8 +16,10 @@
 #include <string>
 #include <vector>
 
+#include "host/host_attachment.h"
 #include "host/host_object.h"
 #include "host/host_window.h"
+#include "support/fake_environment.h"
 #include "support/journal.h"
 
 namespace zolvane {
@@ -206,6 +208,18 @@ class FakeWindow final : public HostWindow {
 
  private:
   Journal& journal_;
+};
+
+// Everything around the add-in, on one journal.
+struct FakeHost {
+  Journal Calls;
+  FakeEnvironment Process{Calls};
+  std::shared_ptr<FakeHostObject> Object = std::make_shared<FakeHostObject>(Calls);
+  std::shared_ptr<FakeWindow> Window = std::make_shared<FakeWindow>(Calls);
+
+  FakeSettings& Settings() { return *Process.Settings; }
+  FakeLink& Link() { return *Object->TheLink; }
+  HostAttachment Attached() { return {.ObjectParent = Object, .FormParent = Window, .Panel = Window->Panel}; }
 };
 
 }  // namespace zolvane
