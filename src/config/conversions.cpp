@@ -179,6 +179,10 @@ std::string PictureOfMagnitude(const DecimalForm& form, int decimals) {
   return digits;
 }
 
+std::string WithMinus(std::string text) {
+  return text.insert(0, 1, '-');
+}
+
 bool ShowsZero(std::string_view digits) {
   return digits.find_first_of("123456789") == std::string_view::npos;
 }
@@ -265,13 +269,13 @@ std::string GeneralText(double value) {
   const bool isPlain = magnitude == 0.0 || (magnitude >= smallestPlain && magnitude < firstWithExponent);
   const std::string text = isPlain ? PlainText(form.Digits, form.PointPosition)
                                    : ExponentText(form.Digits, form.PointPosition - 1);
-  return form.IsNegative ? "-" + text : text;
+  return form.IsNegative ? WithMinus(text) : text;
 }
 
 std::string PictureText(double value, NumberPicture picture) {
   const DecimalForm form = ToDecimalForm(value);
   const std::string digits = PictureOfMagnitude(form, DecimalsOf(picture));
-  return form.IsNegative && !ShowsZero(digits) ? "-" + digits : digits;
+  return form.IsNegative && !ShowsZero(digits) ? WithMinus(digits) : digits;
 }
 
 std::optional<double> PictureValue(double value, NumberPicture picture) {
@@ -284,7 +288,7 @@ std::optional<std::int32_t> PictureWhole(double value) {
 }
 
 std::string NegatedPictureText(double value) {
-  return "-" + PictureOfMagnitude(ToDecimalForm(value), DecimalsOf(NumberPicture::Whole));
+  return WithMinus(PictureOfMagnitude(ToDecimalForm(value), DecimalsOf(NumberPicture::Whole)));
 }
 
 }  // namespace zolvane

@@ -1,0 +1,362 @@
+#include "bench/actions.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <charconv>
+#include <fstream>
+#include <istream>
+#include <iterator>
+#include <limits>
+#include <system_error>
+
+#include "bench/console.h"
+#include "bench/joined.h"
+#include "bench/paths.h"
+#include "bench/usage_error.h"
+#include "config/text.h"
+
+namespace zolvane {
+namespace {
+
+using Words = std::vector<std::string>;
+
+// ---- Arguments
+// ----------------------------------------------------------------------------------------------
+
+bool IsNumber(std::string_view digits) {
+  return !digits.empty() && digits.find_first_not_of("0123456789") == std::string_view::npos;
+}
+
+// Numbers that no button can have become the largest or smallest number; they have no button either.
+int ButtonIndex(std::string_view word) {
+  const bool isNegative = word.starts_with('-');
+  if (!IsNumber(word.substr(isNegative || word.starts_with('+') ? 1 : 0))) {
+    throw UsageError{Joined("press takes the number of a button, not ", Quoted(word))};
+  }
+  const auto digits = word.substr(word.starts_with('+') ? 1 : 0);
+  int index = 0;
+  const auto parsed = std::from_chars(digits.data(), digits.data() + digits.size(), index);
+  if (parsed.ec == std::errc::result_out_of_range) {
+    return isNegative ? std::numeric_limits<int>::min() : std::numeric_limits<int>::max();
+  }
+  return index;
+}
+
+// The position of the row of that name in any case.
+template <class Rows>
+std::size_t RowNamed(const Rows& rows, std::string_view name, std::string_view kind) {
+  std::string names;
+  for (std::size_t row = 0; row < rows.size(); ++row) {
+    if (EqualIgnoringCase(rows[row].Name, name)) {
+      return row;
+    }
+    names.append(names.empty() ? "" : row + 1 == rows.size() ? " and " : ", ").append(rows[row].Name);
+  }
+  throw UsageError{Joined("there is no ", kind, " ", Quoted(name), "; there are ", names)};
+}
+
+std::string DialogueFile(std::string_view file) {
+  if (file.empty()) {
+    throw UsageError{"the name of the file is empty"};
+  }
+  return AbsolutePath(file);
+}
+
+// ---- The commands
+// -------------------------------------------------------------------------------------------
+
+Action ShowPage(const Words&) {
+  return {.Kind = ActionKind::ShowPage};
+}
+
+Action ShowScript(const Words&) {
+  return {.Kind = ActionKind::ShowScript};
+}
+
+template <int button>
+Action PressOperation(const Words&) {
+  return {.Kind = ActionKind::PressButton, .Button = button};
+}
+
+template <int button>
+Action PressFileOperation(const Words& words) {
+  Action action{.Kind = ActionKind::PressButton, .Button = button};
+  if (words.size() > 1) {
+    action.File = DialogueFile(words[1]);
+  }
+  return action;
+}
+
+Action PressByIndex(const Words& words) {
+  return {.Kind = ActionKind::PressButton, .Button = ButtonIndex(words[1])};
+}
+
+Action SelectEntry(const Words& words) {
+  const auto row = RowNamed(listRows, words[1], "list");
+  return {.Kind = ActionKind::SelectEntry, .List = static_cast<ListControl>(row), .Entry = words[2]};
+}
+
+Action TickBox(const Words& words) {
+  const auto row = RowNamed(checkRows, words[1], "check box");
+  const auto& value = words[2];
+  if (value.size() != 1 || value[0] < '0' || value[0] > '2') {
+    throw UsageError{Joined("tick takes 0, 1 or 2, not ", Quoted(value))};
+  }
+  return {.Kind = ActionKind::SetCheck, .Box = static_cast<CheckControl>(row), .Value = value[0] - '0'};
+}
+
+struct CommandRow {
+  std::string_view Name;
+  std::string_view Usage;
+  std::string_view Effect;
+  std::size_t LeastWords;
+  std::size_t MostWords;
+  Action (*Make)(const Words& words);  // null: a run file
+};
+
+constexpr std::string_view runCommand = "run";
+constexpr std::string_view pressCommand = "press";
+
+constexpr std::array<CommandRow, 10> commandRows{{
+    {"page", "page", "print the page as it is loaded", 1, 1, ShowPage},
+    {"query", "query", "ask the instrument which hardware is fitted (button 2)", 1, 1,
+     PressOperation<queryButton>},
+    {"upload", "upload", "send the calibration data to the instrument (button 0)", 1, 1,
+     PressOperation<uploadButton>},
+    {"download", "download", "fetch the calibration data from the instrument (button 1)", 1, 1,
+     PressOperation<downloadButton>},
+    {"import", "import [FILE]", "load the tables of a backup file (button 3)", 1, 2,
+     PressFileOperation<importButton>},
+    {"export", "export [FILE]", "save the tables to a backup file (button 4)", 1, 2,
+     PressFileOperation<exportButton>},
+    {pressCommand, "press N", "press the button of any number; --file FILE for its file dialogue", 2, 2,
+     PressByIndex},
+    {"select", "select LIST ENTRY", "pick an entry of a list by its text, or by position as #0", 3, 3,
+     SelectEntry},
+    {"tick", "tick BOX VALUE", "set a check box to 0, 1 or 2", 3, 3, TickBox},
+    {"script", "script", "print the lines that an upload would send, and send nothing", 1, 1, ShowScript},
+}};
+
+constexpr CommandRow runRow{
+    runCommand, "run FILE", "do the commands in a file, one per line; - is standard input", 2, 2, nullptr};
+
+const CommandRow& RowOfCommand(std::string_view name) {
+  const auto found = std::ranges::find(commandRows, name, &CommandRow::Name);
+  if (found != commandRows.end()) {
+    return *found;
+  }
+  if (name == runCommand) {
+    return runRow;
+  }
+  throw UsageError{Joined("there is no command ", Quoted(name), "; see zolvane-bench --help")};
+}
+
+const CommandRow& CheckedRow(const Words& words) {
+  const auto& row = RowOfCommand(words.front());
+  if (words.size() < row.LeastWords || words.size() > row.MostWords) {
+    const bool isShort = words.size() < row.LeastWords;
+    throw UsageError{
+        Joined(row.Name, " has too ", isShort ? "few" : "many", " arguments; it is used as: ", row.Usage)};
+  }
+  return row;
+}
+
+std::string WrittenAs(const Words& words) {
+  std::string text;
+  for (const auto& word : words) {
+    const bool needsQuotes = word.empty() || word.find_first_of(" \t\"") != std::string::npos;
+    text.append(text.empty() ? "" : " ").append(needsQuotes ? InQuotes(Replaced(word, "\"", "\"\"")) : word);
+  }
+  return text;
+}
+
+Action MakeAction(const CommandRow& row, const Words& words, const std::optional<std::string>& file) {
+  if (file && row.Name != pressCommand) {
+    throw UsageError{Joined("--file goes with press; ", row.Name, " is used as: ", row.Usage)};
+  }
+  Action action = row.Make(words);
+  action.Command = WrittenAs(words);
+  if (file) {
+    action.File = DialogueFile(*file);
+  }
+  return action;
+}
+
+// ---- Run files
+// ----------------------------------------------------------------------------------------------
+
+constexpr std::string_view standardInput = "-";
+
+// Beyond that it is no list of commands that somebody wrote.
+constexpr std::size_t largestRunFile = std::size_t{16} * 1024 * 1024;
+constexpr std::size_t mostActions = 1'000'000;
+
+class RunFileReader {
+ public:
+  explicit RunFileReader(std::istream& input) : input_{input} {}
+
+  void Read(const std::string& file, std::vector<Action>& actions) {
+    const bool isInput = file == standardInput;
+    const std::string name = isInput ? "standard input" : Printable(file);
+    const std::string identity = isInput ? file : AbsolutePath(file);
+    if (std::ranges::find(open_, identity) != open_.end()) {
+      throw UsageError{Joined(name, " runs itself")};
+    }
+    const std::string text = isInput ? Content(input_, name) : ContentOf(file, name);
+    open_.push_back(identity);
+    ReadLines(text, name, actions);
+    open_.pop_back();
+  }
+
+ private:
+  static std::string ContentOf(const std::string& file, const std::string& name) {
+    std::error_code failure;
+    if (std::filesystem::is_directory(PathOf(file), failure)) {
+      throw UsageError{Joined(name, " is a folder and no run file")};
+    }
+    errno = 0;
+    std::ifstream stream{PathOf(file), std::ios::binary};
+    if (!stream) {
+      throw UsageError{
+          Joined("the run file ", name, " cannot be opened: ", std::generic_category().message(errno))};
+    }
+    return Content(stream, name);
+  }
+
+  static std::string Content(std::istream& stream, const std::string& name) {
+    std::string text;
+    std::array<char, 65536> piece{};
+    while (stream && text.size() <= largestRunFile) {
+      stream.read(piece.data(), piece.size());
+      text.append(piece.data(), static_cast<std::size_t>(stream.gcount()));
+    }
+    if (text.size() > largestRunFile) {
+      throw UsageError{Joined(name, " is too large to be a list of commands")};
+    }
+    if (stream.bad()) {
+      throw UsageError{Joined(name, " cannot be read to its end")};
+    }
+    return text;
+  }
+
+  void ReadLines(std::string_view text, const std::string& name, std::vector<Action>& actions) {
+    constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+    if (text.starts_with(byteOrderMark)) {
+      text.remove_prefix(byteOrderMark.size());
+    }
+    for (std::size_t number = 1; !text.empty(); ++number) {
+      const auto end = text.find('\n');
+      auto line = text.substr(0, end);
+      if (line.ends_with('\r')) {
+        line.remove_suffix(1);
+      }
+      ReadLine(Trimmed(line), Joined(name, ", line ", std::to_string(number)), actions);
+      text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
+    }
+  }
+
+  void ReadLine(std::string_view line, const std::string& place, std::vector<Action>& actions) {
+    if (line.empty() || line.starts_with('#')) {
+      return;
+    }
+    try {
+      AddActions(SplitWords(line), place, actions);
+    } catch (const UsageError& error) {
+      throw UsageError{Joined(place, ": ", error.what())};
+    }
+  }
+
+  void AddActions(Words words, const std::string& place, std::vector<Action>& actions) {
+    const auto file = TakeFileOption(words);
+    const auto& row = CheckedRow(words);
+    if (row.Make == nullptr) {
+      Read(words[1], actions);
+      return;
+    }
+    if (actions.size() >= mostActions) {
+      throw UsageError{Joined("there are more than ", std::to_string(mostActions), " commands")};
+    }
+    actions.push_back(MakeAction(row, words, file));
+    actions.back().Place = place;
+  }
+
+  // "press 3 --file backup.bak": the one option that belongs to a command.
+  static std::optional<std::string> TakeFileOption(Words& words) {
+    constexpr std::string_view option = "--file";
+    const auto found = std::ranges::find(words, option);
+    if (found == words.end()) {
+      return std::nullopt;
+    }
+    if (std::next(found) == words.end()) {
+      throw UsageError{"--file needs the name of a file"};
+    }
+    std::string file = *std::next(found);
+    words.erase(found, std::next(found, 2));
+    if (words.empty()) {
+      throw UsageError{"--file goes with press"};
+    }
+    return file;
+  }
+
+  std::istream& input_;
+  std::vector<std::string> open_;
+};
+
+}  // namespace
+
+Job ParseJob(const Words& words, const std::optional<std::string>& file, std::istream& input) {
+  if (words.empty()) {
+    throw UsageError{"no command is given; see zolvane-bench --help"};
+  }
+  const auto& row = CheckedRow(words);
+  if (row.Make != nullptr) {
+    return {.Actions = {MakeAction(row, words, file)}, .IsRun = false};
+  }
+  if (file) {
+    throw UsageError{"--file goes with press; in a run file it stands in the line of its press"};
+  }
+  Job job{.Actions = {}, .IsRun = true};
+  RunFileReader{input}.Read(words[1], job.Actions);
+  return job;
+}
+
+std::vector<std::string> SplitWords(std::string_view line) {
+  constexpr std::string_view blanks = " \t";
+  std::vector<std::string> words;
+  bool isInWord = false;
+  bool isQuoted = false;
+  for (std::size_t at = 0; at < line.size(); ++at) {
+    const char character = line[at];
+    if (!isQuoted && blanks.find(character) != std::string_view::npos) {
+      isInWord = false;
+      continue;
+    }
+    if (!isInWord) {
+      words.emplace_back();
+      isInWord = true;
+    }
+    if (character != '"') {
+      words.back() += character;
+    } else if (isQuoted && at + 1 < line.size() && line[at + 1] == '"') {
+      words.back() += line[++at];
+    } else {
+      isQuoted = !isQuoted;
+    }
+  }
+  if (isQuoted) {
+    throw UsageError{"a double quote is not closed"};
+  }
+  return words;
+}
+
+std::vector<CommandHelp> CommandsHelp() {
+  std::vector<CommandHelp> help;
+  for (const auto& row : commandRows) {
+    help.push_back({row.Usage, row.Effect});
+  }
+  help.push_back({runRow.Usage, runRow.Effect});
+  return help;
+}
+
+}  // namespace zolvane

@@ -1,0 +1,332 @@
+#include "bench/bench_host.h"
+
+#include <utility>
+
+#include "bench/joined.h"
+#include "bench/paths.h"
+#include "bench/settings/file_settings_service.h"
+#include "host/dialogues.h"
+
+namespace zolvane {
+
+// What the host's objects share.
+struct HostState {
+  HostState(const BenchHost::Setup& setup, Questioner* terminal, Console& out)
+      : Host{setup}, Out{out}, Desk{setup.Answers, terminal, [this](const std::string& text) {
+                                      Misuse(text);
+                                    }} {}
+
+  void Complain(std::string_view text) { Out.Error(Joined(Place, text)); }
+
+  void Misuse(std::string_view text) {
+    Now.WasMisused = true;
+    Complain(text);
+  }
+
+  BenchHost::Setup Host;
+  Console& Out;
+  AnswerDesk Desk;
+  std::shared_ptr<FileSettingsService> Files = std::make_shared<FileSettingsService>();
+  Happenings Now;
+  std::string Place;  // of the command, in front of a complaint
+  std::optional<std::string> DialogueFile;
+  std::string StatusText;
+  std::optional<bool> Changed;
+};
+
+namespace {
+
+constexpr std::int32_t iconMask = 0xF0;
+
+// ---- Boxes
+// --------------------------------------------------------------------------------------------------
+
+// Whoever was not asked is told. What explains why a command was not carried out is an error.
+void TellAnswer(HostState& state, const Question& question, const Answer& answer) {
+  const auto box = Joined(Printable(question.Title), ": ", OneLine(question.Text));
+  const auto button = ButtonName(answer.Button);
+  switch (answer.By) {
+    case AnsweredBy::OnlyButton:
+      return (question.Style & iconMask) == message_style::informationIcon ? state.Out.Note(box)
+                                                                           : state.Complain(box);
+    case AnsweredBy::List:
+      return state.Out.Note(Joined(box, " (--answer: ", button, ")"));
+    case AnsweredBy::Affirmation:
+      return state.Out.Note(Joined(box, " (--yes: ", button, ")"));
+    case AnsweredBy::Caution:
+      return state.Complain(
+          Joined(box, " (", button, ", as nobody answered; --yes and --answer answer for you)"));
+    case AnsweredBy::User:
+      return;
+  }
+}
+
+std::int32_t AskUser(HostState& state, const Question& question) {
+  state.Out.ClearStatus();
+  const Answer answer = state.Desk.AnswerTo(question);
+  TellAnswer(state, question, answer);
+  state.Now.Messages.push_back({.Title = question.Title, .Text = question.Text, .Answer = answer.Button});
+  state.Now.WasCancelled |= answer.Button == message_answer::cancel || answer.Button == message_answer::no;
+  state.Now.WasRefused |= (question.Style & iconMask) == message_style::stopIcon;
+  return answer.Button;
+}
+
+class BenchDialog final : public HostDialog {
+ public:
+  explicit BenchDialog(HostState& state) : state_{state} {}
+
+  Status SetStyle(std::int16_t style) override {
+    question_.Style = style;
+    return Status::Success();
+  }
+
+  Status SetTitle(const std::string& title) override {
+    question_.Title = title;
+    return Status::Success();
+  }
+
+  Status SetMessage(const std::string& message) override {
+    question_.Text = message;
+    return Status::Success();
+  }
+
+  Status Show(bool show) override {
+    isOpen_ = show;
+    return Status::Success();
+  }
+
+  // The first look finds the dialogue still open, as it is in a host where a person answers.
+  std::optional<std::int16_t> Result() override {
+    constexpr std::int16_t stillOpen = -1;
+    if (isOpen_ && !std::exchange(wasLookedAt_, true)) {
+      return stillOpen;
+    }
+    if (std::exchange(isOpen_, false)) {
+      result_ = static_cast<std::int16_t>(AskUser(state_, question_));
+    }
+    return result_;
+  }
+
+ private:
+  HostState& state_;
+  Question question_;
+  bool isOpen_ = false;
+  bool wasLookedAt_ = false;
+  std::int16_t result_ = 0;
+};
+
+// ---- Settings files
+// -----------------------------------------------------------------------------------------
+
+// The first failure of a command is told, the others are counted.
+Status CountWrite(HostState& state, const Status& status, std::string_view what, std::string_view file) {
+  if (status.Ok()) {
+    ++state.Now.ValuesWritten;
+  } else if (++state.Now.WritesFailed == 1) {
+    state.Complain(Joined(Printable(what), " could not be written to ", Quoted(file),
+                          "; is the disk full, or the file not writable?"));
+  }
+  return status;
+}
+
+class WatchedSettings final : public IniFileService {
+ public:
+  explicit WatchedSettings(HostState& state) : state_{state} {}
+
+  std::optional<std::string> ReadValue(std::string_view section, std::string_view key, std::string_view file,
+                                       std::string_view fallback) override {
+    return state_.Files->ReadValue(section, key, file, fallback);
+  }
+
+  Status WriteValue(std::string_view section, std::string_view key, std::string_view file,
+                    std::string_view value) override {
+    const Status status = state_.Files->WriteValue(section, key, file, value);
+    const auto place = Joined("[", section, "] ", key);
+    return CountWrite(state_, status, place, file);
+  }
+
+  std::optional<std::vector<std::string>> SplitText(std::string_view delimiter,
+                                                    std::string_view text) override {
+    return state_.Files->SplitText(delimiter, text);
+  }
+
+ private:
+  HostState& state_;
+};
+
+// ---- The process
+// --------------------------------------------------------------------------------------------
+
+class BenchEnvironment final : public Environment {
+ public:
+  explicit BenchEnvironment(HostState& state) : state_{state} {}
+
+  std::string ProgramFolder() override { return state_.Host.Folder; }
+
+  std::shared_ptr<IniFileService> CreateIniFileService() override {
+    return std::make_shared<WatchedSettings>(state_);
+  }
+
+  Status AppendBlankLine(const std::string& file) override {
+    const Status status = state_.Files->AppendBlankLine(file);
+    if (!status.Ok()) {
+      return CountWrite(state_, status, "an empty line", file);
+    }
+    return status;
+  }
+
+  // There are no windows, so no message ever waits.
+  void RunMessageLoopOnce() override {}
+
+  std::optional<std::int32_t> ShowMessageBox(const MessageBoxRequest& request) override {
+    return AskUser(state_, {.Title = request.Title, .Text = request.Text, .Style = request.Style});
+  }
+
+  std::optional<std::string> ShowFileDialogue(FileDialogueKind kind, const FileDialogue& dialogue) override {
+    if (!state_.DialogueFile) {
+      state_.Now.WasCancelled = true;
+      state_.Complain(Joined(Printable(dialogue.Title), ": cancelled, as no FILE was given"));
+      return std::nullopt;
+    }
+    const auto use = kind == FileDialogueKind::Open ? FileUse::ReadOnly : FileUse::ReadAndWrite;
+    if (const auto reason = CheckUsable(*state_.DialogueFile, use)) {
+      state_.Misuse(Joined(Quoted(*state_.DialogueFile), " ", *reason));
+      return std::nullopt;
+    }
+    state_.Now.ChosenFile = state_.DialogueFile;
+    return state_.DialogueFile;
+  }
+
+ private:
+  HostState& state_;
+};
+
+// ---- The host object
+// ----------------------------------------------------------------------------------------
+
+class WatchedLink final : public InstrumentLink {
+ public:
+  WatchedLink(std::shared_ptr<InstrumentLink> inner, HostState& state)
+      : inner_{std::move(inner)}, state_{state} {}
+
+  std::optional<bool> Stop() override {
+    const auto stop = inner_->Stop();
+    state_.Now.WasStopped |= stop.value_or(false);
+    return stop;
+  }
+
+  Status SetStop(bool stop) override { return inner_->SetStop(stop); }
+  Status SetHold(bool hold) override { return inner_->SetHold(hold); }
+
+  std::optional<bool> SendCommand(std::string& command, std::string& reply, std::int32_t number) override {
+    const auto ok = inner_->SendCommand(command, reply, number);
+    Count(command, ok.value_or(false), reply);
+    return ok;
+  }
+
+ private:
+  void Count(const std::string& command, bool ok, const std::string& reply) {
+    auto& now = state_.Now;
+    ++now.CommandsSent;
+    if (!ok) {
+      now.FirstFailedCommand = now.CommandsFailed++ == 0 ? command : now.FirstFailedCommand;
+    } else if (reply.find("SYNTAX_ERROR") != std::string::npos) {
+      ++now.UnknownKeys;
+    }
+    state_.Out.CountCommand();
+  }
+
+  std::shared_ptr<InstrumentLink> inner_;
+  HostState& state_;
+};
+
+class BenchObject final : public HostObject {
+ public:
+  BenchObject(std::shared_ptr<InstrumentLink> link, HostState& state)
+      : link_{std::make_shared<WatchedLink>(std::move(link), state)}, state_{state} {}
+
+  std::shared_ptr<InstrumentLink> Link() override { return link_; }
+
+  // The log repeats what the user is shown; whoever wants its lines finds them in the trace.
+  Status WriteLogLine(const std::string&) override { return Status::Success(); }
+
+  std::optional<bool> HostDialogAvailable() override { return state_.Host.OffersDialog; }
+  std::shared_ptr<HostDialog> MessageDialog() override { return std::make_shared<BenchDialog>(state_); }
+
+ private:
+  std::shared_ptr<InstrumentLink> link_;
+  HostState& state_;
+};
+
+// ---- The window
+// ---------------------------------------------------------------------------------------------
+
+class BenchPanel final : public StatusPanel {
+ public:
+  explicit BenchPanel(HostState& state) : state_{state} {}
+
+  std::optional<std::string> Text() override { return state_.StatusText; }
+
+  Status SetText(const std::string& text) override {
+    state_.StatusText = text;
+    state_.Out.ShowStatus(text);
+    return Status::Success();
+  }
+
+ private:
+  HostState& state_;
+};
+
+class BenchWindow final : public HostWindow {
+ public:
+  explicit BenchWindow(HostState& state) : state_{state} {}
+
+  Status SetChanged(bool changed) override {
+    state_.Changed = changed;
+    return Status::Success();
+  }
+
+  std::shared_ptr<StatusPanel> FindStatusPanel() override { return std::make_shared<BenchPanel>(state_); }
+  Status TakeFocus() override { return Status::Success(); }
+
+ private:
+  HostState& state_;
+};
+
+}  // namespace
+
+BenchHost::BenchHost(const Setup& setup, std::shared_ptr<InstrumentLink> link, Questioner* terminal,
+                     Console& console)
+    : state_{std::make_unique<HostState>(setup, terminal, console)},
+      process_{std::make_unique<BenchEnvironment>(*state_)},
+      object_{std::make_shared<BenchObject>(std::move(link), *state_)},
+      window_{std::make_shared<BenchWindow>(*state_)} {}
+
+BenchHost::~BenchHost() = default;
+
+void BenchHost::Begin(std::optional<std::string> file, std::string place) {
+  state_->Now = {};
+  state_->Place = std::move(place);
+  state_->DialogueFile = std::move(file);
+}
+
+Happenings& BenchHost::Now() {
+  return state_->Now;
+}
+
+void BenchHost::FlushSettings() {
+  if (!state_->Files->Flush().Ok()) {
+    ++state_->Now.WritesFailed;
+    state_->Complain("what was written may not survive a power cut: a settings file could not be flushed");
+  }
+}
+
+const std::string& BenchHost::StatusText() const {
+  return state_->StatusText;
+}
+
+std::optional<bool> BenchHost::Changed() const {
+  return state_->Changed;
+}
+
+}  // namespace zolvane

@@ -1,0 +1,174 @@
+#include "bench/bench_program.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <exception>
+#include <fstream>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <ostream>
+#include <system_error>
+#include <variant>
+
+#include "bench/actions.h"
+#include "bench/bench_host.h"
+#include "bench/console.h"
+#include "bench/joined.h"
+#include "bench/json_text.h"
+#include "bench/links/link_factory.h"
+#include "bench/options.h"
+#include "bench/paths.h"
+#include "bench/preparation.h"
+#include "bench/report.h"
+#include "bench/session.h"
+#include "bench/terminal.h"
+#include "bench/tracing.h"
+#include "bench/usage_error.h"
+
+namespace zolvane {
+namespace {
+
+InterruptFlag interrupt;
+
+constexpr std::string_view standardOutput = "-";
+
+// ---- The trace and where it goes
+// ----------------------------------------------------------------------------
+
+class TraceOutput {
+ public:
+  TraceOutput(const Options& options, std::ostream& output) {
+    if (!options.Trace) {
+      return;
+    }
+    if (*options.Trace == standardOutput) {
+      log_ = std::make_unique<TraceLog>(output, options.TracesReads);
+      name_ = "standard output";
+      return;
+    }
+    name_ = Quoted(*options.Trace);
+    errno = 0;
+    file_.open(PathOf(*options.Trace), std::ios::binary | std::ios::trunc);
+    if (!file_) {
+      throw UsageError{
+          Joined("the trace file ", name_, " cannot be written: ", std::generic_category().message(errno))};
+    }
+    log_ = std::make_unique<TraceLog>(file_, options.TracesReads);
+  }
+
+  TraceLog* Log() const { return log_.get(); }
+
+  // The exit status as far as the trace goes.
+  int Finish(Console& console) {
+    if (!log_ || log_->Flush()) {
+      return exit_status::done;
+    }
+    console.Error(Joined("the trace is not complete, as ", name_,
+                         " could not be written: ", log_->Failure().message()));
+    return exit_status::unusable;
+  }
+
+ private:
+  std::ofstream file_;
+  std::string name_;
+  std::unique_ptr<TraceLog> log_;
+};
+
+// ---- One run
+// ------------------------------------------------------------------------------------------------
+
+// Prints each result when it is there, or all of them as one document at the end.
+class Results {
+ public:
+  Results(const Options& options, Console& console) : options_{options}, console_{console} {}
+
+  void Take(const ActionResult& result) {
+    if (options_.PrintsJson) {
+      taken_.push_back(result);
+    } else {
+      console_.Print(ResultText(result));
+    }
+  }
+
+  // The exit status as far as printing goes.
+  int Finish(bool isRun) {
+    if (options_.PrintsJson) {
+      const bool isAlone = options_.Trace != standardOutput;  // else it is the last line of many
+      console_.PrintDocument(JsonText(ResultsJson(taken_, isRun), isAlone));
+    }
+    if (console_.Flush()) {
+      return exit_status::done;
+    }
+    console_.Error("the results are lost, as standard output could not be written");
+    return exit_status::notDone;
+  }
+
+ private:
+  const Options& options_;
+  Console& console_;
+  std::vector<ActionResult> taken_;
+};
+
+int PlayJob(const Options& options, const Job& job, const std::shared_ptr<InstrumentLink>& link,
+            TraceOutput& trace, Console& console) {
+  const auto terminal = OpenTerminal();
+  const BenchHost::Setup setup{
+      .Folder = options.Folder,
+      .OffersDialog = options.OffersHostDialog,
+      .Answers = {.Listed = options.Answers, .AffirmsRest = options.AffirmsRest},
+  };
+  BenchHost host{setup, link, terminal.get(), console};
+  Results results{options, console};
+  Session session{host, console, trace.Log()};
+  const int played =
+      session.Play(job.Actions, {.IsInterrupted = [] { return interrupt.IsRaised(); },
+                                 .Ended = [&](const ActionResult& result) { results.Take(result); }});
+  const int traced = trace.Finish(console);
+  return std::max({played, traced, results.Finish(job.IsRun)});
+}
+
+int Run(const Options& options, std::istream& input, std::ostream& output, std::ostream& errors) {
+  TakeInterrupts([] { interrupt.Raise(); });
+  const Job job = ParseJob(options.Command, options.File, input);
+  CheckFiles(options, job);
+  const auto link = CreateLink(options.Link, options.TimeoutSeconds, interrupt);
+  TraceOutput trace{options, output};
+  Console console{output,
+                  errors,
+                  {.IsQuiet = options.IsQuiet,
+                   .ResultsGoToNotes = options.Trace == standardOutput,
+                   .NotesWidth = ErrorTerminalWidth()}};
+  return PlayJob(options, job, link, trace, console);
+}
+
+int ParseAndRun(const std::vector<std::string>& arguments, std::istream& input, std::ostream& output,
+                std::ostream& errors) {
+  const auto parsed = ParseOptions(arguments);
+  if (const auto* information = std::get_if<Information>(&parsed)) {
+    return output << information->Text << std::flush ? exit_status::done : exit_status::notDone;
+  }
+  return Run(std::get<Options>(parsed), input, output, errors);
+}
+
+void Complain(std::ostream& errors, const std::string& text) {
+  errors << "zolvane-bench: " + text + "\n" << std::flush;
+}
+
+}  // namespace
+
+int RunBench(const std::vector<std::string>& arguments, std::istream& input, std::ostream& output,
+             std::ostream& errors) {
+  try {
+    return ParseAndRun(arguments, input, output, errors);
+  } catch (const UsageError& error) {
+    Complain(errors, error.what());
+    return exit_status::unusable;
+  } catch (const std::exception& error) {
+    Complain(errors, std::string{"the run broke off: "} + error.what());
+  } catch (...) {
+    Complain(errors, "the run broke off");
+  }
+  return exit_status::notDone;
+}
+
+}  // namespace zolvane

@@ -1,0 +1,12 @@
+// Reading a JSON file that the user named.
+#pragma once
+
+#include <nlohmann/json.hpp>
+#include <string>
+
+namespace zolvane {
+
+// Throws UsageError, naming the file and, where the JSON itself is broken, the line and column.
+nlohmann::json ReadJsonFile(const std::string& file);
+
+}  // namespace zolvane

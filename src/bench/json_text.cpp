@@ -1,0 +1,15 @@
+#include "bench/json_text.h"
+
+#include <nlohmann/json.hpp>
+
+namespace zolvane {
+
+std::string JsonText(const nlohmann::ordered_json& value, bool isIndented) {
+  return value.dump(isIndented ? 2 : -1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
+}
+
+nlohmann::ordered_json EntryJson(const ListEntry& entry) {
+  return {{"text", entry.Text}, {"data", entry.Data}};
+}
+
+}  // namespace zolvane

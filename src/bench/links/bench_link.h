@@ -1,0 +1,38 @@
+// What all links of the bench have in common: the two flags, and the rules around an exchange.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "bench/links/interrupt_flag.h"
+#include "host/instrument_link.h"
+
+namespace zolvane {
+
+class BenchLink : public InstrumentLink {
+ public:
+  // The interrupt outlives the link.
+  explicit BenchLink(const InterruptFlag& interrupt) : interrupt_{interrupt} {}
+
+  // Also true, and for good, once the user has asked to stop: the add-in clears the flag before each command.
+  std::optional<bool> Stop() final { return stop_ || interrupt_.IsRaised(); }
+  Status SetStop(bool stop) final;
+  Status SetHold(bool hold) final;
+
+  // A command with a line end in it cannot be sent as one line and is not sent at all.
+  std::optional<bool> SendCommand(std::string& command, std::string& reply, std::int32_t number) final;
+
+ protected:
+  // The instrument's reply, without its line end; nothing when it did not answer.
+  virtual std::optional<std::string> Exchange(const std::string& command) = 0;
+
+  void RaiseStop() { stop_ = true; }
+
+ private:
+  const InterruptFlag& interrupt_;
+  bool stop_ = false;
+  bool hold_ = false;
+};
+
+}  // namespace zolvane

@@ -1,0 +1,16 @@
+// No instrument: every send fails.
+#pragma once
+
+#include "bench/links/bench_link.h"
+
+namespace zolvane {
+
+class NoLink final : public BenchLink {
+ public:
+  using BenchLink::BenchLink;
+
+ private:
+  std::optional<std::string> Exchange(const std::string& /*command*/) override { return std::nullopt; }
+};
+
+}  // namespace zolvane

@@ -1,0 +1,24 @@
+// The simulated instrument inside the process.
+#pragma once
+
+#include <utility>
+
+#include "bench/links/bench_link.h"
+#include "bench/simulator/instrument.h"
+
+namespace zolvane {
+
+class SimulatedLink final : public BenchLink {
+ public:
+  SimulatedLink(SimulatedInstrument instrument, const InterruptFlag& interrupt)
+      : BenchLink{interrupt}, instrument_{std::move(instrument)} {}
+
+ private:
+  std::optional<std::string> Exchange(const std::string& command) override {
+    return instrument_.Answer(command);
+  }
+
+  SimulatedInstrument instrument_;
+};
+
+}  // namespace zolvane

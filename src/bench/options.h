@@ -1,0 +1,35 @@
+// The command line of zolvane-bench.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace zolvane {
+
+struct Options {
+  std::string Folder;  // the program folder, absolute
+  std::string Link = "sim";
+  double TimeoutSeconds = 5;
+  std::vector<std::int32_t> Answers;  // buttons
+  bool AffirmsRest = false;
+  bool OffersHostDialog = false;
+  std::optional<std::string> Trace;  // "-" is standard output
+  bool TracesReads = false;
+  bool PrintsJson = false;
+  bool IsQuiet = false;
+  std::optional<std::string> File;   // of press
+  std::vector<std::string> Command;  // with its arguments
+};
+
+// A text that was asked for instead of a run: the help or the version.
+struct Information {
+  std::string Text;
+};
+
+// The arguments are those behind the program's name. Throws UsageError.
+std::variant<Options, Information> ParseOptions(std::vector<std::string> arguments);
+
+}  // namespace zolvane

@@ -1,0 +1,73 @@
+// One whole host session, in the order that a real host keeps: create the add-in's class, ask for caption and
+// page, hand over window and host object, load the page, let the user act, save, detach, release.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "bench/actions.h"
+#include "bench/bench_host.h"
+#include "bench/console.h"
+#include "bench/recorded_page.h"
+#include "bench/report.h"
+#include "bench/tracing.h"
+#include "shell/add_in_module.h"
+#include "shell/connect.h"
+
+namespace zolvane {
+
+class Session {
+ public:
+  struct Events {
+    // Asked between two actions: the user wants to end the session.
+    std::function<bool()> IsInterrupted;
+
+    // Called when an action has ended.
+    std::function<void(const ActionResult& result)> Ended;
+  };
+
+  // All outlive the session. Without a trace `trace` is null.
+  Session(BenchHost& host, Console& console, TraceLog* trace);
+  ~Session();
+
+  Session(const Session&) = delete;
+  Session& operator=(const Session&) = delete;
+
+  // Plays the session from its beginning to its end; to be called once. The exit status is the worst of all
+  // that happened.
+  int Play(const std::vector<Action>& actions, const Events& events);
+
+ private:
+  void Open();
+  void Close();
+  int PlayActions(const std::vector<Action>& actions, const Events& events);
+
+  ActionResult Do(const Action& action);
+  void Press(const Action& action);
+  void Select(const Action& action);
+  void Tick(const Action& action);
+  ShownPage Shown() const;
+  std::vector<std::string> ScriptLines();
+
+  bool Reacts(const Action& action, std::string_view control, bool isEnabled);
+  std::optional<int> PositionOf(const Action& action) const;
+  int TakeStatus();
+
+  BenchHost& host_;
+  Console& console_;
+  TraceLog* trace_;
+  std::shared_ptr<HostObject> object_;
+  std::shared_ptr<HostWindow> window_;
+  std::unique_ptr<Environment> tracedProcess_;
+  RecordedPageFactory pages_;
+  std::unique_ptr<PageViewFactory> tracedPages_;
+  AddInModule module_;
+  std::unique_ptr<Connect> connect_;
+  std::shared_ptr<frmAddIn> form_;
+  std::string caption_;
+};
+
+}  // namespace zolvane

@@ -1,0 +1,28 @@
+// The two encodings of settings files. Programs on Windows have written both, and a file says by its bytes
+// alone which one it is: whatever is well-formed UTF-8 is UTF-8, anything else is Windows-1252.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace zolvane {
+
+// Well-formed to the last byte: no overlong forms, no surrogates, nothing beyond U+10FFFF.
+bool IsUtf8(std::string_view bytes);
+
+// The lines (ended by LF) that are not well-formed. Their number can be kept up to date line by line, because
+// a sequence of UTF-8 never reaches across a line end.
+std::size_t CountMalformedLines(std::string_view bytes);
+
+// Every byte has a character: the five that Windows-1252 leaves undefined stand for the control characters of
+// the same number, and so find their way back.
+std::string Utf8FromWindows1252(std::string_view bytes);
+
+// Characters that Windows-1252 does not have, and bytes that are not UTF-8, become "?".
+std::string Windows1252FromUtf8(std::string_view text);
+
+// Bytes that do not belong to a well-formed sequence become "?".
+std::string WellFormedUtf8(std::string_view text);
+
+}  // namespace zolvane

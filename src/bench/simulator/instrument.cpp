@@ -1,0 +1,123 @@
+#include "bench/simulator/instrument.h"
+
+#include <filesystem>
+#include <fstream>
+#include <nlohmann/json.hpp>
+#include <system_error>
+#include <utility>
+
+#include "bench/json_file.h"
+#include "bench/json_text.h"
+#include "bench/paths.h"
+#include "bench/settings/text_encoding.h"
+#include "bench/usage_error.h"
+
+namespace zolvane {
+namespace {
+
+constexpr std::string_view syntaxError = "SYNTAX_ERROR";
+constexpr std::string_view setPrefix = "SET_CALIBRATION ";
+constexpr std::string_view getPrefix = "GET_CALIBRATION ";
+
+std::map<std::string, std::string, std::less<>> ReadState(const std::string& file) {
+  std::map<std::string, std::string, std::less<>> memory;
+  const auto document = ReadJsonFile(file);
+  if (!document.is_object()) {
+    throw UsageError{file + ": an instrument's memory is a JSON object of keys and their values"};
+  }
+  for (const auto& [key, value] : document.items()) {
+    if (!value.is_string()) {
+      throw UsageError{file + ": the value of \"" + key + "\" is not a text"};
+    }
+    memory.emplace(key, value.get<std::string>());
+  }
+  return memory;
+}
+
+bool WriteWhole(const std::filesystem::path& path, const std::string& text) {
+  auto fresh = path;
+  fresh += ".new";
+  {
+    std::ofstream stream{fresh, std::ios::binary | std::ios::trunc};
+    if (!(stream << text << std::flush)) {
+      return false;
+    }
+  }
+  std::error_code error;
+  std::filesystem::rename(fresh, path, error);
+  return !error;
+}
+
+}  // namespace
+
+SimulatedInstrument::SimulatedInstrument(Setup setup) : setup_{std::move(setup)} {
+  if (setup_.StateFile.empty()) {
+    return;
+  }
+  std::error_code error;
+  if (std::filesystem::exists(PathOf(setup_.StateFile), error)) {
+    memory_ = ReadState(setup_.StateFile);
+  } else if (!KeepState()) {
+    throw UsageError{setup_.StateFile + ": the instrument's memory cannot be kept there"};
+  }
+}
+
+std::optional<std::string> SimulatedInstrument::Answer(std::string_view command) {
+  if (setup_.FailAfter && answers_ >= *setup_.FailAfter) {
+    return std::nullopt;
+  }
+  ++answers_;
+  return Reply(command);
+}
+
+bool SimulatedInstrument::KeepState() const {
+  if (setup_.StateFile.empty()) {
+    return true;
+  }
+  nlohmann::ordered_json document = nlohmann::ordered_json::object();
+  for (const auto& [key, value] : memory_) {
+    document[WellFormedUtf8(key)] = WellFormedUtf8(value);
+  }
+  return WriteWhole(PathOf(setup_.StateFile), JsonText(document, true) + "\n");
+}
+
+std::optional<std::string> SimulatedInstrument::Reply(std::string_view command) {
+  if (command == "SET_CALIBRATION SAVE") {
+    // Nobody looks at the text of this reply, so an instrument that could not keep its memory gives none.
+    return KeepState() ? std::optional<std::string>{"OK"} : std::nullopt;
+  }
+  if (command.starts_with(setPrefix)) {
+    return Set(command.substr(setPrefix.size()));
+  }
+  if (command.starts_with(getPrefix)) {
+    return Get(command.substr(getPrefix.size()));
+  }
+  if (command == "RFID ON" || command == "RFID OFF") {
+    return "OK";
+  }
+  if (command == "RFID READ_PERSISTENT") {
+    return "RFID,PERSISTENT," + setup_.Tag + ",READ,OK";
+  }
+  return command == "STATUS_STAGE"   ? setup_.Stage
+         : command == "STATUS_MECH"  ? setup_.Mechanics
+         : command == "STATUS PUMPS" ? setup_.Pumps
+                                     : std::string{syntaxError};
+}
+
+// Everything behind the key is the value, blanks included.
+std::string SimulatedInstrument::Set(std::string_view keyAndValue) {
+  const auto blank = keyAndValue.find(' ');
+  if (blank == 0 || blank == std::string_view::npos || blank + 1 == keyAndValue.size()) {
+    return std::string{syntaxError};
+  }
+  memory_.insert_or_assign(std::string{keyAndValue.substr(0, blank)},
+                           std::string{keyAndValue.substr(blank + 1)});
+  return "OK";
+}
+
+std::string SimulatedInstrument::Get(std::string_view key) const {
+  const auto entry = memory_.find(key);
+  return entry == memory_.end() ? std::string{syntaxError} : entry->first + "=" + entry->second;
+}
+
+}  // namespace zolvane

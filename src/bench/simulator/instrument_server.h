@@ -1,0 +1,45 @@
+// Serves the simulated instrument over a stream of bytes: one line in, one line out.
+#pragma once
+
+#include <asio.hpp>
+#include <chrono>
+#include <cstddef>
+#include <string>
+
+#include "bench/simulator/faults.h"
+#include "bench/simulator/instrument.h"
+
+namespace zolvane {
+
+class InstrumentServer {
+ public:
+  struct Setup {
+    std::chrono::milliseconds Latency{0};  // before each reply
+    FaultPlan Faults;
+  };
+
+  InstrumentServer(SimulatedInstrument& instrument, Setup setup)
+      : instrument_{instrument}, setup_{std::move(setup)} {}
+
+  // Listens on HOST:PORT and serves one client after another until `io` is stopped. Returns where it listens
+  // ("tcp:127.0.0.1:PORT"). Throws UsageError when it cannot listen there.
+  std::string ServeTcp(asio::io_context& io, const std::string& place);
+
+  // Opens a pseudo-terminal and serves whoever opens its other end until `io` is stopped. Returns its path.
+  // Throws UsageError where there are none.
+  std::string ServePseudoTerminal(asio::io_context& io);
+
+ private:
+  template <class Stream>
+  asio::awaitable<void> ServeStream(Stream& stream);
+  template <class Stream>
+  asio::awaitable<void> Reply(Stream& stream, std::string reply, const Fault* fault);
+  asio::awaitable<void> AcceptClients(asio::ip::tcp::acceptor acceptor);
+  const Fault* NextFault();
+
+  SimulatedInstrument& instrument_;
+  Setup setup_;
+  std::size_t commands_ = 0;
+};
+
+}  // namespace zolvane

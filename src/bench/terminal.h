@@ -1,0 +1,40 @@
+// The terminal that the program runs on, if it does, and what the keyboard can do to it.
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace zolvane {
+
+// Somebody who can be asked.
+class Questioner {
+ public:
+  virtual ~Questioner() = default;
+
+  // Shows the text and waits for a line. Nothing when none will come: the input has ended, or Ctrl-C was
+  // pressed.
+  virtual std::optional<std::string> Ask(std::string_view text) = 0;
+};
+
+// The user at the terminal behind standard input. Null without a terminal.
+std::unique_ptr<Questioner> OpenTerminal();
+
+// The width of the terminal behind standard error, in columns. Nothing when it goes elsewhere.
+std::optional<std::size_t> ErrorTerminalWidth();
+
+// The arguments behind the program's name, in UTF-8 where the system has an encoding for them.
+std::vector<std::string> ProgramArguments(int count, char** arguments);
+
+// Takes the place of standard streams that the program was started without: otherwise the first files that it
+// opens would be taken for them. What is printed there fails.
+void KeepStandardStreams();
+
+// From now on Ctrl-C, and a polite request to end, call `interrupt` instead of ending the program, and a
+// reader who closes our output does not end it either. `interrupt` must be safe in a signal handler.
+void TakeInterrupts(void (*interrupt)());
+
+}  // namespace zolvane

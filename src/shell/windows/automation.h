@@ -1,0 +1,4 @@
+// What automation.idl stands for on the C++ side.
+#pragma once
+
+#include <oaidl.h>

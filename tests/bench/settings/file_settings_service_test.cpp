@@ -1,0 +1,443 @@
+#include "bench/settings/file_settings_service.h"
+
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "bench/settings/exchanged_file.h"
+#include "bench/settings/temporary_folder.h"
+
+namespace zolvane {
+namespace {
+
+using Pieces = std::vector<std::string>;
+
+// A file that another program changes at the worst moment: after the service has looked at it for the last
+// time before it writes.
+class InterruptedFile : public ExchangedFile {
+ public:
+  InterruptedFile(std::unique_ptr<ExchangedFile> file, std::function<void()>& beforeWrite)
+      : file_{std::move(file)}, beforeWrite_{beforeWrite} {}
+
+  bool IsCurrent() override { return file_->IsCurrent(); }
+  FileContent Read() override { return file_->Read(); }
+  WriteOutcome Write(std::string_view text, const Splice& change) override {
+    if (const auto interrupt = std::exchange(beforeWrite_, nullptr)) {
+      interrupt();
+    }
+    return file_->Write(text, change);
+  }
+  Status Flush() override { return file_->Flush(); }
+
+ private:
+  std::unique_ptr<ExchangedFile> file_;
+  std::function<void()>& beforeWrite_;
+};
+
+std::string Read(FileSettingsService& service, const std::string& path, std::string_view key) {
+  return service.ReadValue("A", key, path, "none").value();
+}
+
+// As a user without privileges, in a process of its own. True when `check` is.
+bool HoldsForOrdinaryUser(const std::function<bool()>& check) {
+  const pid_t child = ::fork();
+  if (child == 0) {
+    constexpr unsigned nobody = 65534;
+    const bool isOrdinary = ::geteuid() != 0 || (::setgid(nobody) == 0 && ::setuid(nobody) == 0);
+    ::_exit(isOrdinary && check() ? 0 : 1);
+  }
+  int result = -1;
+  ::waitpid(child, &result, 0);
+  return WIFEXITED(result) && WEXITSTATUS(result) == 0;
+}
+
+// No file of this process can become larger while it lives: a disk that is full to the byte.
+class FullDisk {
+ public:
+  explicit FullDisk(rlim_t largestFile) {
+    ::getrlimit(RLIMIT_FSIZE, &before_);
+    const rlimit limited{largestFile, before_.rlim_max};
+    ::setrlimit(RLIMIT_FSIZE, &limited);
+  }
+  FullDisk(const FullDisk&) = delete;
+  FullDisk& operator=(const FullDisk&) = delete;
+  ~FullDisk() { ::setrlimit(RLIMIT_FSIZE, &before_); }
+
+ private:
+  rlimit before_{};
+};
+
+TEST(FileSettingsService, ReadsAndWritesAFile) {
+  const TemporaryFolder folder;
+  const std::string path = folder.Put("Zolvane.ini", "[A]\r\nx=1\r\n\r\n[B]\r\n");
+  FileSettingsService service;
+  EXPECT_EQ(Read(service, path, "x"), "1");
+  EXPECT_TRUE(service.WriteValue("A", "x", path, "22").Ok());
+  EXPECT_EQ(BytesOf(path), "[A]\r\nx=22\r\n\r\n[B]\r\n");
+  EXPECT_TRUE(service.WriteValue("A", "y", path, "3").Ok());
+  EXPECT_EQ(BytesOf(path), "[A]\r\nx=22\r\ny=3\r\n\r\n[B]\r\n");
+  EXPECT_TRUE(service.WriteValue("C", "z", path, "4").Ok());
+  EXPECT_EQ(BytesOf(path), "[A]\r\nx=22\r\ny=3\r\n\r\n[B]\r\n[C]\r\nz=4\r\n");
+  EXPECT_TRUE(service.AppendBlankLine(path).Ok());
+  EXPECT_EQ(BytesOf(path), "[A]\r\nx=22\r\ny=3\r\n\r\n[B]\r\n[C]\r\nz=4\r\n\r\n");
+  EXPECT_TRUE(service.Flush().Ok());
+}
+
+TEST(FileSettingsService, AMissingFileGivesTheFallback) {
+  const TemporaryFolder folder;
+  FileSettingsService service;
+  EXPECT_EQ(service.ReadValue("A", "x", folder.Path("missing.ini"), "fallback"), "fallback");
+  EXPECT_EQ(service.ReadValue("A", "x", folder.Path("missing/missing.ini"), "fallback"), "fallback");
+  EXPECT_EQ(service.ReadValue("A", "x", "", "fallback"), "fallback");
+  EXPECT_EQ(service.ReadValue("A", "x", std::string_view{"a\0b", 3}, "fallback"), "fallback");
+  EXPECT_TRUE(folder.Names().empty());
+}
+
+TEST(FileSettingsService, AnEmptyValueIsNotReplacedByTheFallback) {
+  const TemporaryFolder folder;
+  const std::string path = folder.Put("Zolvane.ini", "[A]\nx=\n");
+  FileSettingsService service;
+  EXPECT_EQ(service.ReadValue("A", "x", path, "fallback"), "");
+}
+
+TEST(FileSettingsService, AMissingFileIsCreatedByTheFirstWrite) {
+  const TemporaryFolder folder;
+  FileSettingsService service;
+  EXPECT_TRUE(service.WriteValue("A", "x", folder.Path("new.ini"), "1").Ok());
+  EXPECT_TRUE(service.WriteValue("A", "y", folder.Path("new.ini"), "2").Ok());
+  EXPECT_EQ(BytesOf(folder.Path("new.ini")), "[A]\r\nx=1\r\ny=2\r\n");
+  EXPECT_TRUE(service.AppendBlankLine(folder.Path("blank.ini")).Ok());
+  EXPECT_EQ(BytesOf(folder.Path("blank.ini")), "\r\n");
+}
+
+TEST(FileSettingsService, AFileThatCannotBeCreatedFailsTheWrite) {
+  const TemporaryFolder folder;
+  FileSettingsService service;
+  EXPECT_FALSE(service.WriteValue("A", "x", folder.Path("missing/new.ini"), "1").Ok());
+  EXPECT_FALSE(service.WriteValue("A", "x", "", "1").Ok());
+  std::filesystem::create_directory(folder.Path("missing"));
+  EXPECT_TRUE(service.WriteValue("A", "x", folder.Path("missing/new.ini"), "1").Ok());
+}
+
+TEST(FileSettingsService, AFolderOrAPipeIsNoFile) {
+  const TemporaryFolder folder;
+  ::mkfifo(folder.Path("pipe").c_str(), 0600);
+  std::filesystem::create_directory(folder.Path("folder"));
+  FileSettingsService service;
+  for (const char* name : {"pipe", "folder"}) {
+    EXPECT_EQ(service.ReadValue("A", "x", folder.Path(name), "fallback"), "fallback");
+    EXPECT_FALSE(service.WriteValue("A", "x", folder.Path(name), "1").Ok());
+    EXPECT_FALSE(service.AppendBlankLine(folder.Path(name)).Ok());
+  }
+  EXPECT_EQ(folder.Names(), (Pieces{"folder", "pipe"}));
+}
+
+TEST(FileSettingsService, ARefusedWriteChangesNothing) {
+  const TemporaryFolder folder;
+  const std::string path = folder.Put("Zolvane.ini", "[A]\nx=1\n");
+  FileSettingsService service;
+  EXPECT_FALSE(service.WriteValue("A]", "x", path, "2").Ok());
+  EXPECT_FALSE(service.WriteValue("A", "a=b", path, "2").Ok());
+  EXPECT_FALSE(service.WriteValue("A", "x", path, "2\n3").Ok());
+  EXPECT_EQ(BytesOf(path), "[A]\nx=1\n");
+  EXPECT_FALSE(service.WriteValue("A]", "x", folder.Path("new.ini"), "2").Ok());
+  EXPECT_EQ(folder.Names(), Pieces{"Zolvane.ini"});
+}
+
+TEST(FileSettingsService, AValueThatIsThereAlreadyDoesNotTouchTheFile) {
+  const TemporaryFolder folder;
+  const std::string path = folder.Put("Zolvane.ini", "[A]\nx=1\n");
+  FileSettingsService service;
+  ASSERT_TRUE(service.WriteValue("A", "x", path, "2").Ok());
+  struct stat before {};
+  ::stat(path.c_str(), &before);
+  EXPECT_TRUE(service.WriteValue("A", "x", path, "2").Ok());
+  struct stat after {};
+  ::stat(path.c_str(), &after);
+  EXPECT_EQ(after.st_ino, before.st_ino);
+  EXPECT_EQ(after.st_ctim.tv_sec, before.st_ctim.tv_sec);
+  EXPECT_EQ(after.st_ctim.tv_nsec, before.st_ctim.tv_nsec);
+}
+
+TEST(FileSettingsService, SeveralFilesAreInUseAtOnce) {
+  const TemporaryFolder folder;
+  const std::string source = folder.Put("source.bak", "[A]\nx=1\ny=2\n");
+  const std::string destination = folder.Put("Zolvane.ini", "[A]\n");
+  FileSettingsService service;
+  for (const char* key : {"x", "y"}) {
+    EXPECT_TRUE(service.WriteValue("A", key, destination, Read(service, source, key)).Ok());
+  }
+  EXPECT_EQ(BytesOf(destination), "[A]\nx=1\ny=2\n");
+  EXPECT_EQ(BytesOf(source), "[A]\nx=1\ny=2\n");
+}
+
+TEST(FileSettingsService, NothingStaysBesideTheFileWhenTheServiceIsGone) {
+  const TemporaryFolder folder;
+  const std::string path = folder.Put("Zolvane.ini", "[A]\nx=1\n");
+  {
+    FileSettingsService service;
+    EXPECT_TRUE(service.WriteValue("A", "x", path, "2").Ok());
+    EXPECT_TRUE(service.WriteValue("A", "x", path, "3").Ok());
+  }
+  EXPECT_EQ(folder.Names(), Pieces{"Zolvane.ini"});
+}
+
+TEST(FileSettingsService, TextsAreSplitAtEveryDelimiter) {
+  FileSettingsService service;
+  EXPECT_EQ(service.SplitText(",", "a,b"), (Pieces{"a", "b"}));
+  EXPECT_EQ(service.SplitText(",", ",a,,b"), (Pieces{"", "a", "", "b"}));
+  EXPECT_EQ(service.SplitText("=", "Item1=\"Tall\""), (Pieces{"Item1", "\"Tall\""}));
+  EXPECT_EQ(service.SplitText("\r\n", "one\r\ntwo\n"), (Pieces{"one", "two\n"}));
+  EXPECT_EQ(service.SplitText(",", "abc"), Pieces{"abc"});
+}
+
+TEST(FileSettingsService, AnEmptyTextAndWhatFollowsAFinalDelimiterAreNoPieces) {
+  FileSettingsService service;
+  EXPECT_EQ(service.SplitText(",", ""), Pieces{});
+  EXPECT_EQ(service.SplitText(",", "a,b,"), (Pieces{"a", "b"}));
+  EXPECT_EQ(service.SplitText(",", ","), Pieces{""});
+  EXPECT_EQ(service.SplitText(",", ",,"), (Pieces{"", ""}));
+}
+
+TEST(FileSettingsService, AnEmptyDelimiterSeparatesNothing) {
+  FileSettingsService service;
+  EXPECT_EQ(service.SplitText("", "abc"), Pieces{"abc"});
+}
+
+TEST(ChangesByOtherPrograms, AreSeenByTheNextCall) {
+  const TemporaryFolder folder;
+  const std::string path = folder.Put("Zolvane.ini", "[A]\nx=1\n");
+  FileSettingsService service;
+  EXPECT_EQ(Read(service, path, "x"), "1");
+  folder.Put("Zolvane.ini", "[A]\nx=22\n");
+  EXPECT_EQ(Read(service, path, "x"), "22");
+  folder.PutByRename("Zolvane.ini", "[A]\nx=33\n");
+  EXPECT_EQ(Read(service, path, "x"), "33");
+  std::filesystem::remove(path);
+  EXPECT_EQ(Read(service, path, "x"), "none");
+  folder.Put("Zolvane.ini", "[A]\nx=44\n");
+  EXPECT_EQ(Read(service, path, "x"), "44");
+}
+
+TEST(ChangesByOtherPrograms, AreNotOverwrittenByTheNextWrite) {
+  const TemporaryFolder folder;
+  const std::string path = folder.Put("Zolvane.ini", "[A]\nx=1\n");
+  FileSettingsService service;
+  EXPECT_TRUE(service.WriteValue("A", "x", path, "2").Ok());
+  folder.Put("Zolvane.ini", "[A]\nx=2\nmine=1\n");
+  EXPECT_TRUE(service.WriteValue("A", "x", path, "3").Ok());
+  EXPECT_EQ(BytesOf(path), "[A]\nx=3\nmine=1\n");
+  folder.PutByRename("Zolvane.ini", "; new\n[A]\nmine=2\n");
+  EXPECT_TRUE(service.WriteValue("A", "x", path, "4").Ok());
+  EXPECT_EQ(BytesOf(path), "; new\n[A]\nmine=2\nx=4\n");
+  std::filesystem::remove(path);
+  EXPECT_TRUE(service.WriteValue("A", "x", path, "5").Ok());
+  EXPECT_EQ(BytesOf(path), "[A]\r\nx=5\r\n");
+}
+
+TEST(ChangesByOtherPrograms, OfTheSameSizeAreSeenEvenRightAfterOurOwn) {
+  const TemporaryFolder folder;
+  const std::string path = folder.Put("Zolvane.ini", "[A]\nx=0\n");
+  FileSettingsService service;
+  for (int round = 0; round < 100; ++round) {
+    ASSERT_TRUE(service.WriteValue("A", "x", path, std::to_string(round % 4)).Ok());
+    const std::string other = std::to_string(5 + round % 5);
+    folder.Put("Zolvane.ini", "[A]\nx=" + other + "\n");
+    ASSERT_EQ(Read(service, path, "x"), other);
+  }
+}
+
+TEST(ChangesByOtherPrograms, OneRightAfterTheOtherAreSeen) {
+  const TemporaryFolder folder;
+  const std::string path = folder.Path("Zolvane.ini");
+  FileSettingsService service;
+  for (int round = 0; round < 500; ++round) {
+    const std::string value = std::to_string(round % 10);
+    folder.Put("Zolvane.ini", "[A]\nx=" + value + "\n");
+    ASSERT_EQ(Read(service, path, "x"), value);
+  }
+}
+
+TEST(ChangesByOtherPrograms, BetweenTheLookAtTheFileAndTheWriteSurvive) {
+  const TemporaryFolder folder;
+  const std::string path = folder.Path("Zolvane.ini");
+  std::function<void()> interrupt;
+  FileSettingsService service{[&interrupt](const std::string& file) {
+    return std::make_unique<InterruptedFile>(OpenExchangedFile(file), interrupt);
+  }};
+  interrupt = [&] { folder.Put("Zolvane.ini", "[A]\nmine=1\n"); };
+  EXPECT_TRUE(service.WriteValue("A", "x", path, "1").Ok());
+  EXPECT_EQ(BytesOf(path), "[A]\nmine=1\nx=1\n");
+  interrupt = [&] { folder.Put("Zolvane.ini", "[A]\nmine=2\nx=1\n"); };
+  EXPECT_TRUE(service.WriteValue("A", "x", path, "2").Ok());
+  EXPECT_EQ(BytesOf(path), "[A]\nmine=2\nx=2\n");
+  interrupt = [&] { folder.PutByRename("Zolvane.ini", "[A]\nmine=3\nx=1\n"); };
+  EXPECT_TRUE(service.WriteValue("A", "x", path, "3").Ok());
+  EXPECT_EQ(BytesOf(path), "[A]\nmine=3\nx=3\n");
+  interrupt = [&] { std::filesystem::remove(path); };
+  EXPECT_TRUE(service.WriteValue("A", "x", path, "4").Ok());
+  EXPECT_EQ(BytesOf(path), "[A]\r\nx=4\r\n");
+  interrupt = [&] { folder.PutByRename("Zolvane.ini", "[A]\nx=5\n"); };
+  EXPECT_TRUE(service.WriteValue("A", "x", path, "5").Ok());
+  EXPECT_EQ(BytesOf(path), "[A]\nx=5\n");
+}
+
+TEST(ChangesByOtherPrograms, MayMakeTheFileUnfitForAWriteThatWasPlanned) {
+  const TemporaryFolder folder;
+  const std::string path = folder.Put("Zolvane.ini", "[A]\nx=1\n");
+  std::function<void()> interrupt;
+  FileSettingsService service{[&interrupt](const std::string& file) {
+    return std::make_unique<InterruptedFile>(OpenExchangedFile(file), interrupt);
+  }};
+  interrupt = [&] { folder.Put("Zolvane.ini", "\xFF\xFE[A]"); };
+  EXPECT_FALSE(service.WriteValue("A", "x", path, "2").Ok());
+  EXPECT_EQ(BytesOf(path), "\xFF\xFE[A]");
+}
+
+TEST(ChangesByOtherPrograms, TwoServicesOnOneFileSeeEachOther) {
+  const TemporaryFolder folder;
+  const std::string path = folder.Put("Zolvane.ini", "[A]\n");
+  {
+    FileSettingsService first;
+    FileSettingsService second;
+    for (int round = 1; round <= 20; ++round) {
+      ASSERT_TRUE(first.WriteValue("A", "x", path, std::to_string(round)).Ok());
+      ASSERT_EQ(Read(second, path, "x"), std::to_string(round));
+      ASSERT_TRUE(second.WriteValue("A", "y", path, std::to_string(round)).Ok());
+      ASSERT_EQ(Read(first, path, "y"), std::to_string(round));
+    }
+  }
+  EXPECT_EQ(BytesOf(path), "[A]\nx=20\ny=20\n");
+  EXPECT_EQ(folder.Names(), Pieces{"Zolvane.ini"});
+}
+
+// Writes a value that makes the file grow on a disk where files may not be larger than `limit`.
+bool GrowsOnFullDisk(FileSettingsService& service, const std::string& path, rlim_t limit) {
+  const FullDisk disk{limit};
+  return service.WriteValue("A", "x", path, std::string(200, 'x')).Ok();
+}
+
+TEST(FullDiskHandling, AWriteThatDoesNotFitLeavesTheFileAsItWas) {
+  const TemporaryFolder folder;
+  const std::string before = "[A]\nx=1\ny=" + std::string(5000, 'y') + "\n";
+  for (const rlim_t limit : {0U, 100U, 5010U, 5100U}) {
+    const std::string path = folder.Put("Zolvane.ini", before);
+    FileSettingsService service;
+    EXPECT_FALSE(GrowsOnFullDisk(service, path, limit));
+    EXPECT_EQ(BytesOf(path), before);
+    EXPECT_EQ(folder.Names(), Pieces{"Zolvane.ini"});
+    EXPECT_EQ(Read(service, path, "x"), "1");
+    EXPECT_TRUE(service.WriteValue("A", "x", path, "22").Ok());
+    EXPECT_EQ(BytesOf(path), "[A]\nx=22\ny=" + std::string(5000, 'y') + "\n");
+  }
+}
+
+TEST(FullDiskHandling, AlsoWhenTheSecondCopyIsThereAlready) {
+  const TemporaryFolder folder;
+  const std::string path = folder.Put("Zolvane.ini", "[A]\nx=1\ny=" + std::string(5000, 'y') + "\n");
+  FileSettingsService service;
+  ASSERT_TRUE(service.WriteValue("A", "x", path, "2").Ok());
+  ASSERT_TRUE(service.WriteValue("A", "z", path, "3").Ok());
+  const std::string before = BytesOf(path);
+  EXPECT_FALSE(GrowsOnFullDisk(service, path, 5100));
+  EXPECT_EQ(BytesOf(path), before);
+  EXPECT_TRUE(service.WriteValue("A", "x", path, "4").Ok());
+  EXPECT_EQ(BytesOf(path), "[A]\nx=4\ny=" + std::string(5000, 'y') + "\nz=3\n");
+}
+
+TEST(FullDiskHandling, AFileThatCannotBeWrittenIsNotCreated) {
+  const TemporaryFolder folder;
+  FileSettingsService service;
+  EXPECT_FALSE(GrowsOnFullDisk(service, folder.Path("new.ini"), 100));
+  EXPECT_TRUE(folder.Names().empty());
+  EXPECT_TRUE(service.WriteValue("A", "x", folder.Path("new.ini"), "1").Ok());
+  EXPECT_EQ(BytesOf(folder.Path("new.ini")), "[A]\r\nx=1\r\n");
+}
+
+TEST(CheckUsable, AnOrdinaryFileIs) {
+  const TemporaryFolder folder;
+  EXPECT_EQ(CheckUsable(folder.Put("Zolvane.ini", "[A]\n")), std::nullopt);
+  EXPECT_EQ(CheckUsable(folder.Put("empty.ini", "")), std::nullopt);
+  EXPECT_EQ(CheckUsable(folder.Put("odd.ini", "\xFF")), std::nullopt);
+}
+
+TEST(CheckUsable, AMissingFileIsWhereItCanBeCreated) {
+  const TemporaryFolder folder;
+  EXPECT_EQ(CheckUsable(folder.Path("new.ini")), std::nullopt);
+  EXPECT_EQ(CheckUsable(folder.Path("new.ini"), FileUse::ReadOnly), "does not exist");
+  EXPECT_EQ(CheckUsable(folder.Path("missing/new.ini")), "is in a folder that cannot be written");
+  EXPECT_EQ(CheckUsable(folder.Put("file", "") + "/new.ini"), "cannot be reached");
+}
+
+TEST(CheckUsable, AFolderAPipeAndATextOf16BitUnitsAreNot) {
+  const TemporaryFolder folder;
+  ::mkfifo(folder.Path("pipe").c_str(), 0600);
+  const std::string utf16 = "is a UTF-16 text; it has to be saved as UTF-8 or Windows-1252";
+  EXPECT_EQ(CheckUsable(folder.Path("")), "is a folder");
+  EXPECT_EQ(CheckUsable(folder.Path("pipe")), "is not an ordinary file");
+  EXPECT_EQ(CheckUsable(folder.Put("little.ini", "\xFF\xFE[")), utf16);
+  EXPECT_EQ(CheckUsable(folder.Put("big.ini", "\xFE\xFF[")), utf16);
+}
+
+TEST(CheckUsable, AFileThatTheUserMayNotUseIsNot) {
+  const TemporaryFolder folder;
+  const std::string path = folder.Put("Zolvane.ini", "[A]\n");
+  ::chmod(folder.Path("").c_str(), 0777);
+  ::chmod(path.c_str(), 0);
+  EXPECT_TRUE(HoldsForOrdinaryUser([&] { return CheckUsable(path) == "cannot be read"; }));
+  ::chmod(path.c_str(), 0444);
+  EXPECT_TRUE(HoldsForOrdinaryUser([&] { return CheckUsable(path) == "cannot be written"; }));
+  EXPECT_TRUE(HoldsForOrdinaryUser([&] { return !CheckUsable(path, FileUse::ReadOnly); }));
+  ::chmod(path.c_str(), 0666);
+  EXPECT_TRUE(HoldsForOrdinaryUser([&] { return !CheckUsable(path); }));
+  ::chmod(folder.Path("").c_str(), 0555);
+  EXPECT_TRUE(
+      HoldsForOrdinaryUser([&] { return CheckUsable(path) == "is in a folder that cannot be written"; }));
+  ::chmod(folder.Path("").c_str(), 0777);
+}
+
+TEST(AccessRights, AFileThatMayNotBeReadIsNeitherReadNorReplaced) {
+  const TemporaryFolder folder;
+  const std::string path = folder.Put("Zolvane.ini", "[A]\nx=1\n");
+  ::chmod(folder.Path("").c_str(), 0777);
+  for (const mode_t mode : {0U, 0444U}) {
+    ::chmod(path.c_str(), mode);
+    EXPECT_TRUE(HoldsForOrdinaryUser([&] {
+      FileSettingsService service;
+      const std::string expected = mode == 0 ? "none" : "1";
+      return Read(service, path, "x") == expected && !service.WriteValue("A", "x", path, "2").Ok();
+    }));
+    EXPECT_EQ(folder.Names(), Pieces{"Zolvane.ini"});
+  }
+  ::chmod(path.c_str(), 0600);
+  EXPECT_EQ(BytesOf(path), "[A]\nx=1\n");
+}
+
+TEST(AccessRights, AnOrdinaryUserWritesAFileOfSomebodyElseThatIsOpenToAll) {
+  const TemporaryFolder folder;
+  const std::string path = folder.Put("Zolvane.ini", "[A]\nx=1\n");
+  ::chmod(folder.Path("").c_str(), 0777);
+  ::chmod(path.c_str(), 0666);
+  EXPECT_TRUE(HoldsForOrdinaryUser([&] {
+    FileSettingsService service;
+    return service.WriteValue("A", "x", path, "2").Ok() && service.WriteValue("A", "x", path, "3").Ok() &&
+           service.WriteValue("A", "x", path, "4").Ok();
+  }));
+  EXPECT_EQ(BytesOf(path), "[A]\nx=4\n");
+  EXPECT_EQ(folder.Names(), Pieces{"Zolvane.ini"});
+}
+
+}  // namespace
+}  // namespace zolvane

@@ -1,0 +1,248 @@
+// Many writes while something else happens: the writer is killed, somebody reads, several programs write.
+#include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <fstream>
+#include <functional>
+#include <new>
+#include <optional>
+#include <random>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <vector>
+
+#include "bench/settings/exchanged_file.h"
+#include "bench/settings/file_settings_service.h"
+#include "bench/settings/temporary_folder.h"
+
+namespace zolvane {
+namespace {
+
+using std::chrono::steady_clock;
+
+// A number that parent and child processes see.
+class SharedNumber {
+ public:
+  SharedNumber()
+      : number_{new (::mmap(nullptr, sizeof(std::atomic<int>), PROT_READ | PROT_WRITE,
+                            MAP_SHARED | MAP_ANONYMOUS, -1, 0)) std::atomic<int>{0}} {}
+  SharedNumber(const SharedNumber&) = delete;
+  SharedNumber& operator=(const SharedNumber&) = delete;
+  ~SharedNumber() { ::munmap(number_, sizeof(std::atomic<int>)); }
+
+  std::atomic<int>& operator*() const { return *number_; }
+
+ private:
+  std::atomic<int>* number_;
+};
+
+class ChildProcess {
+ public:
+  explicit ChildProcess(const std::function<bool()>& work) : child_{::fork()} {
+    if (child_ == 0) {
+      ::_exit(work() ? 0 : 1);
+    }
+  }
+  ChildProcess(const ChildProcess&) = delete;
+  ChildProcess& operator=(const ChildProcess&) = delete;
+  ~ChildProcess() {
+    if (child_ > 0) {
+      Kill();
+    }
+  }
+
+  void Kill() {
+    ::kill(child_, SIGKILL);
+    Succeeded();
+  }
+  bool Succeeded() {
+    int result = -1;
+    ::waitpid(std::exchange(child_, -1), &result, 0);
+    return WIFEXITED(result) && WEXITSTATUS(result) == 0;
+  }
+
+ private:
+  pid_t child_;
+};
+
+FileSettingsService ServiceWithout(Durability durability) {
+  return FileSettingsService{
+      [durability](const std::string& path) { return OpenExchangedFile(path, {.Survives = durability}); }};
+}
+
+// A file whose state is known by the number of writes: they set A and B in turn, to values of various
+// lengths.
+const std::string& Padding() {
+  static const std::string padding(20'000, '.');
+  return padding;
+}
+
+std::string ValueOf(int round) {
+  return std::to_string(round) + std::string(static_cast<std::size_t>(round % 5), '!');
+}
+
+std::string StateAfter(int writes) {
+  return "[S]\r\nA=" + ValueOf((writes + 1) / 2) + "\r\nPadding=" + Padding() +
+         "\r\nB=" + ValueOf(writes / 2) + "\r\n[T]\r\n";
+}
+
+// The number of writes after which the file looks so.
+std::optional<int> WritesIn(const std::string& state) {
+  const auto numberBehind = [&state](std::string_view name) {
+    const auto at = state.rfind(name);
+    return at == std::string::npos ? 0 : std::atoi(state.c_str() + at + name.size());
+  };
+  const int writes = numberBehind("\nA=") + numberBehind("\nB=");
+  return state == StateAfter(writes) ? std::optional{writes} : std::nullopt;
+}
+
+bool WriteOnce(FileSettingsService& service, const std::string& path, int number) {
+  return service.WriteValue("S", number % 2 == 1 ? "A" : "B", path, ValueOf((number + 1) / 2)).Ok();
+}
+
+bool WriteUntil(const std::string& path, Durability durability, std::atomic<int>& done, int end) {
+  auto service = ServiceWithout(durability);
+  while (done < end) {
+    if (!WriteOnce(service, path, done + 1)) {
+      return false;
+    }
+    ++done;
+  }
+  return true;
+}
+
+TEST(WriteStorm, AKilledWriterLeavesTheFileAfterItsLastWriteOrTheNext) {
+  const TemporaryFolder folder;
+  const std::string path = folder.Put("file.ini", StateAfter(0));
+  const SharedNumber done;
+  std::mt19937 random{7};
+  constexpr int plenty = 1'000'000;
+  for (int round = 0; round < 120; ++round) {
+    const Durability durability = round % 2 == 0 ? Durability::EachWrite : Durability::OnFlush;
+    ChildProcess writer{[&] { return WriteUntil(path, durability, *done, plenty); }};
+    std::this_thread::sleep_for(std::chrono::microseconds{1000 + random() % 6000});
+    writer.Kill();
+    const auto writes = WritesIn(BytesOf(path));
+    ASSERT_TRUE(writes.has_value()) << "round " << round << ": " << BytesOf(path);
+    ASSERT_TRUE(*writes == *done || *writes == *done + 1) << *writes << " but " << *done << " had returned";
+    *done = *writes;
+  }
+  EXPECT_GT(*done, 120);
+}
+
+TEST(WriteStorm, WhatAKilledWriterLeavesBehindGoesAwayWithTheNextOne) {
+  const TemporaryFolder folder;
+  const std::string path = folder.Put("file.ini", StateAfter(0));
+  const SharedNumber done;
+  for (int round = 1; round <= 100 && folder.Names().size() < 2; ++round) {
+    ChildProcess writer{[&] { return WriteUntil(path, Durability::OnFlush, *done, 1'000'000); }};
+    while (*done < 10 * round) {
+      std::this_thread::sleep_for(std::chrono::milliseconds{1});
+    }
+    writer.Kill();
+  }
+  *done = WritesIn(BytesOf(path)).value();
+  ASSERT_EQ(folder.Names().size(), 2U);
+  EXPECT_TRUE(WriteUntil(path, Durability::OnFlush, *done, *done + 3));
+  EXPECT_EQ(BytesOf(path), StateAfter(*done));
+  EXPECT_EQ(folder.Names(), std::vector<std::string>{"file.ini"});
+}
+
+// Bit by bit, so that writes happen while it reads.
+std::string ReadSlowly(const std::string& path, std::size_t step) {
+  std::ifstream file{path, std::ios::binary};
+  file.rdbuf()->pubsetbuf(nullptr, 0);
+  std::string bytes;
+  std::string part(step, '\0');
+  while (file.read(part.data(), static_cast<std::streamsize>(step)) || file.gcount() > 0) {
+    bytes.append(part, 0, static_cast<std::size_t>(file.gcount()));
+    std::this_thread::yield();
+  }
+  return bytes;
+}
+
+TEST(WriteStorm, AReaderAlwaysSeesAWholeStateAndNeverAnOldOne) {
+  const TemporaryFolder folder;
+  const std::string path = folder.Put("file.ini", StateAfter(0));
+  const SharedNumber done;
+  ChildProcess writer{[&] { return WriteUntil(path, Durability::OnFlush, *done, 1'000'000); }};
+  int reads = 0;
+  for (const auto end = steady_clock::now() + std::chrono::milliseconds{800}; steady_clock::now() < end;
+       ++reads) {
+    const int before = *done;
+    const std::string state = reads % 2 == 0 ? BytesOf(path) : ReadSlowly(path, 1024);
+    const auto writes = WritesIn(state);
+    ASSERT_TRUE(writes.has_value()) << "read " << reads << ": " << state;
+    ASSERT_GE(*writes, before);
+    ASSERT_LE(*writes, *done + 1);
+  }
+  EXPECT_GT(reads, 10);
+  EXPECT_GT(*done, reads / 100);
+}
+
+bool WriteOwnKey(const std::string& path, const std::string& key, std::atomic<int>& waiting) {
+  FileSettingsService service;
+  --waiting;
+  while (waiting > 0) {
+    std::this_thread::yield();
+  }
+  for (int number = 1; number <= 300; ++number) {
+    const std::string value = ValueOf(number);
+    if (!service.WriteValue("S", key, path, value).Ok() || service.ReadValue("S", key, path, "") != value) {
+      return false;
+    }
+  }
+  return true;
+}
+
+TEST(WriteStorm, TwoProgramsThatWriteAtTheSameTimeLoseNothing) {
+  const TemporaryFolder folder;
+  const std::string path = folder.Put("file.ini", "[S]\nfirst=0\nsecond=0\n");
+  const SharedNumber waiting;
+  *waiting = 2;
+  ChildProcess first{[&] { return WriteOwnKey(path, "first", *waiting); }};
+  ChildProcess second{[&] { return WriteOwnKey(path, "second", *waiting); }};
+  EXPECT_TRUE(first.Succeeded());
+  EXPECT_TRUE(second.Succeeded());
+  EXPECT_EQ(BytesOf(path), "[S]\nfirst=300\nsecond=300\n");
+  EXPECT_EQ(folder.Names(), std::vector<std::string>{"file.ini"});
+}
+
+// It replaces the file by one of its own, without regard to what others do in the meantime.
+bool ReplaceAgainAndAgain(const TemporaryFolder& folder, std::atomic<int>& done, int end) {
+  while (done < end) {
+    folder.PutByRename("file.ini", "[S]\ntheirs=" + std::to_string(done + 1) + "\n");
+    ++done;
+    std::this_thread::sleep_for(std::chrono::milliseconds{1});
+  }
+  return true;
+}
+
+TEST(WriteStorm, ReplacementsByAnotherProgramAreNeverOverwritten) {
+  const TemporaryFolder folder;
+  const std::string path = folder.Put("file.ini", "[S]\ntheirs=0\n");
+  const SharedNumber done;
+  constexpr int replacements = 500;
+  ChildProcess other{[&] { return ReplaceAgainAndAgain(folder, *done, replacements); }};
+  FileSettingsService service;
+  int writes = 0;
+  while (*done < replacements) {
+    const int before = *done;
+    ASSERT_TRUE(service.WriteValue("S", "ours", path, std::to_string(++writes)).Ok());
+    ASSERT_GE(std::stoi(service.ReadValue("S", "theirs", path, "-1").value()), before);
+  }
+  EXPECT_TRUE(other.Succeeded());
+  ASSERT_TRUE(service.WriteValue("S", "ours", path, "last").Ok());
+  EXPECT_EQ(BytesOf(path), "[S]\ntheirs=500\nours=last\n");
+  EXPECT_GT(writes, 20);
+}
+
+}  // namespace
+}  // namespace zolvane

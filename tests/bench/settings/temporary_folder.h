@@ -1,0 +1,62 @@
+// A folder of its own for a test, and what other programs do to files in it.
+#pragma once
+
+#include <stdlib.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace zolvane {
+
+inline std::string BytesOf(const std::string& path) {
+  std::ifstream file{path, std::ios::binary};
+  return {std::istreambuf_iterator<char>{file}, std::istreambuf_iterator<char>{}};
+}
+
+class TemporaryFolder {
+ public:
+  TemporaryFolder() {
+    std::string pattern = (std::filesystem::temp_directory_path() / "settings-XXXXXX").string();
+    path_ = ::mkdtemp(pattern.data());
+  }
+  TemporaryFolder(const TemporaryFolder&) = delete;
+  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+  ~TemporaryFolder() {
+    std::error_code ignored;
+    std::filesystem::remove_all(path_, ignored);
+  }
+
+  std::string Path(std::string_view name) const { return path_ + '/' + std::string{name}; }
+
+  // In place, as most editors and scripts do.
+  std::string Put(std::string_view name, std::string_view bytes) const {
+    const std::string path = Path(name);
+    std::ofstream{path, std::ios::binary | std::ios::trunc} << bytes;
+    return path;
+  }
+
+  // By a new file that takes the name of the old one.
+  std::string PutByRename(std::string_view name, std::string_view bytes) const {
+    std::filesystem::rename(Put("other program's new file", bytes), Path(name));
+    return Path(name);
+  }
+
+  std::vector<std::string> Names() const {
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator{path_}) {
+      names.push_back(entry.path().filename().string());
+    }
+    std::ranges::sort(names);
+    return names;
+  }
+
+ private:
+  std::string path_;
+};
+
+}  // namespace zolvane

@@ -1,0 +1,104 @@
+// The configuration store over files in memory.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "config/configuration.h"
+#include "host/ini_file_service.h"
+#include "support/fake_environment.h"
+#include "support/journal.h"
+
+namespace zolvane {
+
+// A table without an end: every item has the same line, and every piece of it is the whole line.
+class EndlessSettings final : public IniFileService {
+ public:
+  explicit EndlessSettings(std::string line) : line_{std::move(line)} {}
+
+  int ItemReads = 0;
+  std::string LastItem;
+
+  std::optional<std::string> ReadValue(std::string_view, std::string_view key, std::string_view,
+                                       std::string_view fallback) override {
+    if (!key.starts_with("Item") && !key.starts_with("Axis")) {
+      return std::string{fallback};
+    }
+    ++ItemReads;
+    LastItem = key;
+    return line_;
+  }
+
+  Status WriteValue(std::string_view, std::string_view, std::string_view, std::string_view) override {
+    return Status::Failure();
+  }
+
+  std::optional<std::vector<std::string>> SplitText(std::string_view, std::string_view text) override {
+    return std::vector<std::string>(2, std::string{text});
+  }
+
+ private:
+  std::string line_;
+};
+
+struct ConfigFixture {
+  // The configuration file's content, with a device factor of 2 steps per unit and 0.02 mm per step of Z,
+  // 0.05 of S in force.
+  explicit ConfigFixture(std::string_view text = "") {
+    Settings.Load(text);
+    Config.Current.Device.SDXYEncoderMMStepFactorOff = 2.0;
+    Config.Current.Axes.Z.UnitsPerStep = 0.02F;
+    Config.Current.Axes.S.UnitsPerStep = 0.05F;
+  }
+
+  Journal Calls;
+  FakeEnvironment Process{Calls};
+  FakeSettings& Settings = *Process.Settings;
+  Configuration Config{Process};
+
+  std::string ConfigFile() const { return Settings.ConfigFile; }
+  std::vector<std::string> Reads() const { return Calls.Of({"read "}); }
+  std::vector<std::string> Writes() const { return Calls.Of({"write "}); }
+
+  std::shared_ptr<EndlessSettings> WithoutEnd(const std::string& line) {
+    auto settings = std::make_shared<EndlessSettings>(line);
+    Process.OtherSettings = settings;
+    return settings;
+  }
+
+  void SetFactor(double factor) {
+    Config.Current.Device.SDXYEncoderStatus = false;
+    Config.Current.Device.SDXYEncoderMMStepFactorOff = factor;
+  }
+};
+
+using Texts = std::vector<std::string>;
+
+// Runs an operation once for each of its calls, with that call failing: all other reads and writes must
+// happen as if nothing were wrong.
+template <class Operation>
+void ExpectEveryFailureToBePassedOver(std::string_view text, Operation operation) {
+  ConfigFixture clean{text};
+  operation(clean);
+  constexpr std::size_t creatingTheService = 1;
+  ASSERT_GT(clean.Calls.CallCount, creatingTheService);
+  for (std::size_t call = creatingTheService + 1; call <= clean.Calls.CallCount; ++call) {
+    ConfigFixture fixture{text};
+    fixture.Calls.FailingCall = call;
+    operation(fixture);
+    EXPECT_EQ(fixture.Calls.Of({"read ", "write "}), clean.Calls.Of({"read ", "write "}))
+        << "failing " << clean.Calls.Events[call - 1];
+  }
+}
+
+// The file that a save of a test goes to.
+inline constexpr std::string_view backup = "/backup.bak";
+
+}  // namespace zolvane
