@@ -1,0 +1,129 @@
+#include "bench/links/link_factory.h"
+
+#include <gtest/gtest.h>
+
+#include "bench/settings/temporary_folder.h"
+#include "bench/usage_error.h"
+
+namespace zolvane {
+namespace {
+
+const InterruptFlag quietInterrupt;
+
+std::string Refusal(const std::string& text) {
+  try {
+    CreateLink(text, 1.0, quietInterrupt);
+  } catch (const UsageError& error) {
+    return error.what();
+  }
+  return "accepted";
+}
+
+TEST(LinkFactory, EveryKindOfLinkIsMade) {
+  const TemporaryFolder folder;
+  const auto script = folder.Put("script.json", "{}");
+  for (const auto& text :
+       {std::string{"sim"}, "sim:" + folder.Path("state.json"), std::string{"tcp:localhost:4000"},
+        std::string{"tcp:[::1]:65535"}, std::string{"serial:/dev/ttyS0"}, std::string{"serial:COM3,115200"},
+        "script:" + script, std::string{"none"}}) {
+    EXPECT_NE(CreateLink(text, 1.0, quietInterrupt), nullptr) << text;
+  }
+}
+
+TEST(LinkFactory, AnythingElseIsRefusedWithTheChoices) {
+  for (const auto* text : {"", "simulated", "sim:", "none:", "none:x", "SIM", "usb:1", ":"}) {
+    EXPECT_NE(Refusal(text), "accepted") << text;
+  }
+  EXPECT_EQ(Refusal("usb:1"),
+            "--link: takes sim, sim:FILE, tcp:HOST:PORT, serial:DEVICE[,BAUD], script:FILE or none: usb:1");
+}
+
+TEST(LinkFactory, ATcpPlaceNeedsAHostAndAPort) {
+  for (const auto* text : {"tcp:", "tcp:host", "tcp:host:", "tcp::4000", "tcp:host:0", "tcp:host:65536",
+                           "tcp:host:40x", "tcp:host:-1"}) {
+    EXPECT_EQ(Refusal(text), std::string{"--link: tcp takes HOST:PORT with a port from 1 to 65535: "} + text);
+  }
+}
+
+TEST(LinkFactory, ASerialPlaceNeedsADeviceAndPerhapsARate) {
+  for (const auto* text :
+       {"serial:", "serial:,9600", "serial:/dev/ttyS0,", "serial:/dev/ttyS0,fast", "serial:x,0"}) {
+    EXPECT_EQ(
+        Refusal(text),
+        std::string{"--link: serial takes DEVICE or DEVICE,BAUD with a baud rate such as 9600: "} + text);
+  }
+}
+
+TEST(LinkFactory, AMissingScriptIsNamed) {
+  const TemporaryFolder folder;
+  EXPECT_EQ(Refusal("script:" + folder.Path("none.json")),
+            folder.Path("none.json") + ": cannot be read: No such file or directory");
+  EXPECT_EQ(Refusal("script:"), "--link: script takes the name of a file: script:");
+}
+
+TEST(BenchLink, NoLinkFailsEverySendAndLeavesTheReply) {
+  const auto link = CreateLink("none", 1.0, quietInterrupt);
+  std::string command = "STATUS_STAGE";
+  std::string reply = "before";
+  EXPECT_EQ(link->SendCommand(command, reply, 0), false);
+  EXPECT_EQ(reply, "before");
+}
+
+TEST(BenchLink, TheStopFlagIsWhatWasSet) {
+  const auto link = CreateLink("none", 1.0, quietInterrupt);
+  EXPECT_EQ(link->Stop(), false);
+  EXPECT_TRUE(link->SetStop(true).Ok());
+  EXPECT_EQ(link->Stop(), true);
+  EXPECT_TRUE(link->SetStop(false).Ok());
+  EXPECT_EQ(link->Stop(), false);
+  EXPECT_TRUE(link->SetHold(true).Ok());
+}
+
+TEST(BenchLink, AnInterruptOutlastsTheClearingBeforeEachCommand) {
+  InterruptFlag interrupt;
+  const auto link = CreateLink("sim", 1.0, interrupt);
+  interrupt.Raise();
+  PassOver(link->SetStop(false));
+  EXPECT_EQ(link->Stop(), true);
+}
+
+TEST(BenchLink, ACommandWithALineEndIsNeverSent) {
+  const auto link = CreateLink("sim", 1.0, quietInterrupt);
+  std::string reply = "before";
+  for (std::string command : {"RFID ON\r\nRFID OFF", "RFID ON\n", "RFID\rON"}) {
+    EXPECT_EQ(link->SendCommand(command, reply, 0), false);
+  }
+  EXPECT_EQ(reply, "before");
+}
+
+TEST(SimulatedLink, KeepsItsMemoryInTheFileOnceItIsSaved) {
+  const TemporaryFolder folder;
+  const auto file = folder.Path("state.json");
+  std::string reply;
+  {
+    const auto link = CreateLink("sim:" + file, 1.0, quietInterrupt);
+    EXPECT_EQ(BytesOf(file), "{}\n");
+    std::string set = "SET_CALIBRATION STAGE1_X 1612";
+    std::string save = "SET_CALIBRATION SAVE";
+    EXPECT_EQ(link->SendCommand(set, reply, 0), true);
+    EXPECT_EQ(BytesOf(file), "{}\n");
+    EXPECT_EQ(link->SendCommand(save, reply, 0), true);
+  }
+  const auto again = CreateLink("sim:" + file, 1.0, quietInterrupt);
+  std::string get = "GET_CALIBRATION STAGE1_X";
+  EXPECT_EQ(again->SendCommand(get, reply, 0), true);
+  EXPECT_EQ(reply, "STAGE1_X=1612");
+}
+
+TEST(SimulatedLink, AStateFileThatIsNoMemoryIsRefused) {
+  const TemporaryFolder folder;
+  EXPECT_EQ(Refusal("sim:" + folder.Put("a.json", "[1]")),
+            folder.Path("a.json") + ": an instrument's memory is a JSON object of keys and their values");
+  EXPECT_EQ(Refusal("sim:" + folder.Put("b.json", R"({"KEY": 1})")),
+            folder.Path("b.json") + R"(: the value of "KEY" is not a text)");
+  EXPECT_EQ(Refusal("sim:" + folder.Path("no folder/c.json")),
+            folder.Path("no folder/c.json") + ": the instrument's memory cannot be kept there");
+}
+
+}  // namespace
+}  // namespace zolvane
