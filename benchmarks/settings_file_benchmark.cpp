@@ -178,3 +178,5 @@ BENCHMARK(ReadingTheWholeFile)->ArgName("records")->Arg(100)->Arg(10'000)->Unit(
 
 }  // namespace
 }  // namespace zolvane
+
+BENCHMARK_MAIN();

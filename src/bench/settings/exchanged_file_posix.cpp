@@ -3,15 +3,17 @@
 // change costs what it changes, not what the file holds, and the name always leads to a whole file.
 //
 // Three things could break that, and each has its guard:
-//   - Another program changes the visible file between our look at it and the exchange. What came out of the
-//     exchange is therefore compared with what was expected, and put back if it is something else.
-//   - A program that opened the file before an exchange reads on in what has become the hidden copy. A copy
-//   is
-//     therefore changed only under a lease, which the system grants when nobody else has the file open;
-//     otherwise that file is left to its reader and a new copy is made.
-//   - A power cut may undo an exchange that is not durable yet, and so make the hidden copy the visible file
-//   again.
-//     The folder is therefore made durable before the copy is touched again.
+//
+// Another program changes the visible file between our look at it and the exchange. What came out of the
+// exchange is therefore compared with what was expected, and put back if it is something else.
+//
+// A program that opened the file before an exchange reads on in what has become the hidden copy. A copy is
+// therefore changed only under a lease, which the system grants when nobody else has the file open; otherwise
+// that file is left to its reader and a new copy is made. (Who writes on into a file that was exchanged
+// meanwhile writes into nowhere, as with every file that is replaced.)
+//
+// A power cut may undo an exchange that is not durable yet, and so make the hidden copy the visible file
+// again. The folder is therefore made durable before the copy is touched again.
 //
 // The hidden copy is locked as long as its owner lives. One without lock was left behind and is removed by
 // the next writer. Writers of this kind exclude each other by a lock on the folder.
@@ -69,7 +71,13 @@ class FileHandle {
 };
 
 FileHandle OpenAt(int folder, const std::string& name, int flags, mode_t mode = 0) {
+  // NOLINTNEXTLINE(cppcoreguidelines-pro-type-vararg): the system call is declared so
   return FileHandle{Retried([&] { return ::openat(folder, name.c_str(), flags | O_CLOEXEC, mode); })};
+}
+
+bool Control(const FileHandle& file, int command, int argument) {
+  // NOLINTNEXTLINE(cppcoreguidelines-pro-type-vararg): the system call is declared so
+  return ::fcntl(file.Number(), command, argument) == 0;
 }
 
 struct Instant {
@@ -205,11 +213,11 @@ void Unlock(const FileHandle& file) {
 // waits: that can only be somebody who looked up the name before the last exchange, or who looks into hidden
 // files. The system announces such a visitor by a signal; it gets one that is ignored unless asked for.
 bool TryLease(const FileHandle& file) {
-  return ::fcntl(file.Number(), F_SETSIG, SIGURG) == 0 && ::fcntl(file.Number(), F_SETLEASE, F_WRLCK) == 0;
+  return Control(file, F_SETSIG, SIGURG) && Control(file, F_SETLEASE, F_WRLCK);
 }
 
 void EndLease(const FileHandle& file) {
-  ::fcntl(file.Number(), F_SETLEASE, F_UNLCK);
+  Control(file, F_SETLEASE, F_UNLCK);
 }
 
 bool WriteAll(const FileHandle& file, std::size_t offset, std::string_view bytes) {
@@ -320,7 +328,7 @@ std::optional<std::string> ReasonAgainstWriting(const std::string& path, const F
 
 constexpr ByteRange everything{0, std::numeric_limits<std::size_t>::max()};
 
-class PosixExchangedFile : public ExchangedFile {
+class PosixExchangedFile final : public ExchangedFile {
  public:
   PosixExchangedFile(std::string path, const ExchangedFileOptions& options)
       : path_{std::move(path)}, options_{options} {}
@@ -349,7 +357,6 @@ class PosixExchangedFile : public ExchangedFile {
 
   std::string CopyName(int number) const;
   bool MakeCopy(mode_t mode);
-  bool TryMakeCopy(const std::string& name, mode_t mode);
   Leftover RemoveLeftover(const std::string& name) const;
   void DropCopy();
 
@@ -361,9 +368,10 @@ class PosixExchangedFile : public ExchangedFile {
 
   int Exchange() const;
   WriteOutcome ExchangeIn(std::string_view text, const SplicedText& next);
-  WriteOutcome RenameIn();
+  WriteOutcome RenameIn(std::string_view text);
   WriteOutcome RenameToFreeName();
   bool ExpectedCameOut(std::string_view text) const;
+  bool VisibleHolds(std::string_view text) const;
   void GiveBack() const;
   void BecomeVisible(ByteRange changed);
   void MakeNamesDurable();
@@ -510,7 +518,7 @@ WriteOutcome PosixExchangedFile::Replace(std::string_view text, const SplicedTex
   if (!WriteCopy(next)) {
     return WriteOutcome::Failed;
   }
-  return options_.KeepsCopy ? ExchangeIn(text, next) : RenameIn();
+  return options_.KeepsCopy ? ExchangeIn(text, next) : RenameIn(text);
 }
 
 // A long file name is cut so that its copy's name is not too long. Names that thereby become the same are
@@ -523,29 +531,18 @@ std::string PosixExchangedFile::CopyName(int number) const {
 bool PosixExchangedFile::MakeCopy(mode_t mode) {
   constexpr int mostCopies = 32;
   int number = 1;
-  while (number <= mostCopies && !TryMakeCopy(CopyName(number), mode)) {
+  while (number < mostCopies && RemoveLeftover(CopyName(number)) == Leftover::InUse) {
     ++number;
   }
+  copyName_ = CopyName(number);
+  copy_ = OpenAt(folder_.Number(), copyName_, O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW, mode);
+  if (!copy_.IsOpen()) {
+    return false;
+  }
+  TryLock(copy_);
   // The leftovers of several writers have several names.
-  for (int behind = number + 1; behind <= mostCopies; ++behind) {
-    if (RemoveLeftover(CopyName(behind)) == Leftover::Absent) {
-      break;
-    }
+  while (++number <= mostCopies && RemoveLeftover(CopyName(number)) != Leftover::Absent) {
   }
-  return copy_.IsOpen();
-}
-
-bool PosixExchangedFile::TryMakeCopy(const std::string& name, mode_t mode) {
-  if (RemoveLeftover(name) == Leftover::InUse) {
-    return false;
-  }
-  FileHandle file = OpenAt(folder_.Number(), name, O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW, mode);
-  if (!file.IsOpen()) {
-    return false;
-  }
-  TryLock(file);
-  copy_ = std::move(file);
-  copyName_ = name;
   return true;
 }
 
@@ -629,7 +626,7 @@ WriteOutcome PosixExchangedFile::ExchangeIn(std::string_view text, const Spliced
   if (Exchange() != 0) {
     if (IsUnsupported(errno)) {
       options_.KeepsCopy = false;
-      return RenameIn();
+      return RenameIn(text);
     }
     return errno == ENOENT ? WriteOutcome::Changed : WriteOutcome::Failed;
   }
@@ -643,8 +640,8 @@ WriteOutcome PosixExchangedFile::ExchangeIn(std::string_view text, const Spliced
 
 // Between the look and the renaming another program's change can be lost: such a file system offers nothing
 // better.
-WriteOutcome PosixExchangedFile::RenameIn() {
-  if (StateOfPath(path_) != known_) {
+WriteOutcome PosixExchangedFile::RenameIn(std::string_view text) {
+  if (StateOfPath(path_) != known_ || !VisibleHolds(text)) {
     return WriteOutcome::Changed;
   }
   if (::renameat(folder_.Number(), copyName_.c_str(), folder_.Number(), name_.c_str()) != 0) {
@@ -671,8 +668,12 @@ WriteOutcome PosixExchangedFile::RenameToFreeName() {
 }
 
 bool PosixExchangedFile::ExpectedCameOut(std::string_view text) const {
-  const bool looksTheSame = StateOfName(folder_, copyName_).IsSameAcrossExchange(known_);
-  return looksTheSame && (isSettled_ || ReadAll(visible_) == text);
+  return StateOfName(folder_, copyName_).IsSameAcrossExchange(known_) && VisibleHolds(text);
+}
+
+// The file that looks as it did when it was read also has the bytes that it had then.
+bool PosixExchangedFile::VisibleHolds(std::string_view text) const {
+  return isSettled_ || ReadAll(visible_) == text;
 }
 
 // Another program's state is under the copy's name and has to be the visible one again. Should yet another
@@ -695,7 +696,7 @@ void PosixExchangedFile::BecomeVisible(ByteRange changed) {
   std::swap(visible_, copy_);
   if (copy_.IsOpen()) {
     copyState_ = StateOf(copy_);
-    copyIsSettled_ = isSettled_;
+    copyIsSettled_ = isSettled_ && copyState_.IsSameAcrossExchange(known_);
     copyLag_ = changed;
   }
   const FileState now = StateOf(visible_);

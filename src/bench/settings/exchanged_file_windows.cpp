@@ -118,7 +118,7 @@ bool IsMissing(DWORD error) {
   return error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND;
 }
 
-class WindowsExchangedFile : public ExchangedFile {
+class WindowsExchangedFile final : public ExchangedFile {
  public:
   WindowsExchangedFile(const std::string& path, const ExchangedFileOptions& options)
       : path_{WidePath(path)}, newPath_{path_ + L".bench-copy"}, options_{options} {}

@@ -20,11 +20,11 @@ bool IsBlank(std::string_view content) {
 }
 
 bool StartsWithBlank(std::string_view text) {
-  return !text.empty() && blanks.find(text.front()) != blanks.npos;
+  return !text.empty() && blanks.find(text.front()) != std::string_view::npos;
 }
 
 bool EndsWithBlank(std::string_view text) {
-  return !text.empty() && blanks.find(text.back()) != blanks.npos;
+  return !text.empty() && blanks.find(text.back()) != std::string_view::npos;
 }
 
 // Text behind the bracket is ignored.
@@ -51,16 +51,17 @@ std::optional<std::string_view> KeyIn(std::string_view content) {
 }
 
 bool IsWritableSection(std::string_view name) {
-  return name.find(']') == name.npos && name.find_first_of(breaks) == name.npos;
+  return name.find(']') == std::string_view::npos && name.find_first_of(breaks) == std::string_view::npos;
 }
 
 bool IsWritableKey(std::string_view key) {
-  return LooksLikeKey(key) && key.find('=') == key.npos && key.find_first_of(breaks) == key.npos;
+  return LooksLikeKey(key) && key.find('=') == std::string_view::npos &&
+         key.find_first_of(breaks) == std::string_view::npos;
 }
 
 std::string_view FirstLineEndIn(std::string_view bytes) {
   const auto end = bytes.find('\n');
-  const bool isBare = end != bytes.npos && (end == 0 || bytes[end - 1] != '\r');
+  const bool isBare = end != std::string_view::npos && (end == 0 || bytes[end - 1] != '\r');
   return isBare ? lineFeed : carriageReturnLineFeed;
 }
 
@@ -96,7 +97,8 @@ std::optional<SectionedText::Edit> SectionedText::PlanValue(std::string_view sec
                                                             std::string_view value) const {
   section = Trimmed(section);
   key = Trimmed(key);
-  const bool fits = IsWritableSection(section) && IsWritableKey(key) && value.find('\n') == value.npos;
+  const bool fits =
+      IsWritableSection(section) && IsWritableKey(key) && value.find('\n') == std::string_view::npos;
   if (!fits || IsUtf16(bytes_)) {
     return std::nullopt;
   }
@@ -230,7 +232,7 @@ ByteRange SectionedText::ValueRange(const Line& line, std::string_view newValue)
   const std::string_view content = ContentOf(line);
   const std::size_t behindEquals = content.find('=') + 1;
   const auto firstOfValue = content.find_first_not_of(blanks, behindEquals);
-  const bool isEmpty = firstOfValue == content.npos;
+  const bool isEmpty = firstOfValue == std::string_view::npos;
   const std::size_t first = isEmpty ? content.size() : firstOfValue;
   const std::size_t last = isEmpty ? content.size() : content.find_last_not_of(blanks) + 1;
   return {line.Begin + (StartsWithBlank(newValue) ? behindEquals : first),
