@@ -1,0 +1,20 @@
+// Any bytes as a run file: commands, or one refusal that says what is wrong.
+#include <cstdint>
+#include <cstdlib>
+#include <sstream>
+#include <string>
+
+#include "bench/actions.h"
+#include "bench/usage_error.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  std::istringstream input{std::string{data, data + size}};
+  try {
+    zolvane::ParseJob({"run", "-"}, std::nullopt, input);
+  } catch (const zolvane::UsageError& error) {
+    if (std::string{error.what()}.empty()) {
+      std::abort();
+    }
+  }
+  return 0;
+}
