@@ -11,9 +11,9 @@ install_packages() {
   ((EUID == 0)) || as_root=(sudo)
   local log
   log=$(mktemp)
-  if ! { "${as_root[@]}" apt-get update -qq &&
-    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}"; } \
-    >"$log" 2>&1; then
+  local apt=("${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -y -qq --no-install-recommends
+    -o DPkg::Lock::Timeout=300 -o Acquire::Retries=3)
+  if ! { "${apt[@]}" update && "${apt[@]}" install "${missing[@]}"; } >"$log" 2>&1; then
     cat "$log" >&2
     echo "Could not install ${missing[*]}. Install them by hand and try again." >&2
     return 1

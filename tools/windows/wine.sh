@@ -44,17 +44,20 @@ refuse_other_images() {
 }
 
 # Wine's desktop process takes over the standard error of the first program that opens a window and outlives it by a
-# second. A caller that reads a pipe to its end is spared that second by a file between.
+# second. A caller that reads a pipe to its end is spared that second by a file between, which has no name any more
+# when the program starts and so is never left behind.
 run() {
   local errors program status=0
   if [[ ! -p /dev/stderr ]]; then exec "$WINELOADER" "$@"; fi
   errors=$(mktemp)
-  "$WINELOADER" "$@" <&0 2>"$errors" &
+  exec 3>"$errors"
+  exec 4<"$errors"
+  rm "$errors"
+  "$WINELOADER" "$@" <&0 2>&3 3>&- 4<&- &
   program=$!
-  trap 'kill "$program"' TERM INT HUP
+  trap 'kill "$program" 2>/dev/null || true' TERM INT HUP
   wait "$program" || status=$?
-  cat "$errors" >&2
-  rm -f "$errors"
+  cat <&4 >&2
   exit "$status"
 }
 

@@ -25,7 +25,8 @@ is_complete() { [[ -f $stamp && $(<"$stamp") == "$wanted" ]]; }
 private_apt() {
   apt-get -qq \
     -o APT::Architecture=i386 -o APT::Architectures::=i386 -o APT::Install-Recommends=false \
-    -o APT::Sandbox::User="$(id -un)" -o Acquire::Languages=none -o Acquire::Retries=5 -o Acquire::http::Timeout=60 \
+    -o APT::Sandbox::User="$(id -un)" -o Acquire::Languages=none -o Acquire::Retries=3 -o Acquire::http::Timeout=60 \
+    -o APT::Update::Error-Mode=any \
     -o Dir::State="$state" -o Dir::State::status="$state/status" -o Dir::Cache="$state/cache" \
     -o Dir::Etc::SourceList="$state/sources.list" -o Dir::Etc::SourceParts=/dev/null \
     -o Dir::Etc::Preferences=/dev/null -o Dir::Etc::PreferencesParts=/dev/null "$@"
@@ -36,7 +37,7 @@ with_retries() {
   local pause
   for pause in 5 20 60; do
     if "$@"; then return; fi
-    echo "wine32.sh: '${*: -1}' failed, trying again in $pause s" >&2
+    echo "wine32.sh: fetching failed, trying again in $pause s" >&2
     sleep "$pause"
   done
   "$@"
@@ -73,18 +74,13 @@ add_zlib() {
   } >"$folder/usr/lib/i386-linux-gnu/wine/i386-windows/zlib1.dll"
 }
 
-# Wine looks for its fonts in its own tree; the others are found there too.
-add_fonts() {
-  ln -sf "$folder"/usr/share/fonts/truetype/liberation/*.ttf "$folder/usr/share/wine/fonts/"
-}
-
 start_empty() {
-  if [[ -e $folder && ! -e $state ]] && [[ -n $(ls -A "$folder") ]]; then
+  if [[ -d $folder && ! -d $state && -n $(ls -A "$folder") ]]; then
     echo "wine32.sh: $folder holds something else; name another folder" >&2
     exit 1
   fi
-  find "$folder" -mindepth 1 -maxdepth 1 ! -name apt -exec rm -rf {} + 2>/dev/null || true
   mkdir -p "$state"
+  find "$folder" -mindepth 1 -maxdepth 1 ! -path "$state" -exec rm -rf {} +
 }
 
 main() {
@@ -98,7 +94,6 @@ main() {
   unpack
   use_own_interpreter
   add_zlib
-  add_fonts
   find "$state" -mindepth 1 -delete
   echo "$wanted" >"$stamp"
 }

@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # Sourced by bash:  source tools/windows/wine_env.sh x64|x86 [null|x11]
 #
 # Chooses the 64-bit or the 32-bit Wine and a prefix by setting the variables that Wine reads, and offers
@@ -173,5 +174,6 @@ wine_start() {
 }
 
 wine_stop() {
-  if [[ -d $WINEPREFIX ]]; then (flock 9 && "$WINESERVER" -k 9>&- || true) 9>"$WINEPREFIX.lock"; fi
+  if [[ ! -d $WINEPREFIX ]]; then return; fi
+  (flock 9 && if "$WINESERVER" -k0; then "$WINESERVER" -k; fi) 9>"$WINEPREFIX.lock"
 }
