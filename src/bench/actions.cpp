@@ -21,8 +21,7 @@ namespace {
 
 using Words = std::vector<std::string>;
 
-// ---- Arguments
-// ----------------------------------------------------------------------------------------------
+// ---- Arguments ----
 
 bool IsNumber(std::string_view digits) {
   return !digits.empty() && digits.find_first_not_of("0123456789") == std::string_view::npos;
@@ -63,8 +62,7 @@ std::string DialogueFile(std::string_view file) {
   return AbsolutePath(file);
 }
 
-// ---- The commands
-// -------------------------------------------------------------------------------------------
+// ---- The commands ----
 
 Action ShowPage(const Words&) {
   return {.Kind = ActionKind::ShowPage};
@@ -142,7 +140,7 @@ constexpr CommandRow runRow{
     runCommand, "run FILE", "do the commands in a file, one per line; - is standard input", 2, 2, nullptr};
 
 const CommandRow& RowOfCommand(std::string_view name) {
-  const auto found = std::ranges::find(commandRows, name, &CommandRow::Name);
+  const auto* const found = std::ranges::find(commandRows, name, &CommandRow::Name);
   if (found != commandRows.end()) {
     return *found;
   }
@@ -183,8 +181,7 @@ Action MakeAction(const CommandRow& row, const Words& words, const std::optional
   return action;
 }
 
-// ---- Run files
-// ----------------------------------------------------------------------------------------------
+// ---- Run files ----
 
 constexpr std::string_view standardInput = "-";
 
@@ -192,24 +189,48 @@ constexpr std::string_view standardInput = "-";
 constexpr std::size_t largestRunFile = std::size_t{16} * 1024 * 1024;
 constexpr std::size_t mostActions = 1'000'000;
 
+// Reads a run file and those that it runs in turn.
 class RunFileReader {
  public:
   explicit RunFileReader(std::istream& input) : input_{input} {}
 
-  void Read(const std::string& file, std::vector<Action>& actions) {
-    const bool isInput = file == standardInput;
-    const std::string name = isInput ? "standard input" : Printable(file);
-    const std::string identity = isInput ? file : AbsolutePath(file);
-    if (std::ranges::find(open_, identity) != open_.end()) {
-      throw UsageError{Joined(name, " runs itself")};
+  std::vector<Action> Read(const std::string& file) {
+    Open(file);
+    while (!open_.empty()) {
+      if (const auto line = NextLine(open_.back())) {
+        TakeLine(*line);
+      } else {
+        open_.pop_back();
+      }
     }
-    const std::string text = isInput ? Content(input_, name) : ContentOf(file, name);
-    open_.push_back(identity);
-    ReadLines(text, name, actions);
-    open_.pop_back();
+    return std::move(actions_);
   }
 
  private:
+  struct OpenFile {
+    std::string Identity;  // so that a file which is being read is known again
+    std::string Name;
+    std::string Text;
+    std::size_t At = 0;  // where the next line starts
+    std::size_t Line = 0;
+
+    std::string Place() const { return Joined(Name, ", line ", std::to_string(Line)); }
+  };
+
+  void Open(const std::string& file) {
+    const bool isInput = file == standardInput;
+    OpenFile opened{.Identity = isInput ? file : AbsolutePath(file),
+                    .Name = isInput ? "standard input" : Printable(file),
+                    .Text = {}};
+    if (std::ranges::find(open_, opened.Identity, &OpenFile::Identity) != open_.end()) {
+      throw UsageError{Joined(opened.Name, " runs itself")};
+    }
+    opened.Text = isInput ? Content(input_, opened.Name) : ContentOf(file, opened.Name);
+    constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+    opened.At = opened.Text.starts_with(byteOrderMark) ? byteOrderMark.size() : 0;
+    open_.push_back(std::move(opened));
+  }
+
   static std::string ContentOf(const std::string& file, const std::string& name) {
     std::error_code failure;
     if (std::filesystem::is_directory(PathOf(file), failure)) {
@@ -240,45 +261,54 @@ class RunFileReader {
     return text;
   }
 
-  void ReadLines(std::string_view text, const std::string& name, std::vector<Action>& actions) {
-    constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
-    if (text.starts_with(byteOrderMark)) {
-      text.remove_prefix(byteOrderMark.size());
+  // Without its line end and the blanks around it.
+  static std::optional<std::string> NextLine(OpenFile& file) {
+    if (file.At >= file.Text.size()) {
+      return std::nullopt;
     }
-    for (std::size_t number = 1; !text.empty(); ++number) {
-      const auto end = text.find('\n');
-      auto line = text.substr(0, end);
-      if (line.ends_with('\r')) {
-        line.remove_suffix(1);
-      }
-      ReadLine(Trimmed(line), Joined(name, ", line ", std::to_string(number)), actions);
-      text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
+    const auto end = std::min(file.Text.find('\n', file.At), file.Text.size());
+    auto line = std::string_view{file.Text}.substr(file.At, end - file.At);
+    if (line.ends_with('\r')) {
+      line.remove_suffix(1);
     }
+    file.At = end + 1;
+    ++file.Line;
+    return std::string{Trimmed(line)};
   }
 
-  void ReadLine(std::string_view line, const std::string& place, std::vector<Action>& actions) {
+  void TakeLine(const std::string& line) {
     if (line.empty() || line.starts_with('#')) {
       return;
     }
+    const auto places = Places();
     try {
-      AddActions(SplitWords(line), place, actions);
+      TakeCommand(SplitWords(line));
     } catch (const UsageError& error) {
-      throw UsageError{Joined(place, ": ", error.what())};
+      throw UsageError{places + error.what()};
     }
   }
 
-  void AddActions(Words words, const std::string& place, std::vector<Action>& actions) {
+  // The way to the line that is being read, through all files that are open.
+  std::string Places() const {
+    std::string places;
+    for (const auto& file : open_) {
+      places += Joined(file.Place(), ": ");
+    }
+    return places;
+  }
+
+  void TakeCommand(Words words) {
     const auto file = TakeFileOption(words);
     const auto& row = CheckedRow(words);
     if (row.Make == nullptr) {
-      Read(words[1], actions);
+      Open(words[1]);
       return;
     }
-    if (actions.size() >= mostActions) {
+    if (actions_.size() >= mostActions) {
       throw UsageError{Joined("there are more than ", std::to_string(mostActions), " commands")};
     }
-    actions.push_back(MakeAction(row, words, file));
-    actions.back().Place = place;
+    actions_.push_back(MakeAction(row, words, file));
+    actions_.back().Place = open_.back().Place();
   }
 
   // "press 3 --file backup.bak": the one option that belongs to a command.
@@ -300,7 +330,8 @@ class RunFileReader {
   }
 
   std::istream& input_;
-  std::vector<std::string> open_;
+  std::vector<OpenFile> open_;
+  std::vector<Action> actions_;
 };
 
 }  // namespace
@@ -316,9 +347,7 @@ Job ParseJob(const Words& words, const std::optional<std::string>& file, std::is
   if (file) {
     throw UsageError{"--file goes with press; in a run file it stands in the line of its press"};
   }
-  Job job{.Actions = {}, .IsRun = true};
-  RunFileReader{input}.Read(words[1], job.Actions);
-  return job;
+  return {.Actions = RunFileReader{input}.Read(words[1]), .IsRun = true};
 }
 
 std::vector<std::string> SplitWords(std::string_view line) {
@@ -352,6 +381,7 @@ std::vector<std::string> SplitWords(std::string_view line) {
 
 std::vector<CommandHelp> CommandsHelp() {
   std::vector<CommandHelp> help;
+  help.reserve(commandRows.size() + 1);
   for (const auto& row : commandRows) {
     help.push_back({row.Usage, row.Effect});
   }

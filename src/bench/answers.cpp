@@ -70,7 +70,7 @@ std::optional<std::int32_t> ButtonMeantBy(std::string_view typed, const std::vec
 }
 
 std::int32_t ParseAnswer(std::string_view word) {
-  const auto found =
+  const auto* const found =
       std::ranges::find_if(buttonRows, [word](const auto& row) { return EqualIgnoringCase(row.Name, word); });
   if (found == buttonRows.end()) {
     throw UsageError{
@@ -95,7 +95,7 @@ std::vector<std::int32_t> ButtonsOf(std::int32_t style) {
 }
 
 std::string_view ButtonName(std::int32_t button) {
-  const auto found =
+  const auto* const found =
       std::ranges::find_if(buttonRows, [button](const auto& row) { return row.Number == button; });
   return found == buttonRows.end() ? std::string_view{} : found->Name;
 }

@@ -38,8 +38,7 @@ namespace {
 
 constexpr std::int32_t iconMask = 0xF0;
 
-// ---- Boxes
-// --------------------------------------------------------------------------------------------------
+// ---- Boxes ----
 
 // Whoever was not asked is told. What explains why a command was not carried out is an error.
 void TellAnswer(HostState& state, const Question& question, const Answer& answer) {
@@ -115,8 +114,7 @@ class BenchDialog final : public HostDialog {
   std::int16_t result_ = 0;
 };
 
-// ---- Settings files
-// -----------------------------------------------------------------------------------------
+// ---- Settings files ----
 
 // The first failure of a command is told, the others are counted.
 Status CountWrite(HostState& state, const Status& status, std::string_view what, std::string_view file) {
@@ -154,8 +152,7 @@ class WatchedSettings final : public IniFileService {
   HostState& state_;
 };
 
-// ---- The process
-// --------------------------------------------------------------------------------------------
+// ---- The process ----
 
 class BenchEnvironment final : public Environment {
  public:
@@ -201,8 +198,7 @@ class BenchEnvironment final : public Environment {
   HostState& state_;
 };
 
-// ---- The host object
-// ----------------------------------------------------------------------------------------
+// ---- The host object ----
 
 class WatchedLink final : public InstrumentLink {
  public:
@@ -258,8 +254,7 @@ class BenchObject final : public HostObject {
   HostState& state_;
 };
 
-// ---- The window
-// ---------------------------------------------------------------------------------------------
+// ---- The window ----
 
 class BenchPanel final : public StatusPanel {
  public:

@@ -28,12 +28,15 @@
 namespace zolvane {
 namespace {
 
-InterruptFlag interrupt;
+// Outlives everything, so that a signal finds it at any time.
+InterruptFlag& Interrupt() {
+  static constinit InterruptFlag flag;
+  return flag;
+}
 
 constexpr std::string_view standardOutput = "-";
 
-// ---- The trace and where it goes
-// ----------------------------------------------------------------------------
+// ---- The trace and where it goes ----
 
 class TraceOutput {
  public:
@@ -74,8 +77,7 @@ class TraceOutput {
   std::unique_ptr<TraceLog> log_;
 };
 
-// ---- One run
-// ------------------------------------------------------------------------------------------------
+// ---- One run ----
 
 // Prints each result when it is there, or all of them as one document at the end.
 class Results {
@@ -121,17 +123,17 @@ int PlayJob(const Options& options, const Job& job, const std::shared_ptr<Instru
   Results results{options, console};
   Session session{host, console, trace.Log()};
   const int played =
-      session.Play(job.Actions, {.IsInterrupted = [] { return interrupt.IsRaised(); },
+      session.Play(job.Actions, {.IsInterrupted = [] { return Interrupt().IsRaised(); },
                                  .Ended = [&](const ActionResult& result) { results.Take(result); }});
   const int traced = trace.Finish(console);
   return std::max({played, traced, results.Finish(job.IsRun)});
 }
 
 int Run(const Options& options, std::istream& input, std::ostream& output, std::ostream& errors) {
-  TakeInterrupts([] { interrupt.Raise(); });
+  TakeInterrupts([] { Interrupt().Raise(); });
   const Job job = ParseJob(options.Command, options.File, input);
   CheckFiles(options, job);
-  const auto link = CreateLink(options.Link, options.TimeoutSeconds, interrupt);
+  const auto link = CreateLink(options.Link, options.TimeoutSeconds, Interrupt());
   TraceOutput trace{options, output};
   Console console{output,
                   errors,

@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cstddef>
 #include <string_view>
@@ -95,6 +96,11 @@ std::string ParseFolder(const std::string& text) {
   return AbsolutePath(text);
 }
 
+// One more than any command has. Each is an option of its own because one option for all would take a word
+// such as
+// "[a,b]" apart.
+constexpr std::array<const char*, 4> wordNames{"COMMAND", "FIRST", "SECOND", "THIRD"};
+
 // The texts as they were typed; what they mean is looked at when the whole line has been understood.
 struct TypedOptions {
   std::string Folder = ".";
@@ -102,7 +108,7 @@ struct TypedOptions {
   std::vector<std::string> Answers;
   std::string Trace;
   std::string File;
-  std::vector<std::string> Words;
+  std::array<std::string, wordNames.size()> Words;
 };
 
 CLI::Option* AddText(CLI::App& app, const std::string& name, std::string& target, const std::string& argument,
@@ -162,7 +168,10 @@ void TakeTyped(const CLI::App& app, const TypedOptions& typed, Options& options)
   if (isGiven("--file")) {
     options.File = typed.File;
   }
-  options.Command = app.get_option("COMMAND")->results();
+  for (const auto* name : wordNames) {
+    const auto& words = app.get_option(name)->results();
+    options.Command.insert(options.Command.end(), words.begin(), words.end());
+  }
 }
 
 }  // namespace
@@ -176,7 +185,9 @@ std::variant<Options, Information> ParseOptions(std::vector<std::string> argumen
   app.set_version_flag("--version", std::string{version}, "print the version");
   AddValueOptions(app, typed, options);
   AddFlags(app, options);
-  app.add_option("COMMAND", typed.Words);
+  for (std::size_t index = 0; index < typed.Words.size(); ++index) {
+    app.add_option(wordNames[index], typed.Words[index]);
+  }
   std::ranges::reverse(arguments);
   try {
     app.parse(std::move(arguments));

@@ -1,5 +1,7 @@
 #include "bench/report.h"
 
+#include <algorithm>
+#include <array>
 #include <cstddef>
 #include <nlohmann/json.hpp>
 #include <string_view>
@@ -18,8 +20,7 @@ Json OrNull(const auto& value) {
   return value ? Json(*value) : Json(nullptr);
 }
 
-// ---- For programs
-// -------------------------------------------------------------------------------------------
+// ---- For programs ----
 
 Json ListJson(const ListModel& list) {
   Json entries = Json::array();
@@ -97,8 +98,7 @@ Json ResultJson(const ActionResult& result, bool isRun) {
   return OperationJson(result);
 }
 
-// ---- For people
-// ---------------------------------------------------------------------------------------------
+// ---- For people ----
 
 std::string Padded(std::string_view text, std::size_t width) {
   std::string padded{text};
@@ -112,7 +112,7 @@ constexpr std::size_t nameWidth = 16;
 std::string Line(std::string_view name, std::string_view label, std::string_view value, bool isEnabled) {
   constexpr std::size_t labelWidth = 32;
   auto line = Joined("  ", Padded(name, nameWidth), Padded(label, labelWidth), Printable(value),
-                     isEnabled ? "" : "  (disabled)");
+                     std::string_view{isEnabled ? "" : "  (disabled)"});
   line.resize(line.find_last_not_of(' ') + 1);
   return line + "\n";
 }
@@ -127,15 +127,14 @@ std::string ListText(const ListRow& row, const ListModel& list) {
   for (std::size_t index = 0; index < list.Entries.size(); ++index) {
     const bool isSelected = list.Selected == static_cast<int>(index);
     const auto number = Joined("#", std::to_string(index));
-    text += Joined("    ", isSelected ? "> " : "  ", Padded(number, 5), Printable(list.Entries[index].Text),
-                   "\n");
+    text += Joined("    ", std::string_view{isSelected ? "> " : "  "}, Padded(number, 5),
+                   Printable(list.Entries[index].Text), "\n");
   }
   return text;
 }
 
-std::string_view CheckWord(int value) {
-  return value == untickedValue ? "[ ]" : value == tickedValue ? "[x]" : "[-]";
-}
+// By the value of a check box.
+constexpr std::array<std::string_view, greyValue + 1> checkWords{"[ ]", "[x]", "[-]"};
 
 std::string PageText(const ShownPage& shown) {
   const auto& page = shown.Page;
@@ -144,8 +143,8 @@ std::string PageText(const ShownPage& shown) {
     text += ListText(listRows[row], page.Lists[row]);
   }
   for (std::size_t row = 0; row < checkRows.size(); ++row) {
-    text += Line(checkRows[row].Name, checkRows[row].Label, CheckWord(page.Checks[row].Value),
-                 page.Checks[row].Enabled);
+    text += Line(checkRows[row].Name, checkRows[row].Label,
+                 checkWords.at(static_cast<std::size_t>(page.Checks[row].Value)), page.Checks[row].Enabled);
   }
   text += Line(pumpLabel.Name, pumpLabel.Caption, page.PumpText, true);
   const auto button = [&](int index) {

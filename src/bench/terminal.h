@@ -33,8 +33,9 @@ std::vector<std::string> ProgramArguments(int count, char** arguments);
 // opens would be taken for them. What is printed there fails.
 void KeepStandardStreams();
 
-// From now on Ctrl-C, and a polite request to end, call `interrupt` instead of ending the program, and a
-// reader who closes our output does not end it either. `interrupt` must be safe in a signal handler.
+// From now on Ctrl-C, and a polite request to end, call `interrupt` instead of ending the program;
+// `interrupt` must be safe in a signal handler. A reader who closes our output, or a limit on the size of
+// files, does not end the program either: what is written then fails.
 void TakeInterrupts(void (*interrupt)());
 
 }  // namespace zolvane

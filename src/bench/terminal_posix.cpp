@@ -18,12 +18,20 @@ constexpr std::array interruptSignals{SIGINT, SIGTERM, SIGHUP};
 // Longer lines are no answers; their rest is dropped.
 constexpr std::size_t longestAnswer = 4096;
 
-std::atomic<void (*)()> interruptCall{nullptr};
-volatile std::sig_atomic_t wasInterrupted = 0;
+// What a signal handler can reach.
+struct SignalState {
+  std::atomic<void (*)()> Call{nullptr};
+  std::atomic<bool> WasInterrupted{false};
+};
+
+SignalState& Signals() {
+  static constinit SignalState state;
+  return state;
+}
 
 extern "C" void OnInterruptSignal(int) {
-  wasInterrupted = 1;
-  if (const auto call = interruptCall.load()) {
+  Signals().WasInterrupted = true;
+  if (auto* const call = Signals().Call.load()) {
     call();
   }
 }
@@ -47,7 +55,7 @@ class HeldInterrupts {
   // Waits for input with interrupts let through. False when one came.
   bool WaitForInput(int file) const {
     ::pollfd waiting{.fd = file, .events = POLLIN, .revents = 0};
-    while (wasInterrupted == 0) {
+    while (!Signals().WasInterrupted) {
       if (::ppoll(&waiting, 1, nullptr, &before_) > 0) {
         return true;
       }
@@ -109,12 +117,15 @@ class PosixTerminal final : public Questioner {
 // Questions go where the user looks: to standard error, or, when that goes elsewhere, to the terminal itself.
 int OpenQuestionOutput() {
   if (::isatty(STDERR_FILENO) != 0) {
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-vararg): the system call is declared so
     return ::fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 0);
   }
   std::array<char, 256> name{};
-  return ::ttyname_r(STDIN_FILENO, name.data(), name.size()) == 0
-             ? ::open(name.data(), O_WRONLY | O_NOCTTY | O_CLOEXEC)
-             : -1;
+  if (::ttyname_r(STDIN_FILENO, name.data(), name.size()) != 0) {
+    return -1;
+  }
+  // NOLINTNEXTLINE(cppcoreguidelines-pro-type-vararg): the system call is declared so
+  return ::open(name.data(), O_WRONLY | O_NOCTTY | O_CLOEXEC);
 }
 
 bool IsIgnored(int signal) {
@@ -138,6 +149,7 @@ std::optional<std::size_t> ErrorTerminalWidth() {
     return std::nullopt;
   }
   ::winsize size{};
+  // NOLINTNEXTLINE(cppcoreguidelines-pro-type-vararg): the system call is declared so
   const bool isKnown = ::ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 1;
   return isKnown ? size.ws_col : usualWidth;
 }
@@ -149,14 +161,16 @@ std::vector<std::string> ProgramArguments(int count, char** arguments) {
 // Opened the wrong way round for its use, so that the use fails.
 void KeepStandardStreams() {
   for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-vararg): the system call is declared so
     if (::fcntl(stream, F_GETFD) == -1 && errno == EBADF) {
+      // NOLINTNEXTLINE(cppcoreguidelines-pro-type-vararg): the system call is declared so
       ::open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
     }
   }
 }
 
 void TakeInterrupts(void (*interrupt)()) {
-  interruptCall = interrupt;
+  Signals().Call = interrupt;
   struct sigaction action {};
   action.sa_handler = OnInterruptSignal;
   ::sigemptyset(&action.sa_mask);
@@ -166,7 +180,9 @@ void TakeInterrupts(void (*interrupt)()) {
       ::sigaction(signal, &action, nullptr);
     }
   }
+  // A reader who has gone, and a file that has reached its limit, are failed writes like any other.
   std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);
 }
 
 }  // namespace zolvane

@@ -19,8 +19,7 @@ Event OrNull(const auto& value) {
   return value ? Event(*value) : Event(nullptr);
 }
 
-// ---- The process
-// --------------------------------------------------------------------------------------------
+// ---- The process ----
 
 class TracingSettings final : public IniFileService {
  public:
@@ -113,8 +112,7 @@ class TracingEnvironment final : public Environment {
   TraceLog& log_;
 };
 
-// ---- The host object
-// ----------------------------------------------------------------------------------------
+// ---- The host object ----
 
 class TracingLink final : public InstrumentLink {
  public:
@@ -229,8 +227,7 @@ class TracingObject final : public HostObject {
   TraceLog& log_;
 };
 
-// ---- The host window
-// ----------------------------------------------------------------------------------------
+// ---- The host window ----
 
 class TracingPanel final : public StatusPanel {
  public:
@@ -269,8 +266,7 @@ class TracingWindow final : public HostWindow {
   TraceLog& log_;
 };
 
-// ---- The page
-// -----------------------------------------------------------------------------------------------
+// ---- The page ----
 
 class TracingPage final : public PageView {
  public:

@@ -66,6 +66,7 @@ bool IsTooSmall(std::string_view number) {
     std::int64_t size = std::numeric_limits<std::int32_t>::max();
     const auto digits = exponent.substr(SkipSign(exponent, 0));
     std::from_chars(digits.data(), digits.data() + digits.size(), size);
+    size = std::min<std::int64_t>(size, std::numeric_limits<std::int32_t>::max());
     magnitude += isNegative ? -size : size;
   }
   return magnitude < 0;
@@ -158,7 +159,6 @@ std::string RoundedDigits(const DecimalForm& form, int decimals) {
   }
   const bool roundsUp = digits[keptDigits] >= '5';
   digits.resize(keptDigits);
-  digits.insert(0, digits.empty() ? 1 : 0, '0');
   if (roundsUp) {
     CarryUp(digits);
   }

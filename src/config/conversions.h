@@ -1,11 +1,9 @@
 // Every number and flag text of the system, with its reading and its writing, and both of its roundings.
 //
 // Two roundings exist and never meet:
-//   half to even            when a real becomes an integer directly (RoundHalfToEven, works on the exact
-//   value); half away from zero     when a value passes through a number picture (Picture, works on the
-//   decimal form of 15
-//                           significant digits, because the file's numbers are decimal texts: 0.285 * 100
-//                           is 28.5).
+// - half to even, when a real becomes an integer directly (RoundHalfToEven): works on the exact value;
+// - half away from zero, when a value passes through a number picture (PictureText): works on the decimal form of 15
+//   significant digits, because the file's numbers are decimal texts: 0.285 * 100 is 28.5.
 //
 // The decimal sign is always "." and nothing depends on a locale: the file travels between machines. No
 // function gives a sign before a zero, an infinity or a value that is not a number.
@@ -19,8 +17,7 @@
 
 namespace zolvane {
 
-// ---- Reading
-// ------------------------------------------------------------------------------------------------
+// ---- Reading ----
 
 // The number at the start of the text: leading blanks skipped, the longest prefix that reads as a number
 // (sign, digits with one ".", exponent "e" or "E" with digits). 0 without one, and 0 beyond the range of a
@@ -37,8 +34,7 @@ std::optional<bool> StrictFlag(std::string_view text);
 // True when the leading number is not zero.
 bool NumericFlag(std::string_view text);
 
-// ---- Rounding and narrowing
-// ---------------------------------------------------------------------------------
+// ---- Rounding and narrowing ----
 
 template <class T>
 concept WholeNumber = std::same_as<T, std::int16_t> || std::same_as<T, std::int32_t>;
@@ -50,8 +46,7 @@ std::optional<T> RoundHalfToEven(double value);
 // The nearest single-precision value. Nothing beyond its range.
 std::optional<float> ToSingle(double value);
 
-// ---- Arithmetic whose faults are values
-// ---------------------------------------------------------------------
+// ---- Arithmetic whose faults are values ----
 
 // Nothing when the result is beyond the range of a double.
 std::optional<double> Product(double left, double right);
@@ -59,8 +54,7 @@ std::optional<double> Product(double left, double right);
 // Nothing for a zero divisor, and beyond the range of a double.
 std::optional<double> Quotient(double dividend, double divisor);
 
-// ---- Writing
-// ------------------------------------------------------------------------------------------------
+// ---- Writing ----
 
 std::string FlagText(bool flag);            // "1" or "0"
 std::string WholeText(std::int32_t value);  // plain decimal

@@ -15,8 +15,8 @@ using H = HeadTypeRecord;
 using ShortText = RoundedWhole<std::int16_t>;
 using LongText = RoundedWhole<std::int32_t>;
 
-// The head-eject position is not a setting of its own in the file: it is saved as the distance from the
-// aspirate origin, so that it follows the offset. Heads without the offset have none.
+// The head-eject position is no setting of its own in the file: it is saved as the aspirate origin plus the eject
+// offset, so that it follows both. Heads without the offset have none.
 std::optional<std::string> EjectFromAspirateOrigin(const HeadTypeRecord& head, const StepFactors&) {
   return HasSerialDiluteOffsets(head) ? GeneralText(head.Field12 + head.SDHeadEjectOffsetMM) : "0";
 }

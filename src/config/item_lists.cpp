@@ -12,13 +12,23 @@ std::string DefaultName(const SettingsFiles& settings, std::string_view section,
   if (choice.empty()) {
     AssignIf(choice, settings.ReadValue(section, "Installed", file));
   }
+  if (choice.empty()) {
+    return {};
+  }
   const auto pieces = settings.SplitText("=", choice);
   return pieces.size() > 1 ? WithoutQuotes(pieces[1]) : std::string{};
 }
 
-std::string ReadItem(const SettingsFiles& settings, std::string_view section, int number,
-                     std::string_view file) {
-  return settings.ReadValue(section, ItemKey(WholeText(number)), file).value_or("");
+std::string NumberedItemKey(int number) {
+  return ItemKey(WholeText(number));
+}
+
+void AddEntry(ListContent& content, const std::string& name, std::int32_t number,
+              std::string_view defaultName) {
+  if (name == defaultName) {
+    content.Preselected = content.Entries.size();
+  }
+  content.Entries.push_back({name, number});
 }
 
 }  // namespace
@@ -29,36 +39,33 @@ ListContent ReadListContent(const SettingsFiles& settings, std::string_view sect
   const auto defaultName = DefaultName(settings, section, file);
   ListContent content;
   std::string line;
-  int number = 0;
-  do {
-    line = ReadItem(settings, section, number, file);
-    const auto pieces = settings.SplitText(",", line);
+  for (int number = 0; number <= lastItemNumber; ++number) {
+    const auto read = settings.ReadValue(section, NumberedItemKey(number), file);
+    AssignIf(line, read);
+    if (line.empty() && number >= lastAlwaysProbed) {
+      break;
+    }
+    const auto pieces = read && !line.empty() ? settings.SplitText(",", line) : std::vector<std::string>{};
     const auto name = pieces.empty() ? std::string{} : WithoutQuotes(pieces.front());
     if (!name.empty()) {
-      if (name == defaultName) {
-        content.Preselected = content.Entries.size();
-      }
-      content.Entries.push_back({name, number});
+      AddEntry(content, name, number, defaultName);
     }
-    ++number;
-  } while ((!line.empty() || number <= lastAlwaysProbed) && number <= lastItemNumber);
+  }
   return content;
 }
 
 std::int16_t FindItemByField(const SettingsFiles& settings, std::string_view section, std::string_view text,
                              std::size_t piece) {
-  const auto file = settings.ConfigFilePath();
-  for (int number = 1; number <= lastItemNumber; ++number) {
-    const auto line = ReadItem(settings, section, number, file);
-    if (line.empty()) {
-      break;
-    }
+  std::int16_t found = 0;
+  const auto examine = [&](const std::string& line, int number) {
     const auto pieces = settings.SplitText(",", WithoutQuotes(line));
     if (piece < pieces.size() && EqualIgnoringCase(pieces[piece], text)) {
-      return static_cast<std::int16_t>(number);
+      found = static_cast<std::int16_t>(number);
     }
-  }
-  return 0;
+    return found == 0;
+  };
+  ForEachNumberedValue(settings, section, settings.ConfigFilePath(), NumberedItemKey, examine);
+  return found;
 }
 
 }  // namespace zolvane

@@ -48,6 +48,10 @@ void ScaleSerialDiluteAxis(AxisRecord& axis, double factor) {
   }
 }
 
+std::string AxisKey(int number) {
+  return "Axis" + WholeText(number);
+}
+
 void StoreInSlot(AxisSlots& slots, const AxisRecord& axis) {
   for (const auto& [name, slot] : axisSlots) {
     if (axis.Name == name) {
@@ -137,14 +141,10 @@ void LoadAxes(Configuration& configuration) {
   const auto section = AxisSection(configuration.Current);
   const auto file = configuration.Settings.ConfigFilePath();
   AxisRecord axis;  // one for all lines: what a line lacks it inherits from the line before
-  for (int number = 1; number <= lastItemNumber; ++number) {
-    const auto line = configuration.Settings.ReadValue(section, "Axis" + WholeText(number), file);
-    if (!line || line->empty()) {
-      return;
-    }
-    const auto pieces = configuration.Settings.SplitText(",", *line);
+  const auto loadLine = [&](const std::string& line, int /*number*/) {
+    const auto pieces = configuration.Settings.SplitText(",", line);
     if (pieces.empty()) {
-      continue;
+      return true;
     }
     axis.Defined = true;
     LoadInto<AxisRecord>(axis, axisFields, pieces, configuration, section, file);
@@ -152,7 +152,9 @@ void LoadAxes(Configuration& configuration) {
       ScaleSerialDiluteAxis(axis, factor);
     }
     StoreInSlot(configuration.Current.Axes, axis);
-  }
+    return true;
+  };
+  ForEachNumberedValue(configuration.Settings, section, file, AxisKey, loadLine);
 }
 
 PlateTypeRecord LoadPlateType(const Configuration& configuration, const std::string& item,
@@ -166,6 +168,9 @@ void SavePlateType(const Configuration& configuration, const PlateTypeRecord& re
 
 CalibrationRecord LoadCalibration(const Configuration& configuration, const std::string& item,
                                   std::string_view file) {
+  if (item.empty()) {
+    return {};
+  }
   return LoadRecord(calibrationTable, configuration, CalibrationSection(configuration.Current), item, file);
 }
 

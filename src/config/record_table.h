@@ -211,6 +211,22 @@ void SaveRecord(const RecordTable<Record>& table, const Record& record, const Co
 // Item numbers count in 16 bits; a table that is longer ends there.
 inline constexpr int lastItemNumber = std::numeric_limits<std::int16_t>::max();
 
+// Reads the values of numbered keys from 1 on and visits them with their number, up to the first empty one or until
+// the visit says no. A value that cannot be read is left out and the walk goes on: one failed read must not cost the
+// items behind it.
+template <class KeyOf, class Visit>
+void ForEachNumberedValue(const SettingsFiles& settings, std::string_view section, std::string_view file,
+                          KeyOf keyOf, Visit visit) {
+  std::string value;
+  for (int number = 1; number <= lastItemNumber; ++number) {
+    const auto read = settings.ReadValue(section, keyOf(number), file);
+    AssignIf(value, read);
+    if (value.empty() || (read && !visit(value, number))) {
+      return;
+    }
+  }
+}
+
 // Loads item 1, 2, ... and stops at the first record that matches, or else at the first without a name: the
 // record is compared first and tested for the end afterwards, so a nameless record can match. The record
 // where the walk stopped is the result.

@@ -42,8 +42,7 @@ DeviceSetupPage::DeviceSetupPage(Environment& process, HostAttachment& host, Con
       view_{view},
       cdgFile_{DesignedFileDialogue()} {}
 
-// ---- Loading
-// --------------------------------------------------------------------------------------------------
+// ---- Loading ----
 
 void DeviceSetupPage::LoadDefaults() {
   isLoading_ = true;
@@ -100,8 +99,7 @@ void DeviceSetupPage::LoadCheck(CheckControl box) {
   }
 }
 
-// ---- Handlers
-// -------------------------------------------------------------------------------------------------
+// ---- Handlers ----
 
 Status DeviceSetupPage::UserSelects(ListControl list, int index) {
   return SelectEntry(list, index);
@@ -153,8 +151,7 @@ void DeviceSetupPage::ResetChanged() const {
   }
 }
 
-// ---- Controls
-// -------------------------------------------------------------------------------------------------
+// ---- Controls ----
 
 Status DeviceSetupPage::SelectEntry(ListControl list, int index) {
   auto& model = model_.Of(list);

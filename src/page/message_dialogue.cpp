@@ -12,31 +12,31 @@ void Log(HostObject* host, const std::string& line) {
   }
 }
 
-// Polls without pause, with the message loop running in between, so that the host stays responsive. A result
-// that cannot be read ends the wait.
-std::int16_t WaitForResult(Environment& process, HostDialog& dialogue) {
+// Polls without pause, with the message loop running in between, so that the host stays responsive. A result that
+// cannot be read ends the wait; a dialogue that the host did not give has none.
+std::int16_t WaitForResult(Environment& process, HostDialog* dialogue) {
+  const auto read = [dialogue] { return dialogue != nullptr ? dialogue->Result() : std::nullopt; };
   std::int16_t answer = 0;
   std::optional<std::int16_t> result;
   do {
     process.RunMessageLoopOnce();
-    result = dialogue.Result();
+    result = read();
     AssignIf(answer, result);
   } while (result && *result < 0);
-  AssignIf(answer, dialogue.Result());
+  AssignIf(answer, read());
   return answer;
 }
 
 std::int16_t ShowInHostDialogue(Environment& process, HostObject& host, const std::string& message,
                                 std::int16_t style, const std::string& title) {
   const auto dialogue = host.MessageDialog();
-  if (!dialogue) {
-    return 0;
+  if (dialogue) {
+    PassOver(dialogue->SetStyle(style));
+    PassOver(dialogue->SetTitle(title));
+    PassOver(dialogue->SetMessage(message));
+    PassOver(dialogue->Show(true));
   }
-  PassOver(dialogue->SetStyle(style));
-  PassOver(dialogue->SetTitle(title));
-  PassOver(dialogue->SetMessage(message));
-  PassOver(dialogue->Show(true));
-  return WaitForResult(process, *dialogue);
+  return WaitForResult(process, dialogue.get());
 }
 
 // The caller's style is added to the icon, not merged with it.

@@ -23,8 +23,7 @@ void ShowStep(const OperationContext& context, std::string_view step) {
   PassOver(context.Host.SetStatusText(std::string{downloadStatus}.append("...").append(step)));
 }
 
-// ---- Replies and their way into a field
-// -----------------------------------------------------------------------
+// ---- Replies and their way into a field ----
 
 // The value of a reply: what stands after its first "=", or the whole reply. Nothing when the instrument does
 // not know the key, and then the field keeps the value that it had in the file.
@@ -62,8 +61,7 @@ void StoreScaledLong(std::int32_t& field, double value, double scale) {
   AssignIf(field, scaled ? RoundHalfToEven<std::int32_t>(*scaled) : std::nullopt);
 }
 
-// ---- Queries
-// --------------------------------------------------------------------------------------------------
+// ---- Queries ----
 
 // The queries of one record. They are asked while the ones before were answered; the first that is not ends
 // them.
@@ -131,8 +129,7 @@ bool AskPosition(const OperationContext& context, const PositionKeys& keys, std:
   return queries.AllAnswered();
 }
 
-// ---- Tip and head change
-// --------------------------------------------------------------------------------------
+// ---- Tip and head change ----
 
 void AskTipAndHeadChange(const OperationContext& context, HeadTypeRecord head, CageTypeRecord& cage) {
   Queries queries{context};
@@ -147,8 +144,7 @@ void AskTipAndHeadChange(const OperationContext& context, HeadTypeRecord head, C
   }
 }
 
-// ---- Liquid handling
-// ------------------------------------------------------------------------------------------
+// ---- Liquid handling ----
 
 // A calibration head asks by its own name and a serial-dilute head for the teach tool: the other way round
 // from the upload's naming, and the pairing that instruments in the field answer to.
@@ -188,8 +184,7 @@ void AskLiquidHandling(const OperationContext& context, HeadTypeRecord head) {
   }
 }
 
-// ---- Tip data
-// -------------------------------------------------------------------------------------------------
+// ---- Tip data ----
 
 // Tips of all sizes are filled from the rack of the small ones: the instrument does not give the large rack
 // back.

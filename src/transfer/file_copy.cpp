@@ -12,8 +12,7 @@
 namespace zolvane {
 namespace {
 
-// ---- Copying one table
-// ----------------------------------------------------------------------------------------
+// ---- Copying one table ----
 
 struct Copy {
   const OperationContext& Context;
@@ -88,8 +87,7 @@ constexpr std::array<CopyStep, 7> copySteps{{
     {"...Labware library data", CopyPlates},
 }};
 
-// ---- Choosing the file
-// ----------------------------------------------------------------------------------------
+// ---- Choosing the file ----
 
 void SetUp(FileDialogue& dialogue, std::string_view title) {
   dialogue.DefaultExtension = "bak";

@@ -35,8 +35,7 @@ AxisScales CurrentScales(const CurrentRecords& current) {
           .SDY = current.Axes.SDY.UnitsPerStep};
 }
 
-// ---- Value texts
-// ----------------------------------------------------------------------------------------------
+// ---- Value texts ----
 
 ValueText RoundedText(std::optional<double> value) {
   return value ? std::optional{PictureText(*value, NumberPicture::Whole)} : std::nullopt;
@@ -74,8 +73,7 @@ constexpr auto TimesZStep = [](const auto& record, const AxisScales& scales) -> 
   return HundredthsText(scales.Z, record.*Member);
 };
 
-// ---- The script
-// -----------------------------------------------------------------------------------------------
+// ---- The script ----
 
 class ScriptBuilder {
  public:
@@ -113,8 +111,7 @@ std::string Joined(std::string_view first, std::string_view middle, std::string_
   return std::string{first}.append(middle).append(last);
 }
 
-// ---- Stage positions
-// ------------------------------------------------------------------------------------------
+// ---- Stage positions ----
 
 void AppendPositions(ScriptBuilder& script, std::span<const PositionKeys> positions,
                      std::int32_t PositionRecord::*x, std::int32_t PositionRecord::*y) {
@@ -130,8 +127,7 @@ void AppendStagePositions(ScriptBuilder& script) {
   AppendPositions(script, stagePositions, &PositionRecord::Field4, &PositionRecord::Field5);
 }
 
-// ---- Heights
-// --------------------------------------------------------------------------------------------------
+// ---- Heights ----
 
 using Z = ZCalibrationRecord;
 
@@ -160,8 +156,7 @@ void AppendHeights(ScriptBuilder& script) {
   script.AppendAll<Z>(heightCommands, script.Config.Current.Heights);
 }
 
-// ---- Tip and head change
-// --------------------------------------------------------------------------------------
+// ---- Tip and head change ----
 
 using H = HeadTypeRecord;
 
@@ -180,8 +175,7 @@ void AppendTipAndHeadChange(ScriptBuilder& script) {
   script.Append("AspirateOrigin_96_384", WholeText(head.Field12));
 }
 
-// ---- Serial-dilute heads and the teach tool
-// -------------------------------------------------------------------
+// ---- Serial-dilute heads and the teach tool ----
 
 constexpr std::array<Command<H>, 5> shortHeadCommands{{
     {"HeadEject_SD_S", Integer<&H::Field10>},
@@ -220,8 +214,7 @@ void AppendSerialDiluteHeads(ScriptBuilder& script) {
   }
 }
 
-// ---- Tip racks
-// ------------------------------------------------------------------------------------------------
+// ---- Tip racks ----
 
 using T = TipTypeRecord;
 
@@ -249,8 +242,7 @@ void AppendTipRacks(ScriptBuilder& script) {
   AppendRack(script, &T::Field14, largeRackCommands);
 }
 
-// ---- Tip eject and aspirate origin
-// ----------------------------------------------------------------------------
+// ---- Tip eject and aspirate origin ----
 
 void AppendTipEject(ScriptBuilder& script) {
   ForEachRecordAndTheEnd(Heads(script.Config), [&script](const H& head) {
@@ -264,8 +256,7 @@ void AppendTipEject(ScriptBuilder& script) {
   });
 }
 
-// ---- Nests
-// ----------------------------------------------------------------------------------------------------
+// ---- Nests ----
 
 // A class of nests and the instrument's names of its three places.
 struct NestRow {
@@ -306,8 +297,7 @@ void AppendSerialDiluteXY(ScriptBuilder& script) {
   }
 }
 
-// ---- Volume precision
-// -----------------------------------------------------------------------------------------
+// ---- Volume precision ----
 
 // The 8- and 12-channel heads have no correction for 125 microlitres.
 constexpr std::array<std::pair<std::string_view, std::string_view>, 11> correctedHeads{{
@@ -335,6 +325,10 @@ void AppendVolumePrecision(ScriptBuilder& script) {
   });
 }
 
+std::string VolumeItemKey(int number) {
+  return WholeText(number) + "Item";
+}
+
 // The line of one correction: its third piece is the instrument's key, its second the factor, sent in hundred
 // thousandths. An item that is too short has no line.
 std::string VolumeCorrectionLine(std::span<const std::string> pieces) {
@@ -351,8 +345,7 @@ std::string VolumeCorrectionLine(std::span<const std::string> pieces) {
   return "SET_CALIBRATION " + key + " " + *value + "\r\n";
 }
 
-// ---- All groups
-// -----------------------------------------------------------------------------------------------
+// ---- All groups ----
 
 struct ScriptGroup {
   std::string_view Name;  // empty: goes on under the name of the group before
@@ -389,15 +382,12 @@ std::string BuildVolumeCorrection(const Configuration& configuration, std::strin
   const auto source =
       section.empty() ? Joined("VolumeCorrection_", headName, "_").append(tipVolume) : std::string{section};
   const auto& settings = configuration.Settings;
-  const auto file = settings.ConfigFilePath();
   std::string lines;
-  for (int item = 1; item <= lastItemNumber; ++item) {
-    const auto line = settings.ReadValue(source, WholeText(item) + "Item", file).value_or("");
-    if (line.empty()) {
-      break;
-    }
-    lines += VolumeCorrectionLine(settings.SplitText(",", line));
-  }
+  const auto appendItem = [&](const std::string& item, int /*number*/) {
+    lines += VolumeCorrectionLine(settings.SplitText(",", item));
+    return true;
+  };
+  ForEachNumberedValue(settings, source, settings.ConfigFilePath(), VolumeItemKey, appendItem);
   return lines;
 }
 

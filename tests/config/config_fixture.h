@@ -18,12 +18,12 @@
 
 namespace zolvane {
 
-// A table without an end: every item has the same line, and every piece of it is the whole line.
+// A table that goes on beyond every 16-bit number: all items have the same line, and every piece of it is the
+// whole line.
 class EndlessSettings final : public IniFileService {
  public:
   explicit EndlessSettings(std::string line) : line_{std::move(line)} {}
 
-  int ItemReads = 0;
   std::string LastItem;
 
   std::optional<std::string> ReadValue(std::string_view, std::string_view key, std::string_view,
@@ -31,9 +31,8 @@ class EndlessSettings final : public IniFileService {
     if (!key.starts_with("Item") && !key.starts_with("Axis")) {
       return std::string{fallback};
     }
-    ++ItemReads;
     LastItem = key;
-    return line_;
+    return ++itemReads_ <= length ? line_ : std::string{fallback};
   }
 
   Status WriteValue(std::string_view, std::string_view, std::string_view, std::string_view) override {
@@ -45,7 +44,10 @@ class EndlessSettings final : public IniFileService {
   }
 
  private:
+  static constexpr int length = 100000;
+
   std::string line_;
+  int itemReads_ = 0;
 };
 
 struct ConfigFixture {

@@ -308,6 +308,7 @@ TEST(ToSingle, GivesTheNearestSingle) {
 TEST(ToSingle, FailsBeyondTheRangeOfASingle) {
   EXPECT_EQ(ToSingle(3.4028234663852886e38), std::numeric_limits<float>::max());
   EXPECT_EQ(ToSingle(3.40282350e38), std::numeric_limits<float>::max());
+  EXPECT_EQ(ToSingle(0x1.ffffffp127), nullopt);  // half a step beyond the largest one
   EXPECT_EQ(ToSingle(3.4028236e38), nullopt);
   EXPECT_EQ(ToSingle(1e39), nullopt);
   EXPECT_EQ(ToSingle(-1e39), nullopt);

@@ -222,6 +222,28 @@ TEST(DeviceTable, TheThreeOtherCollisionKeysAreLeadingNumbers) {
   EXPECT_FALSE(other.SDXYCollisionStatus);
 }
 
+TEST(DeviceTable, ReadsEachValueInItsOwnForm) {
+  ConfigFixture fixture{
+      "[DeviceType]\nItem1=A,1x,B\nUploadCalibrationData=1x\nDownloadCalibrationData=1x\n"
+      "ImportCalibrationData=1x\nExportCalibrationData=1x\nSDXYEncoderStatus=1x\nSDXYEncoderMMStepFactorOn="
+      "80.5x\n"
+      "SDXYEncoderMMStepFactorOff=100.5x\nCollisionDetectEnableZ=1x\nZCollisionStatus=1x\n"
+      "CollisionDetectEnableSDXY=1x\nSDXYCollisionStatus=1x\n"};
+  const auto device = LoadDevice(fixture, "1");
+  EXPECT_FALSE(device.Field1);
+  EXPECT_FALSE(device.UploadCalibrationData);
+  EXPECT_FALSE(device.DownloadCalibrationData);
+  EXPECT_FALSE(device.ImportCalibrationData);
+  EXPECT_FALSE(device.ExportCalibrationData);
+  EXPECT_FALSE(device.SDXYEncoderStatus);
+  EXPECT_EQ(device.SDXYEncoderMMStepFactorOn, 80.5);
+  EXPECT_EQ(device.SDXYEncoderMMStepFactorOff, 100.5);
+  EXPECT_TRUE(device.CollisionDetectEnableZ);
+  EXPECT_FALSE(device.ZCollisionStatus);
+  EXPECT_TRUE(device.CollisionDetectEnableSDXY);
+  EXPECT_TRUE(device.SDXYCollisionStatus);
+}
+
 TEST(DeviceTable, MissingAndEmptyStatusKeysAreOff) {
   for (const auto* text : {"",
                            "[DeviceType]\nSDXYEncoderStatus=\nCollisionDetectEnableZ=\nZCollisionStatus=\n"
@@ -476,6 +498,21 @@ TEST(CageTable, TheFlagsOfTheLineAreWordsOrNumbers) {
   EXPECT_FALSE(LoadCage(fixture, "2").Field2);
   EXPECT_TRUE(LoadCage(fixture, "2").Field3);
   EXPECT_FALSE(LoadCage(fixture, "2").Field4);
+}
+
+TEST(CageTable, ReadsEachValueInItsOwnForm) {
+  ConfigFixture fixture{
+      "[CageType]\nItem1=A,B,1x,1x,1x,5x,6x,7x,8x\nCageReleaseBarHeight=168x\nCageReleaseHeight=152x\n"};
+  const auto cage = LoadCage(fixture, "1");
+  EXPECT_FALSE(cage.Field2);
+  EXPECT_EQ(cage.CageReleaseBarHeight, 168);
+  EXPECT_EQ(cage.CageReleaseHeight, 152);
+  EXPECT_FALSE(cage.Field3);
+  EXPECT_FALSE(cage.Field4);
+  EXPECT_EQ(cage.Field5, 5);
+  EXPECT_EQ(cage.Field6, 6);
+  EXPECT_EQ(cage.Field7, 7);
+  EXPECT_EQ(cage.Field8, 8);
 }
 
 TEST(CageTable, TakesTheCodeAsItStands) {

@@ -340,6 +340,26 @@ TEST(HeadTable, ReadsRealsAsLeadingNumbersAndFlagsAsWordsOrNumbers) {
   EXPECT_FALSE(head.Field17);
 }
 
+TEST(HeadTable, ReadsEachValueInItsOwnForm) {
+  ConfigFixture fixture{"[HeadType]\nItem1=A,B,2x,3x,4x,5x,6x,1x,1x,1x,10x,11x,12x,13x,14x,15x,C,1x,D\n"};
+  const auto head = LoadHead(fixture, "1");
+  EXPECT_EQ(head.Field2, 2.0);
+  EXPECT_EQ(head.TipVolume, 3.0);
+  EXPECT_EQ(head.Field4, 4.0);
+  EXPECT_EQ(head.Field5, 5);
+  EXPECT_EQ(head.Field6, 6.0);
+  EXPECT_FALSE(head.Field7);
+  EXPECT_FALSE(head.Field8);
+  EXPECT_FALSE(head.Field9);
+  EXPECT_EQ(head.Field10, 10);
+  EXPECT_EQ(head.Field11, 11);
+  EXPECT_EQ(head.Field12, 12);
+  EXPECT_EQ(head.Field13, 13.0);
+  EXPECT_EQ(head.Field14, 14.0);
+  EXPECT_EQ(head.Field15, 15.0);
+  EXPECT_FALSE(head.Field17);
+}
+
 TEST(HeadTable, AMissingLineLeavesTheNumberAlone) {
   ConfigFixture fixture{headFile};
   const auto head = LoadHead(fixture, "99");
@@ -576,6 +596,27 @@ TEST(TipTable, ReadsTextsRealsAndFlagsInTheirForms) {
   EXPECT_TRUE(tip.Field16);
   EXPECT_FALSE(tip.Field17);
   EXPECT_EQ(tip.Field18, "S1");
+}
+
+TEST(TipTable, ReadsEachValueInItsOwnForm) {
+  ConfigFixture fixture{"[TipType]\nItem1=A,B,2x,3x,4x,5x,1x,7x,8x,9x,10x,11x,1x,1x,1x,1x,1x,1x,D\n"};
+  const auto tip = LoadTip(fixture, "1");
+  EXPECT_EQ(tip.Field2, 2.0);
+  EXPECT_EQ(tip.Field3, 3.0);
+  EXPECT_EQ(tip.Field4, 4);
+  EXPECT_EQ(tip.Field5, 5);
+  EXPECT_FALSE(tip.Field6);
+  EXPECT_EQ(tip.Field7, 7);
+  EXPECT_EQ(tip.Field8, 8);
+  EXPECT_EQ(tip.Field9, 9);
+  EXPECT_EQ(tip.Field10, 10.0);
+  EXPECT_EQ(tip.Field11, 11);
+  EXPECT_FALSE(tip.Field12);
+  EXPECT_FALSE(tip.Field13);
+  EXPECT_FALSE(tip.Field14);
+  EXPECT_FALSE(tip.Field15);
+  EXPECT_FALSE(tip.Field16);
+  EXPECT_FALSE(tip.Field17);
 }
 
 TEST(TipTable, PassesEveryFailedReadAndWriteOver) {

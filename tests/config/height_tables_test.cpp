@@ -140,6 +140,37 @@ TEST(HeightTable, ReadsLeadingNumbers) {
   EXPECT_EQ(heights.DeltaZTolerance, 0.0);
 }
 
+TEST(HeightTable, ReadsEveryHeightAsALeadingNumber) {
+  ConfigFixture fixture;
+  for (const auto* key : {"MountHeight",
+                          "StageHeightLower",
+                          "StageHeightUpper",
+                          "HeadDepth_1ch_Short",
+                          "Headdepth_1ch_Long",
+                          "HeadDepth_8ch",
+                          "HeadDepth_12ch",
+                          "HeadDepth_96_384",
+                          "HeadDepth_TeachTool_1Ch",
+                          "HeadDepth_TeachTool_96_384",
+                          "NestDepth_Y",
+                          "NestDepth_XY_6",
+                          "TipMountDepth12",
+                          "TipMountDepth30",
+                          "TipMountDepth125",
+                          "TipMountDepth300",
+                          "TipMountDepth1250",
+                          "CalibrationPlateDepth",
+                          "DeltaZ",
+                          "DeltaZTolerance"}) {
+    fixture.Settings.Set("Z_Calibration", key, "1.5mm");
+  }
+  SaveZCalibration(fixture.Config, LoadZCalibration(fixture.Config, ""), backup);
+  ASSERT_EQ(fixture.Writes().size(), 20U);
+  for (const auto& write : fixture.Writes()) {
+    EXPECT_NE(write.find("=1.5 in "), std::string::npos) << write;
+  }
+}
+
 TEST(HeightTable, ReadsAndWritesTheFileItIsGiven) {
   ConfigFixture fixture{heightFile};
   EXPECT_EQ(LoadZCalibration(fixture.Config, "/none.bak").MountHeight, 0.0);
@@ -244,6 +275,13 @@ TEST(NestCalibrationTable, RoundsHalfAwayFromZeroOnLoading) {
   EXPECT_EQ(record.Value4, 0);
   EXPECT_EQ(record.Value5, 2);
   EXPECT_EQ(record.Value6, 0);
+}
+
+TEST(NestCalibrationTable, ReadsEachFieldInItsOwnForm) {
+  ConfigFixture fixture{"[NestCalibration]\nItem1=\"A\",2.5x,2.5x,2.5x,2.5x,2.5x,2.5x\n"};
+  fixture.SetFactor(1.0);
+  SaveNestCalibration(fixture.Config, LoadNestCalibration(fixture.Config, "1", "", ""), backup);
+  EXPECT_EQ(fixture.Settings.Value("NestCalibration", "Item1", backup), "\"A\",3,3,3,3,3,3");
 }
 
 TEST(NestCalibrationTable, AFactorOfZeroLeavesTheValuesEmptyOnSaving) {

@@ -157,6 +157,32 @@ TEST(Axes, InheritStrictFieldsThatDoNotConvertAndZeroTolerantOnes) {
   EXPECT_EQ(axis.Field15, 0);
 }
 
+TEST(Axes, ReadEachFieldInItsOwnForm) {
+  AxisFixture fixture{
+      "Axis1=X,1,3,4,5,6,7,8,9,10,11,12,13,14,15\n"
+      "Axis2=Y,99x,99x,99x,99x,99x,99x,99x,99x,99x,99x,99x,99x,99x,99x\n"};
+  const auto& axis = fixture.Load().Y;
+  EXPECT_EQ(axis.UnitsPerStep, 1.0F);
+  EXPECT_EQ(axis.Field3, 3);
+  EXPECT_EQ(axis.Field4, 4);
+  EXPECT_EQ(axis.Field5, 99);
+  EXPECT_EQ(axis.Field6, 6);
+  EXPECT_EQ(axis.Field7, 7);
+  EXPECT_EQ(axis.Field8, 8);
+  EXPECT_EQ(axis.Field9, 9);
+  EXPECT_EQ(axis.Field10, 10);
+  EXPECT_EQ(axis.Field11, 11);
+  EXPECT_EQ(axis.Field12, 12);
+  EXPECT_EQ(axis.Field13, 13);
+  EXPECT_EQ(axis.Field14, 14);
+  EXPECT_EQ(axis.Field15, 99);
+}
+
+TEST(Axes, LoseEveryQuoteOfTheirName) {
+  AxisFixture fixture{"Axis1=S\"D\"\"X\",8\n"};
+  EXPECT_EQ(fixture.Load().SDX.Name, "SDX");
+}
+
 TEST(Axes, TolerantFieldsTakeALeadingNumberAndAreZeroWithoutOne) {
   AxisFixture fixture{
       "Axis1=X,1,3,4,5.5mm,6,7,8,9,10,11,12,13,14,15\nAxis2=Y,1,3,4,,6,7,8,9,10,11,12,13,14,2.5mm\n"};
@@ -305,6 +331,12 @@ TEST(Axes, SkipALineThatCannotBeCut) {
   EXPECT_FALSE(axes.Y.Defined);
   EXPECT_TRUE(axes.Z.Defined);
   EXPECT_EQ(axes.Z.UnitsPerStep, 1.0F);
+}
+
+TEST(Axes, DoNotScaleTheLineBeforeAgainForALineThatCannotBeCut) {
+  AxisFixture fixture{"Axis1=SDX,8\nAxis2=Y,2\n"};
+  fixture.Calls.FailEverythingThatStartsWith("split \",\" of \"Y,2\"");
+  EXPECT_EQ(fixture.Load().SDX.UnitsPerStep, 4.0F);
 }
 
 // One failing read must not cost the instrument its other axes.
@@ -483,6 +515,15 @@ TEST(PlateTable, StrictFieldsThatDoNotConvertStayZero) {
   EXPECT_EQ(plate.SBSA1Ymm, 0.0);
 }
 
+TEST(PlateTable, ReadsEachValueInItsOwnForm) {
+  ConfigFixture fixture{
+      "[PlateType]\nSBSA1Xmm=1x\nSBSA1Ymm=1x\nItem1=\"P\"\"p\",T,1x,1x,1x,1x,1x,1x,1x,1x,R,1x,1x,1x,1x,1x,1x,"
+      "1x,1x,1x,1x\n"};
+  SavePlateType(fixture.Config, LoadPlateType(fixture.Config, "1", ""), backup);
+  EXPECT_EQ(fixture.Settings.Text("/backup.bak"),
+            "[PlateType]\nSBSA1Xmm=0\nSBSA1Ymm=0\nItem1=\"Pp\",T,0,0,0,0,0,0,0,0,R,0,0,0,0,0,0,0,0,0,0\n");
+}
+
 TEST(PlateTable, RoundsStrictShortsHalfToEven) {
   ConfigFixture fixture{"[PlateType]\nItem1=P,T,12.5,13.5\n"};
   EXPECT_EQ(LoadPlateType(fixture.Config, "1", "").Field3, 12);
@@ -589,6 +630,13 @@ TEST(CalibrationTable, RoundsHalfToEvenOnLoading) {
   EXPECT_EQ(record.Field8, 2);
   fixture.SetFactor(100.0);
   EXPECT_EQ(LoadCalibration(fixture.Config, "1", "").Field9, 28);  // 28.499999...
+}
+
+TEST(CalibrationTable, ReadsEachFieldInItsOwnForm) {
+  StageFixture fixture{"[Calibration_ZV 400]\nItem1=\"A\",2.5x,2.5x,2.5x,2.5x,2.5x,2.5x,2.5x,2.5x\n"};
+  fixture.SetFactor(1.0);
+  SaveCalibration(fixture.Config, LoadCalibration(fixture.Config, "1", ""), backup);
+  EXPECT_EQ(fixture.Settings.Value("Calibration_ZV 400", "Item1", backup), "\"A\",2,2,2,2,2,2,2,2");
 }
 
 TEST(CalibrationTable, RoundsHalfAwayFromZeroOnSaving) {
@@ -766,6 +814,16 @@ TEST(PositionTable, RoundsHalfAwayFromZeroOnLoadingButTheMotorCountsHalfToEven) 
   EXPECT_EQ(record.Field9, 2);
   EXPECT_EQ(record.Field10, 4);
   EXPECT_EQ(record.Field11, 0);
+}
+
+TEST(PositionTable, ReadsEachFieldInItsOwnForm) {
+  StageFixture fixture{
+      "[Position_ZV "
+      "400]\nItem1=\"P\",\"N\"n,\"T\",2.5x,2.5x,2.5x,2.5x,2.5x,2.5x,2.5x,2.5x,1x,1x,\"U\",1x,1x\n"};
+  fixture.SetFactor(1.0);
+  SavePosition(fixture.Config, LoadPosition(fixture.Config, "1", "", ""), backup);
+  EXPECT_EQ(fixture.Settings.Value("Position_ZV 400", "Item1", backup),
+            "\"P\",\"Nn\",\"T\",2,2,3,3,3,3,3,3,0,0,\"U\",0,0");
 }
 
 TEST(PositionTable, RoundsTheDecimalFormOfAProduct) {

@@ -1,16 +1,17 @@
 #include "bench/links/link_factory.h"
 
-#include <array>
-#include <charconv>
-#include <optional>
+#include <limits>
 #include <string_view>
-#include <utility>
 
+#include "bench/console.h"
+#include "bench/joined.h"
+#include "bench/links/host_and_port.h"
 #include "bench/links/no_link.h"
 #include "bench/links/scripted_link.h"
 #include "bench/links/serial_link.h"
 #include "bench/links/simulated_link.h"
 #include "bench/links/tcp_link.h"
+#include "bench/links/whole_number.h"
 #include "bench/usage_error.h"
 
 namespace zolvane {
@@ -18,47 +19,32 @@ namespace {
 
 using LinkPointer = std::shared_ptr<BenchLink>;
 
-[[noreturn]] void Refuse(const std::string& reason, const std::string& what) {
-  throw UsageError{"--link: " + reason + ": " + what};
-}
-
-std::optional<unsigned> WholeNumberIn(std::string_view text, unsigned largest) {
-  unsigned number = 0;
-  const auto* const end = text.data() + text.size();
-  const auto result = std::from_chars(text.data(), end, number);
-  const bool isNumber = result.ec == std::errc{} && result.ptr == end && number > 0 && number <= largest;
-  return isNumber ? std::optional{number} : std::nullopt;
+[[noreturn]] void Refuse(std::string_view reason, const std::string& text) {
+  throw UsageError{Joined("--link: ", reason, ": ", Printable(text))};
 }
 
 LinkPointer CreateSimulated(const std::string& file, const InterruptFlag& interrupt) {
   return std::make_shared<SimulatedLink>(SimulatedInstrument{{.StateFile = file}}, interrupt);
 }
 
-// HOST:PORT, the host in square brackets when it has colons of its own.
 LinkPointer CreateTcp(const std::string& place, double timeout, const InterruptFlag& interrupt) {
-  constexpr unsigned highestPort = 65535;
-  const auto colon = place.rfind(':');
-  auto host = place.substr(0, colon);
-  if (host.starts_with('[') && host.ends_with(']')) {
-    host = host.substr(1, host.size() - 2);
-  }
-  if (colon == std::string::npos || host.empty() || !WholeNumberIn(place.substr(colon + 1), highestPort)) {
+  auto hostAndPort = ParseHostAndPort(place, 1);
+  if (!hostAndPort) {
     Refuse("tcp takes HOST:PORT with a port from 1 to 65535", "tcp:" + place);
   }
-  return std::make_shared<TcpLink>(host, place.substr(colon + 1), LinkTimeout{timeout}, interrupt);
+  return std::make_shared<TcpLink>(*std::move(hostAndPort), LinkTimeout{timeout}, interrupt);
 }
 
 LinkPointer CreateSerial(const std::string& place, double timeout, const InterruptFlag& interrupt) {
-  constexpr unsigned highestBaud = 4'000'000;
   const auto comma = place.rfind(',');
-  const auto device = place.substr(0, comma);
-  const auto baud = comma == std::string::npos
-                        ? std::optional{defaultBaud}
-                        : WholeNumberIn(std::string_view{place}.substr(comma + 1), highestBaud);
-  if (device.empty() || !baud) {
+  auto device = place.substr(0, comma);
+  const auto baud = comma == std::string::npos ? std::optional{defaultBaud}
+                                               : WholeNumberIn(std::string_view{place}.substr(comma + 1), 1U,
+                                                               std::numeric_limits<unsigned>::max());
+  if (device.empty() || !baud || !IsBaudRate(*baud)) {
     Refuse("serial takes DEVICE or DEVICE,BAUD with a baud rate such as 9600", "serial:" + place);
   }
-  return std::make_shared<SerialLink>(device, *baud, LinkTimeout{timeout}, interrupt);
+  return std::make_shared<SerialLink>(std::move(device), *baud, LinkTimeout{timeout}, interrupt);
 }
 
 LinkPointer CreateScripted(const std::string& file, const InterruptFlag& interrupt) {

@@ -2,8 +2,11 @@
 
 #include <algorithm>
 #include <nlohmann/json.hpp>
+#include <string_view>
 #include <utility>
 
+#include "bench/console.h"
+#include "bench/joined.h"
 #include "bench/json_file.h"
 #include "bench/usage_error.h"
 
@@ -16,8 +19,7 @@ class ScriptReader {
  public:
   explicit ScriptReader(std::string file) : file_{std::move(file)} {}
 
-  LinkScript Read() {
-    const auto document = ReadJsonFile(file_);
+  LinkScript Read(const json& document) {
     if (!document.is_object()) {
       Refuse("a link script is a JSON object");
     }
@@ -28,7 +30,9 @@ class ScriptReader {
   }
 
  private:
-  [[noreturn]] void Refuse(const std::string& reason) const { throw UsageError{file_ + ": " + reason}; }
+  [[noreturn]] void Refuse(std::string_view reason) const {
+    throw UsageError{Joined(Printable(file_), ": ", reason)};
+  }
 
   void ReadMember(const std::string& name, const json& value) {
     if (name == "default") {
@@ -38,17 +42,17 @@ class ScriptReader {
     } else if (name == "stop_after") {
       ReadStopAfter(value);
     } else {
-      Refuse("unknown member \"" + name +
-             "\"; a link script has \"default\", \"replies\" and \"stop_after\"");
+      Refuse(Joined("unknown member ", Quoted(name),
+                    "; a link script has \"default\", \"replies\" and \"stop_after\""));
     }
   }
 
-  ScriptedReply Reply(const json& value, const std::string& where) const {
+  ScriptedReply Reply(const json& value, std::string_view where) const {
     if (value.is_null()) {
       return std::nullopt;
     }
     if (!value.is_string()) {
-      Refuse(where + " is neither a text nor null");
+      Refuse(Joined(where, " is neither a text nor null"));
     }
     return value.get<std::string>();
   }
@@ -58,14 +62,14 @@ class ScriptReader {
       Refuse("\"replies\" is not an object of commands and their replies");
     }
     for (const auto& [command, value] : replies.items()) {
-      const auto where = "the reply to \"" + command + "\"";
+      const auto where = Joined("the reply to ", Quoted(command));
       auto& list = script_.Replies[command];
       if (!value.is_array()) {
         list.push_back(Reply(value, where));
         continue;
       }
       if (value.empty()) {
-        Refuse(where + " is an empty list");
+        Refuse(Joined(where, " is an empty list"));
       }
       for (const auto& element : value) {
         list.push_back(Reply(element, where));
@@ -92,7 +96,11 @@ class ScriptReader {
 }  // namespace
 
 LinkScript ReadLinkScript(const std::string& file) {
-  return ScriptReader{file}.Read();
+  return ScriptReader{file}.Read(ReadJsonFile(file));
+}
+
+LinkScript ParseLinkScript(std::string_view text, const std::string& file) {
+  return ScriptReader{file}.Read(ParseJson(text, file));
 }
 
 ScriptedLink::ScriptedLink(LinkScript script, const InterruptFlag& interrupt)

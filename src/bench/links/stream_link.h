@@ -9,7 +9,7 @@
 #include <array>
 #include <asio.hpp>
 #include <chrono>
-#include <cstdint>
+#include <cstddef>
 #include <optional>
 #include <string>
 
@@ -20,6 +20,9 @@ namespace zolvane {
 
 using LinkTimeout = std::chrono::duration<double>;
 
+// Without its line end. An instrument that sends longer lines is out of order.
+inline constexpr std::size_t longestReply = std::size_t{1} << 20;
+
 template <class Stream>
 class StreamLink : public BenchLink {
  public:
@@ -28,93 +31,94 @@ class StreamLink : public BenchLink {
  protected:
   using Clock = std::chrono::steady_clock;
 
-  // What to do before the next command when a reply has not come in time: it may still come, and must never
-  // be taken for the answer to the next command.
-  enum class AfterTimeout : std::uint8_t {
-    Reconnect,  // the late reply ends with its connection
-    WaitForQuiet
-  };
+  // A reply that has not come in time may still come, and must never be taken for the answer to the next
+  // command. Either it ends with its connection, and the next command opens another one; or, where all
+  // commands share one line, that line has to be quiet before the next command: for `shortestQuiet`, but at
+  // least as long as a reply may take.
+  StreamLink(LinkTimeout timeout, std::optional<LinkTimeout> shortestQuiet, const InterruptFlag& interrupt)
+      : BenchLink{interrupt}, timeout_{std::min(timeout, longestTimeout)}, shortestQuiet_{shortestQuiet} {}
 
-  StreamLink(LinkTimeout timeout, AfterTimeout afterTimeout, const InterruptFlag& interrupt)
-      : BenchLink{interrupt}, timeout_{std::min(timeout, longestTimeout)}, afterTimeout_{afterTimeout} {}
-
-  // Opens `Port`; false when that is not done by the deadline.
+  // Opens `Port`; false, with `Port` empty, when that is not done by the deadline.
   virtual bool Open(Clock::time_point deadline) = 0;
 
-  // Lets pending work run until `isDone` or the deadline.
+  // Lets pending work run until `isDone`; false when the deadline comes first.
   template <class IsDone>
   bool RunUntil(Clock::time_point deadline, IsDone isDone) {
-    while (!isDone()) {
-      Io.restart();
-      if (Io.run_one_until(deadline) == 0 && Clock::now() >= deadline) {
-        return isDone();
-      }
+    Io.restart();
+    while (!isDone() && Io.run_one_until(deadline) > 0) {
     }
-    return true;
+    return isDone();
   }
 
   asio::io_context Io;
   std::optional<Stream> Port;
 
  private:
-  static constexpr std::size_t longestReply = 1U << 20;
   static constexpr LinkTimeout longestTimeout{1e6};
-  static constexpr LinkTimeout shortestQuiet{1};
-  static constexpr int longestUnrest = 5;  // in times of the quiet that is waited for
+  static constexpr int longestUnrest = 3;  // in times of the quiet that is waited for
 
   std::optional<std::string> Exchange(const std::string& command) final {
-    if (!DiscardInput()) {
+    auto deadline = DeadlineIn(timeout_);
+    if (!MakeReady(deadline)) {
       return std::nullopt;
     }
-    const auto deadline = DeadlineIn(timeout_);
-    if (!EnsureOpen(deadline) || !Send(command, deadline)) {
-      Close();
-      return std::nullopt;
+    if (mayComeLate_) {
+      if (!WaitForQuiet()) {
+        return std::nullopt;
+      }
+      deadline = DeadlineIn(timeout_);
     }
-    const bool isEnded = RunUntil(deadline, [this] { return !isReading_ || HasLine() || IsOverlong(); });
-    if (!HasLine()) {
-      GiveUp(isEnded);
-      return std::nullopt;
+    std::optional<std::string> reply;
+    if (Send(command, deadline)) {
+      RunUntil(deadline, [this] { return HasLine() || !isReading_; });
+      reply = TakeLine();
     }
-    return TakeLine();
+    if (!reply) {
+      GiveUp();
+    }
+    return reply;
   }
 
   static Clock::time_point DeadlineIn(LinkTimeout duration) {
     return Clock::now() + std::chrono::duration_cast<Clock::duration>(duration);
   }
 
-  // Bytes that nobody asked for are no reply. False on a line that does not fall silent after a reply that
-  // was late.
-  bool DiscardInput() {
-    if (mayComeLate_ && !WaitForQuiet()) {
-      return false;
+  // Sees to it that the stream is open and that nothing lies in it: bytes that nobody asked for are no reply.
+  bool MakeReady(Clock::time_point deadline) {
+    if (Port && !DiscardInput(deadline)) {
+      Close();  // the other side has closed it, or talks without end
     }
-    Io.restart();
-    Io.poll();
-    input_.clear();
-    if (Port && !isReading_) {
-      Close();  // the other side has closed it
-    }
-    return true;
-  }
-
-  // Silence has to last at least as long as a reply may take.
-  bool WaitForQuiet() {
-    const auto quiet = std::max(timeout_, shortestQuiet);
-    const auto end = DeadlineIn(quiet * longestUnrest);
-    do {
-      input_.clear();
-      mayComeLate_ =
-          RunUntil(DeadlineIn(quiet), [this] { return !isReading_ || !input_.empty(); }) && isReading_;
-    } while (mayComeLate_ && Clock::now() < end);
-    return !mayComeLate_;
-  }
-
-  bool EnsureOpen(Clock::time_point deadline) {
     if (!Port && Open(deadline)) {
       Read();
+      if (!DiscardInput(deadline)) {
+        Close();
+      }
     }
     return Port.has_value();
+  }
+
+  // Does not wait. False when the stream has ended, or has more to discard at the deadline.
+  bool DiscardInput(Clock::time_point deadline) {
+    Io.restart();
+    while (Io.poll_one() > 0) {
+      input_.clear();
+      if (Clock::now() >= deadline) {
+        return false;
+      }
+    }
+    input_.clear();
+    return isReading_;
+  }
+
+  // False on a line that does not fall silent.
+  bool WaitForQuiet() {
+    const auto quiet = std::max(timeout_, shortestQuiet_.value_or(timeout_));
+    const auto end = DeadlineIn(quiet * longestUnrest);
+    while (mayComeLate_ && isReading_ && Clock::now() < end) {
+      input_.clear();
+      mayComeLate_ = RunUntil(DeadlineIn(quiet), [this] { return !input_.empty() || !isReading_; });
+    }
+    return !mayComeLate_;
   }
 
   bool Send(const std::string& command, Clock::time_point deadline) {
@@ -125,38 +129,41 @@ class StreamLink : public BenchLink {
       isWriting_ = false;
       hasWritten_ = !error;
     });
-    return RunUntil(deadline, [this] { return !isWriting_; }) && hasWritten_;
+    return RunUntil(deadline, [this] { return !isWriting_ || !isReading_; }) && hasWritten_;
   }
 
+  // Goes on until the stream ends, or until more has come than a reply can be.
   void Read() {
     isReading_ = true;
     Port->async_read_some(asio::buffer(chunk_), [this](std::error_code error, std::size_t size) {
-      isReading_ = !error;
+      input_.append(chunk_.data(), size);
+      isReading_ = !error && input_.size() <= longestReply + chunk_.size();
       if (isReading_) {
-        input_.append(chunk_.data(), size);
         Read();
       }
     });
   }
 
   bool HasLine() const { return input_.find('\n') != std::string::npos; }
-  bool IsOverlong() const { return input_.size() > longestReply; }
 
   // Bytes that are not UTF-8 are the Windows-1252 that older instruments speak.
-  std::string TakeLine() {
-    auto line = input_.substr(0, input_.find('\n'));
+  std::optional<std::string> TakeLine() const {
+    const auto end = input_.find('\n');
+    auto line = input_.substr(0, end);
     if (line.ends_with('\r')) {
       line.pop_back();
+    }
+    if (end == std::string::npos || line.size() > longestReply) {
+      return std::nullopt;
     }
     return IsUtf8(line) ? line : Utf8FromWindows1252(line);
   }
 
-  // `isBroken`: the reply can never become a whole one. Otherwise it may still come.
-  void GiveUp(bool isBroken) {
-    if (isBroken || afterTimeout_ == AfterTimeout::Reconnect) {
+  // The command may have arrived, and its reply may still come.
+  void GiveUp() {
+    mayComeLate_ = shortestQuiet_.has_value();
+    if (!mayComeLate_ || !isReading_ || isWriting_) {
       Close();
-    } else {
-      mayComeLate_ = true;
     }
   }
 
@@ -169,18 +176,18 @@ class StreamLink : public BenchLink {
       Port.reset();
     }
     input_.clear();
-    mayComeLate_ = false;
+    isReading_ = false;
   }
 
   LinkTimeout timeout_;
-  AfterTimeout afterTimeout_;
+  std::optional<LinkTimeout> shortestQuiet_;
   std::array<char, 4096> chunk_{};
   std::string input_;
   std::string output_;
   bool isReading_ = false;
   bool isWriting_ = false;
   bool hasWritten_ = false;
-  bool mayComeLate_ = false;
+  bool mayComeLate_ = false;  // a reply to an earlier command
 };
 
 }  // namespace zolvane

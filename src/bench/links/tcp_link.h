@@ -1,21 +1,20 @@
-// An instrument behind a TCP socket.
+// An instrument behind a TCP socket. The first command connects; the connection stays open until it breaks or
+// a reply does not come in time.
 #pragma once
 
-#include <string>
-
+#include "bench/links/host_and_port.h"
 #include "bench/links/stream_link.h"
 
 namespace zolvane {
 
 class TcpLink final : public StreamLink<asio::ip::tcp::socket> {
  public:
-  TcpLink(std::string host, std::string port, LinkTimeout timeout, const InterruptFlag& interrupt);
+  TcpLink(HostAndPort place, LinkTimeout timeout, const InterruptFlag& interrupt);
 
  private:
   bool Open(Clock::time_point deadline) override;
 
-  std::string host_;
-  std::string port_;
+  HostAndPort place_;
 };
 
 }  // namespace zolvane

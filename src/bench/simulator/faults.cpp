@@ -1,8 +1,9 @@
 #include "bench/simulator/faults.h"
 
 #include <algorithm>
-#include <charconv>
+#include <limits>
 
+#include "bench/links/whole_number.h"
 #include "bench/usage_error.h"
 
 namespace zolvane {
@@ -24,13 +25,12 @@ void AddFault(FaultPlan& plan, const std::string& text) {
   if (mark == std::string::npos || row == faultRows.end()) {
     throw UsageError{"a fault is KIND@N with a KIND out of " + KnownKinds() + ": " + text};
   }
-  std::size_t number = 0;
-  const auto* const end = text.data() + text.size();
-  const auto result = std::from_chars(text.data() + mark + 1, end, number);
-  if (result.ec != std::errc{} || result.ptr != end || number == 0) {
+  const auto number = WholeNumberIn(std::string_view{text}.substr(mark + 1), std::size_t{1},
+                                    std::numeric_limits<std::size_t>::max());
+  if (!number) {
     throw UsageError{"a fault is KIND@N with the number N of a command, from 1 on: " + text};
   }
-  plan[number] = row->Kind;
+  plan[*number] = row->Kind;
 }
 
 }  // namespace zolvane

@@ -1,14 +1,16 @@
 #include "bench/simulator/instrument.h"
 
 #include <filesystem>
-#include <fstream>
 #include <nlohmann/json.hpp>
 #include <system_error>
 #include <utility>
 
+#include "bench/console.h"
+#include "bench/joined.h"
 #include "bench/json_file.h"
 #include "bench/json_text.h"
 #include "bench/paths.h"
+#include "bench/settings/exchanged_file.h"
 #include "bench/settings/text_encoding.h"
 #include "bench/usage_error.h"
 
@@ -23,29 +25,38 @@ std::map<std::string, std::string, std::less<>> ReadState(const std::string& fil
   std::map<std::string, std::string, std::less<>> memory;
   const auto document = ReadJsonFile(file);
   if (!document.is_object()) {
-    throw UsageError{file + ": an instrument's memory is a JSON object of keys and their values"};
+    throw UsageError{Printable(file) + ": an instrument's memory is a JSON object of keys and their values"};
   }
   for (const auto& [key, value] : document.items()) {
     if (!value.is_string()) {
-      throw UsageError{file + ": the value of \"" + key + "\" is not a text"};
+      throw UsageError{Joined(Printable(file), ": the value of ", Quoted(key), " is not a text")};
     }
     memory.emplace(key, value.get<std::string>());
   }
   return memory;
 }
 
-bool WriteWhole(const std::filesystem::path& path, const std::string& text) {
-  auto fresh = path;
-  fresh += ".new";
-  {
-    std::ofstream stream{fresh, std::ios::binary | std::ios::trunc};
-    if (!(stream << text << std::flush)) {
+// Whoever opens the file finds the old memory or the new one, never a part.
+bool WriteWhole(const std::string& file, const std::string& text) {
+  constexpr int mostAttempts = 10;  // against another program that writes it at the same time
+  const auto state = OpenExchangedFile(file, {.KeepsCopy = false});
+  auto outcome = WriteOutcome::Changed;
+  for (int attempt = 0; attempt < mostAttempts && outcome == WriteOutcome::Changed; ++attempt) {
+    const auto before = state->Read();
+    if (before.Is == FileContent::State::Unreadable) {
       return false;
     }
+    outcome =
+        before.Bytes == text
+            ? WriteOutcome::Done
+            : state->Write(before.Bytes, {.Offset = 0, .Removed = before.Bytes.size(), .Inserted = text});
   }
-  std::error_code error;
-  std::filesystem::rename(fresh, path, error);
-  return !error;
+  return outcome == WriteOutcome::Done;
+}
+
+// JSON holds text alone; bytes that are none were sent by somebody who speaks Windows-1252.
+std::string TextOfBytes(const std::string& bytes) {
+  return IsUtf8(bytes) ? bytes : Utf8FromWindows1252(bytes);
 }
 
 }  // namespace
@@ -57,8 +68,11 @@ SimulatedInstrument::SimulatedInstrument(Setup setup) : setup_{std::move(setup)}
   std::error_code error;
   if (std::filesystem::exists(PathOf(setup_.StateFile), error)) {
     memory_ = ReadState(setup_.StateFile);
+    if (const auto reason = ReasonFileIsInaccessible(setup_.StateFile, FileUse::ReadAndWrite)) {
+      throw UsageError{Joined(Printable(setup_.StateFile), " ", *reason)};
+    }
   } else if (!KeepState()) {
-    throw UsageError{setup_.StateFile + ": the instrument's memory cannot be kept there"};
+    throw UsageError{Printable(setup_.StateFile) + ": the instrument's memory cannot be kept there"};
   }
 }
 
@@ -76,9 +90,9 @@ bool SimulatedInstrument::KeepState() const {
   }
   nlohmann::ordered_json document = nlohmann::ordered_json::object();
   for (const auto& [key, value] : memory_) {
-    document[WellFormedUtf8(key)] = WellFormedUtf8(value);
+    document[TextOfBytes(key)] = TextOfBytes(value);
   }
-  return WriteWhole(PathOf(setup_.StateFile), JsonText(document, true) + "\n");
+  return WriteWhole(setup_.StateFile, JsonText(document, true) + "\n");
 }
 
 std::optional<std::string> SimulatedInstrument::Reply(std::string_view command) {

@@ -2,6 +2,7 @@
 
 #include <system_error>
 
+#include "bench/links/host_and_port.h"
 #include "bench/simulator/stream_service.h"
 #include "bench/usage_error.h"
 
@@ -10,17 +11,14 @@ namespace {
 
 using asio::ip::tcp;
 
-// HOST:PORT, the host in square brackets when it has colons of its own.
 tcp::endpoint EndpointOf(asio::io_context& io, const std::string& place) {
-  const auto colon = place.rfind(':');
-  auto host = place.substr(0, colon);
-  if (colon == std::string::npos || host.empty()) {
+  const auto hostAndPort = ParseHostAndPort(place, 0);
+  if (!hostAndPort) {
     throw UsageError{"--listen takes HOST:PORT: " + place};
   }
-  if (host.starts_with('[') && host.ends_with(']')) {
-    host = host.substr(1, host.size() - 2);
-  }
-  return *tcp::resolver{io}.resolve(host, place.substr(colon + 1), tcp::resolver::passive).begin();
+  tcp::resolver resolver{io};
+  return *resolver.resolve(hostAndPort->Host, std::to_string(hostAndPort->Port), tcp::resolver::passive)
+              .begin();
 }
 
 std::string NameOf(const tcp::endpoint& place) {
@@ -43,10 +41,16 @@ std::string InstrumentServer::ServeTcp(asio::io_context& io, const std::string& 
 }
 
 asio::awaitable<void> InstrumentServer::AcceptClients(tcp::acceptor acceptor) {
+  constexpr std::chrono::milliseconds pauseAfterFailure{100};
   for (;;) {
+    std::error_code error;
+    auto client = co_await acceptor.async_accept(asio::redirect_error(asio::use_awaitable, error));
+    if (error) {  // most likely the process may not open any more files for now
+      co_await Wait(acceptor, pauseAfterFailure);
+      continue;
+    }
+    client.set_option(tcp::no_delay{true}, error);
     try {
-      auto client = co_await acceptor.async_accept(asio::use_awaitable);
-      client.set_option(tcp::no_delay{true});
       co_await ServeStream(client);
     } catch (const std::system_error&) {
       // This client has gone; the next one may come.

@@ -15,7 +15,8 @@ class InstrumentServer {
  public:
   struct Setup {
     std::chrono::milliseconds Latency{0};  // before each reply
-    FaultPlan Faults;
+    FaultPlan Faults{};
+    std::chrono::milliseconds Lateness{1000};  // of a reply that comes late
   };
 
   InstrumentServer(SimulatedInstrument& instrument, Setup setup)

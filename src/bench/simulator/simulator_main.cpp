@@ -1,11 +1,18 @@
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <csignal>
 #include <iostream>
+#include <limits>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "bench/console.h"
+#include "bench/joined.h"
+#include "bench/links/whole_number.h"
 #include "bench/simulator/instrument_server.h"
+#include "bench/terminal.h"
 #include "bench/usage_error.h"
 
 namespace zolvane {
@@ -15,44 +22,81 @@ struct SimulatorOptions {
   std::string Listen = "127.0.0.1:0";
   bool UsesPseudoTerminal = false;
   SimulatedInstrument::Setup Instrument;
-  unsigned LatencyMilliseconds = 0;
+  std::string Latency = "0";
+  std::string FailAfter;
   std::vector<std::string> Faults;
 };
 
 std::string FaultHelp() {
-  std::string text = "Let the N-th command go wrong (can be given more than once); KIND is\n";
+  std::string text = "Let the N-th command go wrong (can be given more than once); KIND is";
   for (const auto& row : faultRows) {
-    text.append("  ").append(row.Name).append(": ").append(row.Description).append("\n");
+    text.append("\n  ").append(row.Name).append(": ").append(row.Description);
   }
   return text;
 }
 
 void Describe(CLI::App& app, SimulatorOptions& options) {
   auto& instrument = options.Instrument;
-  app.add_option("--listen", options.Listen, "Where to listen; port 0 takes a free one")
+  app.add_option("--listen", options.Listen, "Where to listen; port 0 takes a free one (127.0.0.1:0)")
       ->type_name("HOST:PORT");
   app.add_flag("--pty", options.UsesPseudoTerminal, "Serve a pseudo-terminal instead of TCP");
   app.add_option("--state", instrument.StateFile, "Keep the calibration memory in FILE")->type_name("FILE");
-  app.add_option("--stage", instrument.Stage, "The reply to STATUS_STAGE")->type_name("CODE");
-  app.add_option("--mech", instrument.Mechanics, "The reply to STATUS_MECH")->type_name("TEXT");
-  app.add_option("--rfid", instrument.Tag, "The tag of the head that is fitted")->type_name("TAG");
-  app.add_option("--pumps", instrument.Pumps, "The reply to STATUS PUMPS")->type_name("TEXT");
-  app.add_option("--latency", options.LatencyMilliseconds, "How long each reply takes")
-      ->type_name("MS")
-      ->check(CLI::Range(0U, 3'600'000U));
-  app.add_option("--fail-after", instrument.FailAfter, "Fall silent after N answers")
-      ->type_name("N")
-      ->check(CLI::NonNegativeNumber);
-  app.add_option("--fault", options.Faults, FaultHelp())->type_name("KIND@N");
+  app.add_option("--stage", instrument.Stage, Joined("The reply to STATUS_STAGE (", instrument.Stage, ")"))
+      ->type_name("CODE");
+  app.add_option("--mech", instrument.Mechanics,
+                 Joined("The reply to STATUS_MECH (", instrument.Mechanics, ")"))
+      ->type_name("TEXT");
+  app.add_option("--rfid", instrument.Tag, Joined("The tag of the fitted head (", instrument.Tag, ")"))
+      ->type_name("TAG");
+  app.add_option("--pumps", instrument.Pumps, Joined("The reply to STATUS PUMPS (", instrument.Pumps, ")"))
+      ->type_name("TEXT");
+  app.add_option("--latency", options.Latency, "How long each reply takes, in milliseconds (0)")
+      ->type_name("MS");
+  app.add_option("--fail-after", options.FailAfter, "Fall silent after N answers")->type_name("N");
+  app.add_option("--fault", options.Faults, FaultHelp())->type_name("KIND@N")->allow_extra_args(false);
 }
 
-void Serve(const SimulatorOptions& options) {
-  InstrumentServer::Setup setup{.Latency = std::chrono::milliseconds{options.LatencyMilliseconds},
-                                .Faults = {}};
+std::size_t NumberBehind(std::string_view option, const std::string& text, std::size_t highest) {
+  const auto number = WholeNumberIn(text, std::size_t{0}, highest);
+  if (!number) {
+    throw UsageError{
+        Joined(option, " takes a whole number from 0 to ", std::to_string(highest), ", not ", Quoted(text))};
+  }
+  return *number;
+}
+
+// A reply of two lines would answer two commands.
+void DemandOneLine(const SimulatedInstrument::Setup& instrument) {
+  for (const auto* reply : {&instrument.Stage, &instrument.Mechanics, &instrument.Tag, &instrument.Pumps}) {
+    if (reply->find_first_of("\r\n") != std::string::npos) {
+      throw UsageError{Joined("a reply is one line: ", Quoted(*reply))};
+    }
+  }
+}
+
+SimulatedInstrument InstrumentFrom(const SimulatorOptions& options) {
+  auto setup = options.Instrument;
+  DemandOneLine(setup);
+  if (!options.FailAfter.empty()) {
+    setup.FailAfter =
+        NumberBehind("--fail-after", options.FailAfter, std::numeric_limits<std::uint32_t>::max());
+  }
+  return SimulatedInstrument{std::move(setup)};
+}
+
+InstrumentServer::Setup ServerSetupFrom(const SimulatorOptions& options) {
+  constexpr std::size_t anHour = 3'600'000;
+  InstrumentServer::Setup setup;
+  setup.Latency = std::chrono::milliseconds{NumberBehind("--latency", options.Latency, anHour)};
   for (const auto& fault : options.Faults) {
     AddFault(setup.Faults, fault);
   }
-  SimulatedInstrument instrument{options.Instrument};
+  return setup;
+}
+
+void Serve(const SimulatorOptions& options) {
+  const auto setup = ServerSetupFrom(options);
+  auto instrument = InstrumentFrom(options);
   InstrumentServer server{instrument, setup};
   asio::io_context io;
   asio::signal_set endings{io, SIGINT, SIGTERM};
@@ -66,21 +110,23 @@ void Serve(const SimulatorOptions& options) {
   }
 }
 
-int RunSimulator(int count, char** arguments) {
+int RunSimulator(std::vector<std::string> arguments) {
   CLI::App app{
-      "Serves a simulated instrument, and prints where as its first line. Ends on SIGTERM and Ctrl-C."};
+      "Serves a simulated instrument, and prints where as its first line. Ends on SIGTERM and Ctrl-C.",
+      "zolvane-sim"};
   SimulatorOptions options;
   Describe(app, options);
+  std::ranges::reverse(arguments);
   try {
-    app.parse(count, arguments);
+    app.parse(std::move(arguments));
     Serve(options);
   } catch (const CLI::CallForHelp& help) {
     return app.exit(help);
   } catch (const std::exception& error) {
-    std::cerr << "zolvane-sim: " << error.what() << "\n";
-    return 2;
+    std::cerr << "zolvane-sim: " << OneLine(error.what()) << "\n";
+    return exit_status::unusable;
   }
-  return 0;
+  return exit_status::done;
 }
 
 }  // namespace
@@ -88,8 +134,9 @@ int RunSimulator(int count, char** arguments) {
 
 int main(int count, char** arguments) {
   try {
-    return zolvane::RunSimulator(count, arguments);
+    zolvane::KeepStandardStreams();
+    return zolvane::RunSimulator(zolvane::ProgramArguments(count, arguments));
   } catch (...) {
-    return 2;
+    return zolvane::exit_status::unusable;
   }
 }

@@ -46,7 +46,6 @@ asio::awaitable<void> InstrumentServer::ServeStream(Stream& stream) {
 
 template <class Stream>
 asio::awaitable<void> InstrumentServer::Reply(Stream& stream, std::string reply, const Fault* fault) {
-  constexpr std::chrono::milliseconds late{1000};
   constexpr std::chrono::milliseconds pause{100};
   constexpr std::size_t overlong = 2'000'000;
   if (fault == nullptr) {
@@ -54,7 +53,7 @@ asio::awaitable<void> InstrumentServer::Reply(Stream& stream, std::string reply,
   }
   switch (*fault) {
     case Fault::Late:
-      co_await Wait(stream, late);
+      co_await Wait(stream, setup_.Lateness);
       co_return co_await Write(stream, reply);
     case Fault::Silent:
       co_return;

@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "bench/settings/temporary_folder.h"
 #include "bench/usage_error.h"
+#include "support/temporary_folder.h"
 
 namespace zolvane {
 namespace {

@@ -3,10 +3,14 @@
 
 #include <asio.hpp>
 #include <functional>
+#include <memory>
 #include <string>
+#include <string_view>
 #include <thread>
 #include <utility>
 
+#include "bench/links/link_factory.h"
+#include "bench/links/serial_link.h"
 #include "bench/simulator/instrument_server.h"
 
 namespace zolvane {
@@ -30,6 +34,16 @@ class RunningInstrument {
 
   // The text for --link.
   const std::string& Link() const { return place_; }
+
+  // A link that waits for a quiet line no longer than these tests need.
+  std::shared_ptr<BenchLink> Connect(double timeout, const InterruptFlag& interrupt) const {
+    constexpr std::string_view serial = "serial:";
+    if (!place_.starts_with(serial)) {
+      return CreateLink(place_, timeout, interrupt);
+    }
+    return std::make_shared<SerialLink>(place_.substr(serial.size()), defaultBaud, LinkTimeout{timeout},
+                                        interrupt, LinkTimeout{0.5});
+  }
 
  private:
   SimulatedInstrument instrument_{{}};

@@ -4,8 +4,8 @@
 
 #include <random>
 
-#include "bench/settings/temporary_folder.h"
 #include "bench/usage_error.h"
+#include "support/temporary_folder.h"
 
 namespace zolvane {
 namespace {
@@ -113,7 +113,22 @@ TEST_F(ScriptedLinkTest, BrokenJsonIsRefusedWithItsLine) {
 }
 
 TEST_F(ScriptedLinkTest, AFolderIsNoScript) {
-  EXPECT_THROW(ReadLinkScript(folder_.Path("")), UsageError);
+  try {
+    ReadLinkScript(folder_.Path("."));
+    FAIL() << "accepted";
+  } catch (const UsageError& error) {
+    EXPECT_EQ(error.what(), folder_.Path(".") + ": is a folder");
+  }
+}
+
+TEST_F(ScriptedLinkTest, AComplaintIsOneLineWhateverTheScriptHolds) {
+  EXPECT_EQ(Refusal(R"({"a\nb": 1})"),
+            R"(unknown member "a?b"; a link script has "default", "replies" and "stop_after")");
+  EXPECT_EQ(Refusal(R"({"replies": {"\u001b[2J": 5}})"), R"(the reply to "?[2J" is neither a text nor null)");
+}
+
+TEST_F(ScriptedLinkTest, TextBehindTheObjectIsRefused) {
+  EXPECT_TRUE(Refusal("{}\n{}").starts_with("not JSON: line 2, column 1"));
 }
 
 TEST_F(ScriptedLinkTest, AnyBytesAreAScriptOrARefusalButNothingElse) {
@@ -125,7 +140,7 @@ TEST_F(ScriptedLinkTest, AnyBytesAreAScriptOrARefusalButNothingElse) {
       bytes[random() % bytes.size()] = static_cast<char>(random() % 256);
     }
     try {
-      const auto script = ReadLinkScript(folder_.Put("script.json", bytes));
+      const auto script = ParseLinkScript(bytes, "script.json");
       for (const auto& [command, replies] : script.Replies) {
         EXPECT_FALSE(replies.empty()) << command;
       }

@@ -37,11 +37,14 @@ void Write(tcp::socket& client, std::string_view text) {
 class StreamLinkTest : public testing::TestWithParam<RunningInstrument::Place> {
  protected:
   void Start(FaultPlan faults = {}, milliseconds latency = {}) {
-    instrument_.emplace(InstrumentServer::Setup{.Latency = latency, .Faults = std::move(faults)}, GetParam());
+    instrument_.emplace(
+        InstrumentServer::Setup{
+            .Latency = latency, .Faults = std::move(faults), .Lateness = milliseconds{400}},
+        GetParam());
   }
 
   std::shared_ptr<BenchLink> Link(double timeout = 5.0) const {
-    return CreateLink(instrument_->Link(), timeout, quietInterrupt);
+    return instrument_->Connect(timeout, quietInterrupt);
   }
 
  private:
@@ -101,7 +104,7 @@ TEST_P(StreamLinkTest, ALineThatIsTooLongFailsTheSend) {
 
 TEST_P(StreamLinkTest, AReplyWithoutItsLineEndIsNoReply) {
   Start({{1, Fault::NoNewline}});
-  EXPECT_EQ(Send(*Link(0.3), "STATUS_STAGE"), "failed");
+  EXPECT_EQ(Send(*Link(0.2), "STATUS_STAGE"), "failed");
 }
 
 TEST_P(StreamLinkTest, BytesThatAreNotUtf8AreReadAsWindows1252) {
@@ -198,9 +201,10 @@ TEST(SerialLink, AFileThatIsNoPortFailsTheSend) {
 }
 
 TEST(SerialLink, TheLineIsQuietAgainBeforeACommandFollowsTwoLateReplies) {
-  const RunningInstrument instrument{{.Latency = {}, .Faults = {{1, Fault::Late}, {2, Fault::Late}}},
-                                     RunningInstrument::Place::PseudoTerminal};
-  const auto link = CreateLink(instrument.Link(), 0.2, quietInterrupt);
+  const RunningInstrument instrument{
+      {.Latency = {}, .Faults = {{1, Fault::Late}, {2, Fault::Late}}, .Lateness = milliseconds{400}},
+      RunningInstrument::Place::PseudoTerminal};
+  const auto link = instrument.Connect(0.2, quietInterrupt);
   EXPECT_EQ(Send(*link, "STATUS_STAGE"), "failed");
   EXPECT_EQ(Send(*link, "STATUS_MECH"), "failed");
   EXPECT_EQ(Send(*link, "STATUS PUMPS"), "PUMPS CLOSED");

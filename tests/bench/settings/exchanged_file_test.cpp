@@ -13,7 +13,7 @@
 #include <string_view>
 #include <vector>
 
-#include "bench/settings/temporary_folder.h"
+#include "support/temporary_folder.h"
 
 namespace zolvane {
 namespace {

@@ -17,7 +17,7 @@
 #include <vector>
 
 #include "bench/settings/exchanged_file.h"
-#include "bench/settings/temporary_folder.h"
+#include "support/temporary_folder.h"
 
 namespace zolvane {
 namespace {

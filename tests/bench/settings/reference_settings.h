@@ -29,10 +29,9 @@ class ReferenceSettings {
   }
 
   bool Write(std::string_view section, std::string_view key, std::string_view value) {
-    section = Trimmed(section);
-    key = Trimmed(key);
-    if (section.find_first_of("]\r\n") != section.npos || key.find_first_of("=\r\n") != key.npos ||
-        key.empty() || key[0] == ';' || key[0] == '[' || value.find('\n') != value.npos) {
+    const auto name = Trimmed(key);
+    if (section.find_first_of("]\r\n") != section.npos || name.find_first_of("=\r\n") != name.npos ||
+        name.empty() || name[0] == ';' || name[0] == '[' || value.find('\n') != value.npos) {
       return false;
     }
     auto lines = Cut();

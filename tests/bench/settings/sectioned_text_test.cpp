@@ -178,7 +178,7 @@ TEST(SectionedTextWriting, ANewKeyGoesBehindTheLastLineThatIsNotBlank) {
       WriteCase{"first section of the name", "[A]\n[B]\n[A]\ny=1\n", "A", "y", "2",
                 "[A]\ny=2\n[B]\n[A]\ny=1\n"},
       WriteCase{"no key but a comment", "[A]\n;y=1\n", "A", "y", "2", "[A]\n;y=1\ny=2\n"},
-      WriteCase{"names without blanks", "[A]\n", " A ", " y ", "2", "[A]\ny=2\n"},
+      WriteCase{"a new name as it is given", "[A]\n", " A ", " y ", "2", "[A]\n y =2\n"},
       WriteCase{"value with blanks", "[A]\n", "A", "y", " 2 ", "[A]\ny= 2 \n"},
   };
   for (const auto& test : cases) {
@@ -196,7 +196,7 @@ TEST(SectionedTextWriting, ANewSectionGoesToTheEndOfTheFile) {
       WriteCase{"blanks without end", "[B]\n  ", "A", "x", "1", "[B]\n  \n[A]\nx=1\n"},
       WriteCase{"text without section", "text", "A", "x", "1", "text\r\n[A]\r\nx=1\r\n"},
       WriteCase{"no header but a start of one", "[A\n", "A", "x", "1", "[A\n[A]\nx=1\n"},
-      WriteCase{"name without blanks", "", " A b ", "x", "1", "[A b]\r\nx=1\r\n"},
+      WriteCase{"name as it is given", "", " A b ", "x", "1", "[ A b ]\r\nx=1\r\n"},
       WriteCase{"lone CRs only", "a\rb", "A", "x", "1", "a\rb\r\n[A]\r\nx=1\r\n"},
   };
   for (const auto& test : cases) {

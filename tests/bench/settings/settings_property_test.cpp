@@ -10,7 +10,7 @@
 #include "bench/settings/random_settings.h"
 #include "bench/settings/reference_settings.h"
 #include "bench/settings/sectioned_text.h"
-#include "bench/settings/temporary_folder.h"
+#include "support/temporary_folder.h"
 
 namespace zolvane {
 namespace {

@@ -20,7 +20,7 @@
 
 #include "bench/settings/exchanged_file.h"
 #include "bench/settings/file_settings_service.h"
-#include "bench/settings/temporary_folder.h"
+#include "support/temporary_folder.h"
 
 namespace zolvane {
 namespace {

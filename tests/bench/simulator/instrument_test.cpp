@@ -4,9 +4,9 @@
 
 #include <random>
 
-#include "bench/settings/temporary_folder.h"
 #include "bench/simulator/faults.h"
 #include "bench/usage_error.h"
+#include "support/temporary_folder.h"
 
 namespace zolvane {
 namespace {

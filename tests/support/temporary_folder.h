@@ -1,4 +1,4 @@
-// A folder of its own for a test, and what other programs do to files in it.
+// A folder of its own for a test, gone after it, and what other programs do to files in it.
 #pragma once
 
 #include <stdlib.h>
@@ -31,7 +31,13 @@ class TemporaryFolder {
     std::filesystem::remove_all(path_, ignored);
   }
 
-  std::string Path(std::string_view name) const { return path_ + '/' + std::string{name}; }
+  std::string Path(std::string_view name = "") const {
+    return name.empty() ? path_ : path_ + '/' + std::string{name};
+  }
+
+  std::string Read(std::string_view name) const { return BytesOf(Path(name)); }
+
+  bool Has(std::string_view name) const { return std::filesystem::exists(Path(name)); }
 
   // In place, as most editors and scripts do.
   std::string Put(std::string_view name, std::string_view bytes) const {

@@ -1,0 +1,91 @@
+#include "bench/console.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+namespace zolvane {
+namespace {
+
+struct Screen {
+  explicit Screen(const Console::Setup& setup) : Out{Results, Notes, setup} {}
+
+  std::ostringstream Results;
+  std::ostringstream Notes;
+  Console Out;
+};
+
+Console::Setup Terminal(std::size_t width) {
+  return {.IsQuiet = false, .ResultsGoToNotes = false, .NotesWidth = width};
+}
+
+TEST(PrintableText, HasNoControlCharacters) {
+  EXPECT_EQ(Printable("a\x1b[31m\nb\x7f"), "a?[31m?b?");
+  EXPECT_EQ(Printable("\xc2\x9bx\xc2\xa0\xc3\x9b"), "?x\xc2\xa0\xc3\x9b");
+  EXPECT_EQ(Printable("\xc2"), "\xc2");
+}
+
+TEST(PrintableText, BecomesOneLine) {
+  EXPECT_EQ(OneLine(" one\r\n\r\ntwo \tthree\r\n"), "one two three");
+  EXPECT_EQ(OneLine(" \r\n"), "");
+}
+
+TEST(Progress, ElsewhereThanOnATerminalIsALinePerText) {
+  Screen screen{{}};
+  screen.Out.ExpectCommands(3);
+  screen.Out.ShowStatus("Working");
+  screen.Out.ShowStatus("Working");
+  screen.Out.CountCommand();
+  screen.Out.ShowStatus("");
+  screen.Out.ShowStatus("Working");
+  EXPECT_EQ(screen.Notes.str(), "Working\nWorking\n");
+  EXPECT_FALSE(screen.Out.CountsCommands());
+}
+
+TEST(Progress, OnATerminalIsOneLineThatMakesRoomForOthers) {
+  Screen screen{Terminal(80)};
+  EXPECT_TRUE(screen.Out.CountsCommands());
+  screen.Out.ExpectCommands(3);
+  screen.Out.ShowStatus("Working");
+  screen.Out.CountCommand();
+  screen.Out.ShowStatus("Resting");
+  screen.Out.Note("A note");
+  screen.Out.ShowStatus("");
+  EXPECT_EQ(screen.Notes.str(), "Working\r\x1b[KResting  1 of 3\r\x1b[KA note\n");
+}
+
+TEST(Progress, NeverIsWiderThanTheTerminal) {
+  Screen screen{Terminal(8)};
+  screen.Out.ShowStatus("\xc3\xa4\xc3\xb6\xc3\xbc 4567890");
+  EXPECT_EQ(screen.Notes.str(), "\xc3\xa4\xc3\xb6\xc3\xbc 456");
+}
+
+TEST(Output, GoesToTheNotesWhenSomethingElseIsPrinted) {
+  Screen screen{{.IsQuiet = false, .ResultsGoToNotes = true, .NotesWidth = std::nullopt}};
+  screen.Out.Print("result\n");
+  EXPECT_EQ(screen.Results.str(), "");
+  EXPECT_EQ(screen.Notes.str(), "result\n");
+}
+
+TEST(Output, WhenQuietIsErrorsAndDocuments) {
+  Screen screen{{.IsQuiet = true, .ResultsGoToNotes = false, .NotesWidth = 80}};
+  screen.Out.ShowStatus("Working");
+  screen.Out.Note("A note");
+  screen.Out.Print("result\n");
+  screen.Out.Error("wrong");
+  screen.Out.PrintDocument("{}");
+  EXPECT_EQ(screen.Notes.str(), "zolvane-bench: wrong\n");
+  EXPECT_EQ(screen.Results.str(), "{}\n");
+  EXPECT_FALSE(screen.Out.CountsCommands());
+}
+
+TEST(Output, ThatIsLostIsKnown) {
+  Screen screen{{}};
+  EXPECT_TRUE(screen.Out.Flush());
+  screen.Results.setstate(std::ios::badbit);
+  screen.Out.Print("result\n");
+  EXPECT_FALSE(screen.Out.Flush());
+}
+
+}  // namespace
+}  // namespace zolvane

@@ -1,0 +1,297 @@
+// The links against instruments and lines that are out of order. Whatever they do, a send ends within its
+// time and never gives a reply that belongs to another command.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <stdlib.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include <array>
+#include <atomic>
+#include <chrono>
+#include <filesystem>
+#include <optional>
+#include <random>
+
+#include "bench/links/link_factory.h"
+#include "bench/links/running_instrument.h"
+#include "bench/links/stream_link.h"
+#include "support/temporary_folder.h"
+
+namespace zolvane {
+namespace {
+
+using asio::ip::tcp;
+using std::chrono::milliseconds;
+using Clock = std::chrono::steady_clock;
+
+const InterruptFlag quietInterrupt;
+
+// The reply, or "failed".
+std::string Send(InstrumentLink& link, std::string command) {
+  std::string reply = "as it was";
+  if (link.SendCommand(command, reply, 0) != true) {
+    EXPECT_EQ(reply, "as it was");
+    return "failed";
+  }
+  return reply;
+}
+
+milliseconds TimeOf(const std::function<void()>& action) {
+  const auto start = Clock::now();
+  action();
+  return std::chrono::duration_cast<milliseconds>(Clock::now() - start);
+}
+
+bool ReadLine(tcp::socket& client, std::string& input) {
+  std::error_code error;
+  const auto size = asio::read_until(client, asio::dynamic_buffer(input), '\n', error);
+  input.erase(0, size);
+  return !error;
+}
+
+// Answers each line of one client with what `answer` gives for its number, counted from 1.
+HandmadeServer::Conversation Answering(std::function<std::string(int number)> answer) {
+  return [answer = std::move(answer)](tcp::acceptor& acceptor) {
+    auto client = acceptor.accept();
+    std::string input;
+    std::error_code error;
+    for (int number = 1; !error && ReadLine(client, input); ++number) {
+      asio::write(client, asio::buffer(answer(number)), error);
+    }
+  };
+}
+
+// ---- TCP
+
+TEST(UnrulyTcp, TheLateReplyGoesToTheOldConnectionAndTheNextCommandHasAnotherOne) {
+  const HandmadeServer server{[](tcp::acceptor& acceptor) {
+    auto first = acceptor.accept();
+    std::string input;
+    ReadLine(first, input);
+    auto second = acceptor.accept();  // the link has given the first one up
+    ReadLine(second, input);
+    std::error_code ignored;
+    asio::write(first, asio::buffer(std::string_view{"late\r\n"}), ignored);
+    asio::write(second, asio::buffer(std::string_view{"in time\r\n"}));
+  }};
+  const auto link = CreateLink(server.Link(), 0.3, quietInterrupt);
+  EXPECT_EQ(Send(*link, "A"), "failed");
+  EXPECT_EQ(Send(*link, "B"), "in time");
+}
+
+TEST(UnrulyTcp, ALineMayBeAsLongAsTheLimitAndNoLonger) {
+  const HandmadeServer server{
+      Answering([](int number) { return std::string(longestReply + (number == 1 ? 0 : 1), 'x') + "\r\n"; })};
+  const auto link = CreateLink(server.Link(), 20.0, quietInterrupt);
+  EXPECT_EQ(Send(*link, "A").size(), std::size_t{1'048'576});
+  EXPECT_EQ(Send(*link, "B"), "failed");
+}
+
+TEST(UnrulyTcp, ALineWithoutEndFailsLongBeforeTheTimeout) {
+  const HandmadeServer server{Answering([](int) { return std::string(std::size_t{2} << 20, 'x'); })};
+  const auto link = CreateLink(server.Link(), 60.0, quietInterrupt);
+  EXPECT_LT(TimeOf([&] { EXPECT_EQ(Send(*link, "A"), "failed"); }), milliseconds{30'000});
+}
+
+TEST(UnrulyTcp, AnInstrumentThatTalksWithoutEndDoesNotHoldASendBeyondItsTimeout) {
+  std::atomic<bool> isDone = false;
+  const HandmadeServer server{[&isDone](tcp::acceptor& acceptor) {
+    const std::string talk(65536, '\n');
+    acceptor.non_blocking(true);
+    while (!isDone) {
+      std::error_code error;
+      auto client = acceptor.accept(error);
+      if (error) {
+        std::this_thread::sleep_for(milliseconds{5});
+      }
+      while (!error && !isDone) {
+        asio::write(client, asio::buffer(talk), error);
+      }
+    }
+  }};
+  const auto link = CreateLink(server.Link(), 0.2, quietInterrupt);
+  for (int count = 0; count < 3; ++count) {
+    EXPECT_LT(TimeOf([&] { Send(*link, "A"); }), milliseconds{5'000});
+  }
+  isDone = true;
+}
+
+TEST(UnrulyTcp, AnInstrumentThatReadsNothingFailsALongCommandInTime) {
+  const HandmadeServer server{[](tcp::acceptor& acceptor) {
+    auto client = acceptor.accept();
+    std::this_thread::sleep_for(milliseconds{400});
+  }};
+  const auto link = CreateLink(server.Link(), 0.2, quietInterrupt);
+  EXPECT_LT(TimeOf([&] { EXPECT_EQ(Send(*link, std::string(std::size_t{32} << 20, 'x')), "failed"); }),
+            milliseconds{5'000});
+}
+
+TEST(UnrulyTcp, AConnectionThatIsNeverTakenUpFailsInTime) {
+  asio::io_context io;
+  tcp::acceptor acceptor{io};
+  acceptor.open(tcp::v4());
+  acceptor.bind({asio::ip::address_v4::loopback(), 0});
+  acceptor.listen(0);  // the system completes a few connections by itself, then no more
+  const auto place = "tcp:127.0.0.1:" + std::to_string(acceptor.local_endpoint().port());
+  std::vector<std::shared_ptr<BenchLink>> links;
+  for (int count = 0; count < 4; ++count) {
+    links.push_back(CreateLink(place, 0.1, quietInterrupt));
+    EXPECT_LT(TimeOf([&] { EXPECT_EQ(Send(*links.back(), "A"), "failed"); }), milliseconds{5'000});
+  }
+}
+
+TEST(UnrulyTcp, NulAndOtherControlCharactersPassInBothDirections) {
+  using namespace std::string_literals;
+  std::string received;
+  {
+    const HandmadeServer server{[&received](tcp::acceptor& acceptor) {
+      auto client = acceptor.accept();
+      asio::read_until(client, asio::dynamic_buffer(received), '\n');
+      asio::write(client, asio::buffer("\0\x1B[2J\tu\xCC\x88\r\r\n"s));
+    }};
+    EXPECT_EQ(Send(*CreateLink(server.Link(), 5.0, quietInterrupt), "a\0b\x07"s), "\0\x1B[2J\tu\xCC\x88\r"s);
+  }
+  EXPECT_EQ(received, "a\0b\x07\r\n"s);
+}
+
+TEST(UnrulyTcp, AnInterruptWhileACommandWaitsLetsItFinish) {
+  InterruptFlag interrupt;
+  const HandmadeServer server{Answering([&interrupt](int) {
+    interrupt.Raise();
+    return std::string{"OK\r\n"};
+  })};
+  const auto link = CreateLink(server.Link(), 5.0, interrupt);
+  EXPECT_EQ(link->Stop(), false);
+  EXPECT_EQ(Send(*link, "A"), "OK");
+  EXPECT_EQ(link->Stop(), true);
+  PassOver(link->SetStop(false));
+  EXPECT_EQ(link->Stop(), true);
+}
+
+TEST(UnrulyTcp, AnyBytesAsCommandGetTheirOwnReplyOrAreNotSent) {
+  const RunningInstrument instrument;
+  const auto link = CreateLink(instrument.Link(), 5.0, quietInterrupt);
+  std::mt19937 random{99};
+  for (int round = 0; round < 300; ++round) {
+    std::string value;
+    for (auto length = 1 + random() % 20; length > 0; --length) {
+      value += static_cast<char>(random() % 256);
+    }
+    const bool isLine = value.find_first_of("\r\n") == std::string::npos;
+    const auto key = "KEY" + std::to_string(round);
+    EXPECT_EQ(Send(*link, "SET_CALIBRATION " + key + " " + value), isLine ? "OK" : "failed");
+    const auto expected =
+        isLine ? key + "=" + (IsUtf8(value) ? value : Utf8FromWindows1252(value)) : "SYNTAX_ERROR";
+    EXPECT_EQ(Send(*link, "GET_CALIBRATION " + key), expected);
+  }
+}
+
+// ---- Serial lines
+
+// A line whose other end is in the test's hands.
+class HandmadeLine {
+ public:
+  HandmadeLine() : master_{::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC)} {
+    std::array<char, 256> path{};
+    EXPECT_EQ(::grantpt(master_) + ::unlockpt(master_) + ::ptsname_r(master_, path.data(), path.size()), 0);
+    path_ = path.data();
+    holder_ = ::open(path_.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+    ::termios settings{};
+    ::tcgetattr(holder_, &settings);
+    ::cfmakeraw(&settings);
+    ::tcsetattr(holder_, TCSANOW, &settings);
+  }
+  ~HandmadeLine() { Vanish(); }
+  HandmadeLine(const HandmadeLine&) = delete;
+  HandmadeLine& operator=(const HandmadeLine&) = delete;
+
+  const std::string& Path() const { return path_; }
+
+  void Write(std::string_view text) const {
+    EXPECT_EQ(::write(master_, text.data(), text.size()), static_cast<::ssize_t>(text.size()));
+  }
+
+  void ReadLine() const {
+    char byte = 0;
+    while (byte != '\n' && ::read(master_, &byte, 1) == 1) {
+    }
+  }
+
+  // As when the cable is pulled out.
+  void Vanish() {
+    for (auto* end : {&master_, &holder_}) {
+      if (*end >= 0) {
+        ::close(std::exchange(*end, -1));
+      }
+    }
+  }
+
+ private:
+  int master_;
+  int holder_ = -1;
+  std::string path_;
+};
+
+TEST(UnrulySerial, WhatLayOnTheLineBeforeItWasOpenedIsNoReply) {
+  const HandmadeLine line;
+  line.Write("left behind\r\n");
+  const auto link = CreateLink("serial:" + line.Path(), 5.0, quietInterrupt);
+  std::thread instrument{[&line] {
+    line.ReadLine();
+    line.Write("answer\r\n");
+  }};
+  EXPECT_EQ(Send(*link, "A"), "answer");
+  instrument.join();
+}
+
+TEST(UnrulySerial, TheRestOfALineThatIsTooLongIsNoReplyToTheNextCommand) {
+  const RunningInstrument instrument{{.Faults = {{1, Fault::Overlong}}},
+                                     RunningInstrument::Place::PseudoTerminal};
+  const auto link = instrument.Connect(0.8, quietInterrupt);
+  EXPECT_EQ(Send(*link, "STATUS_STAGE"), "failed");
+  EXPECT_EQ(Send(*link, "STATUS_MECH"), "SD");
+}
+
+TEST(UnrulySerial, APortThatVanishesFailsTheSendAndWorksAgainWhenItIsBack) {
+  const TemporaryFolder folder;
+  const auto port = folder.Path("port");
+  SerialLink serial{port, defaultBaud, LinkTimeout{0.3}, quietInterrupt, LinkTimeout{0.3}};
+  InstrumentLink* const link = &serial;
+  EXPECT_EQ(Send(*link, "A"), "failed");
+  for (const auto* reply : {"one", "two"}) {
+    HandmadeLine line;
+    std::filesystem::create_symlink(line.Path(), port);
+    std::thread instrument{[&line, reply] {
+      line.ReadLine();
+      line.Write(std::string{reply} + "\r\n");
+      line.ReadLine();
+      line.Vanish();
+    }};
+    EXPECT_EQ(Send(*link, "A"), reply);
+    EXPECT_LT(TimeOf([&] { EXPECT_EQ(Send(*link, "B"), "failed"); }), milliseconds{5'000});
+    instrument.join();
+    std::filesystem::remove(port);
+    EXPECT_EQ(Send(*link, "C"), "failed");
+  }
+}
+
+TEST(UnrulySerial, ALineThatDoesNotFallSilentAfterATimeoutFailsTheNextSendInTime) {
+  const HandmadeLine line;
+  SerialLink serial{line.Path(), 115200, LinkTimeout{0.1}, quietInterrupt, LinkTimeout{0.3}};
+  InstrumentLink* const link = &serial;
+  EXPECT_EQ(Send(*link, "A"), "failed");
+  std::atomic<bool> isDone = false;
+  std::thread instrument{[&] {
+    while (!isDone) {
+      line.Write("noise\r\n");
+      std::this_thread::sleep_for(milliseconds{50});
+    }
+  }};
+  EXPECT_LT(TimeOf([&] { EXPECT_EQ(Send(*link, "B"), "failed"); }), milliseconds{10'000});
+  isDone = true;
+  instrument.join();
+}
+
+}  // namespace
+}  // namespace zolvane

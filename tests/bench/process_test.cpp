@@ -1,0 +1,1045 @@
+// The bench as scripts and people meet it: as a process, with its arguments, streams and exit status.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "bench/process_support.h"
+
+namespace zolvane {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+constexpr std::string_view configText =
+    "[DeviceType]\r\n"
+    "Installed=1\r\n"
+    "Item1=\"Alpha\",0,\"AL1\"\r\n"
+    "Item2=\"Beta\",1,\"BE2\"\r\n"
+    "UploadCalibrationData=1\r\n"
+    "DownloadCalibrationData=1\r\n"
+    "ImportCalibrationData=1\r\n"
+    "ExportCalibrationData=1\r\n"
+    "SensorEnableRFID=0\r\n"
+    "\r\n"
+    "[CageType]\r\n"
+    "Installed=2\r\n"
+    "Item1=\"Large\",MICROTITER,1,1,0,2150,120,1875,90\r\n"
+    "Item2=\"Small\",SERIALDILUTE,1,0,1,1640,110,1320,75\r\n"
+    "\r\n"
+    "[HeadType]\r\n"
+    "Installed=0\r\n"
+    "[TipType]\r\n"
+    "Installed=0\r\n"
+    "[NestType]\r\n"
+    "Installed=0\r\n"
+    "\r\n"
+    "[PumpControl]\r\n"
+    "ModuleInstalled=1\r\n"
+    "\r\n"
+    "[Position_Alpha]\r\n"
+    "Item1=STAGE1,\"Stage 1\",STAGE,2016,2487,3862,2944\r\n";
+
+std::vector<std::string> LinesOf(const std::string& text) {
+  std::vector<std::string> lines;
+  std::istringstream stream{text};
+  for (std::string line; std::getline(stream, line);) {
+    lines.push_back(line);
+  }
+  return lines;
+}
+
+class Bench : public ::testing::Test {
+ protected:
+  Bench() { Folder.Put("Zolvane.ini", configText); }
+
+  // Runs in the folder, which is the current one and so the program folder.
+  ProcessResult Run(const Arguments& arguments, RunSetup setup = {}) const {
+    const auto folder = Folder.Path();
+    setup.InChild = [folder, more = setup.InChild] {
+      if (::chdir(folder.c_str()) != 0) {
+        ::_exit(126);
+      }
+      if (more) {
+        more();
+      }
+    };
+    return RunProgram(ZOLVANE_BENCH_PATH, arguments, setup);
+  }
+
+  // The events of the trace that a run writes, of the given kinds, in order.
+  std::vector<Json> TraceOf(Arguments arguments, const std::vector<std::string>& kinds) const {
+    arguments.insert(arguments.begin(), {"--quiet", "--trace", "trace.jsonl"});
+    Run(arguments);
+    return EventsOf(Folder.Read("trace.jsonl"), kinds);
+  }
+
+  static std::vector<Json> EventsOf(const std::string& trace, const std::vector<std::string>& kinds) {
+    std::vector<Json> events;
+    for (const auto& line : LinesOf(trace)) {
+      const auto event = Json::parse(line);
+      if (std::ranges::find(kinds, event.at("event").get<std::string>()) != kinds.end()) {
+        events.push_back(event);
+      }
+    }
+    return events;
+  }
+
+  void SetKey(std::string_view key, std::string_view value) const {
+    auto text = Folder.Read("Zolvane.ini");
+    const auto start = text.find("\n" + std::string{key} + "=") + 1;
+    ASSERT_NE(start, 0U);
+    text.replace(start, text.find('\r', start) - start, std::string{key} + "=" + std::string{value});
+    Folder.Put("Zolvane.ini", text);
+  }
+
+  TemporaryFolder Folder;
+};
+
+// ---- Asking about the program ----
+
+TEST_F(Bench, TheVersionIsPrintedAlone) {
+  const auto result = Run({"--version"});
+  EXPECT_EQ(result.Status, 0);
+  EXPECT_EQ(result.Output, "1.00.0135\n");
+  EXPECT_EQ(result.Errors, "");
+}
+
+TEST_F(Bench, TheHelpNamesEveryCommandAndOption) {
+  const auto result = Run({"--help"});
+  EXPECT_EQ(result.Status, 0);
+  for (const auto* word : {"page",
+                           "query",
+                           "upload",
+                           "download",
+                           "import [FILE]",
+                           "export [FILE]",
+                           "press N",
+                           "select LIST ENTRY",
+                           "tick BOX VALUE",
+                           "script",
+                           "run FILE",
+                           "--folder DIR",
+                           "--link LINK",
+                           "sim:FILE",
+                           "tcp:HOST:PORT",
+                           "serial:DEVICE[,BAUD]",
+                           "script:FILE",
+                           "none",
+                           "--timeout SECONDS",
+                           "--answer A,B,...",
+                           "--yes",
+                           "--host-dialog",
+                           "--trace FILE",
+                           "--trace-reads",
+                           "--json",
+                           "--quiet",
+                           "--file FILE",
+                           "Exit status"}) {
+    EXPECT_NE(result.Output.find(word), std::string::npos) << word;
+  }
+}
+
+// ---- Bad use ----
+
+struct BadUse {
+  Arguments Words;
+  std::string Message;  // the start of the one line; FOLDER stands for the folder
+};
+
+TEST_F(Bench, BadUseSaysWhatIsWrongAndChangesNothing) {
+  Folder.Put("bad.txt", "page\n\n  frobnicate now\n");
+  Folder.Put("quote.txt", "select cboHeadType \"Not installed\n");
+  Folder.Put("missing.txt", "# first\npage\nimport nowhere.bak\n");
+  Folder.Put("itself.txt", "run itself.txt\n");
+  Folder.Put("option.txt", "upload --yes\n");
+  Folder.Put("script.json", "{ \"default\": 5 }");
+  Folder.Put("broken.json", "{");
+  const auto files = Folder.Names().size();
+  const std::vector<BadUse> uses{
+      {{}, "no command is given; see zolvane-bench --help"},
+      {{"frobnicate"}, "there is no command \"frobnicate\"; see zolvane-bench --help"},
+      {{"page", "twice"}, "page has too many arguments; it is used as: page"},
+      {{"press"}, "press has too few arguments; it is used as: press N"},
+      {{"press", "two"}, "press takes the number of a button, not \"two\""},
+      {{"press", "1.5"}, "press takes the number of a button, not \"1.5\""},
+      {{"tick", "chkRFID", "3"}, "tick takes 0, 1 or 2, not \"3\""},
+      {{"tick", "chkNone", "1"},
+       "there is no check box \"chkNone\"; there are chkRFID, chkHeadSensor, chkTipSensor and chkEncoders"},
+      {{"select", "cboNone", "x"},
+       "there is no list \"cboNone\"; there are cboDeviceType, cboCageType, cboHeadType, cboNestType and "
+       "cboTipType"},
+      {{"page", "--nonsense"},
+       "The following argument was not expected: --nonsense; see zolvane-bench --help"},
+      {{"page", "--timeout", "0"}, "--timeout takes a number of seconds greater than 0 (0.5, 10), not \"0\""},
+      {{"page", "--timeout", "soon"},
+       "--timeout takes a number of seconds greater than 0 (0.5, 10), not \"soon\""},
+      {{"page", "--answer", "ok,maybe"},
+       "--answer: \"maybe\" is no answer; write ok, cancel, yes or no, with commas"},
+      {{"upload", "--file", "x"}, "--file goes with press; upload is used as: upload"},
+      {{"--folder", "none", "page"},
+       "\"FOLDER/none/Zolvane.ini\" does not exist; --folder names the folder that holds it"},
+      {{"--folder", "", "page"}, "--folder: the name of the folder is empty"},
+      {{"import", "nowhere.bak"}, "\"FOLDER/nowhere.bak\" does not exist"},
+      {{"import", "."}, "\"FOLDER\" is a folder"},
+      {{"import", ""}, "the name of the file is empty"},
+      {{"press", "3", "--file", "nowhere.bak"}, "\"FOLDER/nowhere.bak\" does not exist"},
+      {{"export", "nowhere/x.bak"}, "\"FOLDER/nowhere/x.bak\" "},
+      {{"export", "."}, "\"FOLDER\" is a folder"},
+      {{"run", "nowhere.txt"}, "the run file nowhere.txt cannot be opened: No such file or directory"},
+      {{"run", "."}, ". is a folder and no run file"},
+      {{"run", "bad.txt"}, "bad.txt, line 3: there is no command \"frobnicate\"; see zolvane-bench --help"},
+      {{"run", "quote.txt"}, "quote.txt, line 1: a double quote is not closed"},
+      {{"run", "missing.txt"}, "missing.txt, line 3: \"FOLDER/nowhere.bak\" does not exist"},
+      {{"run", "itself.txt"}, "itself.txt, line 1: itself.txt runs itself"},
+      {{"run", "option.txt"}, "option.txt, line 1: upload has too many arguments; it is used as: upload"},
+      {{"--trace", "nowhere/trace", "page"},
+       "the trace file \"nowhere/trace\" cannot be written: No such file or directory"},
+      {{"--trace", ".", "page"}, "the trace file \".\" cannot be written: Is a directory"},
+      {{"--trace", "./Zolvane.ini", "page"},
+       "--trace would overwrite \"FOLDER/Zolvane.ini\", which the run needs; name another file"},
+      {{"--link", "sim:Zolvane.ini", "page"},
+       "--link: the instrument's memory would overwrite \"FOLDER/Zolvane.ini\", which the run needs; name "
+       "another file"},
+  };
+  for (const auto& use : uses) {
+    const auto result = Run(use.Words);
+    auto message = use.Message;
+    if (const auto at = message.find("FOLDER"); at != std::string::npos) {
+      message.replace(at, 6, Folder.Path());
+    }
+    EXPECT_EQ(result.Status, 2) << use.Message;
+    EXPECT_TRUE(result.Errors.starts_with("zolvane-bench: " + message)) << result.Errors;
+    EXPECT_EQ(LinesOf(result.Errors).size(), 1U) << result.Errors;
+    EXPECT_EQ(result.Output, "") << use.Message;
+  }
+  EXPECT_EQ(Folder.Read("Zolvane.ini"), configText);
+  EXPECT_EQ(Folder.Names().size(), files);
+}
+
+TEST_F(Bench, ALinkThatCannotBeUsedIsBadUseToo) {
+  Folder.Put("number.json", "{ \"default\": 5 }");
+  Folder.Put("broken.json", "{");
+  for (const auto* link : {"telepathy", "", "tcp:localhost", "tcp:localhost:0", "tcp::99",
+                           "serial:", "script:", "script:nowhere.json", "script:number.json",
+                           "script:broken.json", "sim:nowhere/x"}) {
+    const auto result = Run({"--link", link, "page"});
+    EXPECT_EQ(result.Status, 2) << link;
+    EXPECT_TRUE(result.Errors.starts_with("zolvane-bench: ")) << result.Errors;
+    EXPECT_EQ(LinesOf(result.Errors).size(), 1U) << result.Errors;
+    EXPECT_EQ(result.Output, "");
+  }
+  EXPECT_EQ(Folder.Read("Zolvane.ini"), configText);
+}
+
+TEST_F(Bench, AFolderWithoutTheConfigurationFileIsRefused) {
+  std::filesystem::remove(Folder.Path("Zolvane.ini"));
+  const auto result = Run({"--json", "page"});
+  EXPECT_EQ(result.Status, 2);
+  EXPECT_EQ(result.Output, "");
+  EXPECT_EQ(Folder.Names().size(), 0U);
+}
+
+// ---- The page ----
+
+TEST_F(Bench, ThePageIsPrintedAsOneJsonDocument) {
+  const auto result = Run({"page", "--json"});
+  EXPECT_EQ(result.Status, 0);
+  EXPECT_EQ(result.Errors, "");
+  EXPECT_EQ(Json::parse(result.Output).dump(), Json::parse(R"({
+    "caption": "Zolvane Setup",
+    "lists": {
+      "cboDeviceType": {"entries": [{"text": "Alpha", "data": 1}, {"text": "Beta", "data": 2}],
+                        "selected": 0, "enabled": true, "back_color": 2147483653},
+      "cboCageType": {"entries": [{"text": "Large", "data": 1}, {"text": "Small", "data": 2},
+                                  {"text": "Not installed", "data": 0}],
+                      "selected": 1, "enabled": true, "back_color": 2147483653},
+      "cboHeadType": {"entries": [{"text": "Not installed", "data": 0}],
+                      "selected": 0, "enabled": true, "back_color": 2147483653},
+      "cboNestType": {"entries": [{"text": "Not installed", "data": 0}],
+                      "selected": 0, "enabled": true, "back_color": 2147483653},
+      "cboTipType": {"entries": [{"text": "Not installed", "data": 0}],
+                     "selected": 0, "enabled": true, "back_color": 2147483653}
+    },
+    "checks": {"chkRFID": {"value": 0, "enabled": true}, "chkHeadSensor": {"value": 0, "enabled": true},
+               "chkTipSensor": {"value": 0, "enabled": true}, "chkEncoders": {"value": 0, "enabled": true}},
+    "labels": {"lblTitle": "Zolvane Setup", "lblPumps": "Connected"},
+    "buttons": [{"caption": "Save To Zolvane", "enabled": true},
+                {"caption": "Load From Zolvane", "enabled": true},
+                {"caption": "Query Zolvane", "enabled": true},
+                {"caption": "Load from File", "enabled": true},
+                {"caption": "Save To File", "enabled": true}],
+    "status": "",
+    "changed": null
+  })")
+                                                   .dump());
+  EXPECT_EQ(Folder.Read("Zolvane.ini"), configText);
+}
+
+TEST_F(Bench, ThePageIsPrintedForPeople) {
+  SetKey("UploadCalibrationData", "0");
+  const auto result = Run({"page"});
+  EXPECT_EQ(result.Status, 0);
+  EXPECT_EQ(result.Errors, "");
+  EXPECT_EQ(result.Output,
+            "Zolvane Setup\n"
+            "\n"
+            "Configuration File Settings\n"
+            "  cboDeviceType   Zolvane                         Alpha\n"
+            "    > #0   Alpha\n"
+            "      #1   Beta\n"
+            "  cboCageType     Pipette Module                  Small\n"
+            "      #0   Large\n"
+            "    > #1   Small\n"
+            "      #2   Not installed\n"
+            "  cboHeadType     Pipette Head                    Not installed\n"
+            "    > #0   Not installed\n"
+            "  cboNestType     Pipette Head Nest               Not installed\n"
+            "    > #0   Not installed\n"
+            "  cboTipType      Tip Type                        Not installed\n"
+            "    > #0   Not installed\n"
+            "  chkRFID         Enable RFID                     [ ]\n"
+            "  chkHeadSensor   Enable 96/384 Head Sensor       [ ]\n"
+            "  chkTipSensor    Enable 96/384 Tip Sensor        [ ]\n"
+            "  chkEncoders     Enable 1/8/12 Module Encoders   [ ]\n"
+            "  lblPumps        Pump Module Installed           Connected\n"
+            "  cmdButton(2)    Query Zolvane\n"
+            "\n"
+            "Calibrated Data\n"
+            "  cmdButton(0)    Save To Zolvane                   (disabled)\n"
+            "  cmdButton(1)    Load From Zolvane\n"
+            "  cmdButton(3)    Load from File\n"
+            "  cmdButton(4)    Save To File\n");
+}
+
+TEST_F(Bench, ATextThatWouldSteerTheTerminalIsShownHarmless) {
+  SetKey("Item2", "\"B\x1b[2J\xc2\x9b\",1,\"BE2\"");
+  const auto result = Run({"page"});
+  EXPECT_NE(result.Output.find("#1   B?[2J?\n"), std::string::npos);
+}
+
+TEST_F(Bench, BytesThatAreNoTextReachJsonAsCharacters) {
+  SetKey("Item2", "\"B\xe9ta\",1,\"BE2\"");
+  const auto result = Run({"page", "--json"});
+  EXPECT_EQ(result.Status, 0);
+  EXPECT_EQ(Json::parse(result.Output)["lists"]["cboDeviceType"]["entries"][1]["text"], "B\xc3\xa9ta");
+}
+
+// ---- The session and its trace ----
+
+TEST_F(Bench, TheTraceHoldsTheWholeSession) {
+  const auto result = Run({"--trace", "-", "--quiet", "tick", "chkTipSensor", "1"});
+  const auto config = R"("file":")" + Folder.Path() + R"(/Zolvane.ini")";
+  const auto installed = [&config](const std::string& section, const std::string& value) {
+    return R"({"event":"write","section":")" + section + R"(","key":"Installed",)" + config +
+           R"(,"value":")" + value + R"("})";
+  };
+  EXPECT_EQ(result.Status, 0);
+  EXPECT_EQ(
+      LinesOf(result.Output),
+      (std::vector<std::string>{
+          R"({"event":"control","name":"cboDeviceType","property":"items",)"
+          R"("value":[{"text":"Alpha","data":1},{"text":"Beta","data":2}]})",
+          R"({"event":"control","name":"cboDeviceType","property":"selection","value":0})",
+          installed("DeviceType", "1"),
+          R"({"event":"control","name":"cboCageType","property":"items",)"
+          R"("value":[{"text":"Large","data":1},{"text":"Small","data":2}]})",
+          R"({"event":"control","name":"cboCageType","property":"items",)"
+          R"("value":[{"text":"Large","data":1},{"text":"Small","data":2},{"text":"Not installed","data":0}]})",
+          R"({"event":"control","name":"cboCageType","property":"selection","value":1})",
+          installed("CageType", "2"),
+          R"({"event":"control","name":"cboHeadType","property":"items","value":[]})",
+          R"({"event":"control","name":"cboHeadType","property":"items",)"
+          R"("value":[{"text":"Not installed","data":0}]})",
+          R"({"event":"control","name":"cboHeadType","property":"selection","value":0})",
+          installed("HeadType", "0"),
+          R"({"event":"control","name":"cboTipType","property":"items","value":[]})",
+          R"({"event":"control","name":"cboTipType","property":"items",)"
+          R"("value":[{"text":"Not installed","data":0}]})",
+          R"({"event":"control","name":"cboTipType","property":"selection","value":0})",
+          installed("TipType", "0"),
+          R"({"event":"control","name":"cboNestType","property":"items","value":[]})",
+          R"({"event":"control","name":"cboNestType","property":"items",)"
+          R"("value":[{"text":"Not installed","data":0}]})",
+          R"({"event":"control","name":"cboNestType","property":"selection","value":0})",
+          installed("NestType", "0"),
+          R"({"event":"control","name":"lblPumps","property":"text","value":"Connected"})",
+          R"({"event":"control","name":"chkRFID","property":"value","value":0})",
+          R"-({"event":"control","name":"cmdButton(0)","property":"enabled","value":true})-",
+          R"-({"event":"control","name":"cmdButton(1)","property":"enabled","value":true})-",
+          R"-({"event":"control","name":"cmdButton(3)","property":"enabled","value":true})-",
+          R"-({"event":"control","name":"cmdButton(4)","property":"enabled","value":true})-",
+          R"({"event":"control","name":"chkTipSensor","property":"value","value":1})",
+          R"({"event":"changed","value":false})",
+          R"({"event":"write","section":"DeviceType","key":"SensorEnableTipsInstalled",)" + config +
+              R"(,"value":"1"})",
+          R"({"event":"changed","value":false})",
+          R"({"event":"link","flag":"hold","op":"set","value":false})",
+      }));
+}
+
+TEST_F(Bench, TheTraceHoldsReadsWhenAskedTo) {
+  EXPECT_TRUE(TraceOf({"page"}, {"read"}).empty());
+  const auto reads = TraceOf({"--trace-reads", "page"}, {"read"});
+  ASSERT_FALSE(reads.empty());
+  const auto text = R"({"event":"read","section":"PumpControl","key":"ModuleInstalled","file":")" +
+                    Folder.Path("Zolvane.ini") + R"(","default":"","value":"1"})";
+  EXPECT_EQ(std::ranges::count_if(reads, [&](const auto& event) { return event.dump() == text; }), 1);
+}
+
+TEST_F(Bench, AnUploadsTraceHoldsBoxFlagsAndCommands) {
+  const auto events = TraceOf({"--yes", "upload"}, {"message_box", "link", "send", "yield"});
+  ASSERT_EQ(events.size(), 36 * 4 + 2U);
+  EXPECT_EQ(events[0].dump(),
+            R"({"event":"message_box","title":"Upload Calibration Data to Zolvane","style":49,)"
+            R"("text":"The calibration data stored on this computer will be transferred\r\n)"
+            R"(to the Zolvane overwriting any existing data.\r\n\r\n)"
+            R"(Click [OK] to upload this information.","answer":1})");
+  EXPECT_EQ(events[1].dump(), R"({"event":"link","flag":"stop","op":"get","value":false})");
+  EXPECT_EQ(events[2].dump(), R"({"event":"link","flag":"stop","op":"set","value":false})");
+  EXPECT_EQ(events[3].dump(), R"({"event":"link","flag":"hold","op":"set","value":true})");
+  EXPECT_EQ(events[4].dump(),
+            R"({"event":"send","command":"SET_CALIBRATION STAGE1_X 2016","ok":true,"reply":"OK"})");
+  EXPECT_EQ(events[144].dump(),
+            R"({"event":"send","command":"SET_CALIBRATION SAVE","ok":true,"reply":"OK"})");
+  EXPECT_EQ(events[145].dump(), R"({"event":"link","flag":"hold","op":"set","value":false})");
+}
+
+TEST_F(Bench, TheScriptIsWhatAnUploadSendsAndSendsNothing) {
+  const auto printed = Run({"script"});
+  EXPECT_EQ(printed.Status, 0);
+  EXPECT_EQ(printed.Errors, "");
+  std::vector<std::string> sent;
+  for (const auto& event : TraceOf({"--yes", "upload"}, {"send"})) {
+    sent.push_back(event["command"]);
+  }
+  EXPECT_EQ(LinesOf(printed.Output), sent);
+  ASSERT_EQ(sent.size(), 36U);
+  EXPECT_EQ(sent[1], "SET_CALIBRATION STAGE1_Y 2487");
+  EXPECT_EQ(sent.back(), "SET_CALIBRATION SAVE");
+
+  const auto events = TraceOf({"script"}, {"send", "status", "message_box", "log", "link", "changed"});
+  ASSERT_EQ(events.size(), 2U);
+  EXPECT_EQ(events[0].dump(), R"({"event":"changed","value":false})");
+  EXPECT_EQ(events[1].dump(), R"({"event":"link","flag":"hold","op":"set","value":false})");
+
+  const auto document = Json::parse(Run({"script", "--json"}).Output);
+  EXPECT_EQ(document["lines"].get<std::vector<std::string>>(), sent);
+  EXPECT_EQ(document["exit_status"], 0);
+}
+
+// ---- Answers ----
+
+TEST_F(Bench, WithoutAnAnswerAnUploadIsCancelledAndItsControlsStayDisabled) {
+  Folder.Put("job.txt", "upload\npage\nquery\nselect cboCageType #0\ntick chkRFID 1\npress 4\n");
+  const auto result = Run({"--json", "run", "job.txt"});
+  EXPECT_EQ(result.Status, 1);
+  const auto document = Json::parse(result.Output);
+  EXPECT_EQ(document[0]["outcome"], "cancelled");
+  EXPECT_EQ(document[0]["messages"][0]["answer"], "Cancel");
+  EXPECT_EQ(document[1]["status"], "Uploading Data to Zolvane");
+  EXPECT_EQ(document[1]["lists"]["cboHeadType"]["enabled"], false);
+  EXPECT_EQ(document[1]["lists"]["cboHeadType"]["back_color"], 2147483663U);
+  for (const auto index : {2U, 3U, 4U, 5U}) {
+    EXPECT_EQ(document[index]["outcome"], "disabled");
+    EXPECT_EQ(document[index]["exit_status"], 1);
+  }
+  EXPECT_EQ(Folder.Read("Zolvane.ini"), configText);
+  for (const auto* line : {"job.txt, line 3: cmdButton(2) (Query Zolvane) is disabled and does not react\n",
+                           "job.txt, line 4: cboCageType is disabled and does not react\n",
+                           "job.txt, line 5: chkRFID is disabled and does not react\n",
+                           "job.txt, line 6: cmdButton(4) (Save To File) is disabled and does not react\n"}) {
+    EXPECT_NE(result.Errors.find(line), std::string::npos) << line;
+  }
+}
+
+TEST_F(Bench, ListedAnswersAreTakenInTheirOrderAndInAnyCase) {
+  Folder.Put("backup.bak", "[CageType]\r\nItem1=\"Other\",MICROTITER\r\n");
+  Folder.Put("job.txt", "import backup.bak\nimport backup.bak\nimport backup.bak\n");
+  const auto boxes = TraceOf({"--answer", "No,cancel", "--answer", "YES", "run", "job.txt"}, {"message_box"});
+  ASSERT_EQ(boxes.size(), 4U);
+  EXPECT_EQ(boxes[0]["answer"], 7);
+  EXPECT_EQ(boxes[1]["answer"], 2);
+  EXPECT_EQ(boxes[2]["answer"], 6);
+  EXPECT_EQ(boxes[3]["answer"], 1);
+  EXPECT_EQ(boxes[3]["text"],
+            "Your calibration data has been imported from:\r\n\r\n" + Folder.Path("backup.bak") + "\r\n\r\n");
+}
+
+TEST_F(Bench, ABoxWithOneButtonTakesNoListedAnswer) {
+  Folder.Put("job.txt", "query\nupload\n");
+  const auto boxes =
+      TraceOf({"--link", "none", "--answer", "cancel,ok", "run", "job.txt"}, {"message_box", "send"});
+  ASSERT_EQ(boxes.size(), 9U);
+  for (const auto index : {1U, 3U, 5U, 7U}) {
+    EXPECT_EQ(boxes[index]["title"], "Communication Error");
+    EXPECT_EQ(boxes[index]["answer"], 1);
+  }
+  EXPECT_EQ(boxes[8]["title"], "Upload Calibration Data to Zolvane");
+  EXPECT_EQ(boxes[8]["answer"], 2);
+}
+
+TEST_F(Bench, AListedAnswerThatDoesNotFitIsUsedUpAndTheRunEndsAsBadUse) {
+  Folder.Put("backup.bak", "[CageType]\r\nItem1=\"Other\",MICROTITER\r\n");
+  Folder.Put("job.txt", "import backup.bak\nupload\n");
+  const auto result = Run({"--json", "--answer", "ok,cancel", "--yes", "run", "job.txt"});
+  EXPECT_EQ(result.Status, 2);
+  const auto document = Json::parse(result.Output);
+  EXPECT_EQ(document[0]["messages"][0]["answer"], "Yes");
+  EXPECT_EQ(document[0]["exit_status"], 2);
+  EXPECT_EQ(document[1]["messages"][0]["answer"], "Cancel");
+  EXPECT_EQ(document[1]["exit_status"], 1);
+  EXPECT_NE(
+      result.Errors.find("zolvane-bench: job.txt, line 1: --answer: the box \"Import Calibration Data\" "
+                         "has no button OK\n"),
+      std::string::npos);
+  EXPECT_NE(Folder.Read("Zolvane.ini").find("Item1=\"Other\",MICROTITER"), std::string::npos);
+}
+
+TEST_F(Bench, WithoutAnAnswerAnImportIsCancelledToo) {
+  Folder.Put("backup.bak", "[CageType]\r\nItem1=\"Other\",MICROTITER\r\n");
+  const auto result = Run({"--quiet", "import", "backup.bak"});
+  EXPECT_EQ(result.Status, 1);
+  EXPECT_EQ(Folder.Read("Zolvane.ini"), configText);
+}
+
+TEST_F(Bench, TheHostsOwnDialogueIsAnsweredByTheSameRules) {
+  const auto events = TraceOf({"--host-dialog", "--link", "none", "press", "2"},
+                              {"host_dialog", "message_box", "yield", "log"});
+  ASSERT_EQ(events.size(), 4 * 5U);
+  EXPECT_EQ(
+      events[0].dump(),
+      R"({"event":"log","line":"******* Message dialogue : Communication Error [Getting Zolvane Type, , )"
+      R"(Please ensure that the Zolvane is switched on, and in 'Remote Mode']"})");
+  EXPECT_EQ(events[1].dump(), R"({"event":"yield"})");
+  EXPECT_EQ(events[2].dump(), R"({"event":"yield"})");
+  EXPECT_EQ(events[3].dump(),
+            R"({"event":"host_dialog","title":"Communication Error","style":0,)"
+            R"("text":"Getting Zolvane Type\r\n\r\nPlease ensure that the Zolvane is switched on\r\n)"
+            R"(and in 'Remote Mode'","answer":1})");
+  EXPECT_EQ(events[4].dump(), R"({"event":"log","line":"******* Message dialogue : button selected : 1"})");
+}
+
+// ---- Files ----
+
+TEST_F(Bench, AnExportAndAnImportGoThroughTheFileDialogue) {
+  Folder.Put("job.txt", "import\nexport backup.bak\nimport ./backup.bak\nexport\n");
+  const auto events =
+      TraceOf({"--yes", "run", "job.txt"}, {"file_dialog", "append_blank_line", "yield", "message_box"});
+  const auto backup = Folder.Path("backup.bak");
+  const std::string filter =
+      R"("filter":"Backup files (*.bak)|*.bak|Configuration Files (*.ini)|*.ini|All files (*.*)|*.*",)"
+      R"("filter_index":1,"default_extension":"bak",)";
+  std::vector<std::string> dialogues;
+  for (const auto& event : events) {
+    if (event["event"] == "file_dialog") {
+      dialogues.push_back(event.dump());
+    }
+  }
+  EXPECT_EQ(dialogues,
+            (std::vector<std::string>{
+                R"({"event":"file_dialog","kind":"open","title":"Hestrion Settings File Import",)" + filter +
+                    R"("flags":null,"file_name":"ZolvaneINIExport","chosen":null})",
+                R"({"event":"file_dialog","kind":"save","title":"Hestrion Settings File Export",)" + filter +
+                    R"("flags":2054,"file_name":"ZolvaneINIExport","chosen":")" + backup + R"("})",
+                R"({"event":"file_dialog","kind":"open","title":"Hestrion Settings File Import",)" + filter +
+                    R"("flags":2054,"file_name":")" + backup + R"(","chosen":")" + backup + R"("})",
+                R"({"event":"file_dialog","kind":"save","title":"Hestrion Settings File Export",)" + filter +
+                    R"("flags":2054,"file_name":")" + backup + R"(","chosen":null})",
+            }));
+  const auto count = [&events](std::string_view kind) {
+    return std::ranges::count_if(events, [kind](const auto& event) { return event["event"] == kind; });
+  };
+  EXPECT_EQ(count("append_blank_line"), 9 + 1);
+  EXPECT_EQ(count("yield"), 2);
+}
+
+TEST_F(Bench, AnExportToTheConfigurationFileIsRefusedHoweverItIsSpelled) {
+  for (const auto& file : {std::string{"Zolvane.ini"}, std::string{"./x/../ZOLVANE.INI"}}) {
+    const auto result = Run({"--folder", ".", "export", file});
+    EXPECT_EQ(result.Status, 1) << file;
+    EXPECT_NE(result.Errors.find("zolvane-bench: Export Calibration Data: It is not possible to export the "
+                                 "calibration data to the current library file Zolvane.ini.\n"),
+              std::string::npos)
+        << result.Errors;
+  }
+  const auto result = Run({"--yes", "--json", "import", "Zolvane.ini"});
+  EXPECT_EQ(result.Status, 1);
+  EXPECT_EQ(Json::parse(result.Output)["outcome"], "refused");
+  EXPECT_EQ(Folder.Read("Zolvane.ini"), configText);
+}
+
+TEST_F(Bench, AFileDialogueWithoutAFileIsCancelled) {
+  const auto result = Run({"export"});
+  EXPECT_EQ(result.Status, 1);
+  EXPECT_EQ(result.Output, "export: cancelled\n");
+  EXPECT_EQ(result.Errors, "zolvane-bench: Hestrion Settings File Export: cancelled, as no FILE was given\n");
+}
+
+TEST_F(Bench, AFileThatIsGoneWhenItsDialogueOpensIsNotLoaded) {
+  Folder.Put("job.txt", "export backup.bak\nimport backup.bak\n");
+  SetKey("ExportCalibrationData", "0");
+  const auto before = Folder.Read("Zolvane.ini");
+  const auto result = Run({"--yes", "--json", "run", "job.txt"});
+  EXPECT_EQ(result.Status, 2);
+  EXPECT_EQ(Json::parse(result.Output)[0]["outcome"], "disabled");
+  EXPECT_EQ(Json::parse(result.Output)[1]["outcome"], "unusable");
+  EXPECT_EQ(Folder.Read("Zolvane.ini"), before);
+}
+
+TEST_F(Bench, AWriteThatFailsIsToldAndChangesNothing) {
+  const auto result = Run({"tick", "chkTipSensor", "1"}, {.InChild = [] {
+                            const ::rlimit limit{.rlim_cur = 40, .rlim_max = 40};
+                            ::setrlimit(RLIMIT_FSIZE, &limit);
+                          }});
+  EXPECT_EQ(result.Status, 1);
+  EXPECT_EQ(result.Output, "tick chkTipSensor 1: failed (1 value not written)\n");
+  EXPECT_NE(
+      result.Errors.find("zolvane-bench: [DeviceType] SensorEnableTipsInstalled could not be written to \"" +
+                         Folder.Path("Zolvane.ini") + "\""),
+      std::string::npos)
+      << result.Errors;
+  EXPECT_EQ(Folder.Read("Zolvane.ini"), configText);
+}
+
+// ---- The user's hands ----
+
+TEST_F(Bench, ASelectionIsWrittenByTextByPositionAndInAnyCase) {
+  EXPECT_EQ(Run({"select", "cboDeviceType", "Beta"}).Status, 0);
+  EXPECT_NE(Folder.Read("Zolvane.ini").find("[DeviceType]\r\nInstalled=2\r\n"), std::string::npos);
+  EXPECT_EQ(Run({"select", "cboDeviceType", "#0"}).Status, 0);
+  EXPECT_NE(Folder.Read("Zolvane.ini").find("[DeviceType]\r\nInstalled=1\r\n"), std::string::npos);
+  EXPECT_EQ(Run({"select", "cboCageType", "not INSTALLED"}).Status, 0);
+  EXPECT_NE(Folder.Read("Zolvane.ini").find("[CageType]\r\nInstalled=0\r\n"), std::string::npos);
+}
+
+TEST_F(Bench, AnEntryThatIsNotThereIsBadUse) {
+  for (const auto* entry : {"Gamma", "#2", "#-1", "#", "", "#0x1", "#99999999999999999999"}) {
+    const auto result = Run({"select", "cboDeviceType", entry});
+    EXPECT_EQ(result.Status, 2) << entry;
+    EXPECT_EQ(result.Errors, "zolvane-bench: cboDeviceType has no entry \"" + std::string{entry} +
+                                 "\"; the command page prints its entries\n");
+  }
+  EXPECT_EQ(Folder.Read("Zolvane.ini"), configText);
+}
+
+TEST_F(Bench, ADisabledButtonDoesNotReact) {
+  SetKey("DownloadCalibrationData", "0");
+  const auto result = Run({"--yes", "download"});
+  EXPECT_EQ(result.Status, 1);
+  EXPECT_EQ(result.Output, "download: disabled\n");
+  EXPECT_EQ(result.Errors,
+            "zolvane-bench: cmdButton(1) (Load From Zolvane) is disabled and does not react\n");
+}
+
+TEST_F(Bench, NumbersWithoutAButtonDoNothing) {
+  for (const auto* number : {"5", "-1", "+7", "-0", "99999999999999999999", "-99999999999999999999"}) {
+    if (std::string_view{number} == "-0") {
+      continue;  // that is button 0
+    }
+    const auto result = Run({"press", number});
+    EXPECT_EQ(result.Status, 0) << number;
+    EXPECT_EQ(result.Output, "press " + std::string{number} + ": done\n");
+    EXPECT_EQ(result.Errors, "");
+  }
+}
+
+TEST_F(Bench, AGreyBoxIsWrittenAsTicked) {
+  EXPECT_EQ(Run({"tick", "chkRFID", "2"}).Status, 0);
+  EXPECT_NE(Folder.Read("Zolvane.ini").find("\r\nSensorEnableRFID=1\r\n"), std::string::npos);
+}
+
+// ---- Run files ----
+
+TEST_F(Bench, ARunIsOneSessionAndItsResultsAreAList) {
+  Folder.Put("inner.txt", "tick chkRFID 1\n");
+  const std::string job =
+      "\xEF\xBB\xBF# a comment\r\n"
+      "\r\n"
+      "  page\r\n"
+      "\tselect cboCageType \"Not installed\"\r\n"
+      "run inner.txt\r\n"
+      "page";
+  const auto result = Run({"--json", "run", "-"}, {.Input = job});
+  EXPECT_EQ(result.Status, 0);
+  const auto document = Json::parse(result.Output);
+  ASSERT_EQ(document.size(), 4U);
+  EXPECT_EQ(document[0]["command"], "page");
+  EXPECT_EQ(document[0]["changed"], nullptr);
+  EXPECT_EQ(document[1]["command"], "select cboCageType \"Not installed\"");
+  EXPECT_EQ(document[1]["values_written"], 1);
+  EXPECT_EQ(document[2]["command"], "tick chkRFID 1");
+  EXPECT_EQ(document[3]["changed"], false);
+  EXPECT_EQ(document[3]["lists"]["cboCageType"]["selected"], 2);
+  EXPECT_EQ(document[3]["checks"]["chkRFID"]["value"], 1);
+}
+
+TEST_F(Bench, TheWorstOfAllCommandsCountsAndTheRunGoesOn) {
+  Folder.Put("job.txt", "export\nselect cboDeviceType Gamma\ntick chkRFID 1\n");
+  const auto result = Run({"run", "job.txt"});
+  EXPECT_EQ(result.Status, 2);
+  EXPECT_EQ(result.Output,
+            "export: cancelled\n"
+            "select cboDeviceType Gamma: unusable\n"
+            "tick chkRFID 1: done (1 value written)\n");
+}
+
+TEST_F(Bench, ARunWithoutCommandsIsASessionOfItsOwn) {
+  const auto result = Run({"--json", "run", "-"});
+  EXPECT_EQ(result.Status, 0);
+  EXPECT_EQ(result.Output, "[]\n");
+}
+
+TEST_F(Bench, APressInARunFileBringsItsOwnFile) {
+  Folder.Put("job.txt", "press 4 --file \"my backup.bak\"\n");
+  EXPECT_EQ(Run({"run", "job.txt"}).Status, 0);
+  EXPECT_TRUE(Folder.Has("my backup.bak"));
+}
+
+TEST_F(Bench, TheSampleJobRunsOnTheSampleConfiguration) {
+  std::filesystem::copy_file(std::string{ZOLVANE_SAMPLES_PATH} + "/Zolvane.ini", Folder.Path("Zolvane.ini"),
+                             std::filesystem::copy_options::overwrite_existing);
+  const auto result = Run({"--yes", "run", std::string{ZOLVANE_SAMPLES_PATH} + "/main-job.txt"});
+  EXPECT_EQ(result.Status, 0);
+  EXPECT_TRUE(Folder.Has("backup.bak"));
+}
+
+// ---- What is printed ----
+
+TEST_F(Bench, AnUploadTellsItsProgressAndItsResult) {
+  const auto result = Run({"--yes", "upload"});
+  EXPECT_EQ(result.Status, 0);
+  EXPECT_EQ(result.Output, "upload: done (36 commands sent)\n");
+  EXPECT_EQ(LinesOf(result.Errors),
+            (std::vector<std::string>{
+                "Uploading Data to Zolvane",
+                "Upload Calibration Data to Zolvane: The calibration data stored on this computer will be "
+                "transferred to the Zolvane overwriting any existing data. Click [OK] to upload this "
+                "information. (--yes: OK)",
+                "Uploading Data to Zolvane...Stage XY",
+                "Uploading Data to Zolvane...Heights",
+                "Uploading Data to Zolvane...SD XY",
+                "Uploading Data to Zolvane...Volume Precision",
+                "Uploading Data to Zolvane",
+            }));
+}
+
+TEST_F(Bench, QuietPrintsErrorsOnly) {
+  const auto done = Run({"--quiet", "--yes", "upload"});
+  EXPECT_EQ(done.Status, 0);
+  EXPECT_EQ(done.Output + done.Errors, "");
+  EXPECT_EQ(Run({"--quiet", "page"}).Output, "");
+
+  const auto failed = Run({"--quiet", "--link", "none", "--yes", "upload"});
+  EXPECT_EQ(failed.Status, 1);
+  EXPECT_EQ(failed.Output, "");
+  EXPECT_EQ(failed.Errors,
+            "zolvane-bench: Communication Error: Uploading Data to Zolvane Please ensure that the Zolvane is "
+            "switched on and in 'Remote Mode'\n");
+}
+
+TEST_F(Bench, AJsonDocumentTellsWhatAnOperationDid) {
+  const auto result = Run({"--json", "--quiet", "--yes", "--link", "none", "upload"});
+  EXPECT_EQ(result.Status, 1);
+  EXPECT_EQ(
+      Json::parse(result.Output).dump(),
+      R"({"command":"upload","exit_status":1,"outcome":"failed","commands_sent":1,"commands_failed":1,)"
+      R"("unknown_keys":0,"values_written":0,"writes_failed":0,"file":null,"messages":[)"
+      R"({"title":"Upload Calibration Data to Zolvane","text":"The calibration data stored on this computer )"
+      R"(will be transferred\r\nto the Zolvane overwriting any existing data.\r\n\r\n)"
+      R"(Click [OK] to upload this information.","answer":"OK"},)"
+      R"({"title":"Communication Error","text":"Uploading Data to Zolvane\r\n\r\nPlease ensure that the )"
+      R"(Zolvane is switched on\r\nand in 'Remote Mode'","answer":"OK"}]})");
+}
+
+TEST_F(Bench, ATraceOnStandardOutputStaysFreeOfOtherText) {
+  const auto people = Run({"--trace", "-", "--yes", "run", "-"}, {.Input = "page\nupload\nscript\n"});
+  EXPECT_EQ(people.Status, 0);
+  for (const auto& line : LinesOf(people.Output)) {
+    EXPECT_TRUE(Json::accept(line)) << line;
+  }
+  EXPECT_NE(people.Errors.find("upload: done (36 commands sent)"), std::string::npos);
+
+  const auto programs = Run({"--trace", "-", "--json", "page"});
+  const auto lines = LinesOf(programs.Output);
+  EXPECT_EQ(Json::parse(lines.front())["event"], "control");
+  EXPECT_EQ(Json::parse(lines.back())["caption"], "Zolvane Setup");
+}
+
+TEST_F(Bench, OutputThatIsLostIsAFailure) {
+  const auto toFullDisk = [](int stream) {
+    return RunSetup{.InChild = [stream] { ::dup2(::open("/dev/full", O_WRONLY), stream); }};
+  };
+  const auto results = Run({"page"}, toFullDisk(STDOUT_FILENO));
+  EXPECT_EQ(results.Status, 1);
+  EXPECT_EQ(results.Errors, "zolvane-bench: the results are lost, as standard output could not be written\n");
+
+  const auto trace = Run({"--quiet", "--trace", "-", "page"}, toFullDisk(STDOUT_FILENO));
+  EXPECT_EQ(trace.Status, 2);
+  EXPECT_EQ(trace.Errors.find("zolvane-bench: the trace is not complete, as standard output could not be "
+                              "written: No space left on device\n"),
+            0U);
+
+  const auto file = Run({"--quiet", "--trace", "/dev/full", "--yes", "upload"});
+  EXPECT_EQ(file.Status, 2);
+  EXPECT_EQ(
+      file.Errors,
+      "zolvane-bench: the trace is not complete, as \"/dev/full\" could not be written: No space left on "
+      "device\n");
+}
+
+TEST_F(Bench, ClosedStreamsHarmNoFile) {
+  const auto result = Run({"--yes", "upload"}, {.InChild = [] {
+                            for (const int stream : {0, 1, 2}) {
+                              ::close(stream);
+                            }
+                          }});
+  EXPECT_EQ(result.Status, 1);
+  EXPECT_EQ(Folder.Read("Zolvane.ini"), configText);
+  EXPECT_EQ(Run({"--quiet", "page"}, {.InChild = [] { ::close(STDOUT_FILENO); }}).Status, 0);
+}
+
+TEST_F(Bench, AReaderWhoLeavesEndsNothing) {
+  auto output = OpenPipe();
+  output.ReadEnd.Close();
+  const auto result = Run({"--trace", "-", "--yes", "tick", "chkRFID", "1"},
+                          {.InChild = [&output] { ::dup2(output.WriteEnd.Number(), STDOUT_FILENO); }});
+  EXPECT_EQ(result.Status, 2);
+  EXPECT_NE(result.Errors.find("standard output could not be written: Broken pipe"), std::string::npos);
+  EXPECT_NE(Folder.Read("Zolvane.ini").find("\r\nSensorEnableRFID=1\r\n"), std::string::npos);
+}
+
+// ---- Instruments ----
+
+TEST_F(Bench, TheInstrumentInsideKeepsItsMemoryInAFile) {
+  const auto upload = Run({"--quiet", "--yes", "--link", "sim:memory.json", "upload"});
+  EXPECT_EQ(upload.Status, 0);
+  SetKey("Item1", "STAGE1");  // of the devices; the positions come last
+  Folder.Put("Zolvane.ini", configText);
+  auto other = std::string{configText};
+  other.replace(other.find("2016,2487"), 9, "1111,2222");
+  Folder.Put("Zolvane.ini", other);
+  const auto download = Run({"--json", "--quiet", "--yes", "--link", "sim:memory.json", "download"});
+  EXPECT_EQ(download.Status, 0);
+  EXPECT_NE(Folder.Read("Zolvane.ini").find("Item1=STAGE1,\"Stage 1\",STAGE,2016,2487,"), std::string::npos);
+}
+
+TEST_F(Bench, AnInstrumentOverTcpAndOnATerminalIsTheSame) {
+  for (const auto& kind : {Arguments{}, Arguments{"--pty"}}) {
+    SimulatorProcess simulator{kind};
+    const auto result = Run({"--json", "--quiet", "--yes", "--link", simulator.Link(), "run", "-"},
+                            {.Input = "query\nupload\ndownload\n"});
+    EXPECT_EQ(result.Status, 0) << simulator.Link();
+    const auto document = Json::parse(result.Output);
+    EXPECT_EQ(document[1]["commands_sent"], 36);
+    EXPECT_EQ(document[2]["commands_failed"], 0);
+    EXPECT_EQ(simulator.End(), 0);
+  }
+}
+
+TEST_F(Bench, ARepliesFateDecidesTheUpload) {
+  struct Case {
+    std::string Fault;
+    int Status;
+    std::size_t Sent;
+  };
+  // The fifth command goes wrong: it is the last one sent, or the upload goes on as if nothing had been.
+  for (const auto& [fault, status, sent] :
+       {Case{"close", 1, 5}, Case{"silent", 1, 5}, Case{"late", 1, 5}, Case{"no-newline", 1, 5},
+        Case{"overlong", 1, 5}, Case{"empty", 0, 36}, Case{"garbage", 0, 36}, Case{"split", 0, 36}}) {
+    SimulatorProcess simulator{{"--fault", fault + "@5"}};
+    const auto result =
+        Run({"--json", "--quiet", "--yes", "--timeout", "0.6", "--link", simulator.Link(), "upload"});
+    EXPECT_EQ(result.Status, status) << fault;
+    const auto document = Json::parse(result.Output);
+    EXPECT_EQ(document["commands_sent"], sent) << fault;
+    EXPECT_EQ(document["commands_failed"], status) << fault;
+  }
+}
+
+TEST_F(Bench, ALinkThatWasCutIsOpenedAgainForTheNextCommand) {
+  SimulatorProcess simulator{{"--stage", "BE2", "--fault", "close@1"}};
+  const auto result =
+      Run({"--json", "--quiet", "--link", simulator.Link(), "run", "-"}, {.Input = "query\nquery\n"});
+  EXPECT_EQ(result.Status, 1);
+  const auto document = Json::parse(result.Output);
+  EXPECT_EQ(document[0]["commands_failed"], 1);
+  EXPECT_EQ(document[1]["commands_failed"], 0);
+  EXPECT_NE(Folder.Read("Zolvane.ini").find("[DeviceType]\r\nInstalled=2\r\n"), std::string::npos);
+}
+
+TEST_F(Bench, ALateReplyIsNeverTakenForTheNextOne) {
+  for (const auto& kind : {Arguments{"--fault", "late@1"}, Arguments{"--fault", "late@1", "--pty"}}) {
+    SimulatorProcess simulator{kind};
+    const auto sends = TraceOf({"--timeout", "0.8", "--link", simulator.Link(), "query"}, {"send"});
+    ASSERT_EQ(sends.size(), 4U);
+    EXPECT_EQ(sends[0].dump(), R"({"event":"send","command":"STATUS_STAGE","ok":false,"reply":""})");
+    EXPECT_EQ(sends[1].dump(), R"({"event":"send","command":"STATUS_MECH","ok":true,"reply":"SD"})");
+  }
+}
+
+TEST_F(Bench, AnInstrumentThatIsNotThereFailsEveryCommand) {
+  for (const auto* link : {"tcp:127.0.0.1:1", "serial:/nowhere/tty", "none"}) {
+    const auto result = Run({"--json", "--quiet", "--timeout", "0.5", "--link", link, "query"});
+    EXPECT_EQ(result.Status, 1) << link;
+    EXPECT_EQ(Json::parse(result.Output)["commands_failed"], 4) << link;
+  }
+}
+
+TEST_F(Bench, ScriptedRepliesFailAndStopAsWritten) {
+  Folder.Put("link.json",
+               R"({"default": "OK", "replies": {"STATUS_STAGE": ["BE2\r\n", null], "STATUS_MECH": "SD"},)"
+               R"("stop_after": ["STATUS_MECH"]})");
+  const auto events = TraceOf({"--link", "script:link.json", "query"}, {"send", "link"});
+  std::vector<std::string> texts;
+  for (const auto& event : events) {
+    texts.push_back(event.dump());
+  }
+  EXPECT_EQ(texts, (std::vector<std::string>{
+                       R"({"event":"link","flag":"stop","op":"set","value":false})",
+                       R"({"event":"link","flag":"hold","op":"set","value":true})",
+                       R"({"event":"send","command":"STATUS_STAGE","ok":true,"reply":"BE2\r\n"})",
+                       R"({"event":"link","flag":"stop","op":"get","value":false})",
+                       R"({"event":"link","flag":"stop","op":"set","value":false})",
+                       R"({"event":"link","flag":"hold","op":"set","value":true})",
+                       R"({"event":"send","command":"STATUS_MECH","ok":true,"reply":"SD"})",
+                       R"({"event":"link","flag":"stop","op":"get","value":true})",
+                       R"({"event":"link","flag":"stop","op":"get","value":true})",
+                       R"({"event":"link","flag":"hold","op":"set","value":false})",
+                   }));
+  const auto result = Run({"--json", "--quiet", "--link", "script:link.json", "query"});
+  EXPECT_EQ(result.Status, 1);
+  EXPECT_EQ(Json::parse(result.Output)["outcome"], "stopped");
+}
+
+// ---- On a terminal ----
+
+class OnTerminal : public Bench {
+ protected:
+  // Starts the bench with the terminal for all its streams.
+  void Start(Arguments arguments) {
+    arguments.insert(arguments.begin(), {"--folder", Folder.Path()});
+    program_.emplace(ZOLVANE_BENCH_PATH, arguments,
+                     Process::Streams{.Input = Terminal.Slave(),
+                                      .Output = Terminal.Slave(),
+                                      .Errors = Terminal.Slave(),
+                                      .IsTerminal = true});
+    Terminal.LetGo();
+  }
+
+  int End() {
+    Terminal.ReadToEnd();
+    return program_->WaitUntil(std::chrono::steady_clock::now() + processDeadline);
+  }
+
+  PseudoTerminal Terminal;
+
+ private:
+  std::optional<Process> program_;
+};
+
+TEST_F(OnTerminal, ABoxAsksTheUser) {
+  Start({"upload"});
+  ASSERT_TRUE(Terminal.WaitFor("OK / Cancel? "));
+  EXPECT_NE(Terminal.Shown().find("\r\nUpload Calibration Data to Zolvane\r\n"
+                                  "  The calibration data stored on this computer will be transferred\r\n"
+                                  "  to the Zolvane overwriting any existing data.\r\n"
+                                  "\r\n"
+                                  "  Click [OK] to upload this information.\r\n"
+                                  "OK / Cancel? "),
+            std::string::npos)
+      << Terminal.Shown();
+  Terminal.Type("ok\n");
+  EXPECT_EQ(End(), 0);
+  EXPECT_NE(Terminal.Shown().find("upload: done (36 commands sent)\r\n"), std::string::npos);
+}
+
+TEST_F(OnTerminal, AnAnswerThatIsNoneIsAskedForAgain) {
+  Folder.Put("backup.bak", "[CageType]\r\nItem1=\"Other\",MICROTITER\r\n");
+  Start({"import", Folder.Path("backup.bak")});
+  ASSERT_TRUE(Terminal.WaitFor("Yes / No / Cancel? "));
+  Terminal.Type("ok\n\n  Y \n");
+  EXPECT_EQ(End(), 0);
+  EXPECT_NE(Folder.Read("Zolvane.ini").find("Item1=\"Other\",MICROTITER"), std::string::npos);
+}
+
+TEST_F(OnTerminal, NoIsAnAnswer) {
+  Folder.Put("backup.bak", "[CageType]\r\nItem1=\"Other\",MICROTITER\r\n");
+  Start({"import", Folder.Path("backup.bak")});
+  ASSERT_TRUE(Terminal.WaitFor("Yes / No / Cancel? "));
+  Terminal.Type("n\n");
+  EXPECT_EQ(End(), 1);
+  EXPECT_EQ(Folder.Read("Zolvane.ini"), configText);
+}
+
+TEST_F(OnTerminal, TheEndOfTheInputCancels) {
+  Start({"upload"});
+  ASSERT_TRUE(Terminal.WaitFor("OK / Cancel? "));
+  Terminal.Type("\x04");
+  EXPECT_EQ(End(), 1);
+}
+
+TEST_F(OnTerminal, AHangUpCancels) {
+  Start({"upload"});
+  ASSERT_TRUE(Terminal.WaitFor("OK / Cancel? "));
+  Terminal.Close();
+  EXPECT_EQ(End(), 1);
+}
+
+TEST_F(OnTerminal, AnInterruptAtAQuestionCancelsAndEndsTheRun) {
+  Folder.Put("job.txt", "upload\ntick chkRFID 1\n");
+  Start({"--trace", Folder.Path("trace.jsonl"), "run", Folder.Path("job.txt")});
+  ASSERT_TRUE(Terminal.WaitFor("OK / Cancel? "));
+  Terminal.Type("\x03");
+  EXPECT_EQ(End(), 1);
+  EXPECT_NE(Terminal.Shown().find("interrupted: 1 of 2 commands not begun"), std::string::npos)
+      << Terminal.Shown();
+  EXPECT_EQ(Folder.Read("Zolvane.ini"), configText);
+  const auto last = EventsOf(Folder.Read("trace.jsonl"), {"changed", "link"});
+  ASSERT_EQ(last.size(), 2U);
+  EXPECT_EQ(last[1].dump(), R"({"event":"link","flag":"hold","op":"set","value":false})");
+}
+
+TEST_F(OnTerminal, ListedAnswersAndYesAskNobody) {
+  Start({"--answer", "ok", "--yes", "upload"});
+  EXPECT_EQ(End(), 0);
+  EXPECT_EQ(Terminal.Shown().find("OK / Cancel?"), std::string::npos);
+}
+
+TEST_F(OnTerminal, AnUploadCountsItsCommandsInOneLine) {
+  SimulatorProcess simulator{{"--latency", "20"}};
+  Start({"--yes", "--link", simulator.Link(), "run", "-"});
+  Terminal.Type("upload\ndownload\n\x04");
+  EXPECT_EQ(End(), 0);
+  EXPECT_NE(Terminal.Shown().find("\r\x1b[KUploading Data to Zolvane  "), std::string::npos);
+  EXPECT_NE(Terminal.Shown().find(" of 36\r"), std::string::npos) << Terminal.Shown();
+  EXPECT_NE(Terminal.Shown().find("\r\x1b[KDownloading Data from Zolvane...Stage XY  "), std::string::npos)
+      << Terminal.Shown();
+  EXPECT_NE(Terminal.Shown().find(" of 35\r"), std::string::npos) << Terminal.Shown();
+}
+
+// ---- Interrupts ----
+
+TEST_F(OnTerminal, CtrlCFinishesTheCommandInHandAndEndsTheSessionInOrder) {
+  SimulatorProcess simulator{{"--latency", "50"}};
+  Start({"--yes", "--trace", Folder.Path("trace.jsonl"), "--link", simulator.Link(), "upload"});
+  ASSERT_TRUE(Terminal.WaitFor(" of 36"));
+  Terminal.Type("\x03\x03");
+  EXPECT_EQ(End(), 1);
+  const auto trace = Folder.Read("trace.jsonl");
+  const auto sends = EventsOf(trace, {"send"});
+  ASSERT_FALSE(sends.empty());
+  EXPECT_LT(sends.size(), 36U);
+  EXPECT_EQ(sends.back()["ok"], true);
+  const auto lines = LinesOf(trace);
+  EXPECT_EQ(lines[lines.size() - 2], R"({"event":"changed","value":false})");
+  EXPECT_EQ(lines.back(), R"({"event":"link","flag":"hold","op":"set","value":false})");
+  EXPECT_NE(Terminal.Shown().find("upload: stopped ("), std::string::npos) << Terminal.Shown();
+}
+
+}  // namespace
+}  // namespace zolvane

@@ -1,0 +1,399 @@
+#include "shell/frm_add_in.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "support/session.h"
+
+namespace zolvane {
+namespace {
+
+constexpr std::string_view configuration =
+    "[DeviceType]\nInstalled=1\nItem1=\"Small\",0,\"ZV200\"\n"
+    "[CageType]\nInstalled=1\nItem1=\"Narrow\",SERIALDILUTE\n";
+
+// A page of its own, which no module keeps.
+struct FormFixture : FakeHost {
+  FormFixture() { Settings().Load(configuration); }
+
+  Configuration Config{Process};
+  RecordedViewFactory Views{Calls};
+  int Unloads = 0;
+  std::shared_ptr<frmAddIn> Form = frmAddIn::Create(Process, Config, Views, [this] { ++Unloads; });
+
+  void Attach() {
+    Form->IAddInForm_FormParent(Window);
+    Form->IAddInForm_ObjectParent(Object);
+    Calls.Clear();
+  }
+};
+
+// ---- Creation ----
+
+TEST(Form, CreatesItsControlsAndLoadsNothing) {
+  FormFixture fixture;
+  EXPECT_EQ(fixture.Calls.Events, Texts{"view create"});
+  EXPECT_EQ(fixture.Views.Events, fixture.Form.get());
+}
+
+TEST(Form, DoesNotExistWithoutItsControls) {
+  FakeHost host;
+  Configuration config{host.Process};
+  RecordedViewFactory views{host.Calls};
+  host.Calls.FailEverythingThatStartsWith("view create");
+  EXPECT_EQ(frmAddIn::Create(host.Process, config, views, [] {}), nullptr);
+}
+
+// ---- Members without state ----
+
+TEST(Form, AnswersTheSameQuestionsTheSameWayInEveryState) {
+  FormFixture fixture;
+  fixture.Views.View->Window = 0x12345;
+  fixture.Views.View->Frame = 0x54321;
+  const auto expectAnswers = [&fixture] {
+    EXPECT_EQ(fixture.Form->IAddInForm_HelpContextID(), 9014);
+    EXPECT_TRUE(fixture.Form->IAddInForm_ShowButtons());
+    EXPECT_TRUE(fixture.Form->IAddInForm_ShowStatusBar());
+    EXPECT_EQ(fixture.Form->IAddInForm_hwnd(), 0x12345);
+    EXPECT_EQ(fixture.Form->IAddInForm_Frame(), 0x54321);
+  };
+  expectAnswers();
+  fixture.Attach();
+  expectAnswers();
+  fixture.Form->IAddInForm_LoadDefaults();
+  expectAnswers();
+  fixture.Form->Unload();
+  expectAnswers();
+}
+
+// ---- FormParent ----
+
+TEST(FormParent, FindsItsStatusPanelWhenItIsSet) {
+  FormFixture fixture;
+  fixture.Calls.Clear();
+  fixture.Form->IAddInForm_FormParent(fixture.Window);
+  EXPECT_EQ(fixture.Calls.Events, Texts{"find panel"});
+  fixture.Form->PressButton(queryButton);
+  EXPECT_EQ(fixture.Calls.Of({"status="}).front(), "status=Getting Zolvane Type");
+}
+
+TEST(FormParent, WithoutAStatusPanelLetsTheStatusTextsFail) {
+  FormFixture fixture;
+  fixture.Window->Panel = nullptr;
+  fixture.Attach();
+  fixture.Form->IAddInForm_SaveChanges();
+  fixture.Form->PressButton(queryButton);
+  EXPECT_EQ(fixture.Calls.Of({"status="}), Texts{});
+  EXPECT_EQ(fixture.Calls.Of({"send"}).size(), 5U);
+  EXPECT_EQ(fixture.Window->Changed, false);
+}
+
+TEST(FormParent, SetToNothingKeepsTheStatusPanel) {
+  FormFixture fixture;
+  fixture.Attach();
+  fixture.Form->IAddInForm_FormParent(nullptr);
+  EXPECT_EQ(fixture.Calls.Events, Texts{});
+  fixture.Form->PressButton(queryButton);
+  EXPECT_EQ(fixture.Calls.Of({"status="}).front(), "status=Getting Zolvane Type");
+  fixture.Form->IAddInForm_SaveChanges();
+  EXPECT_EQ(fixture.Window->Changed, std::nullopt);
+}
+
+TEST(FormParent, WithoutAPanelKeepsThatOfTheWindowBefore) {
+  FormFixture fixture;
+  fixture.Attach();
+  const auto second = std::make_shared<FakeWindow>(fixture.Calls);
+  second->Panel = nullptr;
+  fixture.Form->IAddInForm_FormParent(second);
+  fixture.Form->PressButton(queryButton);
+  EXPECT_EQ(fixture.Calls.Of({"status="}).front(), "status=Getting Zolvane Type");
+  fixture.Form->IAddInForm_SaveChanges();
+  EXPECT_EQ(second->Changed, false);
+  EXPECT_EQ(fixture.Window->Changed, std::nullopt);
+}
+
+TEST(FormParent, ReplacedByAWindowWithAPanelUsesThatPanel) {
+  FormFixture fixture;
+  fixture.Attach();
+  const auto second = std::make_shared<FakeWindow>(fixture.Calls);
+  fixture.Form->IAddInForm_FormParent(second);
+  fixture.Form->PressButton(uploadButton);
+  fixture.Process.BoxAnswers = {message_answer::cancel};
+  fixture.Form->PressButton(uploadButton);
+  EXPECT_EQ(second->Panel->Shown, "Uploading Data to Zolvane");
+  EXPECT_EQ(fixture.Window->Panel->Shown, "");
+}
+
+// ---- ObjectParent ----
+
+TEST(ObjectParent, IsJustStored) {
+  FormFixture fixture;
+  fixture.Calls.Clear();
+  fixture.Form->IAddInForm_ObjectParent(fixture.Object);
+  EXPECT_EQ(fixture.Calls.Events, Texts{});
+  fixture.Form->PressButton(queryButton);
+  EXPECT_EQ(fixture.Link().Commands.size(), 5U);
+}
+
+TEST(ObjectParent, IsReplacedByASecondOneWithoutTouchingALink) {
+  FormFixture fixture;
+  fixture.Attach();
+  FakeHost other;
+  fixture.Form->IAddInForm_ObjectParent(other.Object);
+  EXPECT_EQ(fixture.Calls.Events, Texts{});
+  EXPECT_EQ(other.Calls.Events, Texts{});
+  fixture.Form->PressButton(queryButton);
+  EXPECT_EQ(fixture.Link().Commands, Texts{});
+  EXPECT_EQ(other.Link().Commands.size(), 5U);
+}
+
+TEST(ObjectParent, SetToNothingReleasesTheHoldFlagOnceAndUnloadsThePage) {
+  Session session{configuration};
+  session.Form->PressButton(queryButton);
+  EXPECT_TRUE(session.Link().HoldFlag);
+  session.Calls.Clear();
+  session.Form->IAddInForm_ObjectParent(nullptr);
+  EXPECT_EQ(session.Calls.Events, (Texts{"get link", "hold=false", "view close"}));
+  EXPECT_FALSE(session.Link().HoldFlag);
+}
+
+TEST(ObjectParent, SetToNothingUnloadsThePageAlsoWhenThereWasNone) {
+  FormFixture fixture;
+  fixture.Calls.Clear();
+  fixture.Form->IAddInForm_ObjectParent(nullptr);
+  EXPECT_EQ(fixture.Calls.Events, Texts{});
+  EXPECT_EQ(fixture.Unloads, 1);
+}
+
+TEST(ObjectParent, SetToNothingUnloadsThePageWhateverOfTheLinkFails) {
+  for (const auto* failing : {"get link", "hold=false"}) {
+    FormFixture fixture;
+    fixture.Attach();
+    fixture.Calls.FailEverythingThatStartsWith(failing);
+    fixture.Form->IAddInForm_ObjectParent(nullptr);
+    EXPECT_EQ(fixture.Unloads, 1) << failing;
+  }
+}
+
+TEST(ObjectParent, IsEmptyBeforeThePageUnloads) {
+  FakeHost host;
+  Configuration config{host.Process};
+  RecordedViewFactory views{host.Calls};
+  std::shared_ptr<frmAddIn> form;
+  const auto unload = [&] { form->PressButton(queryButton); };
+  form = frmAddIn::Create(host.Process, config, views, unload);
+  form->IAddInForm_ObjectParent(host.Object);
+  form->IAddInForm_ObjectParent(nullptr);
+  EXPECT_EQ(host.Link().Commands, Texts{});
+}
+
+// ---- Unloading ----
+
+TEST(Unloading, ReleasesTheHoldFlagAndClosesTheView) {
+  FormFixture fixture;
+  fixture.Attach();
+  fixture.Form->Unload();
+  EXPECT_EQ(fixture.Calls.Events, (Texts{"get link", "hold=false", "view close"}));
+}
+
+// Notes when the page lets go of an object.
+template <class Object>
+std::shared_ptr<Object> Watched(std::shared_ptr<Object> object, Journal& journal, const std::string& name) {
+  return std::shared_ptr<Object>{object.get(), [object, &journal, name](Object*) mutable {
+                                   journal.Note("release " + name);
+                                 }};
+}
+
+TEST(Unloading, ReleasesThePanelThenTheWindowThenTheHostObject) {
+  FormFixture fixture;
+  fixture.Window->Panel = Watched(fixture.Window->Panel, fixture.Calls, "panel");
+  fixture.Form->IAddInForm_FormParent(
+      Watched(std::static_pointer_cast<HostWindow>(fixture.Window), fixture.Calls, "window"));
+  fixture.Form->IAddInForm_ObjectParent(
+      Watched(std::static_pointer_cast<HostObject>(fixture.Object), fixture.Calls, "host object"));
+  fixture.Window->Panel = nullptr;
+  fixture.Calls.Clear();
+  fixture.Form->Unload();
+  EXPECT_EQ(fixture.Calls.Events, (Texts{"get link", "hold=false", "release panel", "release window",
+                                         "release host object", "view close"}));
+}
+
+TEST(Unloading, ReleasesEverythingAlsoWhenTheLinkFails) {
+  FormFixture fixture;
+  fixture.Attach();
+  fixture.Calls.FailEverythingThatStartsWith("hold");
+  const std::weak_ptr<FakeHostObject> object = fixture.Object;
+  fixture.Form->Unload();
+  fixture.Object = nullptr;
+  EXPECT_TRUE(object.expired());
+}
+
+TEST(Unloading, IsHarmlessTwice) {
+  FormFixture fixture;
+  fixture.Attach();
+  fixture.Form->Unload();
+  fixture.Calls.Clear();
+  fixture.Form->Unload();
+  EXPECT_EQ(fixture.Calls.Events, Texts{"view close"});
+}
+
+TEST(Unloading, EndsTheConnectionToWhoeverKeptThePage) {
+  FormFixture fixture;
+  fixture.Attach();
+  fixture.Form->Unload();
+  fixture.Form->IAddInForm_ObjectParent(nullptr);
+  EXPECT_EQ(fixture.Unloads, 0);
+}
+
+TEST(Unloading, LeavesAPageWhoseMembersStillReturn) {
+  FormFixture fixture;
+  fixture.Attach();
+  fixture.Form->Unload();
+  fixture.Calls.Clear();
+  fixture.Form->IAddInForm_SaveChanges();
+  fixture.Form->ClickFrame();
+  fixture.Form->PressButton(queryButton);
+  EXPECT_EQ(fixture.Calls.Of({"changed", "focus", "send", "status"}), Texts{});
+}
+
+// ---- LoadDefaults and SaveChanges ----
+
+TEST(LoadDefaults, FillsTheControls) {
+  FormFixture fixture;
+  fixture.Attach();
+  fixture.Form->IAddInForm_LoadDefaults();
+  EXPECT_EQ(fixture.Form->Page().Model().Of(ListControl::DeviceType).Entries,
+            (std::vector<ListEntry>{{"Small", 1}}));
+  EXPECT_EQ(fixture.Calls.Of({"changed"}), Texts{});
+}
+
+TEST(LoadDefaults, ReturnsWhateverFails) {
+  FormFixture fixture;
+  fixture.Attach();
+  fixture.Calls.FailsIf = [](auto) { return true; };
+  fixture.Form->IAddInForm_LoadDefaults();
+  EXPECT_EQ(fixture.Calls.Events.back(), "view cmdButton(4) enabled false");
+}
+
+TEST(SaveChanges, SetsChangedToFalseAndSavesNothing) {
+  FormFixture fixture;
+  fixture.Attach();
+  fixture.Form->IAddInForm_SaveChanges();
+  EXPECT_EQ(fixture.Calls.Events, Texts{"changed=false"});
+  EXPECT_EQ(fixture.Window->Changed, false);
+}
+
+TEST(SaveChanges, ReturnsWithoutAWindowAndWhenTheWindowFails) {
+  FormFixture fixture;
+  fixture.Calls.Clear();
+  fixture.Form->IAddInForm_SaveChanges();
+  EXPECT_EQ(fixture.Calls.Events, Texts{});
+  fixture.Attach();
+  fixture.Calls.FailEverythingThatStartsWith("changed");
+  fixture.Form->IAddInForm_SaveChanges();
+  EXPECT_EQ(fixture.Calls.Events, Texts{"changed=false"});
+}
+
+// ---- The frame container ----
+
+TEST(ClickOnTheFrame, AsksTheHostWindowToTakeTheFocus) {
+  FormFixture fixture;
+  fixture.Attach();
+  fixture.Views.Events->ClickFrame();
+  EXPECT_EQ(fixture.Calls.Events, Texts{"focus"});
+}
+
+TEST(ClickOnTheFrame, ReturnsWithoutAWindowAndWhenTheWindowFails) {
+  FormFixture fixture;
+  fixture.Calls.Clear();
+  fixture.Views.Events->ClickFrame();
+  EXPECT_EQ(fixture.Calls.Events, Texts{});
+  fixture.Attach();
+  fixture.Calls.FailEverythingThatStartsWith("focus");
+  fixture.Views.Events->ClickFrame();
+  EXPECT_EQ(fixture.Calls.Events, Texts{"focus"});
+}
+
+// ---- What the user does on the view ----
+
+TEST(EventsOfTheView, ReachThePageAndReportFailures) {
+  FormFixture fixture;
+  fixture.Attach();
+  fixture.Form->IAddInForm_LoadDefaults();
+  fixture.Calls.Clear();
+  EXPECT_TRUE(fixture.Views.Events->UserSelects(ListControl::CageType, 1).Ok());
+  EXPECT_TRUE(fixture.Views.Events->UserSetsCheck(CheckControl::Encoders, 2).Ok());
+  EXPECT_EQ(fixture.Calls.Of({"write"}),
+            (Texts{"write [CageType] Installed=0", "write [DeviceType] SDXYEncodersEnable=1"}));
+  fixture.Calls.FailEverythingThatStartsWith("write");
+  EXPECT_EQ(fixture.Views.Events->UserSelects(ListControl::CageType, 0).Code(), Journal::failureCode);
+  EXPECT_EQ(fixture.Views.Events->UserSetsCheck(CheckControl::Encoders, 1).Code(), Journal::failureCode);
+}
+
+TEST(EventsOfTheView, StartTheOperations) {
+  FormFixture fixture;
+  fixture.Attach();
+  fixture.Views.Events->PressButton(queryButton);
+  EXPECT_EQ(fixture.Calls.Of({"send"}).front(), "send STATUS_STAGE");
+}
+
+// ---- Detaching in the middle of something ----
+
+// Detaches the page and lets go of it, as a host does whose window is closed meanwhile.
+struct Detaching {
+  explicit Detaching(Session& session) : Page{session.Form} {
+    session.Process.WhileOpen = [&session, isDone = false]() mutable {
+      if (!std::exchange(isDone, true)) {
+        const auto form = std::exchange(session.Form, nullptr);
+        form->IAddInForm_ObjectParent(nullptr);
+      }
+    };
+  }
+
+  std::weak_ptr<frmAddIn> Page;
+};
+
+TEST(DetachingMeanwhile, LetsARunningUploadEndWithoutTheHost) {
+  Session session{configuration};
+  session.LoadDefaults();
+  const Detaching detaching{session};
+  session.Views.Events->PressButton(uploadButton);
+  EXPECT_EQ(session.Link().Commands, Texts{});
+  EXPECT_EQ(session.Calls.Of({"view close"}).size(), 1U);
+  EXPECT_EQ(session.Window->Panel->Shown, "Uploading Data to Zolvane");
+  EXPECT_TRUE(detaching.Page.expired());
+}
+
+TEST(DetachingMeanwhile, LetsARunningImportEnd) {
+  Session session{configuration};
+  session.LoadDefaults();
+  session.Process.BoxAnswers = {message_answer::yes};
+  session.Process.FileAnswers = {"/backup/a.bak"};
+  const Detaching detaching{session};
+  session.Views.Events->PressButton(importButton);
+  EXPECT_EQ(session.Calls.Of({"box 64"}).size(), 1U);
+  EXPECT_TRUE(detaching.Page.expired());
+}
+
+TEST(DetachingMeanwhile, InTheHostsDialogueLetsTheMessageEnd) {
+  Session session{configuration};
+  session.LoadDefaults();
+  session.Link().DefaultReply = NoAnswer();
+  session.Object->OffersDialog = true;
+  session.Object->Dialog->Results = {-1, 1};
+  const Detaching detaching{session};
+  session.Process.WhileYielding = std::exchange(session.Process.WhileOpen, nullptr);
+  session.Views.Events->PressButton(queryButton);
+  EXPECT_EQ(session.Calls.Of({"log ******* Message dialogue : button"}),
+            Texts{"log ******* Message dialogue : button selected : 1"});
+  EXPECT_EQ(session.Link().Commands, Texts{"STATUS_STAGE"});
+  EXPECT_TRUE(detaching.Page.expired());
+}
+
+}  // namespace
+}  // namespace zolvane
