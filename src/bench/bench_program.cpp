@@ -130,7 +130,6 @@ int PlayJob(const Options& options, const Job& job, const std::shared_ptr<Instru
 }
 
 int Run(const Options& options, std::istream& input, std::ostream& output, std::ostream& errors) {
-  TakeInterrupts([] { Interrupt().Raise(); });
   const Job job = ParseJob(options.Command, options.File, input);
   CheckFiles(options, job);
   const auto link = CreateLink(options.Link, options.TimeoutSeconds, Interrupt());
@@ -140,6 +139,8 @@ int Run(const Options& options, std::istream& input, std::ostream& output, std::
                   {.IsQuiet = options.IsQuiet,
                    .ResultsGoToNotes = options.Trace == standardOutput,
                    .NotesWidth = ErrorTerminalWidth()}};
+  // Until here nothing has been changed, and an interrupt may end everything at once.
+  TakeInterrupts([] { Interrupt().Raise(); });
   return PlayJob(options, job, link, trace, console);
 }
 

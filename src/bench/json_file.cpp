@@ -1,12 +1,12 @@
 #include "bench/json_file.h"
 
+#include <array>
 #include <cerrno>
+#include <cstddef>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 #include <string_view>
 #include <system_error>
-#include <utility>
 
 #include "bench/console.h"
 #include "bench/joined.h"
@@ -15,6 +15,9 @@
 
 namespace zolvane {
 namespace {
+
+// Some files, as devices that give zeros, never end.
+constexpr std::size_t largestFile = 16'000'000;
 
 [[noreturn]] void Refuse(const std::string& file, std::string_view reason) {
   throw UsageError{Joined(Printable(file), ": ", Printable(reason))};
@@ -26,15 +29,22 @@ std::string ReadWhole(const std::string& file) {
     Refuse(file, "is a folder");
   }
   errno = 0;
-  const std::ifstream stream{PathOf(file), std::ios::binary};
-  std::ostringstream text;
-  if (stream) {
-    text << stream.rdbuf();
-  }
-  if (!stream || text.bad()) {
+  std::ifstream stream{PathOf(file), std::ios::binary};
+  if (!stream) {
     Refuse(file, Joined("cannot be read: ", std::generic_category().message(errno)));
   }
-  return std::move(text).str();
+  std::string text;
+  std::array<char, 65536> chunk{};
+  while (stream.read(chunk.data(), chunk.size()) || stream.gcount() > 0) {
+    text.append(chunk.data(), static_cast<std::size_t>(stream.gcount()));
+    if (text.size() > largestFile) {
+      Refuse(file, "is larger than 16 megabytes");
+    }
+  }
+  if (stream.bad()) {
+    Refuse(file, Joined("cannot be read: ", std::generic_category().message(errno)));
+  }
+  return text;
 }
 
 }  // namespace

@@ -29,13 +29,13 @@ std::optional<std::size_t> ErrorTerminalWidth();
 // The arguments behind the program's name, in UTF-8 where the system has an encoding for them.
 std::vector<std::string> ProgramArguments(int count, char** arguments);
 
-// Takes the place of standard streams that the program was started without: otherwise the first files that it
-// opens would be taken for them. What is printed there fails.
+// To be called first. Makes a write that is not possible (a closed stream, a reader who has left, a limit on the size
+// of files) a failed write instead of the end of the program, and takes the place of standard streams that the program
+// was started without: otherwise the first files that it opens would be taken for them.
 void KeepStandardStreams();
 
-// From now on Ctrl-C, and a polite request to end, call `interrupt` instead of ending the program;
-// `interrupt` must be safe in a signal handler. A reader who closes our output, or a limit on the size of
-// files, does not end the program either: what is written then fails.
+// From now on Ctrl-C, and a polite request to end, call `interrupt` instead of ending the program. `interrupt` must be
+// safe in a signal handler.
 void TakeInterrupts(void (*interrupt)());
 
 }  // namespace zolvane

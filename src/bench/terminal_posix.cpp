@@ -158,11 +158,13 @@ std::vector<std::string> ProgramArguments(int count, char** arguments) {
   return {arguments + (count > 0 ? 1 : 0), arguments + count};
 }
 
-// Opened the wrong way round for its use, so that the use fails.
 void KeepStandardStreams() {
+  std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);
   for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
     // NOLINTNEXTLINE(cppcoreguidelines-pro-type-vararg): the system call is declared so
     if (::fcntl(stream, F_GETFD) == -1 && errno == EBADF) {
+      // Opened the wrong way round for its use, so that the use fails.
       // NOLINTNEXTLINE(cppcoreguidelines-pro-type-vararg): the system call is declared so
       ::open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
     }
@@ -180,9 +182,6 @@ void TakeInterrupts(void (*interrupt)()) {
       ::sigaction(signal, &action, nullptr);
     }
   }
-  // A reader who has gone, and a file that has reached its limit, are failed writes like any other.
-  std::signal(SIGPIPE, SIG_IGN);
-  std::signal(SIGXFSZ, SIG_IGN);
 }
 
 }  // namespace zolvane

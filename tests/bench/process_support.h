@@ -168,6 +168,10 @@ class Process {
 
  private:
   [[noreturn]] static void Become(std::vector<char*>& words, const Streams& streams) {
+    // Whatever started the tests may ignore these.
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGPIPE}) {
+      std::signal(signal, SIG_DFL);
+    }
     if (streams.IsTerminal) {
       ::setsid();
       ::ioctl(streams.Input, TIOCSCTTY, 0);
@@ -251,8 +255,14 @@ class PseudoTerminal {
 
   int Slave() const { return slave_.Number(); }
 
-  // To be called when the process has got its end.
-  void LetGo() { slave_.Close(); }
+  // To be called when the process has been started: waits until the terminal is its own, and what is typed reaches it.
+  void HandOver() {
+    const auto deadline = std::chrono::steady_clock::now() + processDeadline;
+    while (::tcgetpgrp(master_.Number()) <= 0 && std::chrono::steady_clock::now() < deadline) {
+      ::usleep(1000);
+    }
+    slave_.Close();
+  }
 
   // Hangs up.
   void Close() { master_.Close(); }

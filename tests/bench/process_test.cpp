@@ -853,7 +853,7 @@ TEST_F(Bench, ARepliesFateDecidesTheUpload) {
         Case{"overlong", 1, 5}, Case{"empty", 0, 36}, Case{"garbage", 0, 36}, Case{"split", 0, 36}}) {
     SimulatorProcess simulator{{"--fault", fault + "@5"}};
     const auto result =
-        Run({"--json", "--quiet", "--yes", "--timeout", "0.6", "--link", simulator.Link(), "upload"});
+        Run({"--json", "--quiet", "--yes", "--timeout", "0.7", "--link", simulator.Link(), "upload"});
     EXPECT_EQ(result.Status, status) << fault;
     const auto document = Json::parse(result.Output);
     EXPECT_EQ(document["commands_sent"], sent) << fault;
@@ -875,7 +875,7 @@ TEST_F(Bench, ALinkThatWasCutIsOpenedAgainForTheNextCommand) {
 TEST_F(Bench, ALateReplyIsNeverTakenForTheNextOne) {
   for (const auto& kind : {Arguments{"--fault", "late@1"}, Arguments{"--fault", "late@1", "--pty"}}) {
     SimulatorProcess simulator{kind};
-    const auto sends = TraceOf({"--timeout", "0.8", "--link", simulator.Link(), "query"}, {"send"});
+    const auto sends = TraceOf({"--timeout", "0.7", "--link", simulator.Link(), "query"}, {"send"});
     ASSERT_EQ(sends.size(), 4U);
     EXPECT_EQ(sends[0].dump(), R"({"event":"send","command":"STATUS_STAGE","ok":false,"reply":""})");
     EXPECT_EQ(sends[1].dump(), R"({"event":"send","command":"STATUS_MECH","ok":true,"reply":"SD"})");
@@ -892,8 +892,8 @@ TEST_F(Bench, AnInstrumentThatIsNotThereFailsEveryCommand) {
 
 TEST_F(Bench, ScriptedRepliesFailAndStopAsWritten) {
   Folder.Put("link.json",
-               R"({"default": "OK", "replies": {"STATUS_STAGE": ["BE2\r\n", null], "STATUS_MECH": "SD"},)"
-               R"("stop_after": ["STATUS_MECH"]})");
+             R"({"default": "OK", "replies": {"STATUS_STAGE": ["BE2\r\n", null], "STATUS_MECH": "SD"},)"
+             R"("stop_after": ["STATUS_MECH"]})");
   const auto events = TraceOf({"--link", "script:link.json", "query"}, {"send", "link"});
   std::vector<std::string> texts;
   for (const auto& event : events) {
@@ -928,7 +928,7 @@ class OnTerminal : public Bench {
                                       .Output = Terminal.Slave(),
                                       .Errors = Terminal.Slave(),
                                       .IsTerminal = true});
-    Terminal.LetGo();
+    Terminal.HandOver();
   }
 
   int End() {
@@ -1020,6 +1020,13 @@ TEST_F(OnTerminal, AnUploadCountsItsCommandsInOneLine) {
   EXPECT_NE(Terminal.Shown().find("\r\x1b[KDownloading Data from Zolvane...Stage XY  "), std::string::npos)
       << Terminal.Shown();
   EXPECT_NE(Terminal.Shown().find(" of 35\r"), std::string::npos) << Terminal.Shown();
+}
+
+TEST_F(OnTerminal, AnInterruptBeforeTheSessionEndsTheProgram) {
+  Start({"run", "-"});
+  Terminal.Type("tick chkRFID 1\n\x03");
+  EXPECT_EQ(End(), -SIGINT);
+  EXPECT_EQ(Folder.Read("Zolvane.ini"), configText);
 }
 
 // ---- Interrupts ----

@@ -43,7 +43,7 @@ class ScriptReader {
       ReadStopAfter(value);
     } else {
       Refuse(Joined("unknown member ", Quoted(name),
-                    "; a link script has \"default\", \"replies\" and \"stop_after\""));
+                    R"(; a link script has "default", "replies" and "stop_after")"));
     }
   }
 

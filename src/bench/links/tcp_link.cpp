@@ -56,10 +56,19 @@ bool TcpLink::Open(Clock::time_point deadline) {
   if (!error) {
     Port->set_option(tcp::no_delay{true}, error);
   }
+  if (!error) {
+    Port->non_blocking(true, error);
+  }
   if (error) {
     Port.reset();
   }
   return Port.has_value();
+}
+
+// A failure shows again, and is dealt with, when the rest is written.
+std::size_t TcpLink::WriteAtOnce(std::string_view bytes) {
+  std::error_code ignored;
+  return Port->write_some(asio::buffer(bytes), ignored);
 }
 
 }  // namespace zolvane

@@ -2,6 +2,9 @@
 // a reply does not come in time.
 #pragma once
 
+#include <cstddef>
+#include <string_view>
+
 #include "bench/links/host_and_port.h"
 #include "bench/links/stream_link.h"
 
@@ -13,6 +16,7 @@ class TcpLink final : public StreamLink<asio::ip::tcp::socket> {
 
  private:
   bool Open(Clock::time_point deadline) override;
+  std::size_t WriteAtOnce(std::string_view bytes) override;
 
   HostAndPort place_;
 };

@@ -21,7 +21,7 @@ std::string KnownKinds() {
 
 void AddFault(FaultPlan& plan, const std::string& text) {
   const auto mark = text.find('@');
-  const auto row = std::ranges::find(faultRows, text.substr(0, mark), &FaultRow::Name);
+  const auto* const row = std::ranges::find(faultRows, text.substr(0, mark), &FaultRow::Name);
   if (mark == std::string::npos || row == faultRows.end()) {
     throw UsageError{"a fault is KIND@N with a KIND out of " + KnownKinds() + ": " + text};
   }

@@ -53,6 +53,7 @@ struct PseudoTerminal {
   explicit PseudoTerminal(asio::io_context& io)
       : Master{Opened(io, ::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC))},
         Path{OtherEndOf(Master)},
+        // NOLINTNEXTLINE(cppcoreguidelines-pro-type-vararg): the system call has no other form
         Other{Opened(io, ::open(Path.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC))} {
     MakeRaw(Other);
   }

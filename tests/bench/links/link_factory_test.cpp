@@ -61,6 +61,10 @@ TEST(LinkFactory, AMissingScriptIsNamed) {
   EXPECT_EQ(Refusal("script:"), "--link: script takes the name of a file: script:");
 }
 
+TEST(LinkFactory, AScriptWithoutEndIsRefused) {
+  EXPECT_EQ(Refusal("script:/dev/zero"), "/dev/zero: is larger than 16 megabytes");
+}
+
 TEST(BenchLink, NoLinkFailsEverySendAndLeavesTheReply) {
   const auto link = CreateLink("none", 1.0, quietInterrupt);
   std::string command = "STATUS_STAGE";

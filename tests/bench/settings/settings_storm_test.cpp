@@ -52,18 +52,19 @@ class ChildProcess {
   }
   ChildProcess(const ChildProcess&) = delete;
   ChildProcess& operator=(const ChildProcess&) = delete;
-  ~ChildProcess() {
-    if (child_ > 0) {
-      Kill();
-    }
-  }
+  ~ChildProcess() { Kill(); }
 
   void Kill() {
-    ::kill(child_, SIGKILL);
-    Succeeded();
+    if (child_ > 0) {  // never -1, which stands for every process
+      ::kill(child_, SIGKILL);
+      Succeeded();
+    }
   }
   bool Succeeded() {
     int result = -1;
+    if (child_ <= 0) {
+      return false;
+    }
     ::waitpid(std::exchange(child_, -1), &result, 0);
     return WIFEXITED(result) && WEXITSTATUS(result) == 0;
   }

@@ -1,0 +1,169 @@
+#include "bench/windows/dialogue_answerer.h"
+
+#include <array>
+#include <utility>
+#include <vector>
+
+#include "bench/windows/message_window.h"
+#include "shell/windows/text.h"
+
+namespace zolvane {
+namespace {
+
+constexpr const wchar_t* systemDialogueClass = L"#32770";
+
+// The numbers of a box's text, and of a file dialogue's field for the name, in the systems' two kinds of dialogue.
+constexpr int boxTextId = 0xFFFF;
+constexpr std::array fileNameIds{0x47C, 0x480};
+
+std::wstring ClassOf(HWND window) {
+  std::array<wchar_t, 64> name{};
+  GetClassNameW(window, name.data(), static_cast<int>(name.size()));
+  return name.data();
+}
+
+BOOL CALLBACK CollectDialogue(HWND window, LPARAM list) {
+  const auto name = ClassOf(window);
+  if (IsWindowVisible(window) && IsWindowEnabled(window) &&
+      (name == systemDialogueClass || name == messageWindowClass)) {
+    reinterpret_cast<std::vector<HWND>*>(list)->push_back(window);
+  }
+  return TRUE;
+}
+
+std::vector<HWND> OpenDialogues(DWORD thread) {
+  std::vector<HWND> dialogues;
+  EnumThreadWindows(thread, CollectDialogue, reinterpret_cast<LPARAM>(&dialogues));
+  return dialogues;
+}
+
+HWND FileNameField(HWND dialogue) {
+  for (const int id : fileNameIds) {
+    if (const HWND field = GetDlgItem(dialogue, id)) {
+      return field;
+    }
+  }
+  return nullptr;
+}
+
+// The window may belong to a thread that does not look at its messages just now.
+LRESULT Ask(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  constexpr UINT patience = 5000;
+  DWORD_PTR result = 0;
+  SendMessageTimeoutW(window, message, wParam, lParam, SMTO_ABORTIFHUNG, patience, &result);
+  return static_cast<LRESULT>(result);
+}
+
+std::string TextIn(HWND window) {
+  std::array<wchar_t, 4096> text{};
+  Ask(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()));
+  return Utf8(text.data());
+}
+
+// The one button of a box that has a single one answers to "Cancel", whatever stands on it.
+std::int32_t FirstButton(HWND box) {
+  for (const std::int32_t button : {IDOK, IDYES, IDCANCEL, IDNO}) {
+    if (GetDlgItem(box, button) != nullptr) {
+      return button;
+    }
+  }
+  return IDCANCEL;
+}
+
+}  // namespace
+
+DialogueAnswerer::DialogueAnswerer()
+    : user_{GetCurrentThreadId()}, thread_{[this](const std::stop_token& ending) { Run(ending); }} {}
+
+DialogueAnswerer::~DialogueAnswerer() = default;
+
+void DialogueAnswerer::PressButton(std::int32_t button) {
+  Begin(Task::Button, button, {});
+}
+
+void DialogueAnswerer::ChooseFile(std::optional<std::string> path) {
+  Begin(path ? Task::File : Task::Cancel, IDCANCEL, path ? Wide(*path) : std::wstring{});
+}
+
+void DialogueAnswerer::Closed() {
+  Begin(Task::None, 0, {});
+}
+
+void DialogueAnswerer::Begin(Task task, std::int32_t button, std::wstring file) {
+  const std::lock_guard lock{mutex_};
+  order_ = {.What = task, .Button = button, .File = std::move(file), .Number = order_.Number + 1};
+  changed_.notify_all();
+}
+
+std::optional<std::string> DialogueAnswerer::LastBoxText() const {
+  const std::lock_guard lock{mutex_};
+  return lastBoxText_;
+}
+
+bool DialogueAnswerer::HasMissedButton() const {
+  const std::lock_guard lock{mutex_};
+  return hasMissedButton_;
+}
+
+void DialogueAnswerer::Run(const std::stop_token& ending) {
+  constexpr auto pause = std::chrono::milliseconds{2};
+  while (!ending.stop_requested()) {
+    std::unique_lock lock{mutex_};
+    if (!changed_.wait(lock, ending, [this] { return order_.What != Task::None; })) {
+      return;
+    }
+    const Order order = order_;
+    lock.unlock();
+    const bool isDone = Attempt(order);
+    lock.lock();
+    if (isDone && order_.Number == order.Number) {
+      order_.What = Task::None;
+    }
+    lock.unlock();
+    std::this_thread::sleep_for(pause);
+  }
+}
+
+// True when nothing is left to do. A file dialogue stays with us until it is closed: it may ask whether the file is to
+// be replaced, or say that it cannot be used.
+bool DialogueAnswerer::Attempt(const Order& order) {
+  for (const HWND window : OpenDialogues(user_)) {
+    if (order.What == Task::Button) {
+      AnswerBox(window, order.Button);
+      return true;
+    }
+    if (FileNameField(window) == nullptr) {
+      PostMessageW(window, WM_COMMAND, static_cast<WPARAM>(FirstButton(window)), 0);
+    } else {
+      AnswerFileDialogue(window, order);
+    }
+  }
+  return false;
+}
+
+void DialogueAnswerer::AnswerBox(HWND box, std::int32_t button) {
+  const bool hasButton = GetDlgItem(box, button) != nullptr;
+  const bool isOnlyButton = button == IDOK && FirstButton(box) == IDCANCEL;
+  const std::string text = TextIn(GetDlgItem(box, boxTextId));
+  {
+    const std::lock_guard lock{mutex_};
+    lastBoxText_ = text;
+    hasMissedButton_ = hasMissedButton_ || (!hasButton && !isOnlyButton);
+  }
+  PostMessageW(box, WM_COMMAND, static_cast<WPARAM>(hasButton ? button : FirstButton(box)), 0);
+}
+
+// The name is typed once. A dialogue that is still there long after does not accept it.
+void DialogueAnswerer::AnswerFileDialogue(HWND dialogue, const Order& order) {
+  constexpr auto patience = std::chrono::seconds{5};
+  const auto now = std::chrono::steady_clock::now();
+  if (order.What == Task::File && typing_.Order != order.Number) {
+    typing_ = {.Order = order.Number, .At = now};
+    Ask(FileNameField(dialogue), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(order.File.c_str()));
+    PostMessageW(dialogue, WM_COMMAND, IDOK, 0);
+  } else if (order.What == Task::Cancel || now - typing_.At > patience) {
+    PostMessageW(dialogue, WM_COMMAND, IDCANCEL, 0);
+  }
+}
+
+}  // namespace zolvane

@@ -1,0 +1,54 @@
+// Standing between a module and the system's boxes and file dialogues: what it shows can be written down, and answered
+// by somebody else than the user. The real boxes and dialogues appear all the same.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+#include "bench/tracing.h"
+#include "host/environment.h"
+#include "shell/windows/windows_headers.h"
+// After the header of the system that it builds on.
+#include <commdlg.h>
+
+namespace zolvane {
+
+// Hears of a box or dialogue when it is about to appear, on the thread that shows it.
+class DialogueListener {
+ public:
+  virtual ~DialogueListener() = default;
+
+  virtual void BoxOpens(const MessageBoxRequest& request) = 0;
+  virtual void BoxClosed(const MessageBoxRequest& request, std::optional<std::int32_t> answer) = 0;
+  virtual void FileDialogueOpens(FileDialogueKind kind, const FileDialogue& dialogue) = 0;
+  virtual void FileDialogueClosed(const std::optional<std::string>& chosen) = 0;
+};
+
+// One at a time in a process. Throws std::runtime_error when the module shows no boxes or dialogues at all.
+class DialogueHooks {
+ public:
+  // Without a trace `trace` is null. Module, trace and listener outlive the hooks.
+  DialogueHooks(HMODULE module, TraceLog* trace, DialogueListener& listener);
+  ~DialogueHooks();
+  DialogueHooks(const DialogueHooks&) = delete;
+  DialogueHooks& operator=(const DialogueHooks&) = delete;
+
+ private:
+  class Dialogues;
+
+  static int WINAPI OnMessageBox(HWND owner, const wchar_t* text, const wchar_t* title, UINT style);
+  static BOOL WINAPI OnOpenFile(OPENFILENAMEW* request);
+  static BOOL WINAPI OnSaveFile(OPENFILENAMEW* request);
+  static BOOL OnFile(FileDialogueKind kind, OPENFILENAMEW* request, BOOL(WINAPI* show)(OPENFILENAMEW*));
+
+  void Redirect(bool isOn);
+
+  static DialogueHooks* current_;
+
+  HMODULE module_;
+  std::unique_ptr<Dialogues> real_;
+  std::unique_ptr<Environment> traced_;
+};
+
+}  // namespace zolvane

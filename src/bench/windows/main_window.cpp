@@ -1,0 +1,262 @@
+#include "bench/windows/main_window.h"
+
+#include <commctrl.h>
+
+#include <algorithm>
+#include <array>
+#include <stdexcept>
+#include <utility>
+
+#include "shell/windows/text.h"
+
+namespace zolvane {
+namespace {
+
+constexpr const wchar_t* className = L"HestrionBench";
+
+enum CommandId : int { openPageId = 1000, closePageId, saveId, helpId, quitId, logId, statusBarId };
+
+struct ButtonPlan {
+  int Id;
+  const wchar_t* Caption;
+};
+constexpr std::array<ButtonPlan, 3> buttons{{{saveId, L"Save"}, {closePageId, L"Close"}, {helpId, L"Help"}}};
+
+constexpr int margin = 8;
+constexpr int buttonWidth = 90;
+constexpr int buttonHeight = 26;
+constexpr int logHeight = 140;
+constexpr int emptyWidth = 620;
+constexpr int changedWidth = 110;
+
+SIZE SizeOf(HWND window) {
+  RECT place{};
+  GetWindowRect(window, &place);
+  return {place.right - place.left, place.bottom - place.top};
+}
+
+bool IsShown(HWND window) {
+  return (GetWindowLongW(window, GWL_STYLE) & WS_VISIBLE) != 0;
+}
+
+void RegisterClassOnce(WNDPROC procedure) {
+  WNDCLASSW kind{};
+  kind.lpfnWndProc = procedure;
+  kind.hInstance = GetModuleHandleW(nullptr);
+  kind.hCursor = LoadCursorW(nullptr, IDC_ARROW);
+  kind.hIcon = LoadIconW(nullptr, IDI_APPLICATION);
+  kind.hbrBackground = GetSysColorBrush(COLOR_BTNFACE);
+  kind.lpszClassName = className;
+  RegisterClassW(&kind);
+}
+
+}  // namespace
+
+MainWindow::MainWindow(Requests requests) : requests_{std::move(requests)} {
+  INITCOMMONCONTROLSEX controls{sizeof(controls), ICC_BAR_CLASSES};
+  InitCommonControlsEx(&controls);
+  RegisterClassOnce(Procedure);
+  window_ = CreateWindowExW(WS_EX_CONTROLPARENT, className, L"Hestrion bench", WS_OVERLAPPEDWINDOW, 40, 40,
+                            emptyWidth, 420, nullptr, nullptr, GetModuleHandleW(nullptr), this);
+  if (window_ == nullptr) {
+    throw std::runtime_error{"the window cannot be made"};
+  }
+  CreateMenu();
+  CreateParts();
+  Arrange();
+  ShowWindow(window_, SW_SHOW);
+  UpdateWindow(window_);
+}
+
+MainWindow::~MainWindow() {
+  if (window_ != nullptr) {
+    DestroyWindow(window_);
+  }
+}
+
+void MainWindow::CreateMenu() {
+  const HMENU bar = ::CreateMenu();
+  addIns_ = CreatePopupMenu();
+  const HMENU help = CreatePopupMenu();
+  AppendMenuW(addIns_, MF_STRING, closePageId, L"&Close page");
+  AppendMenuW(addIns_, MF_STRING, quitId, L"E&xit");
+  AppendMenuW(help, MF_STRING, helpId, L"Help on this &page\tF1");
+  AppendMenuW(bar, MF_POPUP, reinterpret_cast<UINT_PTR>(addIns_), L"&Add-ins");
+  AppendMenuW(bar, MF_POPUP, reinterpret_cast<UINT_PTR>(help), L"&Help");
+  SetMenu(window_, bar);
+}
+
+void MainWindow::AddMenuEntry(const std::string& caption) {
+  InsertMenuW(addIns_, 0, MF_BYPOSITION | MF_STRING, openPageId, Wide(caption).c_str());
+  InsertMenuW(addIns_, 1, MF_BYPOSITION | MF_SEPARATOR, 0, nullptr);
+  DrawMenuBar(window_);
+}
+
+HWND MainWindow::AddChild(const wchar_t* childClass, const wchar_t* text, DWORD style, int id) {
+  const HWND child =
+      CreateWindowExW(0, childClass, text, WS_CHILD | style, 0, 0, 0, 0, window_,
+                      reinterpret_cast<HMENU>(static_cast<LONG_PTR>(id)), GetModuleHandleW(nullptr), nullptr);
+  SendMessageW(child, WM_SETFONT, reinterpret_cast<WPARAM>(GetStockObject(DEFAULT_GUI_FONT)), FALSE);
+  return child;
+}
+
+void MainWindow::CreateParts() {
+  constexpr WPARAM longestLog = 4 * 1024 * 1024;
+  for (const auto& button : buttons) {
+    AddChild(L"BUTTON", button.Caption, WS_TABSTOP, button.Id);
+  }
+  log_ = AddChild(
+      L"EDIT", L"",
+      WS_VISIBLE | WS_BORDER | WS_VSCROLL | WS_TABSTOP | ES_MULTILINE | ES_READONLY | ES_AUTOVSCROLL, logId);
+  SendMessageW(log_, EM_LIMITTEXT, longestLog, 0);
+  statusBar_ = AddChild(STATUSCLASSNAMEW, L"", WS_VISIBLE | SBARS_SIZEGRIP, statusBarId);
+}
+
+void MainWindow::Embed(HWND frame, bool hasButtons, bool hasStatusBar) {
+  frame_ = frame;
+  hasButtons_ = hasButtons;
+  ShowWindow(statusBar_, frame == nullptr || hasStatusBar ? SW_SHOW : SW_HIDE);
+  if (frame != nullptr) {
+    SetParent(frame, window_);
+    SetWindowPos(frame, HWND_TOP, margin, margin, 0, 0, SWP_NOSIZE | SWP_SHOWWINDOW);
+    FitToPage();
+  }
+  Arrange();
+  InvalidateRect(window_, nullptr, TRUE);
+  UpdateWindow(window_);
+}
+
+void MainWindow::FitToPage() {
+  const SIZE page = SizeOf(frame_);
+  RECT place{0, 0, page.cx + 2 * margin,
+             page.cy + buttonHeight + 4 * margin + logHeight + SizeOf(statusBar_).cy};
+  AdjustWindowRectEx(&place, WS_OVERLAPPEDWINDOW, TRUE, WS_EX_CONTROLPARENT);
+  SetWindowPos(window_, nullptr, 0, 0, place.right - place.left, place.bottom - place.top,
+               SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+void MainWindow::Arrange() {
+  if (log_ == nullptr || statusBar_ == nullptr) {
+    return;
+  }
+  RECT inside{};
+  GetClientRect(window_, &inside);
+  SendMessageW(statusBar_, WM_SIZE, 0, 0);
+  const std::array<int, 2> parts{std::max(1, static_cast<int>(inside.right) - changedWidth), -1};
+  SendMessageW(statusBar_, SB_SETPARTS, parts.size(), reinterpret_cast<LPARAM>(parts.data()));
+  const int bottom = static_cast<int>(inside.bottom - (IsShown(statusBar_) ? SizeOf(statusBar_).cy : 0));
+  int top = margin + (frame_ != nullptr ? static_cast<int>(SizeOf(frame_).cy) + margin : 0);
+  ArrangeButtons(top);
+  top += hasButtons_ ? buttonHeight + margin : 0;
+  MoveWindow(log_, margin, top, inside.right - 2 * margin, std::max(0, bottom - top - margin), TRUE);
+}
+
+void MainWindow::ArrangeButtons(int top) const {
+  int left = margin;
+  for (const auto& button : buttons) {
+    const HWND control = GetDlgItem(window_, button.Id);
+    MoveWindow(control, left, top, buttonWidth, buttonHeight, TRUE);
+    ShowWindow(control, hasButtons_ ? SW_SHOW : SW_HIDE);
+    left += buttonWidth + margin;
+  }
+}
+
+void MainWindow::AppendLog(std::string_view line) {
+  const auto text = Wide(line) + L"\r\n";
+  const auto end = static_cast<WPARAM>(GetWindowTextLengthW(log_));
+  SendMessageW(log_, EM_SETSEL, end, static_cast<LPARAM>(end));
+  SendMessageW(log_, EM_REPLACESEL, FALSE, reinterpret_cast<LPARAM>(text.c_str()));
+  UpdateWindow(log_);
+}
+
+void MainWindow::ShowPart(int part, std::string_view text) const {
+  SendMessageW(statusBar_, SB_SETTEXTW, static_cast<WPARAM>(part),
+               reinterpret_cast<LPARAM>(Wide(text).c_str()));
+  UpdateWindow(statusBar_);
+}
+
+void MainWindow::ShowStatus(std::string_view text) {
+  ShowPart(0, text);
+}
+
+void MainWindow::ShowChanged(bool changed) {
+  ShowPart(1, changed ? "changed" : "saved");
+}
+
+// ---- Messages
+
+bool MainWindow::Handle(MSG& message) const {
+  const bool isHelpKey = message.message == WM_KEYDOWN && message.wParam == VK_F1;
+  if (isHelpKey) {
+    requests_.Help();
+  } else if (!IsDialogMessageW(window_, &message)) {
+    TranslateMessage(&message);
+    DispatchMessageW(&message);
+  }
+  return !isGone_;
+}
+
+bool MainWindow::PumpMessages() {
+  MSG message{};
+  while (!isGone_ && PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != FALSE) {
+    Handle(message);
+  }
+  return !isGone_;
+}
+
+void MainWindow::Run() {
+  MSG message{};
+  while (!isGone_ && GetMessageW(&message, nullptr, 0, 0) > 0) {
+    Handle(message);
+  }
+}
+
+LRESULT CALLBACK MainWindow::Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  if (message == WM_NCCREATE) {
+    const auto* const creation = reinterpret_cast<const CREATESTRUCTW*>(lParam);
+    auto* const created = static_cast<MainWindow*>(creation->lpCreateParams);
+    created->window_ = window;
+    SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(created));
+  }
+  auto* const self = reinterpret_cast<MainWindow*>(GetWindowLongPtrW(window, GWLP_USERDATA));
+  return self != nullptr ? self->OnMessage(message, wParam, lParam)
+                         : DefWindowProcW(window, message, wParam, lParam);
+}
+
+LRESULT MainWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+  switch (message) {
+    case WM_COMMAND:
+      OnCommand(LOWORD(wParam));
+      return 0;
+    case WM_SIZE:
+      Arrange();
+      return 0;
+    case WM_CLOSE:
+      requests_.Quit();
+      return 0;
+    case WM_NCDESTROY:
+      isGone_ = true;
+      return DefWindowProcW(std::exchange(window_, nullptr), message, wParam, lParam);
+    default:
+      return DefWindowProcW(window_, message, wParam, lParam);
+  }
+}
+
+void MainWindow::OnCommand(int id) const {
+  switch (id) {
+    case openPageId:
+      return requests_.OpenPage();
+    case closePageId:
+      return requests_.ClosePage();
+    case saveId:
+      return requests_.Save();
+    case helpId:
+      return requests_.Help();
+    case quitId:
+      return requests_.Quit();
+    default:
+      return;
+  }
+}
+
+}  // namespace zolvane

@@ -1,0 +1,71 @@
+// The host's window: a menu of add-ins, the embedded page, the buttons for it, a log, and a status bar.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "shell/windows/windows_headers.h"
+
+namespace zolvane {
+
+class MainWindow {
+ public:
+  // What the user asks for.
+  struct Requests {
+    std::function<void()> OpenPage;
+    std::function<void()> ClosePage;
+    std::function<void()> Save;
+    std::function<void()> Help;
+    std::function<void()> Quit;
+  };
+
+  // Throws std::runtime_error.
+  explicit MainWindow(Requests requests);
+  ~MainWindow();
+  MainWindow(const MainWindow&) = delete;
+  MainWindow& operator=(const MainWindow&) = delete;
+
+  HWND Handle() const { return window_; }
+
+  // An add-in in the menu, by its caption.
+  void AddMenuEntry(const std::string& caption);
+
+  // Takes a page's frame in, at the size that it has; the window grows to it. Null takes it out.
+  void Embed(HWND frame, bool hasButtons, bool hasStatusBar);
+
+  // Each is on the screen when it returns.
+  void AppendLog(std::string_view line);
+  void ShowStatus(std::string_view text);
+  void ShowChanged(bool changed);
+
+  // Handles all messages that wait. False when the window is gone.
+  bool PumpMessages();
+
+  // Handles messages until the window is gone.
+  void Run();
+
+ private:
+  static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+  LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam);
+  void OnCommand(int id) const;
+  HWND AddChild(const wchar_t* className, const wchar_t* text, DWORD style, int id);
+  void CreateMenu();
+  void CreateParts();
+  void FitToPage();
+  void Arrange();
+  void ArrangeButtons(int top) const;
+  void ShowPart(int part, std::string_view text) const;
+  bool Handle(MSG& message) const;
+
+  Requests requests_;
+  HWND window_ = nullptr;
+  HWND frame_ = nullptr;
+  HWND log_ = nullptr;
+  HWND statusBar_ = nullptr;
+  HMENU addIns_ = nullptr;
+  bool hasButtons_ = false;
+  bool isGone_ = false;
+};
+
+}  // namespace zolvane

@@ -1,0 +1,130 @@
+#include "bench/windows/player.h"
+
+#include <charconv>
+#include <utility>
+
+#include "bench/console.h"
+#include "bench/joined.h"
+#include "config/text.h"
+
+namespace zolvane {
+namespace {
+
+template <class Matches>
+std::optional<int> FindEntry(const std::vector<ListEntry>& entries, Matches matches) {
+  for (std::size_t position = 0; position < entries.size(); ++position) {
+    if (matches(entries[position].Text)) {
+      return static_cast<int>(position);
+    }
+  }
+  return std::nullopt;
+}
+
+// "#3" is 3.
+std::optional<int> NumberedPosition(std::string_view entry, std::size_t count) {
+  std::size_t position = 0;
+  const auto digits = entry.substr(entry.starts_with('#') ? 1 : 0);
+  const auto parsed = std::from_chars(digits.data(), digits.data() + digits.size(), position);
+  const bool isNumber = parsed.ec == std::errc{} && parsed.ptr == digits.data() + digits.size();
+  return entry.starts_with('#') && isNumber && position < count ? std::optional{static_cast<int>(position)}
+                                                                : std::nullopt;
+}
+
+// The text counts before the position, and its case if it decides.
+std::optional<int> PositionOf(const std::vector<ListEntry>& entries, const std::string& entry) {
+  if (const auto exact = FindEntry(entries, [&](const auto& text) { return text == entry; })) {
+    return exact;
+  }
+  if (const auto numbered = NumberedPosition(entry, entries.size())) {
+    return numbered;
+  }
+  return FindEntry(entries, [&](const auto& text) { return EqualIgnoringCase(text, entry); });
+}
+
+bool IsRefusal(std::optional<std::int32_t> answer) {
+  return answer == message_answer::cancel || answer == message_answer::no;
+}
+
+}  // namespace
+
+Player::Player(const AnswerDesk::Setup& answers, Complaint complain)
+    : complain_{std::move(complain)}, desk_{answers, nullptr, complain_} {}
+
+bool Player::Play(const Action& action, const PageDriver& page) {
+  file_ = action.File;
+  const PageModel shown = page.Shown();
+  switch (action.Kind) {
+    case ActionKind::PressButton:
+      return Press(action, page, shown);
+    case ActionKind::SelectEntry:
+      return Select(action, page, shown);
+    case ActionKind::SetCheck:
+      if (!Reacts(action, RowOf(action.Box).Name, shown.Of(action.Box).Enabled)) {
+        return false;
+      }
+      page.SetCheck(action.Box, action.Value);
+      return true;
+    case ActionKind::ShowPage:
+    case ActionKind::ShowScript:
+      return true;  // the page is there to be seen
+  }
+  return false;
+}
+
+bool Player::Press(const Action& action, const PageDriver& page, const PageModel& shown) {
+  const auto index = static_cast<std::size_t>(action.Button);
+  if (action.Button < 0 || index >= buttonRows.size()) {
+    return true;  // no such button: nothing happens
+  }
+  if (!Reacts(action, buttonRows[index].Name, shown.ButtonsEnabled[index])) {
+    return false;
+  }
+  page.Press(action.Button);
+  return true;
+}
+
+bool Player::Select(const Action& action, const PageDriver& page, const PageModel& shown) {
+  const auto& list = shown.Of(action.List);
+  if (!Reacts(action, RowOf(action.List).Name, list.Enabled)) {
+    return false;
+  }
+  const auto position = PositionOf(list.Entries, action.Entry);
+  if (!position) {
+    complain_(Joined(action.Command, ": ", RowOf(action.List).Name, " has no entry ", Quoted(action.Entry)));
+    return false;
+  }
+  page.Select(action.List, *position);
+  return true;
+}
+
+bool Player::Reacts(const Action& action, std::string_view control, bool isEnabled) const {
+  if (!isEnabled) {
+    complain_(Joined(action.Command, ": ", control, " is disabled and does not react"));
+  }
+  return isEnabled;
+}
+
+void Player::Answer(const Question& question) {
+  const auto answer = desk_.AnswerTo(question).Button;
+  wasCancelled_ = wasCancelled_ || IsRefusal(answer);
+  answerer_.PressButton(answer);
+}
+
+void Player::BoxOpens(const MessageBoxRequest& request) {
+  Answer({.Title = request.Title, .Text = request.Text, .Style = request.Style});
+}
+
+void Player::BoxClosed(const MessageBoxRequest&, std::optional<std::int32_t>) {
+  answerer_.Closed();
+}
+
+void Player::FileDialogueOpens(FileDialogueKind, const FileDialogue&) {
+  answerer_.ChooseFile(file_);
+}
+
+void Player::FileDialogueClosed(const std::optional<std::string>& chosen) {
+  wasCancelled_ = wasCancelled_ || !chosen;
+  answerer_.Closed();
+}
+
+}  // namespace zolvane

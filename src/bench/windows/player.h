@@ -1,0 +1,51 @@
+// Plays the commands of a run file on the page's windows, and answers what the page shows meanwhile.
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "bench/actions.h"
+#include "bench/answers.h"
+#include "bench/windows/dialogue_answerer.h"
+#include "bench/windows/dialogue_hooks.h"
+#include "bench/windows/page_driver.h"
+
+namespace zolvane {
+
+class Player final : public DialogueListener {
+ public:
+  using Complaint = std::function<void(const std::string& text)>;
+
+  // Of the thread that the page lives on.
+  Player(const AnswerDesk::Setup& answers, Complaint complain);
+
+  // Returns when all that the command started has ended. False when it does not fit the page: the control is disabled,
+  // or the list has no such entry.
+  bool Play(const Action& action, const PageDriver& page);
+
+  // Answers a message of the host's own dialogue that has just been opened.
+  void Answer(const Question& question);
+
+  // A box was answered Cancel or No, or a file dialogue was cancelled.
+  bool WasCancelled() const { return wasCancelled_; }
+
+  void BoxOpens(const MessageBoxRequest& request) override;
+  void BoxClosed(const MessageBoxRequest& request, std::optional<std::int32_t> answer) override;
+  void FileDialogueOpens(FileDialogueKind kind, const FileDialogue& dialogue) override;
+  void FileDialogueClosed(const std::optional<std::string>& chosen) override;
+
+ private:
+  bool Press(const Action& action, const PageDriver& page, const PageModel& shown);
+  bool Select(const Action& action, const PageDriver& page, const PageModel& shown);
+  bool Reacts(const Action& action, std::string_view control, bool isEnabled) const;
+
+  Complaint complain_;
+  AnswerDesk desk_;
+  DialogueAnswerer answerer_;
+  std::optional<std::string> file_;
+  bool wasCancelled_ = false;
+};
+
+}  // namespace zolvane

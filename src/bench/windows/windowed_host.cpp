@@ -1,0 +1,121 @@
+#include "bench/windows/windowed_host.h"
+
+#include <string>
+#include <utility>
+
+#include "bench/joined.h"
+#include "bench/windows/message_window.h"
+
+namespace zolvane {
+namespace {
+
+class WindowedDialog final : public HostDialog {
+ public:
+  WindowedDialog(HWND owner, std::function<void(const Question&)> opened)
+      : owner_{owner}, opened_{std::move(opened)} {}
+
+  Status SetStyle(std::int16_t style) override {
+    question_.Style = style;
+    return Status::Success();
+  }
+
+  Status SetTitle(const std::string& title) override {
+    question_.Title = title;
+    return Status::Success();
+  }
+
+  Status SetMessage(const std::string& message) override {
+    question_.Text = message;
+    return Status::Success();
+  }
+
+  Status Show(bool show) override {
+    window_ = show ? std::make_unique<MessageWindow>(owner_, question_) : nullptr;
+    if (show) {
+      opened_(question_);
+    }
+    return Status::Success();
+  }
+
+  std::optional<std::int16_t> Result() override {
+    return window_ ? window_->Result() : std::optional<std::int16_t>{std::int16_t{0}};
+  }
+
+ private:
+  HWND owner_;
+  std::function<void(const Question&)> opened_;
+  Question question_;
+  std::unique_ptr<MessageWindow> window_;
+};
+
+class WindowedObject final : public HostObject {
+ public:
+  explicit WindowedObject(WindowedHostSetup setup) : setup_{std::move(setup)} {}
+
+  std::shared_ptr<InstrumentLink> Link() override { return setup_.Link; }
+
+  Status WriteLogLine(const std::string& line) override {
+    setup_.Window->AppendLog(line);
+    return Status::Success();
+  }
+
+  std::optional<bool> HostDialogAvailable() override { return setup_.OffersDialog; }
+
+  std::shared_ptr<HostDialog> MessageDialog() override {
+    return std::make_shared<WindowedDialog>(setup_.Window->Handle(), setup_.MessageOpened);
+  }
+
+ private:
+  WindowedHostSetup setup_;
+};
+
+class WindowedPanel final : public StatusPanel {
+ public:
+  explicit WindowedPanel(MainWindow& window) : window_{window} {}
+
+  std::optional<std::string> Text() override { return text_; }
+
+  Status SetText(const std::string& text) override {
+    text_ = text;
+    window_.ShowStatus(text);
+    return Status::Success();
+  }
+
+ private:
+  MainWindow& window_;
+  std::string text_;
+};
+
+class WindowedWindow final : public HostWindow {
+ public:
+  explicit WindowedWindow(MainWindow& window)
+      : window_{window}, panel_{std::make_shared<WindowedPanel>(window)} {}
+
+  Status SetChanged(bool changed) override {
+    window_.ShowChanged(changed);
+    return Status::Success();
+  }
+
+  std::shared_ptr<StatusPanel> FindStatusPanel() override { return panel_; }
+
+  Status TakeFocus() override {
+    SetFocus(window_.Handle());
+    return Status::Success();
+  }
+
+ private:
+  MainWindow& window_;
+  std::shared_ptr<StatusPanel> panel_;
+};
+
+}  // namespace
+
+std::shared_ptr<HostObject> MakeWindowedObject(WindowedHostSetup setup) {
+  return std::make_shared<WindowedObject>(std::move(setup));
+}
+
+std::shared_ptr<HostWindow> MakeWindowedWindow(MainWindow& window) {
+  return std::make_shared<WindowedWindow>(window);
+}
+
+}  // namespace zolvane

@@ -1,0 +1,34 @@
+// The class Connect as a COM object: the host's interface IAddIn, and the class's own default interface
+// _Connect, which has no members beside those of IDispatch.
+#pragma once
+
+#include <hestrion_cmds.h>
+
+#include <array>
+#include <memory>
+
+#include "shell/connect.h"
+#include "shell/windows/com_object.h"
+#include "shell/windows/thread_module.h"
+
+namespace zolvane {
+
+class ComConnect final : public ComObject<ComConnect, IAddIn> {
+ public:
+  explicit ComConnect(std::shared_ptr<ThreadModule> module);
+
+  // Loads the page. Call it before the object is handed out; after a failure it is not.
+  HRESULT Initialize() { return ToHresult(connect_.Class_Initialize()); }
+
+  HRESULT STDMETHODCALLTYPE get_Form(IAddInForm** form) override;
+  HRESULT STDMETHODCALLTYPE get_Caption(BSTR* caption) override;
+
+  static bool Implements(REFIID iid);
+  static const std::array<NamedMember<ComConnect>, 2>& Members();
+
+ private:
+  const std::shared_ptr<ThreadModule> module_;
+  Connect connect_;
+};
+
+}  // namespace zolvane

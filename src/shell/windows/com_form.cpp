@@ -1,0 +1,154 @@
+#include "shell/windows/com_form.h"
+
+#include <utility>
+
+#include "shell/windows/com_frame.h"
+#include "shell/windows/com_host.h"
+#include "shell/windows/thread_module.h"
+
+namespace zolvane {
+namespace {
+
+// The members by name, with the numbers that the host's type library gives them.
+enum MemberId : DISPID {
+  saveChanges = 1,
+  loadDefaults,
+  objectParent,
+  formParent,
+  frame,
+  hwnd,
+  helpContextID,
+  showStatusBar,
+  showButtons
+};
+
+constexpr VARIANT_BOOL ToVariantBool(bool value) {
+  return value ? VARIANT_TRUE : VARIANT_FALSE;
+}
+
+// Hosts set an object with or without the word that says so.
+constexpr WORD setObject = DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF;
+
+bool IsObjectOrNothing(const Variant& value) {
+  switch (V_VT(&value.Get())) {
+    case VT_DISPATCH:
+    case VT_UNKNOWN:
+    case VT_EMPTY:
+    case VT_NULL:
+      return true;
+    default:
+      return false;
+  }
+}
+
+template <HRESULT (STDMETHODCALLTYPE ComForm::*Set)(IDispatch*)>
+HRESULT PutObject(ComForm& form, const Variant& value, VARIANT*) {
+  return IsObjectOrNothing(value) ? (form.*Set)(value.ToObject().Get()) : DISP_E_TYPEMISMATCH;
+}
+
+template <HRESULT (STDMETHODCALLTYPE ComForm::*Run)()>
+HRESULT CallMethod(ComForm& form, const Variant&, VARIANT*) {
+  return (form.*Run)();
+}
+
+template <HRESULT (STDMETHODCALLTYPE ComForm::*Get)(LONG*)>
+HRESULT GiveNumber(ComForm& form, const Variant&, VARIANT* result) {
+  V_VT(result) = VT_I4;
+  return (form.*Get)(&V_I4(result));
+}
+
+template <HRESULT (STDMETHODCALLTYPE ComForm::*Get)(VARIANT_BOOL*)>
+HRESULT GiveBool(ComForm& form, const Variant&, VARIANT* result) {
+  V_VT(result) = VT_BOOL;
+  return (form.*Get)(&V_BOOL(result));
+}
+
+HRESULT GiveFrame(ComForm& form, const Variant&, VARIANT* result) {
+  IDispatch* object = nullptr;
+  const HRESULT given = form.get_Frame(&object);
+  V_VT(result) = VT_DISPATCH;
+  V_DISPATCH(result) = object;
+  return given;
+}
+
+}  // namespace
+
+ComForm::ComForm(std::shared_ptr<ThreadModule> module, std::shared_ptr<frmAddIn> page)
+    : module_{std::move(module)}, page_{std::move(page)} {}
+
+ComForm::~ComForm() {
+  module_->Forget(*this);
+}
+
+HRESULT ComForm::SaveChanges() {
+  return InMember([](ComForm& self) { return self.page_->IAddInForm_SaveChanges(), S_OK; });
+}
+
+HRESULT ComForm::LoadDefaults() {
+  return InMember([](ComForm& self) { return self.page_->IAddInForm_LoadDefaults(), S_OK; });
+}
+
+HRESULT ComForm::putref_ObjectParent(IDispatch* objectParent) {
+  return InMember([&](ComForm& self) {
+    self.page_->IAddInForm_ObjectParent(WrapHostObject(objectParent));
+    return S_OK;
+  });
+}
+
+HRESULT ComForm::putref_FormParent(IDispatch* formParent) {
+  return InMember([&](ComForm& self) {
+    self.page_->IAddInForm_FormParent(WrapHostWindow(formParent));
+    return S_OK;
+  });
+}
+
+HRESULT ComForm::get_Frame(IDispatch** frame) {
+  return InMember([&](ComForm& self) {
+    return Give(frame, [&] { return ComFrame::Make(self.module_, self.page_).Detach(); });
+  });
+}
+
+HRESULT ComForm::get_hwnd(LONG* hwnd) {
+  return InMember([&](ComForm& self) { return Give(hwnd, [&] { return self.page_->IAddInForm_hwnd(); }); });
+}
+
+HRESULT ComForm::get_HelpContextID(LONG* helpContextID) {
+  return InMember([&](ComForm& self) {
+    return Give(helpContextID, [&] { return self.page_->IAddInForm_HelpContextID(); });
+  });
+}
+
+HRESULT ComForm::get_ShowStatusBar(VARIANT_BOOL* showStatusBar) {
+  return InMember([&](ComForm& self) {
+    return Give(showStatusBar, [&] { return ToVariantBool(self.page_->IAddInForm_ShowStatusBar()); });
+  });
+}
+
+HRESULT ComForm::get_ShowButtons(VARIANT_BOOL* showButtons) {
+  return InMember([&](ComForm& self) {
+    return Give(showButtons, [&] { return ToVariantBool(self.page_->IAddInForm_ShowButtons()); });
+  });
+}
+
+bool ComForm::Implements(REFIID iid) {
+  return iid == __uuidof(IAddInForm);
+}
+
+const std::array<NamedMember<ComForm>, 9>& ComForm::Members() {
+  static constexpr WORD method = DISPATCH_METHOD;
+  static constexpr WORD get = DISPATCH_PROPERTYGET;
+  static constexpr std::array<NamedMember<ComForm>, 9> members{{
+      {L"SaveChanges", saveChanges, method, CallMethod<&ComForm::SaveChanges>},
+      {L"LoadDefaults", loadDefaults, method, CallMethod<&ComForm::LoadDefaults>},
+      {L"ObjectParent", objectParent, setObject, PutObject<&ComForm::putref_ObjectParent>},
+      {L"FormParent", formParent, setObject, PutObject<&ComForm::putref_FormParent>},
+      {L"Frame", frame, get, GiveFrame},
+      {L"hwnd", hwnd, get, GiveNumber<&ComForm::get_hwnd>},
+      {L"HelpContextID", helpContextID, get, GiveNumber<&ComForm::get_HelpContextID>},
+      {L"ShowStatusBar", showStatusBar, get, GiveBool<&ComForm::get_ShowStatusBar>},
+      {L"ShowButtons", showButtons, get, GiveBool<&ComForm::get_ShowButtons>},
+  }};
+  return members;
+}
+
+}  // namespace zolvane

@@ -1,0 +1,29 @@
+// The frame container picFrame as the object that IAddInForm.Frame returns: all it has is its window handle.
+#pragma once
+
+#include <array>
+#include <memory>
+
+#include "shell/frm_add_in.h"
+#include "shell/windows/com_object.h"
+
+namespace zolvane {
+
+class ThreadModule;
+
+class ComFrame final : public ComObject<ComFrame, IDispatch> {
+ public:
+  ComFrame(std::shared_ptr<ThreadModule> module, std::shared_ptr<frmAddIn> page);
+
+  // 0 once the page is unloaded.
+  LONG Window() const { return page_->IAddInForm_Frame(); }
+
+  static bool Implements(REFIID) { return false; }
+  static const std::array<NamedMember<ComFrame>, 1>& Members();
+
+ private:
+  const std::shared_ptr<ThreadModule> module_;
+  const std::shared_ptr<frmAddIn> page_;
+};
+
+}  // namespace zolvane

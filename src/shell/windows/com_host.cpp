@@ -1,0 +1,156 @@
+#include "shell/windows/com_host.h"
+
+#include <array>
+#include <string>
+#include <utility>
+
+#include "shell/windows/late_bound.h"
+#include "shell/windows/late_bound_names.h"
+#include "shell/windows/text.h"
+
+namespace zolvane {
+namespace {
+
+template <class Value>
+Status Set(const LateBound& object, const wchar_t* name, const Value& value) {
+  return object.Write(name, Variant{value});
+}
+
+std::optional<bool> ReadBool(const LateBound& object, const wchar_t* name) {
+  const auto value = object.Read(name);
+  return value ? value->ToBool() : std::nullopt;
+}
+
+// The object behind the interface; null when there is none.
+template <class Wrapper, class Interface>
+std::shared_ptr<Interface> Wrapped(LateBound object) {
+  return object ? std::make_shared<Wrapper>(std::move(object)) : nullptr;
+}
+
+class ComInstrumentLink final : public InstrumentLink {
+ public:
+  explicit ComInstrumentLink(LateBound link) : link_{std::move(link)} {}
+
+  std::optional<bool> Stop() override { return ReadBool(link_, names::stop); }
+  Status SetStop(bool stop) override { return Set(link_, names::stop, stop); }
+  Status SetHold(bool hold) override { return Set(link_, names::hold, hold); }
+  std::optional<bool> SendCommand(std::string& command, std::string& reply, std::int32_t number) override;
+
+ private:
+  LateBound link_;
+};
+
+VARIANT ReferenceTo(UniqueBstr& text) {
+  VARIANT reference{};
+  V_VT(&reference) = VT_BYREF | VT_BSTR;
+  V_BSTRREF(&reference) = text.InOut();
+  return reference;
+}
+
+VARIANT Number(std::int32_t number) {
+  VARIANT value{};
+  V_VT(&value) = VT_I4;
+  V_I4(&value) = number;
+  return value;
+}
+
+std::optional<bool> ComInstrumentLink::SendCommand(std::string& command, std::string& reply,
+                                                   std::int32_t number) {
+  auto commandText = Bstr(command);
+  auto replyText = Bstr(reply);
+  const std::array arguments{ReferenceTo(commandText), ReferenceTo(replyText), Number(number)};
+  Variant answered;
+  const Status status = link_.Call(names::sendCommand, arguments, &answered);
+  command = Utf8FromBstr(commandText.Get());
+  reply = Utf8FromBstr(replyText.Get());
+  return status.Ok() ? answered.ToBool() : std::nullopt;
+}
+
+class ComHostDialog final : public HostDialog {
+ public:
+  explicit ComHostDialog(LateBound dialogue) : dialogue_{std::move(dialogue)} {}
+
+  Status SetStyle(std::int16_t style) override { return Set(dialogue_, names::style, style); }
+  Status SetTitle(const std::string& title) override { return Set(dialogue_, names::title, title); }
+  Status SetMessage(const std::string& message) override { return Set(dialogue_, names::message, message); }
+
+  Status Show(bool show) override {
+    const Variant argument{show};
+    return dialogue_.Call(names::show, {&argument.Get(), 1});
+  }
+
+  std::optional<std::int16_t> Result() override {
+    const auto value = dialogue_.Read(names::result);
+    return value ? value->ToInt16() : std::nullopt;
+  }
+
+ private:
+  LateBound dialogue_;
+};
+
+class ComHostObject final : public HostObject {
+ public:
+  explicit ComHostObject(LateBound host) : host_{std::move(host)} {}
+
+  std::shared_ptr<InstrumentLink> Link() override {
+    return Wrapped<ComInstrumentLink, InstrumentLink>(host_.ReadObject(names::instrumentLink));
+  }
+
+  Status WriteLogLine(const std::string& line) override {
+    const Variant argument{line};
+    return host_.Call(names::writeLogLine, {&argument.Get(), 1});
+  }
+
+  std::optional<bool> HostDialogAvailable() override { return ReadBool(host_, names::hostDialogAvailable); }
+
+  std::shared_ptr<HostDialog> MessageDialog() override {
+    return Wrapped<ComHostDialog, HostDialog>(
+        host_.ReadObject(names::dialogs).ReadObject(names::messageDialog));
+  }
+
+ private:
+  LateBound host_;
+};
+
+class ComStatusPanel final : public StatusPanel {
+ public:
+  explicit ComStatusPanel(LateBound panel) : panel_{std::move(panel)} {}
+
+  std::optional<std::string> Text() override {
+    const auto value = panel_.Read(names::text);
+    return value ? value->ToText() : std::nullopt;
+  }
+  Status SetText(const std::string& text) override { return Set(panel_, names::text, text); }
+
+ private:
+  LateBound panel_;
+};
+
+class ComHostWindow final : public HostWindow {
+ public:
+  explicit ComHostWindow(LateBound window) : window_{std::move(window)} {}
+
+  Status SetChanged(bool changed) override { return Set(window_, names::changed, changed); }
+
+  std::shared_ptr<StatusPanel> FindStatusPanel() override {
+    return Wrapped<ComStatusPanel, StatusPanel>(
+        window_.ReadObject(names::statusBar).ReadItem(names::panels, names::statusPanelKey));
+  }
+
+  Status TakeFocus() override { return window_.Call(names::setFocus, {}); }
+
+ private:
+  LateBound window_;
+};
+
+}  // namespace
+
+std::shared_ptr<HostObject> WrapHostObject(IDispatch* object) {
+  return Wrapped<ComHostObject, HostObject>(LateBound{ComPtr<IDispatch>{object}});
+}
+
+std::shared_ptr<HostWindow> WrapHostWindow(IDispatch* window) {
+  return Wrapped<ComHostWindow, HostWindow>(LateBound{ComPtr<IDispatch>{window}});
+}
+
+}  // namespace zolvane

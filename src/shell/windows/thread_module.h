@@ -1,0 +1,45 @@
+// The add-in's state of one thread of the host: its page, the page's windows and the records in force.
+#pragma once
+
+#include <memory>
+
+#include "shell/add_in_module.h"
+#include "shell/windows/com_ptr.h"
+#include "shell/windows/module_instance.h"
+#include "shell/windows/page_window.h"
+#include "shell/windows/windows_environment.h"
+
+namespace zolvane {
+
+class ComForm;
+
+// Lives as long as an object of that thread refers to it, so that the host's objects are released while the
+// host still runs, and neither at the thread's end nor when the module is unloaded.
+class ThreadModule final : public std::enable_shared_from_this<ThreadModule> {
+ public:
+  // The calling thread's; made when there is none.
+  static std::shared_ptr<ThreadModule> OfThisThread();
+
+  ~ThreadModule();
+  ThreadModule(const ThreadModule&) = delete;
+  ThreadModule& operator=(const ThreadModule&) = delete;
+
+  AddInModule& AddIn() { return addIn_; }
+
+  // The COM object of a page: the same one as long as somebody holds it.
+  ComPtr<ComForm> FormOf(const std::shared_ptr<frmAddIn>& page);
+
+  // The object is gone.
+  void Forget(const ComForm& form);
+
+ private:
+  ThreadModule();
+
+  const ModuleLock lock_;
+  PageWindowFactory views_;
+  WindowsEnvironment environment_;
+  AddInModule addIn_;
+  ComForm* form_ = nullptr;
+};
+
+}  // namespace zolvane

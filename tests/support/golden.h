@@ -1,0 +1,48 @@
+// The files in tests/golden: configurations, and the calls that whole operations make on them, one in a line. A line
+// break inside a call is written "\r\n" with backslashes.
+#pragma once
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include "config/text.h"
+
+namespace zolvane {
+
+inline std::string FileContent(const std::filesystem::path& file) {
+  std::ifstream stream{file, std::ios::binary};
+  return {std::istreambuf_iterator<char>{stream}, {}};
+}
+
+inline std::string GoldenText(const std::string& name) {
+  return FileContent(std::filesystem::path{ZOLVANE_SOURCE_PATH} / "tests" / "golden" / name);
+}
+
+inline std::vector<std::string> GoldenLines(const std::string& name) {
+  std::vector<std::string> lines;
+  std::string text = GoldenText(name);
+  for (auto end = text.find('\n'); end != std::string::npos; end = text.find('\n')) {
+    lines.push_back(text.substr(0, end));
+    text.erase(0, end + 1);
+  }
+  return lines;
+}
+
+// A list of calls as a golden file holds it: without what every command does with the link, without the splitting of
+// texts, and without the readings unless they are wanted.
+inline std::vector<std::string> AsGolden(const std::vector<std::string>& calls, bool withReadings) {
+  std::vector<std::string> lines;
+  for (const auto& call : calls) {
+    const bool isAroundACommand = call == "get link" || call == "stop=false" || call == "hold=true";
+    const bool isReading = call.starts_with("read ") || call == "create settings service";
+    if (!isAroundACommand && !call.starts_with("split ") && (withReadings || !isReading)) {
+      lines.push_back(Replaced(call, "\r\n", "\\r\\n"));
+    }
+  }
+  return lines;
+}
+
+}  // namespace zolvane

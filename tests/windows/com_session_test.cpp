@@ -1,0 +1,210 @@
+// Whole sessions through COM, against the same sessions on the bench: the host must hear the same calls in the same
+// order, and files and page must end up the same.
+#include <gtest/gtest.h>
+
+#include <random>
+
+#include "bench/windows/offered_settings.h"
+#include "played_session.h"
+#include "program_folder.h"
+
+namespace zolvane {
+namespace {
+
+void ExpectSameCalls(const std::vector<std::string>& module, const std::vector<std::string>& bench) {
+  for (std::size_t call = 0; call < std::min(module.size(), bench.size()); ++call) {
+    ASSERT_EQ(module[call], bench[call]) << "call " << call;
+  }
+  EXPECT_EQ(module.size(), bench.size());
+}
+
+PlayedSession ExpectSameSession(const SessionPlan& plan) {
+  const auto bench = PlayOnBench(plan);
+  const auto module = PlayOnModule(plan);
+  ExpectSameCalls(module.Calls, bench.Calls);
+  EXPECT_EQ(module.Configuration, bench.Configuration);
+  EXPECT_EQ(module.Backup, bench.Backup);
+  EXPECT_EQ(module.Page, bench.Page);
+  EXPECT_EQ(OfferedObjectsAlive(), 0);
+  EXPECT_EQ(OfferedServicesAlive(), 0);
+  EXPECT_EQ(ProgramFolder::OfThisRun().Module().CanUnloadNow(), S_OK);
+  return module;
+}
+
+bool Contains(const std::vector<std::string>& calls, const std::string& part) {
+  return std::any_of(calls.begin(), calls.end(),
+                     [&](const auto& call) { return call.find(part) != std::string::npos; });
+}
+
+std::string Old() {
+  return ProgramFolder::OfThisRun().FileText("old.bak");
+}
+std::string New() {
+  return ProgramFolder::OfThisRun().FileText("new.bak");
+}
+
+TEST(ComSession, TheMainJobOfADayIsTheSameForTheHost) {
+  const auto played =
+      ExpectSameSession({.Configuration = SampleConfiguration(),
+                         .Commands = {"query", "upload", "download", "export " + New(), "import " + Old()},
+                         .AffirmsRest = true});
+  EXPECT_TRUE(Contains(played.Calls, R"("event":"send","command":"SET_CALIBRATION SAVE","ok":true)"));
+  EXPECT_TRUE(Contains(played.Calls, R"("event":"file_dialog","kind":"save")"));
+  EXPECT_FALSE(played.Backup.empty());
+}
+
+TEST(ComSession, AnInstrumentThatDoesNotAnswerShowsTheErrorBox) {
+  const auto played = ExpectSameSession({.Configuration = SampleConfiguration(),
+                                         .Commands = {"query", "upload"},
+                                         .Link = "none",
+                                         .AffirmsRest = true});
+  EXPECT_TRUE(Contains(played.Calls, R"("event":"message_box","title":"Communication Error","style":65584)"));
+}
+
+TEST(ComSession, AHostWithADialogueOfItsOwnIsAskedToShowTheError) {
+  const auto played = ExpectSameSession(
+      {.Configuration = SampleConfiguration(), .Commands = {"query"}, .Link = "none", .OffersDialog = true});
+  EXPECT_TRUE(Contains(played.Calls, R"("event":"host_dialog","title":"Communication Error")"));
+}
+
+TEST(ComSession, ACancelledUploadLeavesTheControlsDisabled) {
+  const auto played = ExpectSameSession({.Configuration = SampleConfiguration(),
+                                         .Commands = {"upload", "press 2", "tick chkRFID 0"},
+                                         .Answers = {"cancel"}});
+  EXPECT_FALSE(played.Page["checks"]["chkRFID"]["enabled"].get<bool>());
+}
+
+TEST(ComSession, ACancelledFileDialogueChangesNothing) {
+  ExpectSameSession(
+      {.Configuration = SampleConfiguration(), .Commands = {"export", "import"}, .AffirmsRest = true});
+}
+
+TEST(ComSession, ThePanelIsFoundInBothShapesOfAStatusBar) {
+  for (const auto shape : {PanelsShape::IndexedProperty, PanelsShape::DefaultMember}) {
+    const auto played =
+        ExpectSameSession({.Configuration = SampleConfiguration(), .Commands = {"query"}, .Panels = shape});
+    EXPECT_TRUE(Contains(played.Calls, R"({"event":"status","text":"Getting Zolvane Type"})"));
+  }
+}
+
+TEST(ComSession, AnEmptyConfigurationGivesThePageOfTheBench) {
+  ExpectSameSession({.Configuration = "",
+                     .Commands = {"tick chkRFID 2", "query", "upload", "download"},
+                     .AffirmsRest = true});
+}
+
+TEST(ComSession, TextsOutsideOfTheCodePageArriveUnchanged) {
+  auto configuration = SampleConfiguration();
+  configuration += "\r\n[DeviceType]\r\nItem90=\"Z\xC3\xBCrich \xE2\x82\xAC \xF0\x9F\xA7\xAA\",0,\"X\"\r\n";
+  ExpectSameSession({.Configuration = configuration, .Commands = {"select cboDeviceType #0"}});
+}
+
+// ---- Generated sessions
+
+class Generator {
+ public:
+  explicit Generator(unsigned seed) : random_{seed} {}
+
+  SessionPlan Plan() {
+    SessionPlan plan{.Configuration = Configuration(), .Commands = {}};
+    const int count = Below(7) + 3;
+    for (int command = 0; command < count; ++command) {
+      plan.Commands.push_back(Command());
+    }
+    plan.Link = Link();
+    for (int answer = Below(4); answer > 0; --answer) {
+      plan.Answers.push_back(Pick({"ok", "cancel", "yes", "no"}));
+    }
+    plan.AffirmsRest = Below(3) != 0;
+    plan.OffersDialog = Below(4) == 0;
+    plan.Panels = Below(2) == 0 ? PanelsShape::IndexedProperty : PanelsShape::DefaultMember;
+    return plan;
+  }
+
+ private:
+  int Below(int limit) { return static_cast<int>(random_() % static_cast<unsigned>(limit)); }
+
+  std::string Pick(const std::vector<std::string>& texts) {
+    return texts[static_cast<std::size_t>(Below(static_cast<int>(texts.size())))];
+  }
+
+  std::string Command() {
+    switch (Below(8)) {
+      case 0:
+        return "query";
+      case 1:
+        return Pick({"upload", "download"});
+      case 2:
+        return Pick({"import", "import " + Old(), "export", "export " + New()});
+      case 3:
+        return "press " + std::to_string(Below(9) - 2);
+      case 4:
+      case 5:
+        return "select " +
+               Pick({"cboDeviceType", "cboCageType", "cboHeadType", "cboNestType", "cboTipType"}) + " #" +
+               std::to_string(Below(5));
+      default:
+        return "tick " + Pick({"chkRFID", "chkHeadSensor", "chkTipSensor", "chkEncoders"}) + " " +
+               std::to_string(Below(3));
+    }
+  }
+
+  // The sample with some lines lost, doubled or cut short.
+  std::string Configuration() {
+    std::istringstream sample{SampleConfiguration()};
+    std::string text;
+    const int damage = Below(3) * 6;
+    for (std::string line; std::getline(sample, line);) {
+      switch (Below(100) < damage ? Below(3) : 3) {
+        case 0:
+          break;
+        case 1:
+          text += line + "\n" + line + "\n";
+          break;
+        case 2:
+          text += line.substr(0, static_cast<std::size_t>(Below(static_cast<int>(line.size()) + 1))) + "\r\n";
+          break;
+        default:
+          text += line + "\n";
+      }
+    }
+    return text;
+  }
+
+  std::string Link() {
+    if (Below(3) != 0) {
+      return Pick({"sim", "sim", "none"});
+    }
+    const std::string file = ProgramFolder::OfThisRun().FileText("script.json");
+    nlohmann::json script{
+        {"default", Below(4) == 0 ? nlohmann::json{} : nlohmann::json("OK=" + Pick({"1", "x", "-2.5", ""}))},
+        {"replies",
+         {{"STATUS_STAGE", Pick({"ZV400", "ZV200", "\r\n", "?"})},
+          {"STATUS_MECH", {Pick({"SD", "96"}), nullptr}},
+          {"STATUS PUMPS", Pick({"PUMPS CLOSED", "PUMPS OPEN", "ERROR"})}}}};
+    if (Below(2) == 0) {
+      script["stop_after"] = {Pick({"STATUS_STAGE", "RFID ON", "SET_CALIBRATION SAVE"})};
+    }
+    Store(file, script.dump());
+    return "script:" + file;
+  }
+
+  std::mt19937 random_;
+};
+
+class GeneratedSession : public testing::TestWithParam<unsigned> {};
+
+TEST_P(GeneratedSession, IsTheSameForTheHost) {
+  const auto plan = Generator{GetParam()}.Plan();
+  std::string commands;
+  for (const auto& command : plan.Commands) {
+    commands += command + "; ";
+  }
+  SCOPED_TRACE("link " + plan.Link + ": " + commands);
+  ExpectSameSession(plan);
+}
+
+INSTANTIATE_TEST_SUITE_P(ComSession, GeneratedSession, testing::Range(1U, 41U));
+
+}  // namespace
+}  // namespace zolvane

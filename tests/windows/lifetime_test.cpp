@@ -1,0 +1,286 @@
+// What objects of the module come to and leave behind, and hosts that do not keep to the usual order.
+#include <gtest/gtest.h>
+
+#include <add_in.h>
+
+#include <cstring>
+#include <thread>
+#include <vector>
+
+#include "bench/settings/file_settings_service.h"
+#include "bench/windows/offered_object.h"
+#include "bench/windows/offered_settings.h"
+#include "program_folder.h"
+#include "shell/windows/late_bound.h"
+#include "shell/windows/text.h"
+
+namespace zolvane {
+namespace {
+
+const AddInFile& Module() {
+  return ProgramFolder::OfThisRun().Module();
+}
+
+ComPtr<IAddInForm> FormOf(const ComPtr<IAddIn>& addIn) {
+  ComPtr<IAddInForm> form;
+  addIn->get_Form(form.Put());
+  return form;
+}
+
+// ---- Counters of the system that count
+
+BOOL CALLBACK CountWindow(HWND, LPARAM count) {
+  ++*reinterpret_cast<int*>(count);
+  return TRUE;
+}
+
+int Windows() {
+  int count = 0;
+  EnumThreadWindows(GetCurrentThreadId(), CountWindow, reinterpret_cast<LPARAM>(&count));
+  return count;
+}
+
+int Handles() {
+  constexpr ULONG_PTR highest = 0x8000;
+  int count = 0;
+  for (ULONG_PTR handle = 4; handle < highest; handle += 4) {
+    DWORD flags = 0;
+    count += GetHandleInformation(reinterpret_cast<HANDLE>(handle), &flags) ? 1 : 0;
+  }
+  return count;
+}
+
+int FreeThreadSlots() {
+  std::vector<DWORD> taken;
+  for (DWORD slot = TlsAlloc(); slot != TLS_OUT_OF_INDEXES; slot = TlsAlloc()) {
+    taken.push_back(slot);
+  }
+  for (const auto slot : taken) {
+    TlsFree(slot);
+  }
+  return static_cast<int>(taken.size());
+}
+
+// Entries in use of the table of drawing objects, which every process finds through its environment block.
+int DrawingObjects() {
+  constexpr std::size_t tableOffset = sizeof(void*) == 8 ? 0xF8 : 0x94;
+  constexpr std::size_t entries = 0x4000;
+  constexpr std::size_t entrySize = 24;
+  constexpr std::size_t typeOffset = 14;  // 0 in a free entry
+  using Function = const unsigned char* NTAPI();
+  auto* const environmentBlock = reinterpret_cast<Function*>(
+      reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "RtlGetCurrentPeb")));
+  const unsigned char* table = nullptr;
+  std::memcpy(&table, environmentBlock() + tableOffset, sizeof(table));
+  int count = 0;
+  for (std::size_t entry = 0; table != nullptr && entry < entries; ++entry) {
+    count += table[entry * entrySize + typeOffset] != 0 ? 1 : 0;
+  }
+  return count;
+}
+
+struct Counters {
+  int Windows_ = Windows();
+  int Handles_ = Handles();
+  int FreeThreadSlots_ = FreeThreadSlots();
+  int DrawingObjects_ = DrawingObjects();
+  bool operator==(const Counters&) const = default;
+};
+
+std::ostream& operator<<(std::ostream& out, const Counters& counters) {
+  return out << "windows " << counters.Windows_ << ", handles " << counters.Handles_ << ", free slots "
+             << counters.FreeThreadSlots_ << ", drawing objects " << counters.DrawingObjects_;
+}
+
+TEST(Lifetime, TheCountersSeeWhatIsLeftOpen) {
+  const Counters before;
+  const HANDLE event = CreateEventW(nullptr, FALSE, FALSE, nullptr);
+  const HBRUSH brush = CreateSolidBrush(0x123456);
+  const HWND window =
+      CreateWindowExW(0, L"STATIC", L"", WS_POPUP, 0, 0, 1, 1, nullptr, nullptr, nullptr, nullptr);
+  const DWORD slot = TlsAlloc();
+  const Counters during;
+  EXPECT_GT(during.Handles_, before.Handles_);
+  EXPECT_GT(during.DrawingObjects_, before.DrawingObjects_);
+  EXPECT_GT(during.Windows_, before.Windows_);
+  EXPECT_LT(during.FreeThreadSlots_, before.FreeThreadSlots_);
+  TlsFree(slot);
+  DestroyWindow(window);
+  DeleteObject(brush);
+  CloseHandle(event);
+}
+
+void CreateLoadAndRelease() {
+  const auto addIn = Module().Create();
+  const auto form = FormOf(addIn);
+  ASSERT_TRUE(form);
+  form->LoadDefaults();
+  form->putref_ObjectParent(nullptr);
+}
+
+TEST(Lifetime, TwoHundredSessionsLeaveNothingBehind) {
+  Store(ProgramFolder::OfThisRun().Configuration(), SampleConfiguration());
+  const OfferedSettings settings{[] { return std::make_shared<FileSettingsService>(); }};
+  for (int warmUp = 0; warmUp < 5; ++warmUp) {
+    CreateLoadAndRelease();
+  }
+  const Counters before;
+  for (int session = 0; session < 200; ++session) {
+    CreateLoadAndRelease();
+  }
+  EXPECT_EQ(Counters{}, before);
+  EXPECT_EQ(Module().CanUnloadNow(), S_OK);
+}
+
+TEST(Lifetime, TheModuleStaysWhileAnObjectIsHeld) {
+  EXPECT_EQ(Module().CanUnloadNow(), S_OK);
+  auto addIn = Module().Create();
+  EXPECT_EQ(Module().CanUnloadNow(), S_FALSE);
+  auto form = FormOf(addIn);
+  addIn.Reset();
+  EXPECT_EQ(Module().CanUnloadNow(), S_FALSE);
+  form.Reset();
+  EXPECT_EQ(Module().CanUnloadNow(), S_OK);
+}
+
+TEST(Lifetime, ALockedServerStaysWithoutObjects) {
+  ComPtr<IClassFactory> factory;
+  ASSERT_EQ(Module().GetClassObject(__uuidof(::Connect), IID_IClassFactory, factory.PutVoid()), S_OK);
+  EXPECT_EQ(factory->LockServer(TRUE), S_OK);
+  EXPECT_EQ(Module().CanUnloadNow(), S_FALSE);
+  EXPECT_EQ(factory->LockServer(FALSE), S_OK);
+  factory.Reset();
+  EXPECT_EQ(Module().CanUnloadNow(), S_OK);
+}
+
+TEST(Lifetime, TheClassFactoryRefusesWhatItDoesNotMake) {
+  ComPtr<IClassFactory> factory;
+  EXPECT_EQ(Module().GetClassObject(IID_IDispatch, IID_IClassFactory, factory.PutVoid()),
+            CLASS_E_CLASSNOTAVAILABLE);
+  ASSERT_EQ(Module().GetClassObject(__uuidof(::Connect), IID_IClassFactory, factory.PutVoid()), S_OK);
+  ComPtr<IDispatch> object;
+  EXPECT_EQ(factory->CreateInstance(factory.Get(), IID_IDispatch, object.PutVoid()), CLASS_E_NOAGGREGATION);
+  EXPECT_EQ(factory->CreateInstance(nullptr, IID_IPersist, object.PutVoid()), E_NOINTERFACE);
+  EXPECT_EQ(Module().CanUnloadNow(), S_FALSE);
+}
+
+TEST(Lifetime, ThePageOfOneThreadIsOneObject) {
+  const auto first = Module().Create();
+  const auto second = Module().Create();
+  EXPECT_EQ(FormOf(first).Get(), FormOf(second).Get());
+}
+
+TEST(Lifetime, EachThreadHasAPageOfItsOwn) {
+  const auto addIn = Module().Create();
+  const auto form = FormOf(addIn);
+  long here = 0;
+  form->get_hwnd(&here);
+  long there = 0;
+  std::thread{[&there] {
+    OleInitialize(nullptr);
+    {
+      const auto other = Module().Create();
+      FormOf(other)->get_hwnd(&there);
+    }
+    OleUninitialize();
+  }}.join();
+  EXPECT_NE(here, 0);
+  EXPECT_NE(there, 0);
+  EXPECT_NE(here, there);
+}
+
+// ---- Hosts that do not keep to the usual order
+
+TEST(OddHost, AnswersThatDoNotDependOnTheHost) {
+  const auto addIn = Module().Create();
+  UniqueBstr caption;
+  EXPECT_EQ(addIn->get_Caption(caption.Put()), S_OK);
+  EXPECT_EQ(Utf8FromBstr(caption.Get()), "Zolvane Setup");
+  const auto form = FormOf(addIn);
+  long topic = 0;
+  VARIANT_BOOL buttons = VARIANT_FALSE;
+  VARIANT_BOOL statusBar = VARIANT_FALSE;
+  EXPECT_EQ(form->get_HelpContextID(&topic), S_OK);
+  EXPECT_EQ(form->get_ShowButtons(&buttons), S_OK);
+  EXPECT_EQ(form->get_ShowStatusBar(&statusBar), S_OK);
+  EXPECT_EQ(topic, 9014);
+  EXPECT_EQ(buttons, VARIANT_TRUE);
+  EXPECT_EQ(statusBar, VARIANT_TRUE);
+}
+
+TEST(OddHost, GivesNoPlaceForAResult) {
+  const auto addIn = Module().Create();
+  const auto form = FormOf(addIn);
+  EXPECT_EQ(addIn->get_Caption(nullptr), E_POINTER);
+  EXPECT_EQ(addIn->get_Form(nullptr), E_POINTER);
+  EXPECT_EQ(form->get_Frame(nullptr), E_POINTER);
+  EXPECT_EQ(form->get_hwnd(nullptr), E_POINTER);
+  EXPECT_EQ(form->get_HelpContextID(nullptr), E_POINTER);
+  EXPECT_EQ(addIn->QueryInterface(IID_IUnknown, nullptr), E_POINTER);
+}
+
+TEST(OddHost, GivesNothingAtAll) {
+  const auto addIn = Module().Create();
+  const auto form = FormOf(addIn);
+  EXPECT_EQ(form->putref_FormParent(nullptr), S_OK);
+  EXPECT_EQ(form->LoadDefaults(), S_OK);
+  EXPECT_EQ(form->SaveChanges(), S_OK);
+  EXPECT_EQ(form->putref_ObjectParent(nullptr), S_OK);
+  EXPECT_EQ(form->putref_ObjectParent(nullptr), S_OK);
+  EXPECT_EQ(form->LoadDefaults(), S_OK);
+}
+
+TEST(OddHost, GivesObjectsWithoutMembers) {
+  {
+    const auto addIn = Module().Create();
+    const auto form = FormOf(addIn);
+    EXPECT_EQ(form->putref_FormParent(Offer({}).Get()), S_OK);
+    EXPECT_EQ(form->putref_ObjectParent(Offer({}).Get()), S_OK);
+    EXPECT_EQ(form->LoadDefaults(), S_OK);
+    EXPECT_EQ(form->SaveChanges(), S_OK);
+    EXPECT_EQ(form->putref_ObjectParent(nullptr), S_OK);
+  }
+  EXPECT_EQ(OfferedObjectsAlive(), 0);
+}
+
+TEST(OddHost, DestroysItsWindowWithThePageInIt) {
+  const auto addIn = Module().Create();
+  const auto form = FormOf(addIn);
+  const HWND host = CreateWindowExW(0, L"STATIC", L"", WS_POPUP | WS_VISIBLE, 0, 0, 900, 600, nullptr,
+                                    nullptr, nullptr, nullptr);
+  ComPtr<IDispatch> frameObject;
+  ASSERT_EQ(form->get_Frame(frameObject.Put()), S_OK);
+  const auto text = LateBound{frameObject}.Read(L"hWnd")->ToText();
+  const auto frame = reinterpret_cast<HWND>(static_cast<LONG_PTR>(std::stoll(*text)));
+  ASSERT_TRUE(IsWindow(frame));
+  ASSERT_NE(SetParent(frame, host), nullptr);
+  DestroyWindow(host);
+  EXPECT_FALSE(IsWindow(frame));
+  EXPECT_EQ(form->LoadDefaults(), S_OK);
+  EXPECT_EQ(form->putref_ObjectParent(nullptr), S_OK);
+}
+
+TEST(OddHost, LeavesOutTheDetaching) {
+  {
+    const auto addIn = Module().Create();
+    const auto form = FormOf(addIn);
+    form->putref_FormParent(Offer({}).Get());
+    form->putref_ObjectParent(Offer({}).Get());
+    form->LoadDefaults();
+  }
+  EXPECT_EQ(OfferedObjectsAlive(), 0);
+  EXPECT_EQ(Module().CanUnloadNow(), S_OK);
+}
+
+TEST(OddHost, UsesThePageByNameOnly) {
+  const auto addIn = Module().Create();
+  const LateBound byName{addIn.As<IDispatch>()};
+  EXPECT_EQ(byName.Read(L"caption")->ToText(), "Zolvane Setup");
+  const auto form = byName.ReadObject(L"FORM");
+  EXPECT_EQ(form.Read(L"HelpContextID")->ToText(), "9014");
+  EXPECT_TRUE(form.Call(L"LoadDefaults", {}).Ok());
+  EXPECT_FALSE(form.Read(L"NoSuchMember"));
+}
+
+}  // namespace
+}  // namespace zolvane

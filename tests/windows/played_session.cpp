@@ -1,0 +1,149 @@
+#include "played_session.h"
+
+#include <hestrion_cmds.h>
+
+#include <array>
+#include <set>
+#include <sstream>
+
+#include "bench/bench_host.h"
+#include "bench/bench_program.h"
+#include "bench/links/link_factory.h"
+#include "bench/report.h"
+#include "bench/tracing.h"
+#include "bench/windows/com_session.h"
+#include "bench/windows/offered_settings.h"
+#include "bench/windows/player.h"
+#include "program_folder.h"
+
+namespace zolvane {
+namespace {
+
+constexpr const char* runFile = "commands.txt";
+constexpr const char* traceFile = "trace.jsonl";
+constexpr const char* backupFile = "new.bak";
+
+// What the module does by itself and no host hears of.
+bool IsHeardByHost(const std::string& line) {
+  static const std::set<std::string> unheard{"control", "yield", "append_blank_line"};
+  return !unheard.contains(nlohmann::json::parse(line).at("event").get<std::string>());
+}
+
+std::vector<std::string> HostCalls(std::istream& trace) {
+  std::vector<std::string> calls;
+  for (std::string line; std::getline(trace, line);) {
+    if (IsHeardByHost(line)) {
+      calls.push_back(line);
+    }
+  }
+  return calls;
+}
+
+// The parts of a printed page that a window can be asked for.
+nlohmann::json Visible(const nlohmann::json& printed) {
+  nlohmann::json page;
+  for (const auto* part : {"caption", "lists", "checks", "labels", "buttons", "status", "changed"}) {
+    page[part] = printed.at(part);
+  }
+  for (auto& list : page["lists"]) {
+    list.erase("back_color");
+  }
+  return page;
+}
+
+void Prepare(const SessionPlan& plan) {
+  const auto& folder = ProgramFolder::OfThisRun();
+  Store(folder.Configuration(), plan.Configuration);
+  Store(folder.Path() / "old.bak", SampleConfiguration());
+  std::filesystem::remove(folder.Path() / backupFile);
+  std::string commands;
+  for (const auto& command : plan.Commands) {
+    commands += command + "\n";
+  }
+  Store(folder.Path() / runFile, commands + "page\n");
+}
+
+void TakeFiles(PlayedSession& played) {
+  const auto& folder = ProgramFolder::OfThisRun();
+  played.Configuration = ContentOf(folder.Configuration());
+  played.Backup = ContentOf(folder.Path() / backupFile);
+}
+
+std::vector<std::string> BenchArguments(const SessionPlan& plan) {
+  const auto& folder = ProgramFolder::OfThisRun();
+  std::vector<std::string> arguments{"--folder", folder.Text(),   "--link",  plan.Link,
+                                     "--json",   "--trace-reads", "--trace", folder.FileText(traceFile)};
+  for (const auto& answer : plan.Answers) {
+    arguments.insert(arguments.end(), {"--answer", answer});
+  }
+  if (plan.AffirmsRest) {
+    arguments.emplace_back("--yes");
+  }
+  if (plan.OffersDialog) {
+    arguments.emplace_back("--host-dialog");
+  }
+  arguments.insert(arguments.end(), {"run", folder.FileText(runFile)});
+  return arguments;
+}
+
+BenchHost::Setup HostSetup(const SessionPlan& plan) {
+  BenchHost::Setup setup{.Folder = ProgramFolder::OfThisRun().Text(), .OffersDialog = plan.OffersDialog};
+  for (const auto& answer : plan.Answers) {
+    setup.Answers.Listed.push_back(ParseAnswers(answer).front());
+  }
+  setup.Answers.AffirmsRest = plan.AffirmsRest;
+  return setup;
+}
+
+}  // namespace
+
+PlayedSession PlayOnBench(const SessionPlan& plan) {
+  Prepare(plan);
+  std::istringstream noInput;
+  std::ostringstream output;
+  std::ostringstream errors;
+  RunBench(BenchArguments(plan), noInput, output, errors);
+  PlayedSession played;
+  std::istringstream trace{ContentOf(ProgramFolder::OfThisRun().Path() / traceFile)};
+  played.Calls = HostCalls(trace);
+  played.Page = Visible(nlohmann::json::parse(output.str()).back());
+  TakeFiles(played);
+  return played;
+}
+
+PlayedSession PlayOnModule(const SessionPlan& plan) {
+  Prepare(plan);
+  auto& folder = ProgramFolder::OfThisRun();
+  std::stringstream trace;
+  std::ostringstream unread;
+  TraceLog log{trace, true};
+  const auto setup = HostSetup(plan);
+  InterruptFlag interrupt;
+  Console console{unread, unread, {.IsQuiet = true, .ResultsGoToNotes = false, .NotesWidth = {}}};
+  BenchHost host{setup, CreateLink(plan.Link, 5, interrupt), nullptr, console};
+  const auto process = Traced(host.Process(), log);
+  const OfferedSettings settings{[&] { return process->CreateIniFileService(); }};
+  Player player{setup.Answers, [](const std::string&) {}};
+  const DialogueHooks hooks{folder.Module().Module(), &log, player};
+  PlayedSession played;
+  std::istringstream noInput;
+  {
+    const ComSession session{folder.Module().Create(), OfferHostObject(Traced(host.Object(), log)),
+                             OfferHostWindow(Traced(host.Window(), log), plan.Panels)};
+    const PageDriver page{session.Frame()};
+    for (const auto& action : ParseJob({"run", folder.FileText(runFile)}, std::nullopt, noInput).Actions) {
+      player.Play(action, page);
+    }
+    ActionResult last{.Request = {}, .Happened = {}};
+    last.Page = ShownPage{.Caption = session.Caption(),
+                          .Page = page.Shown(),
+                          .Status = host.StatusText(),
+                          .Changed = host.Changed()};
+    played.Page = Visible(nlohmann::json::parse(ResultsJson({last}, true).dump()).back());
+  }
+  played.Calls = HostCalls(trace);
+  TakeFiles(played);
+  return played;
+}
+
+}  // namespace zolvane

@@ -1,0 +1,32 @@
+// A session as the bench plays it on the portable parts, and the same session as a host of the module sees it.
+#pragma once
+
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+#include "bench/windows/offered_host.h"
+
+namespace zolvane {
+
+struct SessionPlan {
+  std::string Configuration;
+  std::vector<std::string> Commands;  // as in a run file
+  std::string Link = "sim";
+  std::vector<std::string> Answers{};
+  bool AffirmsRest = false;
+  bool OffersDialog = false;
+  PanelsShape Panels = PanelsShape::DefaultMember;
+};
+
+struct PlayedSession {
+  std::vector<std::string> Calls;  // of the host, in their order
+  std::string Configuration;       // afterwards
+  std::string Backup;              // the file "new.bak" beside it, afterwards
+  nlohmann::json Page;             // at the end, as the bench prints it
+};
+
+PlayedSession PlayOnBench(const SessionPlan& plan);
+PlayedSession PlayOnModule(const SessionPlan& plan);
+
+}  // namespace zolvane

@@ -1,0 +1,40 @@
+// A program folder of its own, with the module and a configuration in it, as an installation leaves them.
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <string>
+
+#include "bench/windows/add_in_class.h"
+
+namespace zolvane {
+
+std::string ContentOf(const std::filesystem::path& file);
+void Store(const std::filesystem::path& file, const std::string& content);
+
+// The configuration that comes with the program.
+std::string SampleConfiguration();
+
+// One for the whole test program, since a module is loaded once in the life of a host. COM is in use meanwhile.
+class ProgramFolder {
+ public:
+  static ProgramFolder& OfThisRun();
+
+  ~ProgramFolder();
+  ProgramFolder(const ProgramFolder&) = delete;
+  ProgramFolder& operator=(const ProgramFolder&) = delete;
+
+  const AddInFile& Module() const { return *module_; }
+  std::filesystem::path Path() const { return path_; }
+  std::string Text() const { return path_.string(); }
+  std::string FileText(const std::string& name) const { return (path_ / name).string(); }
+  std::filesystem::path Configuration() const { return path_ / "Zolvane.ini"; }
+
+ private:
+  ProgramFolder();
+
+  std::filesystem::path path_;
+  std::unique_ptr<AddInFile> module_;
+};
+
+}  // namespace zolvane
