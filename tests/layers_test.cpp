@@ -66,8 +66,8 @@ class Stripper {
 
   std::string Run() {
     while (!rest_.empty()) {
-      const bool isDigitSeparator =
-          rest_[0] == '\'' && !result_.empty() && std::isalnum(static_cast<unsigned char>(result_.back())) != 0;
+      const bool isDigitSeparator = rest_[0] == '\'' && !result_.empty() &&
+                                    std::isalnum(static_cast<unsigned char>(result_.back())) != 0;
       if (rest_.starts_with("//")) {
         rest_.remove_prefix(std::min(rest_.find('\n'), rest_.size()));
       } else if (rest_.starts_with("/*")) {
@@ -156,27 +156,102 @@ bool HasWord(std::string_view text, std::string_view word) {
 // ---- The rules ----
 
 bool IsStandardHeader(const std::string& name) {
-  static const std::set<std::string> headers{
-      "algorithm",     "any",           "array",         "atomic",         "barrier",
-      "bit",           "bitset",        "cassert",       "cctype",         "cerrno",
-      "cfenv",         "cfloat",        "charconv",      "chrono",         "cinttypes",
-      "climits",       "clocale",       "cmath",         "compare",        "complex",
-      "concepts",      "condition_variable", "coroutine", "csetjmp",       "csignal",
-      "cstdarg",       "cstddef",       "cstdint",       "cstdio",         "cstdlib",
-      "cstring",       "ctime",         "cuchar",        "cwchar",         "cwctype",
-      "deque",         "exception",     "execution",     "filesystem",     "format",
-      "forward_list",  "fstream",       "functional",    "future",         "initializer_list",
-      "iomanip",       "ios",           "iosfwd",        "iostream",       "istream",
-      "iterator",      "latch",         "limits",        "list",           "locale",
-      "map",           "memory",        "memory_resource", "mutex",        "new",
-      "numbers",       "numeric",       "optional",      "ostream",        "queue",
-      "random",        "ranges",        "ratio",         "regex",          "scoped_allocator",
-      "semaphore",     "set",           "shared_mutex",  "source_location", "span",
-      "sstream",       "stack",         "stdexcept",     "stop_token",     "streambuf",
-      "string",        "string_view",   "syncstream",    "system_error",   "thread",
-      "tuple",         "type_traits",   "typeindex",     "typeinfo",       "unordered_map",
-      "unordered_set", "utility",       "valarray",      "variant",        "vector",
-      "version"};
+  static const std::set<std::string> headers{"algorithm",
+                                             "any",
+                                             "array",
+                                             "atomic",
+                                             "barrier",
+                                             "bit",
+                                             "bitset",
+                                             "cassert",
+                                             "cctype",
+                                             "cerrno",
+                                             "cfenv",
+                                             "cfloat",
+                                             "charconv",
+                                             "chrono",
+                                             "cinttypes",
+                                             "climits",
+                                             "clocale",
+                                             "cmath",
+                                             "compare",
+                                             "complex",
+                                             "concepts",
+                                             "condition_variable",
+                                             "coroutine",
+                                             "csetjmp",
+                                             "csignal",
+                                             "cstdarg",
+                                             "cstddef",
+                                             "cstdint",
+                                             "cstdio",
+                                             "cstdlib",
+                                             "cstring",
+                                             "ctime",
+                                             "cuchar",
+                                             "cwchar",
+                                             "cwctype",
+                                             "deque",
+                                             "exception",
+                                             "execution",
+                                             "filesystem",
+                                             "format",
+                                             "forward_list",
+                                             "fstream",
+                                             "functional",
+                                             "future",
+                                             "initializer_list",
+                                             "iomanip",
+                                             "ios",
+                                             "iosfwd",
+                                             "iostream",
+                                             "istream",
+                                             "iterator",
+                                             "latch",
+                                             "limits",
+                                             "list",
+                                             "locale",
+                                             "map",
+                                             "memory",
+                                             "memory_resource",
+                                             "mutex",
+                                             "new",
+                                             "numbers",
+                                             "numeric",
+                                             "optional",
+                                             "ostream",
+                                             "queue",
+                                             "random",
+                                             "ranges",
+                                             "ratio",
+                                             "regex",
+                                             "scoped_allocator",
+                                             "semaphore",
+                                             "set",
+                                             "shared_mutex",
+                                             "source_location",
+                                             "span",
+                                             "sstream",
+                                             "stack",
+                                             "stdexcept",
+                                             "stop_token",
+                                             "streambuf",
+                                             "string",
+                                             "string_view",
+                                             "syncstream",
+                                             "system_error",
+                                             "thread",
+                                             "tuple",
+                                             "type_traits",
+                                             "typeindex",
+                                             "typeinfo",
+                                             "unordered_map",
+                                             "unordered_set",
+                                             "utility",
+                                             "valarray",
+                                             "variant",
+                                             "vector",
+                                             "version"};
   return headers.contains(name);
 }
 
@@ -185,8 +260,8 @@ bool IsLibraryOfTheBench(std::string_view name) {
 }
 
 bool IsPosixHeader(std::string_view name) {
-  constexpr std::array headers{"fcntl.h",  "poll.h",   "pty.h",    "signal.h",
-                               "stdlib.h", "stdio.h",  "termios.h", "unistd.h"};
+  constexpr std::array headers{"fcntl.h",  "poll.h",  "pty.h",     "signal.h",
+                               "stdlib.h", "stdio.h", "termios.h", "unistd.h"};
   return name.starts_with("sys/") || std::ranges::find(headers, name) != headers.end();
 }
 
@@ -202,7 +277,8 @@ bool MayIncludeSystemHeader(std::string_view path, const Layer& layer, const std
   if (layer.IsPortable) {
     return false;
   }
-  return IsForWindows(path) || IsLibraryOfTheBench(name) || (path.ends_with("_posix.cpp") && IsPosixHeader(name));
+  return IsForWindows(path) || IsLibraryOfTheBench(name) ||
+         (path.ends_with("_posix.cpp") && IsPosixHeader(name));
 }
 
 bool MayInclude(std::string_view path, const Layer& layer, const Include& include) {
@@ -285,8 +361,9 @@ TEST(Layers, EndInHeadersThatExist) {
 // ---- The rules on made-up sources ----
 
 TEST(LayerRules, AllowAFolderItselfAndThoseToItsLeft) {
-  EXPECT_EQ(ViolationsOf("link/a.cpp", "#include \"link/b.h\"\n#include \"config/c.h\"\n#include \"host/d.h\"\n"),
-            Texts{});
+  EXPECT_EQ(
+      ViolationsOf("link/a.cpp", "#include \"link/b.h\"\n#include \"config/c.h\"\n#include \"host/d.h\"\n"),
+      Texts{});
   EXPECT_EQ(ViolationsOf("shell/windows/a.cpp", "#include \"shell/b.h\"\n#include \"shell/windows/c.h\"\n"),
             Texts{});
   EXPECT_EQ(ViolationsOf("bench/links/a.cpp", "#include \"bench/b.h\"\n#include \"shell/c.h\"\n"), Texts{});
@@ -320,7 +397,8 @@ TEST(LayerRules, AllowNothingButTheStandardLibraryInPortableFolders) {
   for (const auto* name : {"windows.h", "asio.hpp", "nlohmann/json.hpp", "unistd.h", "string.h"}) {
     for (const auto* folder : {"host", "config", "link", "transfer", "page", "shell"}) {
       const auto path = std::string{folder} + "/a_windows.cpp";
-      EXPECT_EQ(ViolationsOf(path, std::string{"#include <"} + name + ">"), Texts{path + " includes " + name});
+      EXPECT_EQ(ViolationsOf(path, std::string{"#include <"} + name + ">"),
+                Texts{path + " includes " + name});
     }
   }
   EXPECT_EQ(ViolationsOf("link/a.cpp", "#include <string>\n#include <filesystem>\n"), Texts{});
@@ -337,7 +415,8 @@ TEST(LayerRules, KeepHeadersOfWindowsWhereTheyBelong) {
 }
 
 TEST(LayerRules, AllowTheBenchItsLibrariesAndPosixInItsOwnFiles) {
-  EXPECT_EQ(ViolationsOf("bench/a.cpp", "#include <asio.hpp>\n#include <CLI/CLI.hpp>\n#include <vector>"), Texts{});
+  EXPECT_EQ(ViolationsOf("bench/a.cpp", "#include <asio.hpp>\n#include <CLI/CLI.hpp>\n#include <vector>"),
+            Texts{});
   EXPECT_EQ(ViolationsOf("bench/a_posix.cpp", "#include <sys/ioctl.h>\n#include <termios.h>\n"), Texts{});
   EXPECT_EQ(ViolationsOf("bench/a.cpp", "#include <termios.h>\n").size(), 1U);
   EXPECT_EQ(ViolationsOf("bench/a.cpp", "#include <boost/any.hpp>\n").size(), 1U);
@@ -350,12 +429,14 @@ TEST(LayerRules, RefuseExceptionsInPortableFoldersAlone) {
 }
 
 TEST(LayerRules, LookPastCommentsAndLiterals) {
-  EXPECT_EQ(ViolationsOf("link/a.cpp",
-                         "// try again, throw nothing\n/* catch\n#include <windows.h>\n*/ int retry = 1'000;\n"
-                         "const char* text = \"try \\\" catch\"; char c = '\\''; auto r = R\"x(throw \" )\" )x\";\n"
-                         "int catching; // #include \"page/b.h\"\n"),
-            Texts{});
-  EXPECT_EQ(ViolationsOf("link/a.cpp", "char c = '\"'; throw 1; char d = '\"';"), Texts{"link/a.cpp says throw"});
+  EXPECT_EQ(
+      ViolationsOf("link/a.cpp",
+                   "// try again, throw nothing\n/* catch\n#include <windows.h>\n*/ int retry = 1'000;\n"
+                   "const char* text = \"try \\\" catch\"; char c = '\\''; auto r = R\"x(throw \" )\" )x\";\n"
+                   "int catching; // #include \"page/b.h\"\n"),
+      Texts{});
+  EXPECT_EQ(ViolationsOf("link/a.cpp", "char c = '\"'; throw 1; char d = '\"';"),
+            Texts{"link/a.cpp says throw"});
   EXPECT_EQ(ViolationsOf("link/a.cpp", "int n = 1'000; throw 2'000;"), Texts{"link/a.cpp says throw"});
 }
 

@@ -32,7 +32,7 @@ struct Operation {
   std::string Name;
   std::function<void(FakeHost& host)> Prepare;
   std::function<void(DeviceSetupPage& page)> Run;
-  std::size_t EndStepCalls = 0;     // how many of its last calls are its end step
+  std::size_t EndStepCalls = 0;   // how many of its last calls are its end step
   bool ReadsWhatItWrote = false;  // in the file or on the status line
   bool IsOnAFilledPage = false;
 };
@@ -108,7 +108,7 @@ void ShortenTables(FakeHost& host) {
 void PrepareDownload(FakeHost& host) {
   ShortenTables(host);
   host.Link().DefaultReply = Answer("x=400");
-  }
+}
 
 void PrepareExport(FakeHost& host) {
   host.Process.FileAnswers = {backupFile};
@@ -131,8 +131,8 @@ constexpr std::size_t enablingCalls = 19;
 
 const Operation load{"load", PrepareNothing, [](DeviceSetupPage& page) { page.LoadDefaults(); }, 4};
 const Operation query{"query", PrepareQuery, Press(queryButton), enablingCalls, true, true};
-const Operation silentQuery{"query of a silent instrument", PrepareSilentQuery, Press(queryButton), enablingCalls,
-                            true, true};
+const Operation silentQuery{
+    "query of a silent instrument", PrepareSilentQuery, Press(queryButton), enablingCalls, true, true};
 const Operation upload{"upload", ShortenTables, Press(uploadButton), 2 + enablingCalls};
 const Operation download{"download", PrepareDownload, Press(downloadButton), 2 + enablingCalls, true};
 const Operation importing{"import", PrepareImport, Press(importButton), 1 + enablingCalls, false, true};
@@ -175,13 +175,14 @@ bool IsWithoutConsequence(const Operation& operation, std::string_view call) {
 }
 
 bool IsOfEnabling(std::string_view call) {
-  return call.starts_with("view ") &&
-         (call.find(" enabled ") != std::string_view::npos || call.find(" colour ") != std::string_view::npos);
+  return call.starts_with("view ") && (call.find(" enabled ") != std::string_view::npos ||
+                                       call.find(" colour ") != std::string_view::npos);
 }
 
 // The calls without those at [first, last).
 Texts Without(Texts calls, std::size_t first, std::size_t last) {
-  calls.erase(calls.begin() + static_cast<std::ptrdiff_t>(first), calls.begin() + static_cast<std::ptrdiff_t>(last));
+  calls.erase(calls.begin() + static_cast<std::ptrdiff_t>(first),
+              calls.begin() + static_cast<std::ptrdiff_t>(last));
   return calls;
 }
 
@@ -411,8 +412,8 @@ TEST(OneFailure, ToSplitATextLeavesTheEndStep) {
 TEST(ManyFailures, LeaveEveryOperationItsEndStep) {
   for (const auto& operation : {query, silentQuery, upload, download, importing, exporting}) {
     const auto clean = CleanRunOf(operation);
-    for (const auto* kind : {"read", "write", "split", "get link", "stop?", "stop=", "hold=", "send", "status",
-                             "changed", "log", "box", "dialogue", "append", "open", "save"}) {
+    for (const auto* kind : {"read", "write", "split", "get link", "stop?", "stop=", "hold=", "send",
+                             "status", "changed", "log", "box", "dialogue", "append", "open", "save"}) {
       OperationRun run{operation, false};
       run.Fakes.Calls.FailEverythingThatStartsWith(kind);
       run.Go();
@@ -429,7 +430,8 @@ TEST(ManyFailures, LeaveEveryOperationItsEndWhenNothingWorksAtAll) {
     run.Fakes.Calls.FailsIf = [](auto) { return true; };
     run.Go();
     const auto calls = run.Calls();
-    EXPECT_TRUE(StartsWithOneOf(calls.back(), {"view cmdButton(2) enabled true", "status=", "view cmdButton(4)"}))
+    EXPECT_TRUE(
+        StartsWithOneOf(calls.back(), {"view cmdButton(2) enabled true", "status=", "view cmdButton(4)"}))
         << operation.Name << " ends with " << calls.back();
     EXPECT_EQ(run.Fakes.Settings().Text(), before) << operation.Name;
     EXPECT_EQ(run.Fakes.Settings().Text(backupFile), backupBefore) << operation.Name;

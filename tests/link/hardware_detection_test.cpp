@@ -129,8 +129,8 @@ TEST(QueryHardware, GoesOnWhenTheStopFlagIsTakenBack) {
     return false;
   };
   QueryHardware(fixture.Context);
-  EXPECT_EQ(fixture.Sent(), (Texts{"send STATUS_STAGE", "send RFID ON", "send RFID READ_PERSISTENT",
-                                   "send STATUS PUMPS"}));
+  EXPECT_EQ(fixture.Sent(),
+            (Texts{"send STATUS_STAGE", "send RFID ON", "send RFID READ_PERSISTENT", "send STATUS PUMPS"}));
 }
 
 TEST(QueryHardware, RunsOnlyTheFirstStepWhenTheStopFlagCannotBeRead) {
@@ -146,9 +146,10 @@ TEST(QueryHardware, GoesOnAfterCommandsThatFailAndShowsOneBoxForEach) {
   fixture.Link().DefaultReply = NoAnswer();
   const auto before = fixture.Settings().Text();
   QueryHardware(fixture.Context);
-  EXPECT_EQ(fixture.Calls.Of({"message"}),
-            (Texts{CommunicationError("Getting Zolvane Type"), CommunicationError("Getting Pipette Module Type"),
-                   CommunicationError("Enabling RFID"), CommunicationError("Getting Pump Module Status")}));
+  EXPECT_EQ(
+      fixture.Calls.Of({"message"}),
+      (Texts{CommunicationError("Getting Zolvane Type"), CommunicationError("Getting Pipette Module Type"),
+             CommunicationError("Enabling RFID"), CommunicationError("Getting Pump Module Status")}));
   EXPECT_EQ(fixture.Settings().Text(), before);
   EXPECT_EQ(fixture.Calls.Of({"write", "select", "pump"}), Texts{});
   EXPECT_EQ(fixture.Window->Panel->Shown, "");
@@ -167,10 +168,11 @@ TEST(QueryHardware, RunsToItsEndWithoutAnyHost) {
   DetectionFixture fixture;
   fixture.Attachment = {};
   QueryHardware(fixture.Context);
-  EXPECT_EQ(fixture.Steps(), (Texts{"enable controls false",
-                                    "message 0 \"Communication Error\" \"\r\n\r\nPlease ensure that the Zolvane "
-                                    "is switched on\r\nand in 'Remote Mode'\"",
-                                    "enable controls true"}));
+  EXPECT_EQ(fixture.Steps(),
+            (Texts{"enable controls false",
+                   "message 0 \"Communication Error\" \"\r\n\r\nPlease ensure that the Zolvane "
+                   "is switched on\r\nand in 'Remote Mode'\"",
+                   "enable controls true"}));
 }
 
 // ---- Device ----
@@ -190,19 +192,19 @@ TEST(DetectDeviceType, LooksUpWritesReloadsAndSelectsInThisOrder) {
   fixture.Reply("STATUS_STAGE", "ZV400");
   DetectDeviceType(fixture.Context);
   const auto calls = fixture.Calls.Of({"status", "send", "read [DeviceType] I", "write", "select"});
-  EXPECT_EQ(calls, (Texts{"status=Getting Zolvane Type", "send STATUS_STAGE", "read [DeviceType] Item1",
-                          "read [DeviceType] Item2", "write [DeviceType] Installed=2",
-                          "read [DeviceType] Installed", "read [DeviceType] Item2",
-                          "read [DeviceType] ImportCalibrationData default \"1\"", "select modules 1",
-                          "status="}));
+  EXPECT_EQ(calls,
+            (Texts{"status=Getting Zolvane Type", "send STATUS_STAGE", "read [DeviceType] Item1",
+                   "read [DeviceType] Item2", "write [DeviceType] Installed=2", "read [DeviceType] Installed",
+                   "read [DeviceType] Item2", "read [DeviceType] ImportCalibrationData default \"1\"",
+                   "select modules 1", "status="}));
 }
 
 TEST(DetectDeviceType, ReloadsTheDeviceAlone) {
   DetectionFixture fixture;
   fixture.Reply("STATUS_STAGE", "ZV400");
   DetectDeviceType(fixture.Context);
-  EXPECT_EQ(fixture.Calls.Of({"read [Z_", "read [Cage", "read [Device_Type", "read [Head", "read [Tip",
-                              "read [Nest"}),
+  EXPECT_EQ(fixture.Calls.Of(
+                {"read [Z_", "read [Cage", "read [Device_Type", "read [Head", "read [Tip", "read [Nest"}),
             Texts{});
 }
 
@@ -283,7 +285,8 @@ TEST(DetectModuleType, LooksAtTheModuleCodeAndAtNoOtherField) {
 }
 
 TEST(DetectModuleType, WritesZeroForAnyOtherReplyAndThenSelectsThePositionOfNoName) {
-  for (const auto* reply : {"sd", "Sd", " SD", "SD ", "96/384 ", "96", "SERIALDILUTE", "MICROTITER", "", "SD\n"}) {
+  for (const auto* reply :
+       {"sd", "Sd", " SD", "SD ", "96/384 ", "96", "SERIALDILUTE", "MICROTITER", "", "SD\n"}) {
     DetectionFixture fixture;
     fixture.Reply("STATUS_MECH", reply);
     DetectModuleType(fixture.Context);
@@ -373,18 +376,18 @@ TEST(DetectHeadType, WritesNothingWhenTheTagCannotBeRead) {
   DetectionFixture fixture;
   fixture.Link().Replies["RFID READ_PERSISTENT"] = {NoAnswer()};
   DetectHeadType(fixture.Context);
-  EXPECT_EQ(fixture.Steps(), (Texts{"status=Enabling RFID", "send RFID ON", "status=Getting Head Type",
-                                    "send RFID READ_PERSISTENT", CommunicationError("Getting Head Type"),
-                                    "status="}));
+  EXPECT_EQ(fixture.Steps(),
+            (Texts{"status=Enabling RFID", "send RFID ON", "status=Getting Head Type",
+                   "send RFID READ_PERSISTENT", CommunicationError("Getting Head Type"), "status="}));
 }
 
 TEST(DetectHeadType, RecordsTheHeadWithTheTagAndLeavesTheReaderOn) {
   DetectionFixture fixture;
   fixture.ReplyWithTag("1,2,TAG2,4,5");
   DetectHeadType(fixture.Context);
-  EXPECT_EQ(fixture.Steps(),
-            (Texts{"status=Enabling RFID", "send RFID ON", "status=Getting Head Type",
-                   "send RFID READ_PERSISTENT", "write [HeadType] Installed=2", "select heads 1", "status="}));
+  EXPECT_EQ(fixture.Steps(), (Texts{"status=Enabling RFID", "send RFID ON", "status=Getting Head Type",
+                                    "send RFID READ_PERSISTENT", "write [HeadType] Installed=2",
+                                    "select heads 1", "status="}));
 }
 
 TEST(DetectHeadType, StopsSearchingAtTheMatch) {
@@ -421,7 +424,8 @@ TEST(DetectHeadType, WritesZeroForAnUnknownTagAndSelectsThePositionOfTheEndOfThe
 }
 
 TEST(DetectHeadType, TakesAReplyWithoutExactlyFiveFieldsForNoMatch) {
-  for (const auto* reply : {"1,2,TAG2,4", "1,2,TAG2,4,", "1,2,TAG2,4,5,6", "TAG2", "", ",,,,", "1;2;TAG2;4;5"}) {
+  for (const auto* reply :
+       {"1,2,TAG2,4", "1,2,TAG2,4,", "1,2,TAG2,4,5,6", "TAG2", "", ",,,,", "1;2;TAG2;4;5"}) {
     DetectionFixture fixture;
     fixture.ReplyWithTag(reply);
     DetectHeadType(fixture.Context);

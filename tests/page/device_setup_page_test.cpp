@@ -130,11 +130,12 @@ TEST(LoadingThePage, LoadsTheRecordsInForceBeforeItFillsAnything) {
                                        "read [Device_TypeLarge_CageWide]", "read [HeadType] Item4",
                                        "read [TipType] TipChute", "read [NestType] Installed"});
   ASSERT_GE(calls.size(), 8U);
-  EXPECT_EQ(Texts(calls.begin(), calls.begin() + 8),
-            (Texts{"read [Z_Calibration] MountHeight", "read [DeviceType] UploadCalibrationData default \"1\"",
-                   "read [CageType] CageReleaseHeight", "read [Device_TypeLarge_CageWide] Axis1",
-                   "read [HeadType] Item4", "read [TipType] TipChuteClearOffset default \"12.5\"",
-                   "read [NestType] Installed", "view cboDeviceType entries Small=1|Large=2"}));
+  EXPECT_EQ(
+      Texts(calls.begin(), calls.begin() + 8),
+      (Texts{"read [Z_Calibration] MountHeight", "read [DeviceType] UploadCalibrationData default \"1\"",
+             "read [CageType] CageReleaseHeight", "read [Device_TypeLarge_CageWide] Axis1",
+             "read [HeadType] Item4", "read [TipType] TipChuteClearOffset default \"12.5\"",
+             "read [NestType] Installed", "view cboDeviceType entries Small=1|Large=2"}));
   EXPECT_EQ(fixture.Config.Current.Device.Name, "Large");
   EXPECT_EQ(fixture.Config.Current.Nest.Name, "Nest");
 }
@@ -165,8 +166,8 @@ TEST(LoadingThePage, AddsNotInstalledToEveryListButTheDevices) {
   PageFixture fixture{""};
   fixture.Page.LoadDefaults();
   EXPECT_EQ(fixture.EntriesOf(ListControl::DeviceType), Texts{});
-  for (const auto list : {ListControl::CageType, ListControl::HeadType, ListControl::NestType,
-                          ListControl::TipType}) {
+  for (const auto list :
+       {ListControl::CageType, ListControl::HeadType, ListControl::NestType, ListControl::TipType}) {
     EXPECT_EQ(fixture.EntriesOf(list), Texts{"Not installed=0"});
     EXPECT_EQ(fixture.List(list).Selected, 0);
   }
@@ -217,9 +218,9 @@ TEST(LoadingThePage, RunsTheHandlerOfThePreselectionAndThenThatOfTheInstalledEnt
 }
 
 TEST(LoadingThePage, ShowsThePumpModuleByItsKey) {
-  for (const auto& [value, text] : {std::pair{"1", "Connected"}, std::pair{"True", "Connected"},
-                                    std::pair{"-1", "Connected"}, std::pair{"0", "Not Connected"},
-                                    std::pair{"false", "Not Connected"}}) {
+  for (const auto& [value, text] :
+       {std::pair{"1", "Connected"}, std::pair{"True", "Connected"}, std::pair{"-1", "Connected"},
+        std::pair{"0", "Not Connected"}, std::pair{"false", "Not Connected"}}) {
     PageFixture fixture;
     fixture.Settings().Set("PumpControl", "ModuleInstalled", value);
     fixture.Page.LoadDefaults();
@@ -241,10 +242,11 @@ TEST(LoadingThePage, LeavesThePumpLabelAloneWhenItsKeyDoesNotConvert) {
 TEST(LoadingThePage, ReadsPumpModuleAndSensorsWithoutADefaultInTheirOrder) {
   PageFixture fixture;
   fixture.Page.LoadDefaults();
-  EXPECT_EQ(fixture.Calls.Of({"read [PumpControl]", "read [DeviceType] Sensor", "read [DeviceType] SDXYEncodersE"}),
-            (Texts{"read [PumpControl] ModuleInstalled", "read [DeviceType] SensorEnableRFID",
-                   "read [DeviceType] SensorEnableHeadInstalled", "read [DeviceType] SensorEnableTipsInstalled",
-                   "read [DeviceType] SDXYEncodersEnable"}));
+  EXPECT_EQ(
+      fixture.Calls.Of({"read [PumpControl]", "read [DeviceType] Sensor", "read [DeviceType] SDXYEncodersE"}),
+      (Texts{"read [PumpControl] ModuleInstalled", "read [DeviceType] SensorEnableRFID",
+             "read [DeviceType] SensorEnableHeadInstalled", "read [DeviceType] SensorEnableTipsInstalled",
+             "read [DeviceType] SDXYEncodersEnable"}));
 }
 
 TEST(LoadingThePage, DoesNotRunTheHandlerOfABoxThatStaysAsItIs) {
@@ -280,7 +282,8 @@ TEST(LoadingThePage, ForTheSecondTimeRunsTheHandlersOfTheBoxesThatChange) {
   fixture.Settings().Set("DeviceType", "SensorEnableRFID", "False");
   fixture.Page.LoadDefaults();
   EXPECT_EQ(fixture.Calls.Of({"view chkRFID", "view chkTip", "write [DeviceType] Sensor", "changed"}),
-            (Texts{"view chkRFID checked 0", "write [DeviceType] SensorEnableRFID=0", "view chkTipSensor checked 1"}));
+            (Texts{"view chkRFID checked 0", "write [DeviceType] SensorEnableRFID=0",
+                   "view chkTipSensor checked 1"}));
 }
 
 TEST(LoadingThePage, ForTheSecondTimeShowsAGreyBoxAsTicked) {
@@ -386,8 +389,8 @@ TEST(SelectingAnEntry, ByTheProgramRunsTheSameHandlerAlsoInADisabledList) {
   PassOver(fixture.Page.EnableControls(false));
   fixture.Calls.Clear();
   EXPECT_TRUE(fixture.Page.SelectEntry(ListControl::CageType, 0).Ok());
-  EXPECT_EQ(fixture.Calls.Events, (Texts{"view cboCageType selected 0", "changed=false",
-                                         "write [CageType] Installed=1"}));
+  EXPECT_EQ(fixture.Calls.Events,
+            (Texts{"view cboCageType selected 0", "changed=false", "write [CageType] Installed=1"}));
 }
 
 TEST(SelectingAnEntry, FailsBeyondTheListAndLeavesTheSelection) {
@@ -471,12 +474,11 @@ TEST(SettingACheckBox, ThatTheViewCannotShowRunsNoHandler) {
 }
 
 TEST(PressingAButton, RunsTheOperationOfItsIndexToTheEnd) {
-  const std::pair<int, const char*> firstSteps[] = {
-      {0, "box 49 \"Upload Calibration Data to Zolvane\""},
-      {1, "box 49 \"Download Calibration Data to Zolvane\""},
-      {2, "send STATUS_STAGE"},
-      {3, "box 51 \"Import Calibration Data\""},
-      {4, "save dialogue"}};
+  const std::pair<int, const char*> firstSteps[] = {{0, "box 49 \"Upload Calibration Data to Zolvane\""},
+                                                    {1, "box 49 \"Download Calibration Data to Zolvane\""},
+                                                    {2, "send STATUS_STAGE"},
+                                                    {3, "box 51 \"Import Calibration Data\""},
+                                                    {4, "save dialogue"}};
   for (const auto& [index, firstStep] : firstSteps) {
     PageFixture fixture;
     fixture.Load();
@@ -521,8 +523,9 @@ TEST(PressingAButton, OfAnImportThatForbidsImportsDisablesTheButton) {
   PageFixture fixture;
   fixture.Settings().Set("DeviceType", "ImportCalibrationData", "1");
   fixture.Load();
-  fixture.Settings().Load("/backup/a.bak", "[DeviceType]\nItem1=\"Small\",0,\"Z\"\nItem2=\"Large\",0,\"Z\"\n"
-                                           "ImportCalibrationData=0\n");
+  fixture.Settings().Load("/backup/a.bak",
+                          "[DeviceType]\nItem1=\"Small\",0,\"Z\"\nItem2=\"Large\",0,\"Z\"\n"
+                          "ImportCalibrationData=0\n");
   fixture.Process.FileAnswers = {"/backup/a.bak"};
   fixture.Process.BoxAnswers = {message_answer::yes};
   fixture.Page.PressButton(importButton);
@@ -561,17 +564,17 @@ TEST(EnableControls, GoesThroughAllControlsInTheirOrder) {
   PageFixture fixture;
   fixture.Load();
   EXPECT_TRUE(fixture.Page.EnableControls(true).Ok());
-  EXPECT_EQ(fixture.Calls.Events,
-            (Texts{"view cmdButton(2) enabled true", "view cmdButton(0) enabled true",
-                   "view cmdButton(1) enabled false", "view cmdButton(3) enabled false",
-                   "view cmdButton(4) enabled true", "view chkEncoders enabled true",
-                   "view chkHeadSensor enabled true", "view chkRFID enabled true",
-                   "view chkTipSensor enabled true", "view cboDeviceType colour 2147483653",
-                   "view cboDeviceType enabled true", "view cboCageType colour 2147483653",
-                   "view cboCageType enabled true", "view cboHeadType colour 2147483653",
-                   "view cboHeadType enabled true", "view cboNestType colour 2147483653",
-                   "view cboNestType enabled true", "view cboTipType colour 2147483653",
-                   "view cboTipType enabled true"}));
+  EXPECT_EQ(
+      fixture.Calls.Events,
+      (Texts{"view cmdButton(2) enabled true", "view cmdButton(0) enabled true",
+             "view cmdButton(1) enabled false", "view cmdButton(3) enabled false",
+             "view cmdButton(4) enabled true", "view chkEncoders enabled true",
+             "view chkHeadSensor enabled true", "view chkRFID enabled true", "view chkTipSensor enabled true",
+             "view cboDeviceType colour 2147483653", "view cboDeviceType enabled true",
+             "view cboCageType colour 2147483653", "view cboCageType enabled true",
+             "view cboHeadType colour 2147483653", "view cboHeadType enabled true",
+             "view cboNestType colour 2147483653", "view cboNestType enabled true",
+             "view cboTipType colour 2147483653", "view cboTipType enabled true"}));
 }
 
 TEST(EnableControls, DisablesEverythingWhateverTheSwitches) {
@@ -733,12 +736,14 @@ TEST(TheCommunicationError, IsLoggedInOneLineAndShownInTheForeground) {
   fixture.Page.PressButton(queryButton);
   const auto calls = fixture.Calls.Of({"log", "box"});
   ASSERT_EQ(calls.size(), 12U);
-  EXPECT_EQ(calls[0],
-            "log ******* Message dialogue : Communication Error [Getting Zolvane Type, , Please ensure that the "
-            "Zolvane is switched on, and in 'Remote Mode']");
-  EXPECT_EQ(calls[1],
-            "box 65584 \"Communication Error\" \"Getting Zolvane Type\r\n\r\nPlease ensure that the Zolvane is "
-            "switched on\r\nand in 'Remote Mode'\"");
+  EXPECT_EQ(
+      calls[0],
+      "log ******* Message dialogue : Communication Error [Getting Zolvane Type, , Please ensure that the "
+      "Zolvane is switched on, and in 'Remote Mode']");
+  EXPECT_EQ(
+      calls[1],
+      "box 65584 \"Communication Error\" \"Getting Zolvane Type\r\n\r\nPlease ensure that the Zolvane is "
+      "switched on\r\nand in 'Remote Mode'\"");
   EXPECT_EQ(calls[2], "log ******* Message dialogue : button selected : 1");
 }
 

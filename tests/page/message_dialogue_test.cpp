@@ -179,9 +179,9 @@ TEST(HostMessageDialogue, IsUsedFurtherWhateverOfItsSettingUpFails) {
     fixture.Results() = {-1, 2};
     fixture.Calls.FailEverythingThatStartsWith(failing);
     EXPECT_EQ(fixture.Show("Text"), 2) << failing;
-    EXPECT_EQ(fixture.Calls.Of({"dialogue s", "dialogue t", "dialogue m"}),
-              (Texts{"dialogue style 0", "dialogue title Title", "dialogue message Text",
-                     "dialogue show true"}));
+    EXPECT_EQ(
+        fixture.Calls.Of({"dialogue s", "dialogue t", "dialogue m"}),
+        (Texts{"dialogue style 0", "dialogue title Title", "dialogue message Text", "dialogue show true"}));
   }
 }
 
@@ -198,8 +198,8 @@ TEST(HostMessageDialogue, ThatTheHostDoesNotGiveLetsTheMessageLoopRunOnce) {
   HostDialogueFixture fixture;
   fixture.Calls.FailEverythingThatStartsWith("get dialogue");
   fixture.Show("Text");
-  EXPECT_EQ(fixture.Calls.Events, (Texts{logged, "dialogue available?", "get dialogue", "yield",
-                                         LoggedAnswer(0)}));
+  EXPECT_EQ(fixture.Calls.Events,
+            (Texts{logged, "dialogue available?", "get dialogue", "yield", LoggedAnswer(0)}));
 }
 
 TEST(HostMessageDialogue, IsReleasedBeforeTheAnswerIsLogged) {

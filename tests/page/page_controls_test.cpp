@@ -19,7 +19,8 @@ Columns ColumnsOf(ListControl list) {
 }
 
 TEST(PageControls, HoldTheFiveLists) {
-  EXPECT_EQ(ColumnsOf(ListControl::DeviceType), (Columns{"cboDeviceType", "Zolvane", "DeviceType", "without"}));
+  EXPECT_EQ(ColumnsOf(ListControl::DeviceType),
+            (Columns{"cboDeviceType", "Zolvane", "DeviceType", "without"}));
   EXPECT_EQ(ColumnsOf(ListControl::CageType),
             (Columns{"cboCageType", "Pipette Module", "CageType", "with Not installed"}));
   EXPECT_EQ(ColumnsOf(ListControl::HeadType),
@@ -54,8 +55,7 @@ TEST(PageControls, HoldTheFiveButtons) {
     names.push_back(row.Name);
     captions.push_back(row.Caption);
   }
-  EXPECT_EQ(names,
-            (Columns{"cmdButton(0)", "cmdButton(1)", "cmdButton(2)", "cmdButton(3)", "cmdButton(4)"}));
+  EXPECT_EQ(names, (Columns{"cmdButton(0)", "cmdButton(1)", "cmdButton(2)", "cmdButton(3)", "cmdButton(4)"}));
   EXPECT_EQ(captions, (Columns{"Save To Zolvane", "Load From Zolvane", "Query Zolvane", "Load from File",
                                "Save To File"}));
 }

@@ -33,7 +33,9 @@ TEST(StartAndConfirm, AsksInABoxWithOkAndCancelAndTheExclamationIcon) {
 
 TEST(StartAndConfirm, AsksAlsoWhenStatusAndControlsCannotBeSet) {
   OperationFixture fixture;
-  fixture.Calls.FailsIf = [](auto event) { return event.starts_with("status") || event.starts_with("enable"); };
+  fixture.Calls.FailsIf = [](auto event) {
+    return event.starts_with("status") || event.starts_with("enable");
+  };
   EXPECT_EQ(StartAndConfirm(fixture.Context, "status", "title", "question"), message_answer::ok);
 }
 

@@ -52,22 +52,24 @@ struct DownloadFixture : OperationFixture {
 // ---- The whole ----
 
 TEST(Download, AsksForConfirmationRunsItsStepsAndEnds) {
-  DownloadFixture fixture{"[HeadType]\nItem1=\"h\",CALIBRATE,0,0,0,1\n"
-                          "[TipType]\nItem1=\"t\",SERIALDILUTE\n"};
+  DownloadFixture fixture{
+      "[HeadType]\nItem1=\"h\",CALIBRATE,0,0,0,1\n"
+      "[TipType]\nItem1=\"t\",SERIALDILUTE\n"};
   fixture.Link().DefaultReply = NoAnswer();
   DownloadCalibration(fixture.Context);
-  EXPECT_EQ(fixture.Calls.Of({"status=", "enable", "box", "send GET_CALIBRATION STAGE1", "send GET_CALIBRATION D",
-                              "send GET_CALIBRATION W", "send GET_CALIBRATION HeadE", "changed", "write"}),
-            (Texts{"status=Downloading Data from Zolvane", "enable controls false", question,
-                   "status=Downloading Data from Zolvane...Stage XY", "send GET_CALIBRATION STAGE1_X",
-                   "send GET_CALIBRATION WASH_X", "status=Downloading Data from Zolvane...Heights",
-                   "send GET_CALIBRATION Delta_Z", "status=Downloading Data from Zolvane...Liquid Handling",
-                   "send GET_CALIBRATION HeadEject_SD_S",
-                   "write [HeadType] Item1=\"h\",CALIBRATE,0,0,0,1,0,0,0,0,0,0,0,0,0,0,,0,\"\"",
-                   "status=Downloading Data from Zolvane...Tip Data",
-                   "write [TipType] Item1=\"t\",SERIALDILUTE,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,\"\"",
-                   "status=Downloading Data from Zolvane...SD XY", "send GET_CALIBRATION WELL_A1_SD_X",
-                   "changed=false", "status=", "enable controls true"}));
+  EXPECT_EQ(
+      fixture.Calls.Of({"status=", "enable", "box", "send GET_CALIBRATION STAGE1", "send GET_CALIBRATION D",
+                        "send GET_CALIBRATION W", "send GET_CALIBRATION HeadE", "changed", "write"}),
+      (Texts{"status=Downloading Data from Zolvane", "enable controls false", question,
+             "status=Downloading Data from Zolvane...Stage XY", "send GET_CALIBRATION STAGE1_X",
+             "send GET_CALIBRATION WASH_X", "status=Downloading Data from Zolvane...Heights",
+             "send GET_CALIBRATION Delta_Z", "status=Downloading Data from Zolvane...Liquid Handling",
+             "send GET_CALIBRATION HeadEject_SD_S",
+             "write [HeadType] Item1=\"h\",CALIBRATE,0,0,0,1,0,0,0,0,0,0,0,0,0,0,,0,\"\"",
+             "status=Downloading Data from Zolvane...Tip Data",
+             "write [TipType] Item1=\"t\",SERIALDILUTE,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,\"\"",
+             "status=Downloading Data from Zolvane...SD XY", "send GET_CALIBRATION WELL_A1_SD_X",
+             "changed=false", "status=", "enable controls true"}));
 }
 
 TEST(Download, LoadsTheRecordsInForceBeforeItAsks) {
@@ -75,16 +77,16 @@ TEST(Download, LoadsTheRecordsInForceBeforeItAsks) {
   fixture.Process.BoxAnswers = {message_answer::cancel};
   fixture.Config.Current = {};
   DownloadCalibration(fixture.Context);
-  EXPECT_EQ(fixture.Calls.Of({"status", "enable", "box", "read [Z_Calibration] MountHeight",
-                              "read [DeviceType] Installed", "read [CageType] Installed", "read [Device_Type",
-                              "read [HeadType] Installed", "read [TipType] Installed",
-                              "read [NestType] Installed"}),
-            (Texts{"status=Downloading Data from Zolvane", "enable controls false",
-                   "read [Z_Calibration] MountHeight", "read [DeviceType] Installed",
-                   "read [CageType] Installed", "read [Device_TypeD_CageC] Axis1",
-                   "read [Device_TypeD_CageC] Axis2", "read [Device_TypeD_CageC] Axis3",
-                   "read [HeadType] Installed", "read [TipType] Installed", "read [NestType] Installed",
-                   question}));
+  EXPECT_EQ(
+      fixture.Calls.Of({"status", "enable", "box", "read [Z_Calibration] MountHeight",
+                        "read [DeviceType] Installed", "read [CageType] Installed", "read [Device_Type",
+                        "read [HeadType] Installed", "read [TipType] Installed",
+                        "read [NestType] Installed"}),
+      (Texts{"status=Downloading Data from Zolvane", "enable controls false",
+             "read [Z_Calibration] MountHeight", "read [DeviceType] Installed", "read [CageType] Installed",
+             "read [Device_TypeD_CageC] Axis1", "read [Device_TypeD_CageC] Axis2",
+             "read [Device_TypeD_CageC] Axis3", "read [HeadType] Installed", "read [TipType] Installed",
+             "read [NestType] Installed", question}));
   EXPECT_EQ(fixture.Config.Current.Axes.S.UnitsPerStep, 2.0F);
 }
 
@@ -121,19 +123,20 @@ TEST(Download, AsksForThirteenPositionsInTheirOrder) {
   DownloadCalibration(fixture.Context);
   auto asked = fixture.Asked();
   asked.resize(26);
-  EXPECT_EQ(asked, (Texts{"STAGE1_X",       "STAGE1_Y",       "STAGE2_X",      "STAGE2_Y",      "STAGE3_X",
-                          "STAGE3_Y",       "STAGE4_X",       "STAGE4_Y",      "STAGE5_X",      "STAGE5_Y",
-                          "STAGE6_X",       "STAGE6_Y",       "CHUTESTAGE_X",  "CHUTESTAGE_Y",  "NEST8_STAGE_X",
-                          "NEST8_STAGE_Y",  "NEST12_STAGE_X", "NEST12_STAGE_Y", "RESERVOIR_X",  "RESERVOIR_Y",
-                          "WASH_X",         "WASH_Y",         "RACK_STAGE1_X", "RACK_STAGE1_Y", "RACK_STAGE2_X",
-                          "RACK_STAGE2_Y"}));
+  EXPECT_EQ(asked,
+            (Texts{"STAGE1_X",      "STAGE1_Y",       "STAGE2_X",       "STAGE2_Y",      "STAGE3_X",
+                   "STAGE3_Y",      "STAGE4_X",       "STAGE4_Y",       "STAGE5_X",      "STAGE5_Y",
+                   "STAGE6_X",      "STAGE6_Y",       "CHUTESTAGE_X",   "CHUTESTAGE_Y",  "NEST8_STAGE_X",
+                   "NEST8_STAGE_Y", "NEST12_STAGE_X", "NEST12_STAGE_Y", "RESERVOIR_X",   "RESERVOIR_Y",
+                   "WASH_X",        "WASH_Y",         "RACK_STAGE1_X",  "RACK_STAGE1_Y", "RACK_STAGE2_X",
+                   "RACK_STAGE2_Y"}));
 }
 
 TEST(Download, StoresEachPositionUnderItsOwnName) {
   std::string table = "[Position_D]\n";
   int item = 0;
-  for (const auto* name : {"TIPRACKSTAGE2", "TIPRACKSTAGE1", "TIPWASH", "RESERVOIR", "NEST12", "NEST8",
-                           "TIPCHUTE", "STAGE6"}) {
+  for (const auto* name :
+       {"TIPRACKSTAGE2", "TIPRACKSTAGE1", "TIPWASH", "RESERVOIR", "NEST12", "NEST8", "TIPCHUTE", "STAGE6"}) {
     table += "Item" + std::to_string(++item) + "=" + name + ",\"n\"\n";
   }
   DownloadFixture fixture{table};
@@ -153,19 +156,19 @@ TEST(Download, StoresEachPositionUnderItsOwnName) {
 }
 
 TEST(Download, SkipsWhatTestsTheStopFlagUntilACommandClearsIt) {
-  DownloadFixture fixture{"[Position_D]\nItem1=STAGE1,\"a\"\n[HeadType]\nItem1=\"m\",MICROTITER\n"
-                          "Item2=\"h\",SERIALDILUTE\n[TipType]\nItem1=\"t\",SERIALDILUTE\n"};
+  DownloadFixture fixture{
+      "[Position_D]\nItem1=STAGE1,\"a\"\n[HeadType]\nItem1=\"m\",MICROTITER\n"
+      "Item2=\"h\",SERIALDILUTE\n[TipType]\nItem1=\"t\",SERIALDILUTE\n"};
   fixture.Link().StopFlag = true;
   DownloadCalibration(fixture.Context);
-  EXPECT_EQ(fixture.StatusTexts(), (Texts{"status=Downloading Data from Zolvane",
-                                          "status=Downloading Data from Zolvane...Stage XY",
-                                          "status=Downloading Data from Zolvane...Liquid Handling",
-                                          "status=Downloading Data from Zolvane...Tip Data",
-                                          "status=Downloading Data from Zolvane...SD XY", "status="}));
-  EXPECT_EQ(fixture.Asked(),
-            (Texts{"HeadEject_SD_S", "HeadLock_SD_S", "PickUp_TeachTool_Z", "DropOff_TeachTool_Z",
-                   "WELL_A1_SD_X", "WELL_A1_SD_Y", "CHUTE_SD_X", "CHUTE_SD_Y", "NEST8_SD_X", "NEST8_SD_Y",
-                   "NEST12_SD_X", "NEST12_SD_Y"}));
+  EXPECT_EQ(fixture.StatusTexts(),
+            (Texts{"status=Downloading Data from Zolvane", "status=Downloading Data from Zolvane...Stage XY",
+                   "status=Downloading Data from Zolvane...Liquid Handling",
+                   "status=Downloading Data from Zolvane...Tip Data",
+                   "status=Downloading Data from Zolvane...SD XY", "status="}));
+  EXPECT_EQ(fixture.Asked(), (Texts{"HeadEject_SD_S", "HeadLock_SD_S", "PickUp_TeachTool_Z",
+                                    "DropOff_TeachTool_Z", "WELL_A1_SD_X", "WELL_A1_SD_Y", "CHUTE_SD_X",
+                                    "CHUTE_SD_Y", "NEST8_SD_X", "NEST8_SD_Y", "NEST12_SD_X", "NEST12_SD_Y"}));
   EXPECT_EQ(fixture.Calls.Count("stop?"), 19U);
 }
 
@@ -175,10 +178,10 @@ TEST(Download, AsksNothingMoreOnceTheLastCommandBeforeTheChecksRaisesTheFlag) {
   DownloadCalibration(fixture.Context);
   EXPECT_EQ(fixture.Asked(), (Texts{"STAGE1_X", "STAGE1_Y"}));
   EXPECT_EQ(fixture.Writes().size(), 1U);
-  EXPECT_EQ(fixture.StatusTexts(), (Texts{"status=Downloading Data from Zolvane",
-                                          "status=Downloading Data from Zolvane...Stage XY",
-                                          "status=Downloading Data from Zolvane...Liquid Handling",
-                                          "status=Downloading Data from Zolvane...Tip Data", "status="}));
+  EXPECT_EQ(fixture.StatusTexts(),
+            (Texts{"status=Downloading Data from Zolvane", "status=Downloading Data from Zolvane...Stage XY",
+                   "status=Downloading Data from Zolvane...Liquid Handling",
+                   "status=Downloading Data from Zolvane...Tip Data", "status="}));
   EXPECT_EQ(fixture.Steps().back(), "enable controls true");
 }
 
@@ -192,7 +195,8 @@ TEST(Download, DoesNotRefreshThePageOrTheRecordsInForce) {
 }
 
 TEST(Download, RunsToItsEndWithoutAnyHost) {
-  DownloadFixture fixture{"[HeadType]\nItem1=\"h\",SERIALDILUTE,0,30,0,8\n[TipType]\nItem1=\"t\",SERIALDILUTE\n"};
+  DownloadFixture fixture{
+      "[HeadType]\nItem1=\"h\",SERIALDILUTE,0,30,0,8\n[TipType]\nItem1=\"t\",SERIALDILUTE\n"};
   fixture.Attachment = {};
   DownloadCalibration(fixture.Context);
   EXPECT_EQ(fixture.Writes(), Texts{});
@@ -207,14 +211,31 @@ struct ReplyCase {
 };
 
 TEST(DownloadReply, IsReadFromBehindItsFirstEqualsSignOrFromItsStart) {
-  for (const auto& [reply, expected] : std::initializer_list<ReplyCase>{
-           {"STAGE1_X=400", "400"},   {"=400\r\n", "400"},     {"250", "250"},         {"A=1=2", "1"},
-           {"STAGE1_X 400", "0"},     {"X=abc", "0"},          {"", "0"},              {"X=", "0"},
-           {"X=  -7 steps", "-7"},    {"X=4\r\n00", "400"},    {"X\r\n=12", "12"},     {"X=1e3", "1000"},
-           {"X=&H1F", "0"},           {"X=+5", "5"},           {"X=1,5", "1"},         {"X=\t8", "8"},
-           {"syntax_error=3", "3"},   {"Syntax_Error 3", "0"}, {"X= 1 2", "1"},        {"X=2.5", "2"},
-           {"X=3.5", "4"},            {"X=-2.5", "-2"},        {"X=2147483648", "17"}, {"X=1e400", "0"},
-           {"X=2147483647.4", "2147483647"}}) {
+  for (const auto& [reply, expected] : std::initializer_list<ReplyCase>{{"STAGE1_X=400", "400"},
+                                                                        {"=400\r\n", "400"},
+                                                                        {"250", "250"},
+                                                                        {"A=1=2", "1"},
+                                                                        {"STAGE1_X 400", "0"},
+                                                                        {"X=abc", "0"},
+                                                                        {"", "0"},
+                                                                        {"X=", "0"},
+                                                                        {"X=  -7 steps", "-7"},
+                                                                        {"X=4\r\n00", "400"},
+                                                                        {"X\r\n=12", "12"},
+                                                                        {"X=1e3", "1000"},
+                                                                        {"X=&H1F", "0"},
+                                                                        {"X=+5", "5"},
+                                                                        {"X=1,5", "1"},
+                                                                        {"X=\t8", "8"},
+                                                                        {"syntax_error=3", "3"},
+                                                                        {"Syntax_Error 3", "0"},
+                                                                        {"X= 1 2", "1"},
+                                                                        {"X=2.5", "2"},
+                                                                        {"X=3.5", "4"},
+                                                                        {"X=-2.5", "-2"},
+                                                                        {"X=2147483648", "17"},
+                                                                        {"X=1e400", "0"},
+                                                                        {"X=2147483647.4", "2147483647"}}) {
     DownloadFixture fixture{"[Position_D]\nItem1=STAGE1,\"a\",,17,2\n"};
     fixture.Reply("STAGE1_X", reply);
     DownloadPosition(fixture.Context, "STAGE1", "STAGE1");
@@ -238,7 +259,8 @@ TEST(DownloadReply, WithASyntaxErrorAnywhereLeavesTheFilesValue) {
 // ---- One stage position ----
 
 TEST(DownloadPosition, AsksForXLoadsTheRecordAsksForYAndSaves) {
-  DownloadFixture fixture{"[Position_D]\nItem1=OTHER,\"o\"\nItem2=TIPCHUTE,\"c\",K,1,2,3,4,5,6,7,8,1,0,T,1,1\n"};
+  DownloadFixture fixture{
+      "[Position_D]\nItem1=OTHER,\"o\"\nItem2=TIPCHUTE,\"c\",K,1,2,3,4,5,6,7,8,1,0,T,1,1\n"};
   fixture.Reply("CHUTESTAGE_X", "CHUTESTAGE_X=-11");
   fixture.Reply("CHUTESTAGE_Y", "CHUTESTAGE_Y=12.6");
   DownloadPosition(fixture.Context, "CHUTESTAGE", "TIPCHUTE");
@@ -312,10 +334,11 @@ TEST(DownloadHeights, WritesZeroForAReplyThatIsNoNumber) {
 }
 
 TEST(DownloadHeights, WritesTheReplyInGeneralForm) {
-  for (const auto& [reply, text] : std::initializer_list<ReplyCase>{{"=-0.10", "-0.1"},
-                                                                    {"=1e-5", "1E-05"},
-                                                                    {"=12.3456789012345678", "12.3456789012346"},
-                                                                    {"=-0", "0"}}) {
+  for (const auto& [reply, text] :
+       std::initializer_list<ReplyCase>{{"=-0.10", "-0.1"},
+                                        {"=1e-5", "1E-05"},
+                                        {"=12.3456789012345678", "12.3456789012346"},
+                                        {"=-0", "0"}}) {
     DownloadFixture fixture;
     fixture.Reply("Delta_Z", reply);
     DownloadHeights(fixture.Context);
@@ -380,7 +403,8 @@ TEST(DownloadTipAndHeadChange, StoresTheTipChangeHeightWhenTheHeadChangeHeightIs
   ChangeFixture fixture{changeHead};
   fixture.Reply("TipChange_Z", "=10.25");
   fixture.Run();
-  EXPECT_EQ(fixture.Value("HeadType", "Item1"), "\"a\",MICROTITER,0,0,0,384,0,0,0,0,0,2,3,4,10.25,6,C,0,\"t\"");
+  EXPECT_EQ(fixture.Value("HeadType", "Item1"),
+            "\"a\",MICROTITER,0,0,0,384,0,0,0,0,0,2,3,4,10.25,6,C,0,\"t\"");
   EXPECT_EQ(fixture.Value("CageType", "Item2"), "\"M\",MICROTITER,1,0,1,51,52,53,54");
 }
 
@@ -398,8 +422,9 @@ TEST(DownloadTipAndHeadChange, SearchesTheCageBeforeItWalksTheHeads) {
 }
 
 TEST(DownloadTipAndHeadChange, AsksNothingWithoutAMicrotiterHead) {
-  ChangeFixture fixture{"Item1=\"a\",SERIALDILUTE\nItem2=\"b\",Microtiter\nItem3=\"\",MICROTITER\n"
-                        "Item4=\"d\",MICROTITER\n"};
+  ChangeFixture fixture{
+      "Item1=\"a\",SERIALDILUTE\nItem2=\"b\",Microtiter\nItem3=\"\",MICROTITER\n"
+      "Item4=\"d\",MICROTITER\n"};
   EXPECT_EQ(fixture.Run(), Texts{});
 }
 
@@ -462,14 +487,14 @@ TEST(DownloadLiquidHandling, AsksASerialDiluteHeadForTheTeachToolAndItsTipEject)
   fixture.Reply("TipEject_8Ch_300_S", "=-13");
   fixture.Reply("AspirateOrigin_8Ch_300_S", "=104.5");
   DownloadLiquidHandling(fixture.Context);
-  EXPECT_EQ(fixture.Calls.Of({"status", "send", "stop?", "write"}),
-            (Texts{"status=Downloading Data from Zolvane...Liquid Handling",
-                   "send GET_CALIBRATION HeadEject_SD_S", "send GET_CALIBRATION HeadLock_SD_S",
-                   "send GET_CALIBRATION PickUp_TeachTool_Z", "send GET_CALIBRATION DropOff_TeachTool_Z", "stop?",
-                   "send GET_CALIBRATION TipEject_8Ch_300_S", "send GET_CALIBRATION AspirateOrigin_8Ch_300_S",
-                   "stop?",
-                   "write [HeadType] Item1=\"h\",SERIALDILUTE,0,300,0,8,0,0,0,0,114,102,104,26,103.75,102.25,"
-                   "8_CH,0,\"t\""}));
+  EXPECT_EQ(
+      fixture.Calls.Of({"status", "send", "stop?", "write"}),
+      (Texts{"status=Downloading Data from Zolvane...Liquid Handling", "send GET_CALIBRATION HeadEject_SD_S",
+             "send GET_CALIBRATION HeadLock_SD_S", "send GET_CALIBRATION PickUp_TeachTool_Z",
+             "send GET_CALIBRATION DropOff_TeachTool_Z", "stop?", "send GET_CALIBRATION TipEject_8Ch_300_S",
+             "send GET_CALIBRATION AspirateOrigin_8Ch_300_S", "stop?",
+             "write [HeadType] Item1=\"h\",SERIALDILUTE,0,300,0,8,0,0,0,0,114,102,104,26,103.75,102.25,"
+             "8_CH,0,\"t\""}));
 }
 
 TEST(DownloadLiquidHandling, LosesTheHeadEjectPositionOnSaving) {
@@ -493,20 +518,20 @@ TEST(DownloadLiquidHandling, AsksACalibrationHeadByItsNameWithoutUnderscores) {
 }
 
 TEST(DownloadLiquidHandling, AsksNoOtherHeads) {
-  DownloadFixture fixture{"[HeadType]\nItem1=\"a\",MICROTITER\nItem2=\"b\",calibrate\nItem3=\"c\",\n"
-                          "Item4=\"\",SERIALDILUTE\nItem5=\"e\",SERIALDILUTE\n"};
+  DownloadFixture fixture{
+      "[HeadType]\nItem1=\"a\",MICROTITER\nItem2=\"b\",calibrate\nItem3=\"c\",\n"
+      "Item4=\"\",SERIALDILUTE\nItem5=\"e\",SERIALDILUTE\n"};
   DownloadLiquidHandling(fixture.Context);
   EXPECT_EQ(fixture.Calls.Of({"send", "write"}), Texts{});
   EXPECT_EQ(fixture.StatusTexts(), Texts{"status=Downloading Data from Zolvane...Liquid Handling"});
 }
 
 TEST(DownloadLiquidHandling, AsksForTipEjectByTheVolume) {
-  for (const auto& [volume, key] :
-       std::initializer_list<ReplyCase>{{"12.5", "TipEject_8Ch_12_S"},
-                                        {"30", "TipEject_8Ch_30_S"},
-                                        {"125", "TipEject_8Ch_125_S"},
-                                        {"300", "TipEject_8Ch_300_S"},
-                                        {"1250", "TipEject_8Ch_1250_S"}}) {
+  for (const auto& [volume, key] : std::initializer_list<ReplyCase>{{"12.5", "TipEject_8Ch_12_S"},
+                                                                    {"30", "TipEject_8Ch_30_S"},
+                                                                    {"125", "TipEject_8Ch_125_S"},
+                                                                    {"300", "TipEject_8Ch_300_S"},
+                                                                    {"1250", "TipEject_8Ch_1250_S"}}) {
     DownloadFixture fixture{LiquidHead("SERIALDILUTE", volume, "8_CH")};
     DownloadLiquidHandling(fixture.Context);
     ASSERT_EQ(fixture.Asked().size(), 6U) << volume;
@@ -521,9 +546,13 @@ TEST(DownloadLiquidHandling, AsksForTipEjectByTheVolume) {
 }
 
 TEST(DownloadLiquidHandling, StoresTipEjectPositiveInTheAxisUnitsWithTwoDecimals) {
-  for (const auto& [reply, eject] : std::initializer_list<ReplyCase>{
-           {"=-13", "26"}, {"=13", "26"}, {"=-1.2325", "2.47"}, {"=-0.0025", "0.01"}, {"=0", "0"},
-           {"=-1.2324", "2.46"}, {"=1e308", "4"}}) {
+  for (const auto& [reply, eject] : std::initializer_list<ReplyCase>{{"=-13", "26"},
+                                                                     {"=13", "26"},
+                                                                     {"=-1.2325", "2.47"},
+                                                                     {"=-0.0025", "0.01"},
+                                                                     {"=0", "0"},
+                                                                     {"=-1.2324", "2.46"},
+                                                                     {"=1e308", "4"}}) {
     DownloadFixture fixture{LiquidHead("SERIALDILUTE", "30", "8_CH")};
     fixture.Reply("TipEject_8Ch_30_S", reply);
     DownloadLiquidHandling(fixture.Context);
@@ -627,12 +656,12 @@ TEST(DownloadTipData, AsksForChuteAndRackOfTipsWithTheSecondThirdOrFourthSizeFla
     fixture.Reply("RackPickup_12_300_Z", "=202");
     fixture.Reply("RackEject_12_300_Z", "=306");
     DownloadTipData(fixture.Context);
-    EXPECT_EQ(fixture.Calls.Of({"status", "send", "stop?", "write"}),
-              (Texts{"status=Downloading Data from Zolvane...Tip Data", "send GET_CALIBRATION ChuteEject_Z",
-                     "send GET_CALIBRATION RackPickup_12_300_Z", "send GET_CALIBRATION RackEject_12_300_Z",
-                     "stop?",
-                     std::string{"write [TipType] Item1=\"t\",SERIALDILUTE,0,0,0,0,0,153,101,102,0,0,0,0,"} +
-                         flags + ",\"s\""}))
+    EXPECT_EQ(
+        fixture.Calls.Of({"status", "send", "stop?", "write"}),
+        (Texts{"status=Downloading Data from Zolvane...Tip Data", "send GET_CALIBRATION ChuteEject_Z",
+               "send GET_CALIBRATION RackPickup_12_300_Z", "send GET_CALIBRATION RackEject_12_300_Z", "stop?",
+               std::string{"write [TipType] Item1=\"t\",SERIALDILUTE,0,0,0,0,0,153,101,102,0,0,0,0,"} +
+                   flags + ",\"s\""}))
         << flags;
   }
 }
@@ -656,8 +685,9 @@ TEST(DownloadTipData, AsksNothingOfTipsWithoutASizeFlagAndSavesThemAllTheSame) {
 }
 
 TEST(DownloadTipData, LeavesOtherTipsAndThoseBehindTheEndAlone) {
-  DownloadFixture fixture{"[TipType]\nItem1=\"a\",MICROTITER,0,0,0,0,0,7,8,9,0,0,0,0,1,1,1,1\n"
-                          "Item2=\"b\",SerialDilute\nItem3=\"\",SERIALDILUTE\nItem4=\"d\",SERIALDILUTE\n"};
+  DownloadFixture fixture{
+      "[TipType]\nItem1=\"a\",MICROTITER,0,0,0,0,0,7,8,9,0,0,0,0,1,1,1,1\n"
+      "Item2=\"b\",SerialDilute\nItem3=\"\",SERIALDILUTE\nItem4=\"d\",SERIALDILUTE\n"};
   DownloadTipData(fixture.Context);
   EXPECT_EQ(fixture.Calls.Of({"send", "write", "stop?"}), Texts{});
 }
@@ -678,8 +708,9 @@ TEST(DownloadTipData, SkipsTheRestOfTheTipAfterAFailureAndSavesIt) {
 }
 
 TEST(DownloadTipData, GoesOnToTheNextTipAfterAFailure) {
-  DownloadFixture fixture{"[TipType]\nItem1=\"a\",SERIALDILUTE,0,0,0,0,0,7,8,9,0,0,0,0,0,1\n"
-                          "Item2=\"b\",SERIALDILUTE,0,0,0,0,0,7,8,9,0,0,0,0,1\n"};
+  DownloadFixture fixture{
+      "[TipType]\nItem1=\"a\",SERIALDILUTE,0,0,0,0,0,7,8,9,0,0,0,0,0,1\n"
+      "Item2=\"b\",SERIALDILUTE,0,0,0,0,0,7,8,9,0,0,0,0,1\n"};
   fixture.Refuse("ChuteEject_Z");
   DownloadTipData(fixture.Context);
   EXPECT_EQ(fixture.Asked(), (Texts{"ChuteEject_Z", "RackPickup_12_300_Z", "RackEject_12_300_Z"}));
@@ -746,8 +777,8 @@ TEST(DownloadSerialDiluteXY, AsksForFourPositionsAndSavesEach) {
   fixture.Reply("NEST12_SD_X", "=100");
   DownloadSerialDiluteXY(fixture.Context);
   EXPECT_EQ(fixture.Calls.Of({"stop?", "status", "send", "write"}),
-            (Texts{"stop?", "status=Downloading Data from Zolvane...SD XY", "send GET_CALIBRATION WELL_A1_SD_X",
-                   "send GET_CALIBRATION WELL_A1_SD_Y",
+            (Texts{"stop?", "status=Downloading Data from Zolvane...SD XY",
+                   "send GET_CALIBRATION WELL_A1_SD_X", "send GET_CALIBRATION WELL_A1_SD_Y",
                    "write [Position_D] Item1=STAGE1,\"a\",,1,2,10,21,0,0,0,0,0,0,,0,0",
                    "send GET_CALIBRATION CHUTE_SD_X", "send GET_CALIBRATION CHUTE_SD_Y",
                    "write [Position_D] Item2=TIPCHUTE,\"b\",,3,4,-30,0,0,0,0,0,0,0,,0,0",

@@ -39,11 +39,13 @@ constexpr std::string_view oneOfEach =
     "[Device_TypeD_CageC]\nAxis1=Z,0.5\nAxis2=S,2\n"
     "[Z_Calibration]\nMountHeight=164.35\nDeltaZ=24\n"
     "[NestCalibration]\nItem1=NEST8,1,2,3,4,5,6\n"
-    "[NestType]\nInstalled=1\nItem1=\"N\",NEST8,\"1A\",X,1,10,20,1.50,\"8B\",Y,2,30,40,2.50,\"1C\",Z,3,50,60,3.00\n"
+    "[NestType]\nInstalled=1\nItem1=\"N\",NEST8,\"1A\",X,1,10,20,1.50,\"8B\",Y,2,30,40,2.50,\"1C\",Z,3,50,60,"
+    "3.00\n"
     "[HeadType]\nInstalled=1\nItem1=\"H\",SERIALDILUTE,1,30,2,8,0.5,1,0,1,380,3,380,4,5,6,8_CH,1,\"t\"\n"
     "[Calibration_D]\nItem1=STAGE1,1,2,3,4,5,6,7,8\n"
     "[Position_D]\nItem1=STAGE1,\"Stage\",K,1,2,3,4,5,6,7,8,1,0,T,1,0\n"
-    "[PlateType]\nItem1=\"P\",PLATE,8,12,1,2,3,4,5,6,ROUND,7,8,9,1,1,0,1,0,1,0\nSBSA1Xmm=14.38\nSBSA1Ymm=11.24\n"
+    "[PlateType]\nItem1=\"P\",PLATE,8,12,1,2,3,4,5,6,ROUND,7,8,9,1,1,0,1,0,1,0\nSBSA1Xmm=14.38\nSBSA1Ymm=11."
+    "24\n"
     "[TipType]\nInstalled=1\nItem1=\"T\",SERIALDILUTE\n"
     "[PumpControl]\nModuleInstalled=1\n"
     "[VolumeCorrection_8_CH_30]\n1Item=x,1,A\n";
@@ -122,12 +124,12 @@ TEST(CopyAllTables, ShowsItsStepsAndSeparatesTheTables) {
   CopyFixture fixture;
   CopyAllTables(fixture.Context, fixture.Settings().ConfigFile, backup, true, "Exporting");
   const std::string blank = std::string{"append blank line to "} + backup;
-  EXPECT_EQ(fixture.Calls.Of({"status", "append"}),
-            (Texts{"status=Exporting...Device setup data", blank, "status=Exporting...Pipetting module data",
-                   blank, "status=Exporting...Height data", blank, "status=Exporting...Head nest data", blank,
-                   blank, "status=Exporting...Pipette head data", blank,
-                   "status=Exporting...Stage position data", blank, blank,
-                   "status=Exporting...Labware library data", blank}));
+  EXPECT_EQ(
+      fixture.Calls.Of({"status", "append"}),
+      (Texts{"status=Exporting...Device setup data", blank, "status=Exporting...Pipetting module data", blank,
+             "status=Exporting...Height data", blank, "status=Exporting...Head nest data", blank, blank,
+             "status=Exporting...Pipette head data", blank, "status=Exporting...Stage position data", blank,
+             blank, "status=Exporting...Labware library data", blank}));
 }
 
 TEST(CopyAllTables, AppendsEachBlankLineBehindItsTable) {
@@ -142,8 +144,8 @@ TEST(CopyAllTables, AppendsEachBlankLineBehindItsTable) {
     call = call.starts_with("write") ? call.substr(0, call.find('=')) : call;
   }
   EXPECT_EQ(calls, (Texts{"write [DeviceType] Item1", blank, "write [CageType] Item1", blank,
-                          "write [Z_Calibration] DeltaZTolerance", blank, "write [NestCalibration] Item1", blank,
-                          "write [NestType] Item1", blank, "write [HeadType] Item1", blank,
+                          "write [Z_Calibration] DeltaZTolerance", blank, "write [NestCalibration] Item1",
+                          blank, "write [NestType] Item1", blank, "write [HeadType] Item1", blank,
                           "write [Calibration_D] Item1", blank, "write [Position_D] Item1", blank,
                           "write [PlateType] Item1", blank}));
 }
@@ -194,11 +196,11 @@ TEST(CopyAllTables, ReadsEveryTableFromTheSource) {
       items.push_back(event.substr(5, event.find(" in ") - 5));
     }
   }
-  EXPECT_EQ(items,
-            (Texts{"[DeviceType] Item1", "[DeviceType] Item2", "[CageType] Item1", "[CageType] Item2",
-                   "[NestCalibration] Item1", "[NestCalibration] Item2", "[NestType] Item1", "[NestType] Item2",
-                   "[HeadType] Item1", "[HeadType] Item2", "[Calibration_D] Item1", "[Calibration_D] Item2",
-                   "[Position_D] Item1", "[Position_D] Item2", "[PlateType] Item1", "[PlateType] Item2"}));
+  EXPECT_EQ(items, (Texts{"[DeviceType] Item1", "[DeviceType] Item2", "[CageType] Item1", "[CageType] Item2",
+                          "[NestCalibration] Item1", "[NestCalibration] Item2", "[NestType] Item1",
+                          "[NestType] Item2", "[HeadType] Item1", "[HeadType] Item2", "[Calibration_D] Item1",
+                          "[Calibration_D] Item2", "[Position_D] Item1", "[Position_D] Item2",
+                          "[PlateType] Item1", "[PlateType] Item2"}));
 }
 
 TEST(CopyAllTables, CopiesItemsFromOneUpToTheFirstWithoutAName) {
@@ -210,8 +212,8 @@ TEST(CopyAllTables, CopiesItemsFromOneUpToTheFirstWithoutAName) {
   fixture.Settings().Load(backup, "[DeviceType]\nItem3=\"kept\",1,\"K\"\n");
   CopyAllTables(fixture.Context, fixture.Settings().ConfigFile, backup, true, "Exporting");
   Texts items;
-  for (const auto& event : fixture.Calls.Of({"write [DeviceType] I", "write [NestC", "write [C",
-                                             "write [PlateType] I"})) {
+  for (const auto& event :
+       fixture.Calls.Of({"write [DeviceType] I", "write [NestC", "write [C", "write [PlateType] I"})) {
     if (event.find("] Item") != std::string::npos) {
       items.push_back(event.substr(6, event.find('=') - 6));
     }
@@ -243,7 +245,8 @@ TEST(CopyAllTables, LeavesTheKeysOfTheLastDevice) {
 TEST(CopyAllTables, CopiesNeitherTipsNorAxesNorCorrectionsNorOtherKeys) {
   CopyFixture fixture;
   CopyAllTables(fixture.Context, fixture.Settings().ConfigFile, backup, true, "Exporting");
-  for (const auto* section : {"[TipType]", "[Device_TypeD_CageC]", "[VolumeCorrection_8_CH_30]", "[PumpControl]"}) {
+  for (const auto* section :
+       {"[TipType]", "[Device_TypeD_CageC]", "[VolumeCorrection_8_CH_30]", "[PumpControl]"}) {
     EXPECT_EQ(fixture.BackupText().find(section), std::string::npos) << section;
   }
   EXPECT_EQ(fixture.Settings().Value("DeviceType", "Installed", backup), std::nullopt);
@@ -265,7 +268,8 @@ TEST(CopyAllTables, OfAnEmptySourceWritesTheHeightsAlone) {
   ASSERT_EQ(writes.size(), 20U);
   for (const auto& write : writes) {
     const bool isTolerance = write == "write [Z_Calibration] DeltaZTolerance=1000";
-    EXPECT_TRUE(isTolerance || (write.starts_with("write [Z_Calibration] ") && write.ends_with("=0"))) << write;
+    EXPECT_TRUE(isTolerance || (write.starts_with("write [Z_Calibration] ") && write.ends_with("=0")))
+        << write;
   }
   EXPECT_EQ(writes.back(), "write [Z_Calibration] DeltaZTolerance=1000");
 }
@@ -293,11 +297,11 @@ TEST(CopyAllTables, NormalisesWhatPassesThroughSteps) {
 
 TEST(CopyAllTables, ReadsTheHeadOffsetsFromTheSourceAndConvertsThemWithTheScalesInForce) {
   CopyFixture fixture;
-  fixture.Settings().Load(backup, "[HeadType]\nItem1=\"H\",SERIALDILUTE,0,0,0,0,0,0,0,0,1,0,100\n"
-                                  "SDHeadEjectOffsetMM=8\n");
+  fixture.Settings().Load(backup,
+                          "[HeadType]\nItem1=\"H\",SERIALDILUTE,0,0,0,0,0,0,0,0,1,0,100\n"
+                          "SDHeadEjectOffsetMM=8\n");
   CopyAllTables(fixture.Context, backup, fixture.Settings().ConfigFile, false, "Importing");
-  EXPECT_EQ(fixture.Value("HeadType", "Item1"),
-            "\"H\",SERIALDILUTE,0,0,0,0,0,0,0,0,104,0,100,0,0,0,,0,\"\"");
+  EXPECT_EQ(fixture.Value("HeadType", "Item1"), "\"H\",SERIALDILUTE,0,0,0,0,0,0,0,0,104,0,100,0,0,0,,0,\"\"");
 }
 
 TEST(CopyAllTables, CopiesItsOwnResultUnchanged) {
@@ -329,8 +333,7 @@ TEST(FileDialogueOfThePage, IsDesignedForASettingsFile) {
   EXPECT_EQ(dialogue.Flags, std::nullopt);
 }
 
-constexpr auto filter =
-    "Backup files (*.bak)|*.bak|Configuration Files (*.ini)|*.ini|All files (*.*)|*.*";
+constexpr auto filter = "Backup files (*.bak)|*.bak|Configuration Files (*.ini)|*.ini|All files (*.*)|*.*";
 
 TEST(FileDialogueOfThePage, IsSetUpForImport) {
   CopyFixture fixture;
@@ -377,7 +380,7 @@ TEST(FileDialogueOfThePage, KeepsItsFlagsForAnImportThatFollowsAnExport) {
 TEST(FileDialogueOfThePage, ProposesTheFileThatWasChosenLast) {
   CopyFixture fixture;
   fixture.Process.FileAnswers = {"/backup/first.bak", std::nullopt, "/backup/second.bak", std::nullopt};
-  fixture.Process.BoxAnswers = {message_answer::ok,  message_answer::yes, message_answer::yes,
+  fixture.Process.BoxAnswers = {message_answer::ok, message_answer::yes, message_answer::yes,
                                 message_answer::ok};
   ExportCalibrationFile(fixture.Context, fixture.Dialogue);
   ImportCalibrationFile(fixture.Context, fixture.Dialogue);
@@ -438,9 +441,9 @@ TEST(Import, ChangesNothingWhenTheDialogueIsCancelled) {
   fixture.Process.BoxAnswers = {message_answer::yes};
   fixture.Process.FileAnswers = {std::nullopt};
   ImportCalibrationFile(fixture.Context, fixture.Dialogue);
-  EXPECT_EQ(fixture.Calls.Events, (Texts{"enable controls false", importQuestion,
-                                         "open dialogue \"ZolvaneINIExport\"", "enable controls true",
-                                         "status="}));
+  EXPECT_EQ(fixture.Calls.Events,
+            (Texts{"enable controls false", importQuestion, "open dialogue \"ZolvaneINIExport\"",
+                   "enable controls true", "status="}));
 }
 
 TEST(Import, ChangesNothingForAnEmptyFileName) {
@@ -448,9 +451,9 @@ TEST(Import, ChangesNothingForAnEmptyFileName) {
   fixture.Process.BoxAnswers = {message_answer::yes};
   fixture.Process.FileAnswers = {""};
   ImportCalibrationFile(fixture.Context, fixture.Dialogue);
-  EXPECT_EQ(fixture.Calls.Events, (Texts{"enable controls false", importQuestion,
-                                         "open dialogue \"ZolvaneINIExport\"", "yield",
-                                         "enable controls true", "status="}));
+  EXPECT_EQ(fixture.Calls.Events,
+            (Texts{"enable controls false", importQuestion, "open dialogue \"ZolvaneINIExport\"", "yield",
+                   "enable controls true", "status="}));
 }
 
 TEST(Import, RefusesTheConfigurationFileInAnyCase) {
@@ -459,9 +462,9 @@ TEST(Import, RefusesTheConfigurationFileInAnyCase) {
     fixture.Process.BoxAnswers = {message_answer::yes};
     fixture.Process.FileAnswers = {file};
     ImportCalibrationFile(fixture.Context, fixture.Dialogue);
-    EXPECT_EQ(fixture.Calls.Events, (Texts{"enable controls false", importQuestion,
-                                           "open dialogue \"ZolvaneINIExport\"", "yield", importRefused,
-                                           "enable controls true", "status="}));
+    EXPECT_EQ(fixture.Calls.Events,
+              (Texts{"enable controls false", importQuestion, "open dialogue \"ZolvaneINIExport\"", "yield",
+                     importRefused, "enable controls true", "status="}));
   }
 }
 
@@ -491,9 +494,9 @@ TEST(Import, RunsToItsEndWithoutAnyHost) {
   fixture.Process.BoxAnswers = {message_answer::yes};
   fixture.Process.FileAnswers = {backup};
   ImportCalibrationFile(fixture.Context, fixture.Dialogue);
-  EXPECT_EQ(fixture.Calls.Of({"box", "load", "enable"}),
-            (Texts{"enable controls false", importQuestion, importDone, "load defaults",
-                   "enable controls true"}));
+  EXPECT_EQ(
+      fixture.Calls.Of({"box", "load", "enable"}),
+      (Texts{"enable controls false", importQuestion, importDone, "load defaults", "enable controls true"}));
 }
 
 // ---- Export ----
@@ -507,8 +510,8 @@ TEST(Export, LetsChooseCopiesAndReports) {
                           "status=Exporting...Device setup data", "status=Exporting...Pipetting module data",
                           "status=Exporting...Height data", "status=Exporting...Head nest data",
                           "status=Exporting...Pipette head data", "status=Exporting...Stage position data",
-                          "status=Exporting...Labware library data", exportDone, "status=",
-                          "enable controls true"}));
+                          "status=Exporting...Labware library data", exportDone,
+                          "status=", "enable controls true"}));
   EXPECT_EQ(fixture.Writes(), InFile(oneOfEachCopied, backup));
   EXPECT_EQ(fixture.Calls.Of({"append"}), Texts(9, std::string{"append blank line to "} + backup));
 }
@@ -541,16 +544,17 @@ TEST(Export, RefusesTheConfigurationFileInAnyCase) {
     CopyFixture fixture;
     fixture.Process.FileAnswers = {file};
     ExportCalibrationFile(fixture.Context, fixture.Dialogue);
-    EXPECT_EQ(fixture.Calls.Events,
-              (Texts{"enable controls false", "save dialogue \"ZolvaneINIExport\"", "yield", exportRefused,
-                     "status=", "enable controls true"}));
+    EXPECT_EQ(fixture.Calls.Events, (Texts{"enable controls false", "save dialogue \"ZolvaneINIExport\"",
+                                           "yield", exportRefused, "status=", "enable controls true"}));
   }
 }
 
 TEST(Export, ReportsSuccessAlsoWhenNothingCouldBeWritten) {
   CopyFixture fixture;
   fixture.Process.FileAnswers = {backup};
-  fixture.Calls.FailsIf = [](auto event) { return event.starts_with("write") || event.starts_with("append"); };
+  fixture.Calls.FailsIf = [](auto event) {
+    return event.starts_with("write") || event.starts_with("append");
+  };
   ExportCalibrationFile(fixture.Context, fixture.Dialogue);
   EXPECT_EQ(fixture.Writes(), InFile(oneOfEachCopied, backup));
   EXPECT_EQ(fixture.BackupText(), "");

@@ -63,8 +63,9 @@ TEST(UploadScript, OfAnEmptyFileHoldsThePositionsDeltaZAndTheSaveCommand) {
   OperationFixture fixture;
   fixture.Refresh();
   std::string expected;
-  for (const auto* name : {"STAGE1", "STAGE2", "STAGE3", "STAGE4", "STAGE5", "STAGE6", "CHUTESTAGE",
-                           "NEST8_STAGE", "NEST12_STAGE", "RESERVOIR", "WASH", "RACK_STAGE1", "RACK_STAGE2"}) {
+  for (const auto* name :
+       {"STAGE1", "STAGE2", "STAGE3", "STAGE4", "STAGE5", "STAGE6", "CHUTESTAGE", "NEST8_STAGE",
+        "NEST12_STAGE", "RESERVOIR", "WASH", "RACK_STAGE1", "RACK_STAGE2"}) {
     expected += std::string{"SET_CALIBRATION "} + name + "_X 0\r\n";
     expected += std::string{"SET_CALIBRATION "} + name + "_Y 0\r\n";
   }
@@ -105,7 +106,8 @@ TEST(UploadScript, AnnouncesItsGroupsBeforeTheyAreRead) {
 }
 
 TEST(UploadScript, LoadsTheInstalledDeviceAgainForThePositions) {
-  ScriptFixture fixture{"[Position_Other]\nItem1=STAGE1,\"Stage\",,3,4\n[Position_D]\nItem1=STAGE1,\"S\",,1,2\n"};
+  ScriptFixture fixture{
+      "[Position_Other]\nItem1=STAGE1,\"Stage\",,3,4\n[Position_D]\nItem1=STAGE1,\"S\",,1,2\n"};
   fixture.Refresh();
   fixture.Settings().Set("DeviceType", "Item2", "\"Other\",0,\"ZV\"");
   fixture.Settings().Set("DeviceType", "Installed", "2");
@@ -131,14 +133,19 @@ TEST(UploadScript, SendsStageXAndYOfThirteenPositions) {
       "Item10=RESERVOIR,\"j\",,19,20\nItem11=TIPWASH,\"k\",,21,22\nItem12=TIPRACKSTAGE1,\"l\",,23,24\n"
       "Item13=TIPRACKSTAGE2,\"m\",,-25,2147483647\n",
       {"STAGE", "CHUTESTAGE", "NEST8_STAGE", "NEST12_STAGE", "RESERVOIR", "WASH", "RACK_STAGE"});
-  EXPECT_EQ(lines,
-            Set({"STAGE1_X 1",        "STAGE1_Y 2",        "STAGE2_X 3",       "STAGE2_Y 4",
-                 "STAGE3_X 5",        "STAGE3_Y 6",        "STAGE4_X 7",       "STAGE4_Y 8",
-                 "STAGE5_X 9",        "STAGE5_Y 10",       "STAGE6_X 11",      "STAGE6_Y 12",
-                 "CHUTESTAGE_X 13",   "CHUTESTAGE_Y 14",   "NEST8_STAGE_X 15", "NEST8_STAGE_Y 16",
-                 "NEST12_STAGE_X 17", "NEST12_STAGE_Y 18", "RESERVOIR_X 19",   "RESERVOIR_Y 20",
-                 "WASH_X 21",         "WASH_Y 22",         "RACK_STAGE1_X 23", "RACK_STAGE1_Y 24",
-                 "RACK_STAGE2_X -25", "RACK_STAGE2_Y 2147483647"}));
+  EXPECT_EQ(lines, Set({"STAGE1_X 1",        "STAGE1_Y 2",
+                        "STAGE2_X 3",        "STAGE2_Y 4",
+                        "STAGE3_X 5",        "STAGE3_Y 6",
+                        "STAGE4_X 7",        "STAGE4_Y 8",
+                        "STAGE5_X 9",        "STAGE5_Y 10",
+                        "STAGE6_X 11",       "STAGE6_Y 12",
+                        "CHUTESTAGE_X 13",   "CHUTESTAGE_Y 14",
+                        "NEST8_STAGE_X 15",  "NEST8_STAGE_Y 16",
+                        "NEST12_STAGE_X 17", "NEST12_STAGE_Y 18",
+                        "RESERVOIR_X 19",    "RESERVOIR_Y 20",
+                        "WASH_X 21",         "WASH_Y 22",
+                        "RACK_STAGE1_X 23",  "RACK_STAGE1_Y 24",
+                        "RACK_STAGE2_X -25", "RACK_STAGE2_Y 2147483647"}));
 }
 
 TEST(UploadScript, SendsTheValuesOfTheNamelessRecordAtTheEndForAMissingPosition) {
@@ -166,8 +173,8 @@ constexpr auto heights =
     "TipMountDepth30=14\nTipMountDepth125=15\nTipMountDepth300=16\nTipMountDepth1250=17\n"
     "CalibrationPlateDepth=18\nDeltaZ=19.5\nDeltaZTolerance=20\n";
 
-const std::initializer_list<std::string_view> heightKeys{"Mount", "StageHeight", "HeadDepth", "NestDepth",
-                                                         "TipMount", "Cal", "Delta"};
+const std::initializer_list<std::string_view> heightKeys{"Mount",    "StageHeight", "HeadDepth", "NestDepth",
+                                                         "TipMount", "Cal",         "Delta"};
 
 TEST(UploadScript, SendsSeventeenHeightsInStepsAndDeltaZAsItStands) {
   EXPECT_EQ(LinesFrom(heights, heightKeys),
@@ -253,8 +260,9 @@ TEST(UploadScript, SendsTheChangeValuesOfTheFirstMicrotiterCageAndThe96ChannelHe
 }
 
 TEST(UploadScript, SendsNoChangeValuesWithoutA96ChannelMicrotiterHead) {
-  EXPECT_EQ(ChangeLines(changeCage, "Item1=\"a\",MICROTITER,0,0,0,384\nItem2=\"b\",SERIALDILUTE,0,0,0,96\n"
-                                    "Item3=\"c\",microtiter,0,0,0,96\n"),
+  EXPECT_EQ(ChangeLines(changeCage,
+                        "Item1=\"a\",MICROTITER,0,0,0,384\nItem2=\"b\",SERIALDILUTE,0,0,0,96\n"
+                        "Item3=\"c\",microtiter,0,0,0,96\n"),
             Texts{});
 }
 
@@ -280,7 +288,7 @@ TEST(UploadScript, UsesTheCageAtTheEndOfTheTableAsItComes) {
 // ---- Serial-dilute heads and the teach tool ----
 
 const std::initializer_list<std::string_view> headKeys{"HeadEject", "HeadLock", "SDHome", "SDPre",
-                                                       "SDRFID", "PickUp", "DropOff"};
+                                                       "SDRFID",    "PickUp",   "DropOff"};
 
 std::string Head(int item, const std::string& code, const std::string& channelCode, int base) {
   const auto value = [base](int offset) { return std::to_string(base + offset); };
@@ -291,12 +299,12 @@ std::string Head(int item, const std::string& code, const std::string& channelCo
 
 TEST(UploadScript, SendsTheHeadsByClassAndName) {
   // 6 mm are 3 steps of S, 7 and 8 mm are 14 and 16 of Z; all are sent times 0.5 (Z) times 100.
-  const auto heads = HeadTable(Head(1, "CALIBRATE", "1_CH_SHORT", 500) +
-                               Head(2, "SERIALDILUTE", "12_CH", 400) + Head(3, "SERIALDILUTE", "8_CH", 300) +
-                               Head(4, "SERIALDILUTE", "1_CH_LONG", 200) +
-                               Head(5, "SERIALDILUTE", "1_CH_SHORT", 100) +
-                               "SDTeachToolOffsetMM=50\nSDHomeSensorSeekOffsetMM=6\nSDPreCollectHeightMM=7\n"
-                               "SDRFIDReadHeightMM=8\nSDHeadEjectOffsetMM=60\n");
+  const auto heads =
+      HeadTable(Head(1, "CALIBRATE", "1_CH_SHORT", 500) + Head(2, "SERIALDILUTE", "12_CH", 400) +
+                Head(3, "SERIALDILUTE", "8_CH", 300) + Head(4, "SERIALDILUTE", "1_CH_LONG", 200) +
+                Head(5, "SERIALDILUTE", "1_CH_SHORT", 100) +
+                "SDTeachToolOffsetMM=50\nSDHomeSensorSeekOffsetMM=6\nSDPreCollectHeightMM=7\n"
+                "SDRFIDReadHeightMM=8\nSDHeadEjectOffsetMM=60\n");
   EXPECT_EQ(LinesFrom(heads, headKeys),
             Set({"HeadEject_SD_S 110", "HeadLock_SD_S 111", "SDHomeSensorSeekOffsetMM 150",
                  "SDPreCollectHeightMM 700", "SDRFIDReadHeightMM 800", "PickUp_1ChShort_Z 115.25",
@@ -321,8 +329,9 @@ TEST(UploadScript, SendsNoHeadOfAnotherClassOrName) {
 }
 
 TEST(UploadScript, SendsTheOffsetsForTheShortHeadAndNotForTheTeachTool) {
-  EXPECT_EQ(LinesFrom(HeadTable(Head(1, "CALIBRATE", "1_CH_SHORT", 100) + "SDPreCollectHeightMM=7\n"), headKeys),
-            Set({"PickUp_TeachTool_Z 115.25", "DropOff_TeachTool_Z 114.5"}));
+  EXPECT_EQ(
+      LinesFrom(HeadTable(Head(1, "CALIBRATE", "1_CH_SHORT", 100) + "SDPreCollectHeightMM=7\n"), headKeys),
+      Set({"PickUp_TeachTool_Z 115.25", "DropOff_TeachTool_Z 114.5"}));
 }
 
 TEST(UploadScript, TakesANamelessHeadOfTheClassAndNameForFound) {
@@ -355,12 +364,13 @@ std::string TipTable(const std::string& items) {
 }
 
 TEST(UploadScript, SendsTheRacksOfTheFirstTipsWithTheSecondAndWithTheFirstSizeFlag) {
-  EXPECT_EQ(LinesFrom(TipTable(Tip(1, "MICROTITER", 900, "1,1,0,0") + Tip(2, "SERIALDILUTE", 100, "1,0,0,0") +
-                               Tip(3, "SERIALDILUTE", 200, "1,0,0,0") + Tip(4, "SERIALDILUTE", 300, "0,1,0,0") +
-                               Tip(5, "SERIALDILUTE", 400, "0,1,0,0")),
-                      rackKeys),
-            Set({"RackPickup_12_300_Z 616", "RackEject_12_300_Z 614", "ChuteEject_Z 309",
-                 "RackPickup_1250_Z 216", "RackEject_1250_Z 214"}));
+  EXPECT_EQ(
+      LinesFrom(TipTable(Tip(1, "MICROTITER", 900, "1,1,0,0") + Tip(2, "SERIALDILUTE", 100, "1,0,0,0") +
+                         Tip(3, "SERIALDILUTE", 200, "1,0,0,0") + Tip(4, "SERIALDILUTE", 300, "0,1,0,0") +
+                         Tip(5, "SERIALDILUTE", 400, "0,1,0,0")),
+                rackKeys),
+      Set({"RackPickup_12_300_Z 616", "RackEject_12_300_Z 614", "ChuteEject_Z 309", "RackPickup_1250_Z 216",
+           "RackEject_1250_Z 214"}));
 }
 
 TEST(UploadScript, SendsBothRacksOfOneTipThatHasBothFlags) {
@@ -452,8 +462,9 @@ TEST(UploadScript, IncludesTheNamelessRecordAtTheEndInTipEjectAndNothingBehindIt
 }
 
 TEST(UploadScript, LeavesOutOnlyTipEjectWhenTheSScaleIsZero) {
-  EXPECT_EQ(LinesWithAxis("S", "0", HeadTable(EjectHead(1, "a", "SERIALDILUTE", "30", 8, "1", "2")), ejectKeys),
-            Set({"AspirateOrigin_8Ch_30_S 1"}));
+  EXPECT_EQ(
+      LinesWithAxis("S", "0", HeadTable(EjectHead(1, "a", "SERIALDILUTE", "30", 8, "1", "2")), ejectKeys),
+      Set({"AspirateOrigin_8Ch_30_S 1"}));
 }
 
 // ---- Nests ----
@@ -482,7 +493,8 @@ TEST(UploadScript, SendsTheHeightsOfEveryNest) {
 }
 
 TEST(UploadScript, SendsNoHeightsOfTheNamelessNestAtTheEnd) {
-  EXPECT_EQ(LinesFrom(NestTable(Nest(1, "", "NEST8", 100) + Nest(2, "b", "NEST12", 200)), {"Nest_"}), Texts{});
+  EXPECT_EQ(LinesFrom(NestTable(Nest(1, "", "NEST8", 100) + Nest(2, "b", "NEST12", 200)), {"Nest_"}),
+            Texts{});
 }
 
 TEST(UploadScript, SendsThePositionsOfTheFirstNestOfEachClassInHundredths) {
@@ -501,14 +513,16 @@ TEST(UploadScript, RoundsNestPositionsHalfAwayFromZero) {
 }
 
 TEST(UploadScript, TakesANamelessNestOfTheClassForFound) {
-  EXPECT_EQ(LinesFrom(NestTable("Item1=\"\",NEST12,\"l\",c,0,4,8\n" + Nest(2, "b", "NEST8", 100)), {"NEST_1"}),
-            Set({"NEST_1E_SD_X 100", "NEST_1E_SD_Y 100", "NEST_12D_SD_X 0", "NEST_12D_SD_Y 0",
-                 "NEST_1F_SD_X 0", "NEST_1F_SD_Y 0"}));
+  EXPECT_EQ(
+      LinesFrom(NestTable("Item1=\"\",NEST12,\"l\",c,0,4,8\n" + Nest(2, "b", "NEST8", 100)), {"NEST_1"}),
+      Set({"NEST_1E_SD_X 100", "NEST_1E_SD_Y 100", "NEST_12D_SD_X 0", "NEST_12D_SD_Y 0", "NEST_1F_SD_X 0",
+           "NEST_1F_SD_Y 0"}));
 }
 
 TEST(UploadScript, ComputesNestPositionsInDoublePrecision) {
-  EXPECT_EQ(LinesWithAxis("SDX", "1", NestTable("Item1=\"a\",NEST8,\"l\",c,0,16777217,0\n"), {"NEST_1A_SD_X"}),
-            Set({"NEST_1A_SD_X 1677721700"}));
+  EXPECT_EQ(
+      LinesWithAxis("SDX", "1", NestTable("Item1=\"a\",NEST8,\"l\",c,0,16777217,0\n"), {"NEST_1A_SD_X"}),
+      Set({"NEST_1A_SD_X 1677721700"}));
 }
 
 // ---- Serial-dilute XY ----
@@ -531,19 +545,20 @@ TEST(UploadScript, SendsSerialDilutePositionsInSteps) {
 }
 
 TEST(UploadScript, SendsTheGroupsInTheirOrder) {
-  const auto lines = LinesFrom(
-      std::string{heights} +
-          HeadTable("Item1=\"m\",MICROTITER,0,0,0,96\n" +
-                    EjectHead(2, "s", "SERIALDILUTE", "30", 1, "1", "2") + Head(3, "SERIALDILUTE", "8_CH", 1)) +
-          TipTable(Tip(1, "SERIALDILUTE", 1, "1,1,0,0", "Own")) + NestTable(Nest(1, "n", "NEST8", 1)) +
-          "[VolumeCorrection_1_CH_LONG_12.5]\n1Item=a,1,K1\n[Own]\n1Item=a,1,K2\n",
-      {"RACK_STAGE2_Y", "MountHeight", "Delta_Z", "TipChange_Z", "AspirateOrigin_96", "PickUp", "RackPickup_12_",
-       "RackEject_1250", "TipEject", "Nest_1A", "WELL_A1_SD_X", "NEST12_SD_Y", "NEST_1A_SD_X", "K", "SAVE"});
-  EXPECT_EQ(lines,
-            Set({"RACK_STAGE2_Y 0", "MountHeight 2", "Delta_Z 19.5", "TipChange_Z 0", "AspirateOrigin_96_384 0",
-                 "PickUp_8Ch_Z 16.25", "RackPickup_12_300_Z 18", "RackEject_1250_Z 16", "TipEject_1Ch_30_S -1",
-                 "Nest_1A_Z 28", "WELL_A1_SD_X 0", "NEST12_SD_Y 0", "NEST_1A_SD_X 300", "K1 100000",
-                 "K2 100000", "SAVE"}));
+  const auto lines = LinesFrom(std::string{heights} +
+                                   HeadTable("Item1=\"m\",MICROTITER,0,0,0,96\n" +
+                                             EjectHead(2, "s", "SERIALDILUTE", "30", 1, "1", "2") +
+                                             Head(3, "SERIALDILUTE", "8_CH", 1)) +
+                                   TipTable(Tip(1, "SERIALDILUTE", 1, "1,1,0,0", "Own")) +
+                                   NestTable(Nest(1, "n", "NEST8", 1)) +
+                                   "[VolumeCorrection_1_CH_LONG_12.5]\n1Item=a,1,K1\n[Own]\n1Item=a,1,K2\n",
+                               {"RACK_STAGE2_Y", "MountHeight", "Delta_Z", "TipChange_Z", "AspirateOrigin_96",
+                                "PickUp", "RackPickup_12_", "RackEject_1250", "TipEject", "Nest_1A",
+                                "WELL_A1_SD_X", "NEST12_SD_Y", "NEST_1A_SD_X", "K", "SAVE"});
+  EXPECT_EQ(lines, Set({"RACK_STAGE2_Y 0", "MountHeight 2", "Delta_Z 19.5", "TipChange_Z 0",
+                        "AspirateOrigin_96_384 0", "PickUp_8Ch_Z 16.25", "RackPickup_12_300_Z 18",
+                        "RackEject_1250_Z 16", "TipEject_1Ch_30_S -1", "Nest_1A_Z 28", "WELL_A1_SD_X 0",
+                        "NEST12_SD_Y 0", "NEST_1A_SD_X 300", "K1 100000", "K2 100000", "SAVE"}));
 }
 
 // ---- Volume precision ----
@@ -552,10 +567,10 @@ const std::initializer_list<std::string_view> volumeKeys{"V_"};
 
 TEST(UploadScript, SendsElevenCorrectionsInTheirOrderAndThoseThatTipsName) {
   std::string tables;
-  for (const auto* name : {"12_CH_300", "12_CH_30", "12_CH_12.5", "12_CH_125", "12_CH_1250", "8_CH_300",
-                           "8_CH_30", "8_CH_12.5", "8_CH_125", "8_CH_1250", "1_CH_SHORT_1250",
-                           "1_CH_SHORT_300", "1_CH_LONG_300", "1_CH_LONG_125", "1_CH_LONG_30",
-                           "1_CH_LONG_12.5", "1_CH_LONG_1250", "1_CH_LONG_12"}) {
+  for (const auto* name :
+       {"12_CH_300", "12_CH_30", "12_CH_12.5", "12_CH_125", "12_CH_1250", "8_CH_300", "8_CH_30", "8_CH_12.5",
+        "8_CH_125", "8_CH_1250", "1_CH_SHORT_1250", "1_CH_SHORT_300", "1_CH_LONG_300", "1_CH_LONG_125",
+        "1_CH_LONG_30", "1_CH_LONG_12.5", "1_CH_LONG_1250", "1_CH_LONG_12"}) {
     tables += std::string{"[VolumeCorrection_"} + name + "]\n1Item=x,1,V_" + name + "\n";
   }
   tables += "[Own]\n1Item=x,1,V_OWN\n[Other]\n1Item=x,1,V_OTHER\n";

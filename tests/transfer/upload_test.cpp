@@ -32,14 +32,15 @@ struct UploadFixture : OperationFixture {
 // The 36 lines of this configuration.
 Texts AllLines() {
   Texts lines;
-  for (const auto* text :
-       {"STAGE1_X 1", "STAGE1_Y 2", "STAGE2_X 3", "STAGE2_Y 4", "STAGE3_X 0", "STAGE3_Y 0",
-        "STAGE4_X 0", "STAGE4_Y 0", "STAGE5_X 0", "STAGE5_Y 0", "STAGE6_X 0", "STAGE6_Y 0",
-        "CHUTESTAGE_X 0", "CHUTESTAGE_Y 0", "NEST8_STAGE_X 0", "NEST8_STAGE_Y 0", "NEST12_STAGE_X 0",
-        "NEST12_STAGE_Y 0", "RESERVOIR_X 0", "RESERVOIR_Y 0", "WASH_X 0", "WASH_Y 0", "RACK_STAGE1_X 0",
-        "RACK_STAGE1_Y 0", "RACK_STAGE2_X 0", "RACK_STAGE2_Y 0", "Delta_Z 0", "WELL_A1_SD_X 0",
-        "WELL_A1_SD_Y 0", "CHUTE_SD_X 0", "CHUTE_SD_Y 0", "NEST8_SD_X 0", "NEST8_SD_Y 0", "NEST12_SD_X 0",
-        "NEST12_SD_Y 0", "SAVE"}) {
+  for (const auto* text : {"STAGE1_X 1",       "STAGE1_Y 2",       "STAGE2_X 3",      "STAGE2_Y 4",
+                           "STAGE3_X 0",       "STAGE3_Y 0",       "STAGE4_X 0",      "STAGE4_Y 0",
+                           "STAGE5_X 0",       "STAGE5_Y 0",       "STAGE6_X 0",      "STAGE6_Y 0",
+                           "CHUTESTAGE_X 0",   "CHUTESTAGE_Y 0",   "NEST8_STAGE_X 0", "NEST8_STAGE_Y 0",
+                           "NEST12_STAGE_X 0", "NEST12_STAGE_Y 0", "RESERVOIR_X 0",   "RESERVOIR_Y 0",
+                           "WASH_X 0",         "WASH_Y 0",         "RACK_STAGE1_X 0", "RACK_STAGE1_Y 0",
+                           "RACK_STAGE2_X 0",  "RACK_STAGE2_Y 0",  "Delta_Z 0",       "WELL_A1_SD_X 0",
+                           "WELL_A1_SD_Y 0",   "CHUTE_SD_X 0",     "CHUTE_SD_Y 0",    "NEST8_SD_X 0",
+                           "NEST8_SD_Y 0",     "NEST12_SD_X 0",    "NEST12_SD_Y 0",   "SAVE"}) {
     lines.push_back(std::string{"send SET_CALIBRATION "} + text);
   }
   return lines;
@@ -81,8 +82,7 @@ TEST(Upload, LoadsTheRecordsInForceBeforeItAsks) {
 TEST(Upload, LeavesControlsAndStatusAsTheyAreOnCancel) {
   UploadFixture fixture;
   fixture.Process.BoxAnswers = {message_answer::cancel};
-  EXPECT_EQ(fixture.Upload(),
-            (Texts{"status=Uploading Data to Zolvane", "enable controls false", question}));
+  EXPECT_EQ(fixture.Upload(), (Texts{"status=Uploading Data to Zolvane", "enable controls false", question}));
   EXPECT_EQ(fixture.Calls.Events.back(), question);
   EXPECT_EQ(fixture.Window->Panel->Shown, "Uploading Data to Zolvane");
 }
@@ -121,10 +121,11 @@ TEST(Upload, StopsAtTheFirstLineThatIsNotAnswered) {
   fixture.Upload();
   const auto calls = fixture.Calls.Of({"send", "message", "stop?", "changed", "status=", "enable"});
   const Texts ending(calls.end() - 6, calls.end());
-  EXPECT_EQ(ending, (Texts{"stop?", "send SET_CALIBRATION STAGE2_X 3",
-                           "message 0 \"Communication Error\" \"Uploading Data to Zolvane\r\n\r\nPlease ensure "
-                           "that the Zolvane is switched on\r\nand in 'Remote Mode'\"",
-                           "changed=false", "status=", "enable controls true"}));
+  EXPECT_EQ(ending,
+            (Texts{"stop?", "send SET_CALIBRATION STAGE2_X 3",
+                   "message 0 \"Communication Error\" \"Uploading Data to Zolvane\r\n\r\nPlease ensure "
+                   "that the Zolvane is switched on\r\nand in 'Remote Mode'\"",
+                   "changed=false", "status=", "enable controls true"}));
   EXPECT_EQ(fixture.Sent(), (Texts{"send SET_CALIBRATION STAGE1_X 1", "send SET_CALIBRATION STAGE1_Y 2",
                                    "send SET_CALIBRATION STAGE2_X 3"}));
 }
