@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <filesystem>
 #include <map>
 #include <memory>
 #include <optional>
@@ -19,11 +20,17 @@
 
 namespace zolvane {
 
+// A path as the add-in joins it on this system.
+inline std::string InFolder(std::string folder, std::string_view name) {
+  folder += static_cast<char>(std::filesystem::path::preferred_separator);
+  return folder.append(name);
+}
+
 class FakeSettings final : public IniFileService {
  public:
   explicit FakeSettings(Journal& journal) : journal_{journal} {}
 
-  std::string ConfigFile = "/add-in/Zolvane.ini";
+  std::string ConfigFile = InFolder("/add-in", "Zolvane.ini");
 
   // Replaces a file by the text: lines `[Section]` and `key=value` (value to the letter); others are ignored.
   void Load(const std::string& file, std::string_view text) {

@@ -32,14 +32,14 @@ inline std::vector<std::string> GoldenLines(const std::string& name) {
 }
 
 // A list of calls as a golden file holds it: without what every command does with the link, without the splitting of
-// texts, and without the readings unless they are wanted.
+// texts, and without the readings unless they are wanted. Paths are written with slashes.
 inline std::vector<std::string> AsGolden(const std::vector<std::string>& calls, bool withReadings) {
   std::vector<std::string> lines;
   for (const auto& call : calls) {
     const bool isAroundACommand = call == "get link" || call == "stop=false" || call == "hold=true";
     const bool isReading = call.starts_with("read ") || call == "create settings service";
     if (!isAroundACommand && !call.starts_with("split ") && (withReadings || !isReading)) {
-      lines.push_back(Replaced(call, "\r\n", "\\r\\n"));
+      lines.push_back(Replaced(Replaced(call, "\r\n", "\\r\\n"), "\\Zolvane.ini", "/Zolvane.ini"));
     }
   }
   return lines;

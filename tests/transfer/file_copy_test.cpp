@@ -33,6 +33,8 @@ constexpr auto exportDone =
     "\r\ncalibration data at any time using this Add-In module.\"";
 
 // One record in every table, with device "D", a factor of 2 and 0.5 mm per step of Z.
+const std::string appendsBlankLine = "append blank line to " + InFolder("/add-in", "Zolvane.ini");
+
 constexpr std::string_view oneOfEach =
     "[DeviceType]\nInstalled=1\nItem1=\"D\",1,\"ZV\"\nUploadCalibrationData=0\nSDXYEncoderMMStepFactorOff=2\n"
     "[CageType]\nInstalled=1\nItem1=\"C\",SERIALDILUTE,1,0,1,5,6,7,8\nCageReleaseHeight=152\n"
@@ -154,9 +156,9 @@ TEST(CopyAllTables, AppendsOneBlankLineBehindTheHeightsAlsoWithoutSeparation) {
   CopyFixture fixture;
   fixture.Settings().Load(backup, oneOfEach);
   CopyAllTables(fixture.Context, backup, fixture.Settings().ConfigFile, false, "Importing");
-  EXPECT_EQ(fixture.Calls.Of({"append"}), Texts{"append blank line to /add-in/Zolvane.ini"});
+  EXPECT_EQ(fixture.Calls.Of({"append"}), Texts{appendsBlankLine});
   EXPECT_EQ(fixture.Calls.Of({"write [Z_Calibration] DeltaZT", "append", "status=Importing...Head nest"}),
-            (Texts{"write [Z_Calibration] DeltaZTolerance=1000", "append blank line to /add-in/Zolvane.ini",
+            (Texts{"write [Z_Calibration] DeltaZTolerance=1000", appendsBlankLine,
                    "status=Importing...Head nest data"}));
 }
 
@@ -393,10 +395,10 @@ TEST(FileDialogueOfThePage, ProposesTheFileThatWasChosenLast) {
 
 TEST(FileDialogueOfThePage, ProposesAlsoAFileThatWasRefused) {
   CopyFixture fixture;
-  fixture.Process.FileAnswers = {"/add-in/Zolvane.ini"};
+  fixture.Process.FileAnswers = {fixture.Settings().ConfigFile};
   ExportCalibrationFile(fixture.Context, fixture.Dialogue);
   ExportCalibrationFile(fixture.Context, fixture.Dialogue);
-  EXPECT_EQ(fixture.Calls.Of({"save"}).back(), "save dialogue \"/add-in/Zolvane.ini\"");
+  EXPECT_EQ(fixture.Calls.Of({"save"}).back(), "save dialogue \"" + fixture.Settings().ConfigFile + "\"");
 }
 
 // ---- Import ----
@@ -410,10 +412,10 @@ TEST(Import, AsksLetsChooseCopiesReportsAndReloads) {
   EXPECT_EQ(fixture.Calls.Of({"enable", "box", "open", "yield", "status", "append", "load", "changed"}),
             (Texts{"enable controls false", importQuestion, "open dialogue \"ZolvaneINIExport\"", "yield",
                    "status=Importing...Device setup data", "status=Importing...Pipetting module data",
-                   "status=Importing...Height data", "append blank line to /add-in/Zolvane.ini",
-                   "status=Importing...Head nest data", "status=Importing...Pipette head data",
-                   "status=Importing...Stage position data", "status=Importing...Labware library data",
-                   importDone, "load defaults", "enable controls true", "status="}));
+                   "status=Importing...Height data", appendsBlankLine, "status=Importing...Head nest data",
+                   "status=Importing...Pipette head data", "status=Importing...Stage position data",
+                   "status=Importing...Labware library data", importDone, "load defaults",
+                   "enable controls true", "status="}));
   EXPECT_EQ(fixture.Writes(), oneOfEachCopied);
 }
 
@@ -457,7 +459,7 @@ TEST(Import, ChangesNothingForAnEmptyFileName) {
 }
 
 TEST(Import, RefusesTheConfigurationFileInAnyCase) {
-  for (const auto* file : {"/add-in/Zolvane.ini", "/ADD-IN/zolvane.INI"}) {
+  for (const auto& file : {InFolder("/add-in", "Zolvane.ini"), InFolder("/ADD-IN", "zolvane.INI")}) {
     CopyFixture fixture;
     fixture.Process.BoxAnswers = {message_answer::yes};
     fixture.Process.FileAnswers = {file};
@@ -471,7 +473,7 @@ TEST(Import, RefusesTheConfigurationFileInAnyCase) {
 TEST(Import, DoesNotNoticeTheConfigurationFileUnderAnotherSpelling) {
   CopyFixture fixture;
   fixture.Process.BoxAnswers = {message_answer::yes};
-  fixture.Process.FileAnswers = {"/add-in/./Zolvane.ini"};
+  fixture.Process.FileAnswers = {InFolder("/add-in/.", "Zolvane.ini")};
   ImportCalibrationFile(fixture.Context, fixture.Dialogue);
   EXPECT_EQ(fixture.Calls.Of({"box 16"}), Texts{});
   EXPECT_EQ(fixture.Calls.Count("load defaults"), 1U);
@@ -540,7 +542,7 @@ TEST(Export, ChangesNothingForAnEmptyFileName) {
 }
 
 TEST(Export, RefusesTheConfigurationFileInAnyCase) {
-  for (const auto* file : {"/add-in/Zolvane.ini", "/Add-In/ZOLVANE.ini"}) {
+  for (const auto& file : {InFolder("/add-in", "Zolvane.ini"), InFolder("/Add-In", "ZOLVANE.ini")}) {
     CopyFixture fixture;
     fixture.Process.FileAnswers = {file};
     ExportCalibrationFile(fixture.Context, fixture.Dialogue);
