@@ -21,11 +21,6 @@ namespace {
 
 constexpr auto backupFile = "/backup/a.bak";
 
-const std::string& SmallConfiguration() {
-  static const std::string text = GoldenText("small.ini");
-  return text;
-}
-
 // ---- One run of an operation ----
 
 struct Operation {

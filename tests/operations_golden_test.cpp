@@ -20,10 +20,6 @@ std::string SampleConfiguration() {
   return Replaced(FileContent(std::filesystem::path{ZOLVANE_SAMPLES_PATH} / "Zolvane.ini"), "\r\n", "\n");
 }
 
-std::string SmallConfiguration() {
-  return GoldenText("small.ini");
-}
-
 // Each command has to clear the stop flag, set the hold flag and be sent, each through a fresh link.
 void ExpectCommandsThroughFreshLinks(const Texts& calls) {
   const Texts before{"get link", "stop=false", "get link", "hold=true", "get link"};

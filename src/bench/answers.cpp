@@ -13,12 +13,12 @@
 namespace zolvane {
 namespace {
 
-struct ButtonRow {
+struct AnswerRow {
   std::int32_t Number;
   std::string_view Name;
 };
 
-constexpr std::array<ButtonRow, 4> buttonRows{{
+constexpr std::array<AnswerRow, 4> answerRows{{
     {message_answer::ok, "OK"},
     {message_answer::cancel, "Cancel"},
     {message_answer::yes, "Yes"},
@@ -71,8 +71,8 @@ std::optional<std::int32_t> ButtonMeantBy(std::string_view typed, const std::vec
 
 std::int32_t ParseAnswer(std::string_view word) {
   const auto* const found =
-      std::ranges::find_if(buttonRows, [word](const auto& row) { return EqualIgnoringCase(row.Name, word); });
-  if (found == buttonRows.end()) {
+      std::ranges::find_if(answerRows, [word](const auto& row) { return EqualIgnoringCase(row.Name, word); });
+  if (found == answerRows.end()) {
     throw UsageError{
         Joined("--answer: ", Quoted(word), " is no answer; write ok, cancel, yes or no, with commas")};
   }
@@ -96,8 +96,8 @@ std::vector<std::int32_t> ButtonsOf(std::int32_t style) {
 
 std::string_view ButtonName(std::int32_t button) {
   const auto* const found =
-      std::ranges::find_if(buttonRows, [button](const auto& row) { return row.Number == button; });
-  return found == buttonRows.end() ? std::string_view{} : found->Name;
+      std::ranges::find_if(answerRows, [button](const auto& row) { return row.Number == button; });
+  return found == answerRows.end() ? std::string_view{} : found->Name;
 }
 
 std::vector<std::int32_t> ParseAnswers(std::string_view list) {

@@ -15,7 +15,7 @@ Options Parsed(Words words) {
   return std::get<Options>(ParseOptions(std::move(words)));
 }
 
-std::string Refusal(Words words) {
+std::string RefusedOptions(Words words) {
   try {
     ParseOptions(std::move(words));
   } catch (const UsageError& error) {
@@ -78,17 +78,17 @@ TEST(Options, NegativeNumbersAndOddWordsAreArguments) {
 }
 
 TEST(Options, WhatCannotBeMeantIsRefusedWithItsName) {
-  EXPECT_EQ(Refusal({"page", "--nonsense"}),
+  EXPECT_EQ(RefusedOptions({"page", "--nonsense"}),
             "The following argument was not expected: --nonsense; see zolvane-bench --help");
-  EXPECT_EQ(Refusal({"page", "--link"}), "--link: 1 required LINK missing; see zolvane-bench --help");
+  EXPECT_EQ(RefusedOptions({"page", "--link"}), "--link: 1 required LINK missing; see zolvane-bench --help");
   for (const auto* timeout : {"0", "-1", "", "nan", "inf", "1e9", "0x10", "5s", " 5"}) {
-    EXPECT_TRUE(Refusal({"page", "--timeout", timeout}).starts_with("--timeout")) << timeout;
+    EXPECT_TRUE(RefusedOptions({"page", "--timeout", timeout}).starts_with("--timeout")) << timeout;
   }
   for (const auto* answers : {"", ",", "ok,", "retry", "o"}) {
-    EXPECT_TRUE(Refusal({"page", "--answer", answers}).starts_with("--answer")) << answers;
+    EXPECT_TRUE(RefusedOptions({"page", "--answer", answers}).starts_with("--answer")) << answers;
   }
-  EXPECT_EQ(Refusal({"page", "--folder", ""}), "--folder: the name of the folder is empty");
-  EXPECT_EQ(Refusal({"page", "--trace", ""}), "--trace: the name of the file is empty");
+  EXPECT_EQ(RefusedOptions({"page", "--folder", ""}), "--folder: the name of the folder is empty");
+  EXPECT_EQ(RefusedOptions({"page", "--trace", ""}), "--trace: the name of the file is empty");
 }
 
 TEST(Options, HelpAndVersionAreTextsInsteadOfARun) {

@@ -7,23 +7,23 @@
 namespace zolvane {
 namespace {
 
-constexpr std::string_view configText =
+constexpr std::string_view rehearsedConfiguration =
     "[DeviceType]\nInstalled=1\nItem1=\"Alpha\",0,\"AL1\"\n"
     "[CageType]\nInstalled=1\nItem1=\"Large\",MICROTITER\n";
 
 TEST(Rehearsal, CountsTheCommandsAndChangesNothing) {
   const TemporaryFolder folder;
-  folder.Put("Zolvane.ini", configText);
+  folder.Put("Zolvane.ini", rehearsedConfiguration);
   EXPECT_EQ(CountCommands(folder.Path(), 0), 36U);
   // 13 and 4 positions with X and Y each, and one height: there are no heads and tips.
   EXPECT_EQ(CountCommands(folder.Path(), 1), 26U + 1 + 8);
-  EXPECT_EQ(folder.Read("Zolvane.ini"), configText);
+  EXPECT_EQ(folder.Read("Zolvane.ini"), rehearsedConfiguration);
   EXPECT_EQ(folder.Names().size(), 1U);
 }
 
 TEST(Rehearsal, OtherButtonsCountNothing) {
   const TemporaryFolder folder;
-  folder.Put("Zolvane.ini", configText);
+  folder.Put("Zolvane.ini", rehearsedConfiguration);
   for (const int button : {-1, 2, 3, 4, 5}) {
     EXPECT_EQ(CountCommands(folder.Path(), button), 0U);
   }

@@ -184,7 +184,7 @@ struct Entry {
 };
 
 // A table of records with these names, and which numbers were asked for.
-struct Entries {
+struct CountedEntries {
   Texts Names;
   Texts Asked;
 
@@ -198,14 +198,14 @@ struct Entries {
 };
 
 TEST(FindRecord, StartsAtItemOneAndStopsAtTheFirstThatMatches) {
-  Entries entries{{"a", "b", "b", "c"}, {}};
+  CountedEntries entries{{"a", "b", "b", "c"}, {}};
   const auto found = FindRecord(entries.Loader(), [](const Entry& entry) { return entry.Name == "b"; });
   EXPECT_EQ(found.Number, "2");
   EXPECT_EQ(entries.Asked, (Texts{"1", "2"}));
 }
 
 TEST(FindRecord, GivesTheNamelessRecordAtTheEndWhenNothingMatches) {
-  Entries entries{{"a", "b", "", "z"}, {}};
+  CountedEntries entries{{"a", "b", "", "z"}, {}};
   const auto found = FindRecord(entries.Loader(), [](const Entry& entry) { return entry.Name == "z"; });
   EXPECT_EQ(found.Number, "3");
   EXPECT_EQ(found.Name, "");
@@ -213,26 +213,26 @@ TEST(FindRecord, GivesTheNamelessRecordAtTheEndWhenNothingMatches) {
 }
 
 TEST(FindRecord, ComparesBeforeItTestsForTheEnd) {
-  Entries entries{{"a", "", "b"}, {}};
+  CountedEntries entries{{"a", "", "b"}, {}};
   const auto found = FindRecord(entries.Loader(), [](const Entry& entry) { return entry.Code == "c2"; });
   EXPECT_EQ(found.Number, "2");
 }
 
 TEST(FindRecord, OfAnEmptyTableIsItsEnd) {
-  Entries entries;
+  CountedEntries entries;
   EXPECT_EQ(FindRecord(entries.Loader(), [](const Entry&) { return false; }).Number, "1");
   EXPECT_EQ(entries.Asked, Texts{"1"});
 }
 
 TEST(FindRecord, EndsWhere16BitCountersEnd) {
-  Entries entries{Texts(40000, "n"), {}};
+  CountedEntries entries{Texts(40000, "n"), {}};
   const auto last = FindRecord(entries.Loader(), [](const Entry&) { return false; });
   EXPECT_EQ(last.Number, "32767");
   EXPECT_EQ(entries.Asked.size(), 32767U);
 }
 
 TEST(FindRecord, StillComparesTheLastNumber) {
-  Entries entries{Texts(40000, "n"), {}};
+  CountedEntries entries{Texts(40000, "n"), {}};
   int compared = 0;
   FindRecord(entries.Loader(), [&compared](const Entry&) {
     ++compared;
@@ -242,7 +242,7 @@ TEST(FindRecord, StillComparesTheLastNumber) {
 }
 
 TEST(ForEachRecord, VisitsTheRecordsBeforeTheFirstNamelessOne) {
-  Entries entries{{"a", "b", "", "d"}, {}};
+  CountedEntries entries{{"a", "b", "", "d"}, {}};
   Texts visited;
   ForEachRecord(entries.Loader(), [&visited](const Entry& entry) { visited.push_back(entry.Number); });
   EXPECT_EQ(visited, (Texts{"1", "2"}));
@@ -250,21 +250,21 @@ TEST(ForEachRecord, VisitsTheRecordsBeforeTheFirstNamelessOne) {
 }
 
 TEST(ForEachRecord, VisitsNothingOfAnEmptyTable) {
-  Entries entries;
+  CountedEntries entries;
   int visits = 0;
   ForEachRecord(entries.Loader(), [&visits](const Entry&) { ++visits; });
   EXPECT_EQ(visits, 0);
 }
 
 TEST(ForEachRecord, EndsWhere16BitCountersEnd) {
-  Entries entries{Texts(40000, "n"), {}};
+  CountedEntries entries{Texts(40000, "n"), {}};
   int visits = 0;
   ForEachRecord(entries.Loader(), [&visits](const Entry&) { ++visits; });
   EXPECT_EQ(visits, 32767);
 }
 
 TEST(ForEachRecordAndTheEnd, VisitsTheNamelessRecordToo) {
-  Entries entries{{"a", "b", "", "d"}, {}};
+  CountedEntries entries{{"a", "b", "", "d"}, {}};
   Texts visited;
   ForEachRecordAndTheEnd(entries.Loader(),
                          [&visited](const Entry& entry) { visited.push_back(entry.Number); });

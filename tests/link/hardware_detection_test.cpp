@@ -10,7 +10,7 @@
 namespace zolvane {
 namespace {
 
-constexpr std::string_view configuration =
+constexpr std::string_view detectionConfiguration =
     "[DeviceType]\n"
     "Installed=1\n"
     "Item0=\"Spare\",0,\"ZV000\"\n"
@@ -31,7 +31,7 @@ constexpr std::string_view configuration =
     "ModuleInstalled=1\n";
 
 struct DetectionFixture : OperationFixture {
-  explicit DetectionFixture(std::string_view text = configuration) : OperationFixture{text} {
+  explicit DetectionFixture(std::string_view text = detectionConfiguration) : OperationFixture{text} {
     Page.Entries = {{ListControl::DeviceType, {"Small", "Large"}},
                     {ListControl::CageType, {"Narrow Module", "Wide Module", "Not installed"}},
                     {ListControl::HeadType, {"Block", "Comb", "Tool", "Not installed"}}};

@@ -11,10 +11,10 @@
 namespace zolvane {
 namespace {
 
-constexpr std::string_view configuration = "[DeviceType]\nInstalled=1\nItem1=\"Small\",0,\"ZV200\"\n";
+constexpr std::string_view oneDevice = "[DeviceType]\nInstalled=1\nItem1=\"Small\",0,\"ZV200\"\n";
 
 struct ModuleFixture : FakeHost {
-  ModuleFixture() { Settings().Load(configuration); }
+  ModuleFixture() { Settings().Load(oneDevice); }
 
   RecordedViewFactory Views{Calls};
   std::optional<AddInModule> Module{std::in_place, Process, Views};

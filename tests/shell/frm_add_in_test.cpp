@@ -13,13 +13,13 @@
 namespace zolvane {
 namespace {
 
-constexpr std::string_view configuration =
+constexpr std::string_view formConfiguration =
     "[DeviceType]\nInstalled=1\nItem1=\"Small\",0,\"ZV200\"\n"
     "[CageType]\nInstalled=1\nItem1=\"Narrow\",SERIALDILUTE\n";
 
 // A page of its own, which no module keeps.
 struct FormFixture : FakeHost {
-  FormFixture() { Settings().Load(configuration); }
+  FormFixture() { Settings().Load(formConfiguration); }
 
   Configuration Config{Process};
   RecordedViewFactory Views{Calls};
@@ -153,7 +153,7 @@ TEST(ObjectParent, IsReplacedByASecondOneWithoutTouchingALink) {
 }
 
 TEST(ObjectParent, SetToNothingReleasesTheHoldFlagOnceAndUnloadsThePage) {
-  Session session{configuration};
+  Session session{formConfiguration};
   session.Form->PressButton(queryButton);
   EXPECT_TRUE(session.Link().HoldFlag);
   session.Calls.Clear();
@@ -358,7 +358,7 @@ struct Detaching {
 };
 
 TEST(DetachingMeanwhile, LetsARunningUploadEndWithoutTheHost) {
-  Session session{configuration};
+  Session session{formConfiguration};
   session.LoadDefaults();
   const Detaching detaching{session};
   session.Views.Events->PressButton(uploadButton);
@@ -369,7 +369,7 @@ TEST(DetachingMeanwhile, LetsARunningUploadEndWithoutTheHost) {
 }
 
 TEST(DetachingMeanwhile, LetsARunningImportEnd) {
-  Session session{configuration};
+  Session session{formConfiguration};
   session.LoadDefaults();
   session.Process.BoxAnswers = {message_answer::yes};
   session.Process.FileAnswers = {"/backup/a.bak"};
@@ -380,7 +380,7 @@ TEST(DetachingMeanwhile, LetsARunningImportEnd) {
 }
 
 TEST(DetachingMeanwhile, InTheHostsDialogueLetsTheMessageEnd) {
-  Session session{configuration};
+  Session session{formConfiguration};
   session.LoadDefaults();
   session.Link().DefaultReply = NoAnswer();
   session.Object->OffersDialog = true;

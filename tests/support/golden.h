@@ -21,6 +21,11 @@ inline std::string GoldenText(const std::string& name) {
   return FileContent(std::filesystem::path{ZOLVANE_SOURCE_PATH} / "tests" / "golden" / name);
 }
 
+// A file with a few records of each table.
+inline std::string SmallConfiguration() {
+  return GoldenText("small.ini");
+}
+
 inline std::vector<std::string> GoldenLines(const std::string& name) {
   std::vector<std::string> lines;
   std::string text = GoldenText(name);

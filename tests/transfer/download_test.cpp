@@ -16,7 +16,7 @@ constexpr std::string_view axes =
     "[CageType]\nInstalled=1\nItem1=\"C\",SERIALDILUTE,0,0,0,1,2,3,4\n"
     "[Device_TypeD_CageC]\nAxis1=Z,0.5\nAxis2=S,2\n";
 
-constexpr auto question =
+constexpr auto downloadQuestion =
     "box 49 \"Download Calibration Data to Zolvane\" \"The calibration data stored on the Zolvane will be "
     "transferred\r\nto the local Hestrion data file on this computer, overwriting any existing "
     "data.\r\n\r\nClick [OK] to download this information.\"";
@@ -60,7 +60,7 @@ TEST(Download, AsksForConfirmationRunsItsStepsAndEnds) {
   EXPECT_EQ(
       fixture.Calls.Of({"status=", "enable", "box", "send GET_CALIBRATION STAGE1", "send GET_CALIBRATION D",
                         "send GET_CALIBRATION W", "send GET_CALIBRATION HeadE", "changed", "write"}),
-      (Texts{"status=Downloading Data from Zolvane", "enable controls false", question,
+      (Texts{"status=Downloading Data from Zolvane", "enable controls false", downloadQuestion,
              "status=Downloading Data from Zolvane...Stage XY", "send GET_CALIBRATION STAGE1_X",
              "send GET_CALIBRATION WASH_X", "status=Downloading Data from Zolvane...Heights",
              "send GET_CALIBRATION Delta_Z", "status=Downloading Data from Zolvane...Liquid Handling",
@@ -86,7 +86,7 @@ TEST(Download, LoadsTheRecordsInForceBeforeItAsks) {
              "read [Z_Calibration] MountHeight", "read [DeviceType] Installed", "read [CageType] Installed",
              "read [Device_TypeD_CageC] Axis1", "read [Device_TypeD_CageC] Axis2",
              "read [Device_TypeD_CageC] Axis3", "read [HeadType] Installed", "read [TipType] Installed",
-             "read [NestType] Installed", question}));
+             "read [NestType] Installed", downloadQuestion}));
   EXPECT_EQ(fixture.Config.Current.Axes.S.UnitsPerStep, 2.0F);
 }
 
@@ -95,8 +95,8 @@ TEST(Download, LeavesControlsAndStatusAsTheyAreOnCancel) {
   fixture.Process.BoxAnswers = {message_answer::cancel};
   DownloadCalibration(fixture.Context);
   EXPECT_EQ(fixture.Steps(),
-            (Texts{"status=Downloading Data from Zolvane", "enable controls false", question}));
-  EXPECT_EQ(fixture.Calls.Events.back(), question);
+            (Texts{"status=Downloading Data from Zolvane", "enable controls false", downloadQuestion}));
+  EXPECT_EQ(fixture.Calls.Events.back(), downloadQuestion);
 }
 
 TEST(Download, EndsAtOnceOnAnyOtherAnswer) {
@@ -105,7 +105,7 @@ TEST(Download, EndsAtOnceOnAnyOtherAnswer) {
     fixture.Process.BoxAnswers = {answer};
     DownloadCalibration(fixture.Context);
     EXPECT_EQ(fixture.Steps(), (Texts{"status=Downloading Data from Zolvane", "enable controls false",
-                                      question, "changed=false", "status=", "enable controls true"}))
+                                      downloadQuestion, "changed=false", "status=", "enable controls true"}))
         << answer;
   }
 }
@@ -114,8 +114,8 @@ TEST(Download, EndsAtOnceWhenTheQuestionCannotBeShown) {
   DownloadFixture fixture;
   fixture.Calls.FailEverythingThatStartsWith("box");
   DownloadCalibration(fixture.Context);
-  EXPECT_EQ(fixture.Steps(), (Texts{"status=Downloading Data from Zolvane", "enable controls false", question,
-                                    "changed=false", "status=", "enable controls true"}));
+  EXPECT_EQ(fixture.Steps(), (Texts{"status=Downloading Data from Zolvane", "enable controls false",
+                                    downloadQuestion, "changed=false", "status=", "enable controls true"}));
 }
 
 TEST(Download, AsksForThirteenPositionsInTheirOrder) {

@@ -13,13 +13,14 @@ namespace zolvane {
 namespace {
 
 // Device "D" with cage "C" and a factor of 1; 0.5 mm per step of Z, 2 of S, 0.25 of SDX, 0.125 of SDY.
-constexpr std::string_view axes =
+constexpr std::string_view scriptAxes =
     "[DeviceType]\nInstalled=1\nItem1=\"D\",0,\"ZV\"\nSDXYEncoderMMStepFactorOff=1\n"
     "[CageType]\nInstalled=1\nItem1=\"C\",SERIALDILUTE\n"
     "[Device_TypeD_CageC]\nAxis1=Z,0.5\nAxis2=S,2\nAxis3=SDX,0.25\nAxis4=SDY,0.125\n";
 
 struct ScriptFixture : OperationFixture {
-  explicit ScriptFixture(const std::string& tables = "") : OperationFixture{std::string{axes} + tables} {}
+  explicit ScriptFixture(const std::string& tables = "")
+      : OperationFixture{std::string{scriptAxes} + tables} {}
 
   std::string Script() {
     Refresh();
@@ -200,7 +201,7 @@ TEST(UploadScript, SendsDeltaZInGeneralForm) {
 }
 
 std::string WithAxis(const std::string& axis, const std::string& scale) {
-  std::string text{axes};
+  std::string text{scriptAxes};
   const auto start = text.find("=" + axis + ",") + axis.size() + 2;
   return text.replace(start, text.find('\n', start) - start, scale);
 }
@@ -242,7 +243,7 @@ std::string HeadTable(const std::string& items) {
 
 // Appends an item to the cage table of the axes' text.
 Texts ChangeLines(const std::string& cages, const std::string& heads) {
-  std::string text{axes};
+  std::string text{scriptAxes};
   text.insert(text.find("[Device_Type"), cages);
   OperationFixture fixture{text + HeadTable(heads)};
   fixture.Refresh();
@@ -536,7 +537,7 @@ TEST(UploadScript, SendsSerialDiluteXAndYOfFourPositions) {
 }
 
 TEST(UploadScript, SendsSerialDilutePositionsInSteps) {
-  std::string text{axes};
+  std::string text{scriptAxes};
   text.replace(text.find("Off=1"), 5, "Off=2");
   OperationFixture fixture{text + "[Position_D]\nItem1=STAGE1,\"d\",,7,8,10,20\n"};
   fixture.Refresh();

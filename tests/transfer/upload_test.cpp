@@ -11,17 +11,17 @@
 namespace zolvane {
 namespace {
 
-constexpr std::string_view configuration =
+constexpr std::string_view uploadConfiguration =
     "[DeviceType]\nInstalled=1\nItem1=\"D\",0,\"ZV\"\n"
     "[Position_D]\nItem1=STAGE1,\"a\",,1,2\nItem2=STAGE2,\"b\",,3,4\n";
 
-constexpr auto question =
+constexpr auto uploadQuestion =
     "box 49 \"Upload Calibration Data to Zolvane\" \"The calibration data stored on this computer will be "
     "transferred\r\nto the Zolvane overwriting any existing data.\r\n\r\nClick [OK] to upload this "
     "information.\"";
 
 struct UploadFixture : OperationFixture {
-  UploadFixture() : OperationFixture{configuration} {}
+  UploadFixture() : OperationFixture{uploadConfiguration} {}
 
   Texts Upload() {
     UploadCalibration(Context);
@@ -50,7 +50,7 @@ TEST(Upload, AsksThenBuildsThenSendsLineByLineThenEnds) {
   UploadFixture fixture;
   Texts expected{"status=Uploading Data to Zolvane",
                  "enable controls false",
-                 question,
+                 uploadQuestion,
                  "status=Uploading Data to Zolvane...Stage XY",
                  "status=Uploading Data to Zolvane...Heights",
                  "status=Uploading Data to Zolvane...SD XY",
@@ -75,15 +75,16 @@ TEST(Upload, LoadsTheRecordsInForceBeforeItAsks) {
             (Texts{"status=Uploading Data to Zolvane", "enable controls false",
                    "read [Z_Calibration] MountHeight", "read [DeviceType] Installed",
                    "read [CageType] Installed", "read [Device_TypeD_Cage] Axis1", "read [HeadType] Installed",
-                   "read [TipType] Installed", "read [NestType] Installed", question}));
+                   "read [TipType] Installed", "read [NestType] Installed", uploadQuestion}));
   EXPECT_EQ(fixture.Config.Current.Device.Name, "D");
 }
 
 TEST(Upload, LeavesControlsAndStatusAsTheyAreOnCancel) {
   UploadFixture fixture;
   fixture.Process.BoxAnswers = {message_answer::cancel};
-  EXPECT_EQ(fixture.Upload(), (Texts{"status=Uploading Data to Zolvane", "enable controls false", question}));
-  EXPECT_EQ(fixture.Calls.Events.back(), question);
+  EXPECT_EQ(fixture.Upload(),
+            (Texts{"status=Uploading Data to Zolvane", "enable controls false", uploadQuestion}));
+  EXPECT_EQ(fixture.Calls.Events.back(), uploadQuestion);
   EXPECT_EQ(fixture.Window->Panel->Shown, "Uploading Data to Zolvane");
 }
 
@@ -91,8 +92,8 @@ TEST(Upload, EndsAtOnceOnAnyOtherAnswer) {
   for (const std::int32_t answer : {0, 3, 4, 5, 6, 7, -1}) {
     UploadFixture fixture;
     fixture.Process.BoxAnswers = {answer};
-    EXPECT_EQ(fixture.Upload(), (Texts{"status=Uploading Data to Zolvane", "enable controls false", question,
-                                       "changed=false", "status=", "enable controls true"}))
+    EXPECT_EQ(fixture.Upload(), (Texts{"status=Uploading Data to Zolvane", "enable controls false",
+                                       uploadQuestion, "changed=false", "status=", "enable controls true"}))
         << answer;
   }
 }
@@ -100,8 +101,8 @@ TEST(Upload, EndsAtOnceOnAnyOtherAnswer) {
 TEST(Upload, EndsAtOnceWhenTheQuestionCannotBeShown) {
   UploadFixture fixture;
   fixture.Calls.FailEverythingThatStartsWith("box");
-  EXPECT_EQ(fixture.Upload(), (Texts{"status=Uploading Data to Zolvane", "enable controls false", question,
-                                     "changed=false", "status=", "enable controls true"}));
+  EXPECT_EQ(fixture.Upload(), (Texts{"status=Uploading Data to Zolvane", "enable controls false",
+                                     uploadQuestion, "changed=false", "status=", "enable controls true"}));
 }
 
 TEST(Upload, ReadsTheStopFlagBeforeEveryLine) {
@@ -191,7 +192,7 @@ TEST(Upload, WritesNothingIntoAnyFile) {
   UploadFixture fixture;
   fixture.Upload();
   EXPECT_EQ(fixture.Writes(), Texts{});
-  EXPECT_EQ(fixture.Settings().Text(), configuration);
+  EXPECT_EQ(fixture.Settings().Text(), uploadConfiguration);
 }
 
 TEST(Upload, KeepsNothingBetweenTwoRuns) {
@@ -210,7 +211,7 @@ TEST(Upload, KeepsNothingBetweenTwoRuns) {
 TEST(Upload, RunsToItsEndWithoutAnyHost) {
   UploadFixture fixture;
   fixture.Attachment = {};
-  EXPECT_EQ(fixture.Upload(), (Texts{"enable controls false", question, "enable controls true"}));
+  EXPECT_EQ(fixture.Upload(), (Texts{"enable controls false", uploadQuestion, "enable controls true"}));
 }
 
 }  // namespace

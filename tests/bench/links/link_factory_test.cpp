@@ -2,13 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include "bench/links/sent_command.h"
 #include "bench/usage_error.h"
 #include "support/temporary_folder.h"
 
 namespace zolvane {
 namespace {
-
-const InterruptFlag quietInterrupt;
 
 std::string Refusal(const std::string& text) {
   try {

@@ -4,13 +4,12 @@
 
 #include <random>
 
+#include "bench/links/sent_command.h"
 #include "bench/usage_error.h"
 #include "support/temporary_folder.h"
 
 namespace zolvane {
 namespace {
-
-const InterruptFlag quietInterrupt;
 
 class ScriptedLinkTest : public testing::Test {
  protected:

@@ -3,26 +3,14 @@
 
 #include <gtest/gtest.h>
 
-#include "bench/links/link_factory.h"
 #include "bench/links/running_instrument.h"
+#include "bench/links/sent_command.h"
 
 namespace zolvane {
 namespace {
 
 using asio::ip::tcp;
 using std::chrono::milliseconds;
-
-const InterruptFlag quietInterrupt;
-
-// The reply, or "failed".
-std::string Send(InstrumentLink& link, std::string command) {
-  std::string reply = "as it was";
-  if (link.SendCommand(command, reply, 0) != true) {
-    EXPECT_EQ(reply, "as it was");
-    return "failed";
-  }
-  return reply;
-}
 
 std::string ReadLine(tcp::socket& client) {
   std::string input;

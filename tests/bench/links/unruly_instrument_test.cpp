@@ -13,8 +13,8 @@
 #include <optional>
 #include <random>
 
-#include "bench/links/link_factory.h"
 #include "bench/links/running_instrument.h"
+#include "bench/links/sent_command.h"
 #include "bench/links/stream_link.h"
 #include "support/temporary_folder.h"
 
@@ -24,18 +24,6 @@ namespace {
 using asio::ip::tcp;
 using std::chrono::milliseconds;
 using Clock = std::chrono::steady_clock;
-
-const InterruptFlag quietInterrupt;
-
-// The reply, or "failed".
-std::string Send(InstrumentLink& link, std::string command) {
-  std::string reply = "as it was";
-  if (link.SendCommand(command, reply, 0) != true) {
-    EXPECT_EQ(reply, "as it was");
-    return "failed";
-  }
-  return reply;
-}
 
 milliseconds TimeOf(const std::function<void()>& action) {
   const auto start = Clock::now();

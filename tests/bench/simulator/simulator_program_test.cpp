@@ -11,13 +11,11 @@
 #include <utility>
 #include <vector>
 
-#include "bench/links/link_factory.h"
+#include "bench/links/sent_command.h"
 #include "support/temporary_folder.h"
 
 namespace zolvane {
 namespace {
-
-const InterruptFlag quietInterrupt;
 
 class Simulator {
  public:
@@ -91,11 +89,6 @@ class Simulator {
   int output_ = -1;
   int errors_ = -1;
 };
-
-std::string Send(InstrumentLink& link, std::string command) {
-  std::string reply = "as it was";
-  return link.SendCommand(command, reply, 0) == true ? reply : "failed";
-}
 
 TEST(SimulatorProgram, ItsFirstLineSaysWhereItListens) {
   const Simulator simulator{{}};
