@@ -212,7 +212,7 @@ TEST(Lifetime, SessionsWithoutASettingsServiceLeaveNothingBehind) {
         << "Wine itself leaves two handles open whenever a class of another program is asked for in vain";
   }
   Host host;
-  ExpectNothingLeftBehind(50, [&] { PlayWholeSession(host); });
+  ExpectNothingLeftBehind(20, [&] { PlayWholeSession(host); });
 }
 
 TEST(Lifetime, TheModuleStaysWhileAnObjectIsHeld) {
