@@ -155,10 +155,11 @@ class OfferedTable {
 };
 
 TEST(IniFileServiceSlots, ReadWriteAndSplitAreTheOnlyOnesCalled) {
+  const auto& folder = ProgramFolder::OfThisRun();
   const OfferedTable offer;
   ASSERT_TRUE(offer);
   {
-    const auto addIn = ProgramFolder::OfThisRun().Module().Create();
+    const auto addIn = folder.Module().Create();
     ComPtr<IAddInForm> form;
     ASSERT_EQ(addIn->get_Form(form.Put()), S_OK);
     ASSERT_EQ(form->LoadDefaults(), S_OK);
@@ -169,7 +170,7 @@ TEST(IniFileServiceSlots, ReadWriteAndSplitAreTheOnlyOnesCalled) {
   EXPECT_GT(heard.Calls[8], 0);
   EXPECT_GT(heard.Calls[10], 0);
   EXPECT_TRUE(heard.Keys.contains("DeviceType/Installed"));
-  EXPECT_EQ(heard.Files, std::set{ProgramFolder::OfThisRun().Configuration().string()});
+  EXPECT_EQ(heard.Files, std::set{folder.Configuration().string()});
   EXPECT_TRUE(heard.Written.contains("DeviceType/Installed=1"));
   EXPECT_TRUE(heard.Split.contains(R"("Zürich, 200",0,"X")"));
 }

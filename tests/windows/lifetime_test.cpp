@@ -192,8 +192,10 @@ void ExpectNothingLeftBehind(int count, const Session& session) {
 
 class Lifetimes : public testing::Test {
  protected:
-  Lifetimes() { Store(ProgramFolder::OfThisRun().Configuration(), SampleConfiguration()); }
+  Lifetimes() { Store(folder_.Configuration(), SampleConfiguration()); }
 
+ private:
+  const ProgramFolder& folder_ = ProgramFolder::OfThisRun();  // COM is in use from here on
   const OfferedSettings settings_{[] { return std::make_shared<FileSettingsService>(); }};
 };
 
