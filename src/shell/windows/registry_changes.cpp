@@ -40,7 +40,8 @@ const BYTE* BytesOf(const std::wstring& text) {
 }
 
 DWORD SizeInBytes(const std::wstring& text) {
-  return static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t));
+  const std::size_t size = (text.size() + 1) * sizeof(wchar_t);
+  return static_cast<DWORD>(size);
 }
 
 struct Value {
