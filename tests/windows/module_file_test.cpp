@@ -7,10 +7,13 @@
 #include <array>
 #include <cctype>
 #include <cstring>
+#include <filesystem>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
 
+#include "manifest_in_force.h"
 #include "program_folder.h"
 #include "shell/windows/text.h"
 
@@ -26,10 +29,12 @@ const Entry* At(std::size_t offset) {
   return reinterpret_cast<const Entry*>(reinterpret_cast<const char*>(Module()) + offset);
 }
 
+const IMAGE_NT_HEADERS& Headers() {
+  return *At<IMAGE_NT_HEADERS>(static_cast<std::size_t>(At<IMAGE_DOS_HEADER>(0)->e_lfanew));
+}
+
 const IMAGE_DATA_DIRECTORY& Directory(int number) {
-  const auto* const headers =
-      At<IMAGE_NT_HEADERS>(static_cast<std::size_t>(At<IMAGE_DOS_HEADER>(0)->e_lfanew));
-  return headers->OptionalHeader.DataDirectory[number];
+  return Headers().OptionalHeader.DataDirectory[number];
 }
 
 std::string Lower(std::string text) {
@@ -63,6 +68,20 @@ TEST(ModuleFile, NeedsLibrariesOfTheSystemOnly) {
   EXPECT_GT(count, 4);
 }
 
+TEST(ModuleFile, IsSmall) {
+  EXPECT_LT(std::filesystem::file_size(ProgramFolder::OfThisRun().Path() / addInModuleName), 1'000'000U);
+}
+
+TEST(ModuleFile, MayLieAnywhereInMemoryAndRunsNoData) {
+  const WORD flags = Headers().OptionalHeader.DllCharacteristics;
+  EXPECT_NE(flags & IMAGE_DLLCHARACTERISTICS_NX_COMPAT, 0);
+  EXPECT_NE(flags & IMAGE_DLLCHARACTERISTICS_DYNAMIC_BASE, 0);
+  constexpr WORD highAddresses = 0x0020;
+  EXPECT_EQ((flags & highAddresses) != 0, sizeof(void*) == 8);
+  EXPECT_EQ(Headers().FileHeader.Characteristics & IMAGE_FILE_RELOCS_STRIPPED, 0);
+  EXPECT_GT(Directory(IMAGE_DIRECTORY_ENTRY_BASERELOC).Size, 0U);
+}
+
 TEST(ModuleFile, HoldsTheIdentifierOfTheClassesDefaultInterface) {
   const HRSRC found = FindResourceW(Module(), L"_IID_CONNECT", RT_RCDATA);
   ASSERT_NE(found, nullptr);
@@ -88,6 +107,29 @@ TEST(ModuleFile, HoldsTheCaptionAsString1102InAmericanEnglish) {
   EnumResourceLanguagesW(Module(), reinterpret_cast<LPCWSTR>(RT_STRING), MAKEINTRESOURCEW(block),
                          reinterpret_cast<ENUMRESLANGPROCW>(reinterpret_cast<void*>(NoteLanguage)), 0);
   EXPECT_EQ(languageSeen, 1033);
+}
+
+BOOL CALLBACK NoteBlock(HMODULE, const wchar_t*, wchar_t* name, LONG_PTR blocks) {
+  reinterpret_cast<std::vector<std::size_t>*>(blocks)->push_back(reinterpret_cast<ULONG_PTR>(name));
+  return TRUE;
+}
+
+TEST(ModuleFile, HoldsNoOtherString) {
+  constexpr std::size_t stringsOfABlock = 16;
+  std::vector<std::size_t> blocks;
+  EnumResourceNamesW(Module(), reinterpret_cast<LPCWSTR>(RT_STRING), NoteBlock,
+                     reinterpret_cast<LONG_PTR>(&blocks));
+  std::vector<std::size_t> strings;
+  for (const auto block : blocks) {
+    const auto* text = static_cast<const WORD*>(LockResource(LoadResource(
+        Module(), FindResourceW(Module(), MAKEINTRESOURCEW(block), reinterpret_cast<LPCWSTR>(RT_STRING)))));
+    for (std::size_t index = 0; index < stringsOfABlock; ++index, text += *text + 1) {
+      if (*text != 0) {
+        strings.push_back((block - 1) * stringsOfABlock + index);
+      }
+    }
+  }
+  EXPECT_EQ(strings, std::vector<std::size_t>{1102});
 }
 
 TEST(ModuleFile, HasItsVersion) {
@@ -163,6 +205,75 @@ TEST(ModuleFile, DescribesOneClassWithItsDefaultInterface) {
 TEST(ModuleFile, KeepsNoCopyOfTheHostsInterfaces) {
   EXPECT_FALSE(TypeNamed("IAddIn"));
   EXPECT_FALSE(TypeNamed("IAddInForm"));
+}
+
+// The host's library as its installation makes it known, but on this thread only and while this lives.
+class HostLibraryKnown {
+ public:
+  HostLibraryKnown() {
+    const auto folder = ProgramFolder::OfThisRun().Path();
+    std::filesystem::copy_file(ZOLVANE_HOST_LIBRARY_PATH, folder / "hestrion_cmds.tlb",
+                               std::filesystem::copy_options::overwrite_existing);
+    Store(folder / "library.manifest", R"(<?xml version="1.0" encoding="UTF-8" standalone="yes"?>
+<assembly xmlns="urn:schemas-microsoft-com:asm.v1" manifestVersion="1.0">
+  <assemblyIdentity type="win32" name="HostLibrary" version="1.0.0.0"/>
+  <file name="hestrion_cmds.tlb">
+    <typelib tlbid="{55DE048E-2542-42EE-903C-4BA98EAB7EFD}" version="1.0" helpdir=""/>
+  </file>
+</assembly>
+)");
+    manifest_.emplace(folder / "library.manifest");
+  }
+
+ private:
+  std::optional<ManifestInForce> manifest_;
+};
+
+class TypeAttributes {
+ public:
+  explicit TypeAttributes(ITypeInfo& info) : info_{info} { info_.GetTypeAttr(&attributes_); }
+  ~TypeAttributes() { info_.ReleaseTypeAttr(attributes_); }
+  TypeAttributes(const TypeAttributes&) = delete;
+  TypeAttributes& operator=(const TypeAttributes&) = delete;
+
+  const TYPEATTR* operator->() const { return attributes_; }
+
+ private:
+  ITypeInfo& info_;
+  TYPEATTR* attributes_ = nullptr;
+};
+
+// "Library!Type" of a reference to another type.
+std::string Referred(ITypeInfo& from, HREFTYPE reference) {
+  ComPtr<ITypeInfo> type;
+  ComPtr<ITypeLib> library;
+  UINT index = 0;
+  if (FAILED(from.GetRefTypeInfo(reference, type.Put())) ||
+      FAILED(type->GetContainingTypeLib(library.Put(), &index))) {
+    return "not found";
+  }
+  UniqueBstr name;
+  library->GetDocumentation(-1, name.Put(), nullptr, nullptr, nullptr);
+  return Utf8FromBstr(name.Get()) + "!" + NameOf(*type.Get());
+}
+
+TEST(ModuleFile, RefersToTheHostsLibraryForTheHostsInterface) {
+  const HostLibraryKnown known;
+  const auto hostAddIn = TypeNamed("HostAddIn");
+  ASSERT_TRUE(hostAddIn);
+  const TypeAttributes attributes{*hostAddIn.Get()};
+  ASSERT_EQ(attributes->typekind, TKIND_ALIAS);
+  ASSERT_EQ(attributes->tdescAlias.vt, VT_PTR);
+  ASSERT_EQ(attributes->tdescAlias.lptdesc->vt, VT_USERDEFINED);
+  EXPECT_EQ(Referred(*hostAddIn.Get(), attributes->tdescAlias.lptdesc->hreftype), "HestrionCmds!IAddIn");
+}
+
+TEST(ModuleFile, RefersToTheStandardLibraryForItsBase) {
+  const auto dispatch = TypeNamed("_Connect");
+  ASSERT_TRUE(dispatch);
+  HREFTYPE reference = 0;
+  ASSERT_EQ(dispatch->GetRefTypeOfImplType(0, &reference), S_OK);
+  EXPECT_EQ(Referred(*dispatch.Get(), reference), "stdole!IDispatch");
 }
 
 }  // namespace

@@ -34,7 +34,8 @@ struct Keys {
   std::wstring Interface = L"Interface\\" + TextOf(__uuidof(_Connect));
   std::wstring Program = programId;
   std::wstring Library = L"TypeLib\\" + TextOf(LIBID_HZOCalibrateDevice);
-  std::wstring LibraryFile = Library + L"\\" + version + L"\\0\\" + (isFor64Bits ? L"win64" : L"win32");
+  std::wstring LibraryVersion = Library + L"\\" + version;  // beside others, of other components
+  std::wstring LibraryFile = LibraryVersion + L"\\0\\" + (isFor64Bits ? L"win64" : L"win32");
 };
 
 struct Entry {
@@ -48,7 +49,6 @@ std::array<Entry, 16> Entries() {
   const std::wstring path = ModulePath();
   const std::wstring classId = TextOf(__uuidof(::Connect));
   const std::wstring libraryId = TextOf(LIBID_HZOCalibrateDevice);
-  const std::wstring library = keys.Library + L"\\" + version;
   return {{
       {keys.Class, L"", programId},
       {keys.Class + L"\\InprocServer32", L"", path},
@@ -58,9 +58,9 @@ std::array<Entry, 16> Entries() {
       {keys.Class + L"\\Version", L"", version},
       {keys.Program, L"", programId},
       {keys.Program + L"\\CLSID", L"", classId},
-      {library, L"", libraryName},
-      {library + L"\\FLAGS", L"", L"0"},
-      {library + L"\\HELPDIR", L"", path.substr(0, path.find_last_of(L'\\'))},
+      {keys.LibraryVersion, L"", libraryName},
+      {keys.LibraryVersion + L"\\FLAGS", L"", L"0"},
+      {keys.LibraryVersion + L"\\HELPDIR", L"", path.substr(0, path.find_last_of(L'\\'))},
       {keys.LibraryFile, L"", path},
       {keys.Interface, L"", L"_Connect"},
       {keys.Interface + L"\\ProxyStubClsid32", L"", typeLibraryMarshaler},
@@ -96,7 +96,7 @@ HRESULT RegisterComponent() {
 HRESULT UnregisterComponent() {
   const Keys keys;
   const HRESULT mayAll =
-      ForEach({keys.Class, keys.Interface, keys.Program, keys.Library}, MayDeleteClassesKey);
+      ForEach({keys.Class, keys.Interface, keys.Program, keys.LibraryVersion}, MayDeleteClassesKey);
   if (FAILED(mayAll)) {
     return mayAll;
   }
@@ -104,7 +104,8 @@ HRESULT UnregisterComponent() {
   if (FAILED(own) || ClassesKeyExists(keys.Class, otherView)) {
     return own;
   }
-  return ForEach({keys.Program, keys.Library}, DeleteClassesKey);
+  const HRESULT common = ForEach({keys.Program, keys.LibraryVersion}, DeleteClassesKey);
+  return SUCCEEDED(common) ? DeleteEmptyClassesKey(keys.Library) : common;
 }
 
 }  // namespace zolvane

@@ -1,6 +1,7 @@
 #include "shell/windows/registry_changes.h"
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 namespace zolvane {
@@ -10,11 +11,16 @@ std::wstring Full(const std::wstring& key) {
   return L"Software\\Classes\\" + key;
 }
 
-HRESULT Opened(const std::wstring& key, REGSAM access, UniqueRegistryKey& opened) {
-  return HRESULT_FROM_WIN32(RegOpenKeyExW(HKEY_LOCAL_MACHINE, Full(key).c_str(), 0, access, opened.Put()));
+// A function, because the system's macro for it carries its argument out twice.
+constexpr HRESULT ResultOf(LSTATUS status) {
+  return __HRESULT_FROM_WIN32(status);
 }
 
-constexpr HRESULT isMissing = __HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND);
+HRESULT Opened(const std::wstring& key, REGSAM access, UniqueRegistryKey& opened) {
+  return ResultOf(RegOpenKeyExW(HKEY_LOCAL_MACHINE, Full(key).c_str(), 0, access, opened.Put()));
+}
+
+constexpr HRESULT isMissing = ResultOf(ERROR_FILE_NOT_FOUND);
 
 // The key and those around it that are not there yet, the outermost first.
 std::vector<std::wstring> MissingKeys(const std::wstring& key) {
@@ -34,16 +40,17 @@ const BYTE* BytesOf(const std::wstring& text) {
 }
 
 DWORD SizeInBytes(const std::wstring& text) {
-  return static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t));
+  const std::size_t size = (text.size() + 1) * sizeof(wchar_t);
+  return static_cast<DWORD>(size);
 }
 
-}  // namespace
+struct Value {
+  DWORD Type;
+  std::vector<BYTE> Data;
+};
 
-RegistryChanges::~RegistryChanges() {
-  std::for_each(done_.rbegin(), done_.rend(), Undo);
-}
-
-std::optional<RegistryChanges::Value> RegistryChanges::Read(HKEY key, const std::wstring& name) {
+// Nothing: there is no such value.
+std::optional<Value> Read(HKEY key, const std::wstring& name) {
   Value value{};
   DWORD size = 0;
   if (RegQueryValueExW(key, name.c_str(), nullptr, &value.Type, nullptr, &size) != ERROR_SUCCESS) {
@@ -54,38 +61,48 @@ std::optional<RegistryChanges::Value> RegistryChanges::Read(HKEY key, const std:
   return read == ERROR_SUCCESS ? std::optional{std::move(value)} : std::nullopt;
 }
 
+void Restore(const std::wstring& key, const std::wstring& name, const std::optional<Value>& before) {
+  UniqueRegistryKey opened;
+  if (FAILED(Opened(key, KEY_SET_VALUE, opened))) {
+    return;
+  }
+  if (before) {
+    RegSetValueExW(opened.Get(), name.c_str(), 0, before->Type, before->Data.data(),
+                   static_cast<DWORD>(before->Data.size()));
+  } else {
+    RegDeleteValueW(opened.Get(), name.c_str());
+  }
+}
+
+// The innermost first.
+void DeleteKeys(const std::vector<std::wstring>& keys) {
+  std::for_each(keys.rbegin(), keys.rend(),
+                [](const auto& key) { RegDeleteKeyW(HKEY_LOCAL_MACHINE, Full(key).c_str()); });
+}
+
+}  // namespace
+
+RegistryChanges::~RegistryChanges() {
+  std::for_each(undo_.rbegin(), undo_.rend(), [](const auto& undo) { undo(); });
+}
+
 HRESULT RegistryChanges::SetText(const std::wstring& key, const std::wstring& name,
                                  const std::wstring& text) {
   // Noted first: the system may make some of the keys on the way and then refuse.
-  done_.push_back({.Key = key, .Name = name, .Before = std::nullopt, .KeysMade = MissingKeys(key)});
+  undo_.emplace_back([made = MissingKeys(key)] { DeleteKeys(made); });
   UniqueRegistryKey opened;
   const auto created = RegCreateKeyExW(HKEY_LOCAL_MACHINE, Full(key).c_str(), 0, nullptr, 0,
                                        KEY_QUERY_VALUE | KEY_SET_VALUE, nullptr, opened.Put(), nullptr);
   if (created != ERROR_SUCCESS) {
-    return HRESULT_FROM_WIN32(created);
+    return ResultOf(created);
   }
-  done_.back().Before = Read(opened.Get(), name);
-  return HRESULT_FROM_WIN32(
-      RegSetValueExW(opened.Get(), name.c_str(), 0, REG_SZ, BytesOf(text), SizeInBytes(text)));
-}
-
-void RegistryChanges::Undo(const Change& change) {
-  UniqueRegistryKey opened;
-  if (SUCCEEDED(Opened(change.Key, KEY_SET_VALUE, opened))) {
-    if (change.Before) {
-      RegSetValueExW(opened.Get(), change.Name.c_str(), 0, change.Before->Type, change.Before->Data.data(),
-                     static_cast<DWORD>(change.Before->Data.size()));
-    } else {
-      RegDeleteValueW(opened.Get(), change.Name.c_str());
-    }
-  }
-  std::for_each(change.KeysMade.rbegin(), change.KeysMade.rend(),
-                [](const std::wstring& made) { RegDeleteKeyW(HKEY_LOCAL_MACHINE, Full(made).c_str()); });
+  undo_.emplace_back([key, name, before = Read(opened.Get(), name)] { Restore(key, name, before); });
+  return ResultOf(RegSetValueExW(opened.Get(), name.c_str(), 0, REG_SZ, BytesOf(text), SizeInBytes(text)));
 }
 
 bool ClassesKeyExists(const std::wstring& key, REGSAM view) {
   UniqueRegistryKey opened;
-  return SUCCEEDED(Opened(key, KEY_READ | view, opened));
+  return Opened(key, KEY_READ | view, opened) != isMissing;
 }
 
 HRESULT MayDeleteClassesKey(const std::wstring& key) {
@@ -95,8 +112,21 @@ HRESULT MayDeleteClassesKey(const std::wstring& key) {
 }
 
 HRESULT DeleteClassesKey(const std::wstring& key) {
-  const HRESULT result = HRESULT_FROM_WIN32(RegDeleteTreeW(HKEY_LOCAL_MACHINE, Full(key).c_str()));
+  const HRESULT result = ResultOf(RegDeleteTreeW(HKEY_LOCAL_MACHINE, Full(key).c_str()));
   return result == isMissing ? S_OK : result;
+}
+
+HRESULT DeleteEmptyClassesKey(const std::wstring& key) {
+  UniqueRegistryKey opened;
+  const HRESULT result = Opened(key, KEY_READ, opened);
+  if (FAILED(result)) {
+    return result == isMissing ? S_OK : result;
+  }
+  DWORD keys = 0;
+  DWORD values = 0;
+  RegQueryInfoKeyW(opened.Get(), nullptr, nullptr, nullptr, &keys, nullptr, nullptr, &values, nullptr,
+                   nullptr, nullptr, nullptr);
+  return keys + values == 0 ? ResultOf(RegDeleteKeyW(HKEY_LOCAL_MACHINE, Full(key).c_str())) : S_OK;
 }
 
 }  // namespace zolvane

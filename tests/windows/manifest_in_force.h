@@ -1,0 +1,37 @@
+// A manifest as the system applies it to a program that has it, for a part of this program.
+#pragma once
+
+#include <filesystem>
+
+#include "shell/windows/windows_headers.h"
+
+namespace zolvane {
+
+// On the calling thread while it lives; false when the system cannot fulfil it.
+class ManifestInForce {
+ public:
+  explicit ManifestInForce(const std::filesystem::path& file) {
+    ACTCTXW context{};
+    context.cbSize = sizeof(context);
+    context.lpSource = file.c_str();
+    context_ = CreateActCtxW(&context);
+    isInForce_ = context_ != INVALID_HANDLE_VALUE && ActivateActCtx(context_, &cookie_) != FALSE;
+  }
+  ~ManifestInForce() {
+    if (isInForce_) {
+      DeactivateActCtx(0, cookie_);
+      ReleaseActCtx(context_);
+    }
+  }
+  ManifestInForce(const ManifestInForce&) = delete;
+  ManifestInForce& operator=(const ManifestInForce&) = delete;
+
+  explicit operator bool() const { return isInForce_; }
+
+ private:
+  HANDLE context_ = INVALID_HANDLE_VALUE;
+  ULONG_PTR cookie_ = 0;
+  bool isInForce_ = false;
+};
+
+}  // namespace zolvane
