@@ -9,7 +9,7 @@
 namespace zolvane {
 namespace {
 
-std::string Refusal(const std::string& text) {
+std::string RefusedLink(const std::string& text) {
   try {
     CreateLink(text, 1.0, quietInterrupt);
   } catch (const UsageError& error) {
@@ -31,16 +31,17 @@ TEST(LinkFactory, EveryKindOfLinkIsMade) {
 
 TEST(LinkFactory, AnythingElseIsRefusedWithTheChoices) {
   for (const auto* text : {"", "simulated", "sim:", "none:", "none:x", "SIM", "usb:1", ":"}) {
-    EXPECT_NE(Refusal(text), "accepted") << text;
+    EXPECT_NE(RefusedLink(text), "accepted") << text;
   }
-  EXPECT_EQ(Refusal("usb:1"),
+  EXPECT_EQ(RefusedLink("usb:1"),
             "--link: takes sim, sim:FILE, tcp:HOST:PORT, serial:DEVICE[,BAUD], script:FILE or none: usb:1");
 }
 
 TEST(LinkFactory, ATcpPlaceNeedsAHostAndAPort) {
   for (const auto* text : {"tcp:", "tcp:host", "tcp:host:", "tcp::4000", "tcp:host:0", "tcp:host:65536",
                            "tcp:host:40x", "tcp:host:-1"}) {
-    EXPECT_EQ(Refusal(text), std::string{"--link: tcp takes HOST:PORT with a port from 1 to 65535: "} + text);
+    EXPECT_EQ(RefusedLink(text),
+              std::string{"--link: tcp takes HOST:PORT with a port from 1 to 65535: "} + text);
   }
 }
 
@@ -48,20 +49,20 @@ TEST(LinkFactory, ASerialPlaceNeedsADeviceAndPerhapsARate) {
   for (const auto* text :
        {"serial:", "serial:,9600", "serial:/dev/ttyS0,", "serial:/dev/ttyS0,fast", "serial:x,0"}) {
     EXPECT_EQ(
-        Refusal(text),
+        RefusedLink(text),
         std::string{"--link: serial takes DEVICE or DEVICE,BAUD with a baud rate such as 9600: "} + text);
   }
 }
 
 TEST(LinkFactory, AMissingScriptIsNamed) {
   const TemporaryFolder folder;
-  EXPECT_EQ(Refusal("script:" + folder.Path("none.json")),
+  EXPECT_EQ(RefusedLink("script:" + folder.Path("none.json")),
             folder.Path("none.json") + ": cannot be read: No such file or directory");
-  EXPECT_EQ(Refusal("script:"), "--link: script takes the name of a file: script:");
+  EXPECT_EQ(RefusedLink("script:"), "--link: script takes the name of a file: script:");
 }
 
 TEST(LinkFactory, AScriptWithoutEndIsRefused) {
-  EXPECT_EQ(Refusal("script:/dev/zero"), "/dev/zero: is larger than 16 megabytes");
+  EXPECT_EQ(RefusedLink("script:/dev/zero"), "/dev/zero: is larger than 16 megabytes");
 }
 
 TEST(BenchLink, NoLinkFailsEverySendAndLeavesTheReply) {
@@ -120,11 +121,11 @@ TEST(SimulatedLink, KeepsItsMemoryInTheFileOnceItIsSaved) {
 
 TEST(SimulatedLink, AStateFileThatIsNoMemoryIsRefused) {
   const TemporaryFolder folder;
-  EXPECT_EQ(Refusal("sim:" + folder.Put("a.json", "[1]")),
+  EXPECT_EQ(RefusedLink("sim:" + folder.Put("a.json", "[1]")),
             folder.Path("a.json") + ": an instrument's memory is a JSON object of keys and their values");
-  EXPECT_EQ(Refusal("sim:" + folder.Put("b.json", R"({"KEY": 1})")),
+  EXPECT_EQ(RefusedLink("sim:" + folder.Put("b.json", R"({"KEY": 1})")),
             folder.Path("b.json") + R"(: the value of "KEY" is not a text)");
-  EXPECT_EQ(Refusal("sim:" + folder.Path("no folder/c.json")),
+  EXPECT_EQ(RefusedLink("sim:" + folder.Path("no folder/c.json")),
             folder.Path("no folder/c.json") + ": the instrument's memory cannot be kept there");
 }
 
