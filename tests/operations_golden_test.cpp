@@ -10,8 +10,8 @@
 #include <string>
 #include <utility>
 
+#include "support/form_session.h"
 #include "support/golden.h"
-#include "support/session.h"
 
 namespace zolvane {
 namespace {
@@ -32,9 +32,9 @@ void ExpectCommandsThroughFreshLinks(const Texts& calls) {
   }
 }
 
-struct GoldenSession : Session {
+struct GoldenSession : FormSession {
   // A page on the configuration with its controls filled.
-  explicit GoldenSession(const std::string& configuration) : Session{configuration} { LoadDefaults(); }
+  explicit GoldenSession(const std::string& configuration) : FormSession{configuration} { LoadDefaults(); }
 
   void ReplyTo(const std::string& command, const std::string& reply) {
     Link().Replies[command] = {Answer(reply)};
@@ -51,19 +51,19 @@ struct GoldenSession : Session {
 // ---- Loading the page ----
 
 TEST(Operations, LoadTheSmallConfiguration) {
-  Session session{SmallConfiguration()};
+  FormSession session{SmallConfiguration()};
   session.Form->IAddInForm_LoadDefaults();
   EXPECT_EQ(AsGolden(session.Calls.Events, true), GoldenLines("load_of_the_small.txt"));
 }
 
 TEST(Operations, LoadTheSample) {
-  Session session{SampleConfiguration()};
+  FormSession session{SampleConfiguration()};
   session.Form->IAddInForm_LoadDefaults();
   EXPECT_EQ(AsGolden(session.Calls.Events, false), GoldenLines("load_of_the_sample.txt"));
 }
 
 TEST(Operations, LeaveTheSampleAsItIsWhenItIsLoaded) {
-  Session session{SampleConfiguration()};
+  FormSession session{SampleConfiguration()};
   const auto before = session.Settings().Text();
   session.Form->IAddInForm_LoadDefaults();
   EXPECT_EQ(session.Settings().Text(), before);

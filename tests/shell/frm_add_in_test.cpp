@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "support/session.h"
+#include "support/form_session.h"
 
 namespace zolvane {
 namespace {
@@ -153,7 +153,7 @@ TEST(ObjectParent, IsReplacedByASecondOneWithoutTouchingALink) {
 }
 
 TEST(ObjectParent, SetToNothingReleasesTheHoldFlagOnceAndUnloadsThePage) {
-  Session session{formConfiguration};
+  FormSession session{formConfiguration};
   session.Form->PressButton(queryButton);
   EXPECT_TRUE(session.Link().HoldFlag);
   session.Calls.Clear();
@@ -345,7 +345,7 @@ TEST(EventsOfTheView, StartTheOperations) {
 
 // Detaches the page and lets go of it, as a host does whose window is closed meanwhile.
 struct Detaching {
-  explicit Detaching(Session& session) : Page{session.Form} {
+  explicit Detaching(FormSession& session) : Page{session.Form} {
     session.Process.WhileOpen = [&session, isDone = false]() mutable {
       if (!std::exchange(isDone, true)) {
         const auto form = std::exchange(session.Form, nullptr);
@@ -358,7 +358,7 @@ struct Detaching {
 };
 
 TEST(DetachingMeanwhile, LetsARunningUploadEndWithoutTheHost) {
-  Session session{formConfiguration};
+  FormSession session{formConfiguration};
   session.LoadDefaults();
   const Detaching detaching{session};
   session.Views.Events->PressButton(uploadButton);
@@ -369,7 +369,7 @@ TEST(DetachingMeanwhile, LetsARunningUploadEndWithoutTheHost) {
 }
 
 TEST(DetachingMeanwhile, LetsARunningImportEnd) {
-  Session session{formConfiguration};
+  FormSession session{formConfiguration};
   session.LoadDefaults();
   session.Process.BoxAnswers = {message_answer::yes};
   session.Process.FileAnswers = {"/backup/a.bak"};
@@ -380,7 +380,7 @@ TEST(DetachingMeanwhile, LetsARunningImportEnd) {
 }
 
 TEST(DetachingMeanwhile, InTheHostsDialogueLetsTheMessageEnd) {
-  Session session{formConfiguration};
+  FormSession session{formConfiguration};
   session.LoadDefaults();
   session.Link().DefaultReply = NoAnswer();
   session.Object->OffersDialog = true;

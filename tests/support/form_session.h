@@ -13,9 +13,9 @@
 
 namespace zolvane {
 
-struct Session : FakeHost {
+struct FormSession : FakeHost {
   // The configuration file's content. The page is created and attached, nothing is loaded.
-  explicit Session(std::string_view text = "") {
+  explicit FormSession(std::string_view text = "") {
     Settings().Load(text);
     Form = Module.Page();
     Form->IAddInForm_FormParent(Window);
