@@ -50,9 +50,10 @@ struct WindowOptions {
   bool TracesReads = false;
   std::string Play;
   std::string Screenshot;
+  bool ShowsPage = false;
   bool Quits = false;
 
-  bool OpensPage() const { return Quits || !Play.empty() || !Screenshot.empty(); }
+  bool OpensPage() const { return ShowsPage || Quits || !Play.empty() || !Screenshot.empty(); }
 };
 
 void Describe(CLI::App& app, WindowOptions& options) {
@@ -74,6 +75,7 @@ void Describe(CLI::App& app, WindowOptions& options) {
   app.add_flag("--trace-reads", options.TracesReads, "let the trace hold the reads of settings too");
   app.add_option("--screenshot", options.Screenshot, "save a picture of the window, .png or .bmp")
       ->type_name("FILE");
+  app.add_flag("--page", options.ShowsPage, "open the page at once, as --play, --screenshot and --quit do");
   app.add_flag("--quit", options.Quits, "end when all that has been done");
 }
 
@@ -273,6 +275,7 @@ void HestrionBench::OpenPage() {
       OfferHostWindow(trace_ ? Traced(std::move(window), *trace_) : std::move(window)));
   window_.Embed(session_->Frame(), session_->WantsButtons(), session_->WantsStatusBar());
   window_.AppendLog(Joined("Opened: ", session_->Caption()));
+  window_.ShowTitle(session_->Caption());
 }
 
 void HestrionBench::ClosePage() {
@@ -282,6 +285,7 @@ void HestrionBench::ClosePage() {
     host_.FlushSettings();
     window_.ShowStatus("");
     window_.AppendLog("Closed");
+    window_.ShowTitle("");
   }
 }
 

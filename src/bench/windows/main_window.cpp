@@ -18,6 +18,8 @@ struct ButtonPlan {
 };
 constexpr std::array<ButtonPlan, 3> buttons{{{saveId, L"Save"}, {closePageId, L"Close"}, {helpId, L"Help"}}};
 
+constexpr const wchar_t* title = L"Hestrion bench";
+
 // In pixels at 100 %.
 constexpr int margin = 11;  // as wide as the one that the page has inside
 constexpr int gap = 8;
@@ -26,7 +28,16 @@ constexpr int buttonHeight = 26;
 constexpr int logHeight = 140;
 constexpr int emptyWidth = 620;
 constexpr int emptyHeight = 420;
+constexpr int heightWithPage = 600;
 constexpr int changedWidth = 110;
+
+// For a window that is to stand in the middle of the screen when it has a page in it.
+POINT FirstPlace(SIZE size) {
+  RECT screen{};
+  SystemParametersInfoW(SPI_GETWORKAREA, 0, &screen, 0);
+  return {std::max(screen.left, (screen.left + screen.right - size.cx) / 2),
+          std::max(screen.top, (screen.top + screen.bottom - size.cy) / 2)};
+}
 
 SIZE SizeOf(HWND window) {
   RECT place{};
@@ -55,14 +66,15 @@ MainWindow::MainWindow(Requests requests) : requests_{std::move(requests)} {
   INITCOMMONCONTROLSEX controls{sizeof(controls), ICC_BAR_CLASSES};
   InitCommonControlsEx(&controls);
   RegisterClassOnce(Procedure);
-  window_ = CreateWindowExW(WS_EX_CONTROLPARENT, mainWindowClass, L"Hestrion bench", WS_OVERLAPPEDWINDOW, 40,
-                            40, 0, 0, nullptr, nullptr, GetModuleHandleW(nullptr), this);
+  window_ = CreateWindowExW(WS_EX_CONTROLPARENT, mainWindowClass, title, WS_OVERLAPPEDWINDOW, 40, 40, 0, 0,
+                            nullptr, nullptr, GetModuleHandleW(nullptr), this);
   if (window_ == nullptr) {
     throw std::runtime_error{"the window cannot be made"};
   }
   dpi_ = DpiOf(window_);
   font_ = MakePageFonts(dpi_).Text;
-  SetWindowPos(window_, nullptr, 0, 0, Scaled(emptyWidth), Scaled(emptyHeight), SWP_NOMOVE | SWP_NOZORDER);
+  const POINT place = FirstPlace({Scaled(emptyWidth), Scaled(heightWithPage)});
+  SetWindowPos(window_, nullptr, place.x, place.y, Scaled(emptyWidth), Scaled(emptyHeight), SWP_NOZORDER);
   CreateMenu();
   CreateParts();
   Arrange();
@@ -132,6 +144,11 @@ void MainWindow::Embed(HWND frame, bool hasButtons, bool hasStatusBar) {
   UpdateWindow(window_);
 }
 
+void MainWindow::ShowTitle(std::string_view page) {
+  const auto text = page.empty() ? std::wstring{title} : Wide(page) + L" - " + title;
+  SetWindowTextW(window_, text.c_str());
+}
+
 void MainWindow::FitToPage() {
   const SIZE page = SizeOf(frame_);
   RECT place{0, 0, page.cx, page.cy + Scaled(buttonHeight + 3 * gap + logHeight) + SizeOf(statusBar_).cy};
@@ -176,10 +193,14 @@ void MainWindow::AppendLog(std::string_view line) {
   UpdateWindow(log_);
 }
 
+// Some systems keep what was drawn to themselves until the thread looks for messages, and the instrument may keep it
+// from doing so for long.
 void MainWindow::ShowPart(int part, std::string_view text) const {
   SendMessageW(statusBar_, SB_SETTEXTW, static_cast<WPARAM>(part),
                reinterpret_cast<LPARAM>(Wide(text).c_str()));
   UpdateWindow(statusBar_);
+  MSG unread{};
+  PeekMessageW(&unread, statusBar_, WM_NULL, WM_NULL, PM_NOREMOVE);
 }
 
 void MainWindow::ShowStatus(std::string_view text) {

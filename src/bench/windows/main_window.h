@@ -42,6 +42,9 @@ class MainWindow {
   // Takes a page's frame in, at the size that it has; the window grows to it. Null takes it out.
   void Embed(HWND frame, bool hasButtons, bool hasStatusBar);
 
+  // Names the page in the window's title; an empty text names none.
+  void ShowTitle(std::string_view page);
+
   // Each is on the screen when it returns.
   void AppendLog(std::string_view line);
   void ShowStatus(std::string_view text);
