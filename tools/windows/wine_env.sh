@@ -83,19 +83,21 @@ REGEDIT4
 REG
 }
 
+wine_copy_fonts() {
+  local fonts=$WINEPREFIX/drive_c/windows/Fonts
+  mkdir -p "$fonts"
+  cp "$wine_root"/usr/share/wine/fonts/*.{ttf,fon} "$wine_root"/usr/share/fonts/truetype/liberation/*.ttf "$fonts/"
+}
+
+# The fonts are there first: the boot writes down how high a menu is, and without a font to measure that is nonsense.
 # The user's documents lie inside the prefix, not in the developer's home. Nothing is shown meanwhile.
 wine_boot_prefix() {
-  rm -rf "$WINEPREFIX" && mkdir -p "$WINEPREFIX/home" &&
+  rm -rf "$WINEPREFIX" && mkdir -p "$WINEPREFIX/home" && wine_copy_fonts &&
     echo '<fontconfig/>' >"$FONTCONFIG_FILE" &&
     wine_settings >"$WINEPREFIX/settings.reg" &&
     DISPLAY='' HOME=$WINEPREFIX/home "$WINELOADER" wineboot --init &&
     DISPLAY='' "$WINELOADER" regedit /S "$WINEPREFIX/settings.reg" &&
     "$WINESERVER" -k
-}
-
-wine_copy_fonts() {
-  cp "$wine_root"/usr/share/wine/fonts/*.{ttf,fon} "$wine_root"/usr/share/fonts/truetype/liberation/*.ttf \
-    "$WINEPREFIX/drive_c/windows/Fonts/"
 }
 
 # A fresh prefix holds copies of all of Wine's libraries, some 600 MB. With links in their place Wine must never update
@@ -123,7 +125,7 @@ wine_ensure_prefix() {
   origin=$(wine_origin) || return
   if [[ -f $WINEPREFIX/complete && $(<"$WINEPREFIX/complete") == "$origin" ]]; then return; fi
   "$WINESERVER" -k
-  wine_boot_prefix && wine_copy_fonts && wine_link_libraries && echo "$origin" >"$WINEPREFIX/complete"
+  wine_boot_prefix && wine_link_libraries && echo "$origin" >"$WINEPREFIX/complete"
 }
 
 wine_open_display() {
