@@ -6,7 +6,7 @@
 #include <optional>
 #include <string_view>
 
-#include "support/session.h"
+#include "support/form_session.h"
 
 namespace zolvane {
 namespace {

@@ -4,7 +4,7 @@
 
 #include <optional>
 
-#include "support/session.h"
+#include "support/form_session.h"
 
 namespace zolvane {
 namespace {

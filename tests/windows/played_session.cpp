@@ -29,16 +29,6 @@ bool IsHeardByHost(const std::string& line) {
   return !unheard.contains(nlohmann::json::parse(line).at("event").get<std::string>());
 }
 
-std::vector<std::string> HostCalls(std::istream& trace) {
-  std::vector<std::string> calls;
-  for (std::string line; std::getline(trace, line);) {
-    if (IsHeardByHost(line)) {
-      calls.push_back(line);
-    }
-  }
-  return calls;
-}
-
 // The parts of a printed page that a window can be asked for.
 nlohmann::json Visible(const nlohmann::json& printed) {
   nlohmann::json page;
@@ -96,6 +86,16 @@ BenchHost::Setup HostSetup(const SessionPlan& plan) {
 }
 
 }  // namespace
+
+std::vector<std::string> HostCalls(std::istream& trace) {
+  std::vector<std::string> calls;
+  for (std::string line; std::getline(trace, line);) {
+    if (IsHeardByHost(line)) {
+      calls.push_back(line);
+    }
+  }
+  return calls;
+}
 
 PlayedSession PlayOnBench(const SessionPlan& plan) {
   Prepare(plan);

@@ -1,6 +1,7 @@
 // A session as the bench plays it on the portable parts, and the same session as a host of the module sees it.
 #pragma once
 
+#include <istream>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
@@ -25,6 +26,9 @@ struct PlayedSession {
   std::string Backup;              // the file "new.bak" beside it, afterwards
   nlohmann::json Page;             // at the end, as the bench prints it
 };
+
+// The events of a trace that the host hears of. The others are the module's own.
+std::vector<std::string> HostCalls(std::istream& trace);
 
 PlayedSession PlayOnBench(const SessionPlan& plan);
 PlayedSession PlayOnModule(const SessionPlan& plan);

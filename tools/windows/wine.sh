@@ -1,9 +1,10 @@
 #!/usr/bin/env bash
 # Runs a Windows program:
-#   wine.sh x64|x86 [--x11] PROGRAM [ARGUMENTS...]   ends with the program's exit status
-#   wine.sh x64|x86 [--x11] start                    makes prefix and session beforehand (each run does so when needed)
-#   wine.sh x64|x86 [--x11] stop                     ends the session and all programs in it
-# --x11 draws on an Xvfb instead of in memory. See wine_env.sh for where things are kept.
+#   wine.sh x64|x86 [WHERE] PROGRAM [ARGUMENTS...]   ends with the program's exit status
+#   wine.sh x64|x86 [WHERE] start                    makes prefix and session beforehand (each run does so when needed)
+#   wine.sh x64|x86 [WHERE] stop                     ends the session and all programs in it
+# WHERE is --x11 to draw on an Xvfb, or --desktop for the user's own display, instead of in memory. See wine_env.sh for
+# where things are kept.
 # 125: the program was not run.
 set -euo pipefail
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
@@ -16,11 +17,11 @@ refuse() {
 architecture=${1:-}
 shift || true
 driver=null
-if [[ ${1:-} == --x11 ]]; then
-  driver=x11
+if [[ ${1:-} == --@(x11|desktop) ]]; then
+  driver=${1#--}
   shift
 fi
-(($#)) || refuse "usage: wine.sh x64|x86 [--x11] start|stop|PROGRAM [ARGUMENTS...]"
+(($#)) || refuse "usage: wine.sh x64|x86 [--x11|--desktop] start|stop|PROGRAM [ARGUMENTS...]"
 # shellcheck source=tools/windows/wine_env.sh
 source "$here/wine_env.sh" "$architecture" "$driver" || exit 125
 

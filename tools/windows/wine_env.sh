@@ -1,5 +1,5 @@
 # shellcheck shell=bash
-# Sourced by bash:  source tools/windows/wine_env.sh x64|x86 [null|x11]
+# Sourced by bash:  source tools/windows/wine_env.sh x64|x86 [null|x11|desktop]
 #
 # Chooses the 64-bit or the 32-bit Wine and a prefix by setting the variables that Wine reads, and offers
 #   wine_start   makes the prefix unless it is there, and has its server running
@@ -7,8 +7,8 @@
 # after which programs start with "$WINELOADER" PROGRAM ARGUMENTS...; wine.sh does all of it in one call.
 #
 # null draws in memory only and is what tests want. x11 draws on an Xvfb of its own, whose DISPLAY wine_start sets: for
-# pictures of the whole screen, real key strokes and clicks. Wine chooses the driver once per prefix and session, hence
-# a prefix for each.
+# pictures of the whole screen, real key strokes and clicks. desktop draws on the user's own display, DISPLAY as it is,
+# with the frames of its windows. Wine chooses the driver once per prefix and session, hence a prefix for each.
 #
 # ZOLVANE_WINE_FOLDER names the folder of the prefixes (default build/wine), ZOLVANE_WINE32 the folder that wine32.sh
 # filled (default build/wine32).
@@ -39,9 +39,9 @@ case $wine_arch in
 esac
 case $wine_driver in
   null) export WINEPREFIX=$wine_folder/$wine_arch ;;
-  x11) export WINEPREFIX=$wine_folder/$wine_arch-x11 ;;
+  x11 | desktop) export WINEPREFIX=$wine_folder/$wine_arch-$wine_driver ;;
   *)
-    echo "wine_env.sh: say null or x11, not '$wine_driver'" >&2
+    echo "wine_env.sh: say null, x11 or desktop, not '$wine_driver'" >&2
     return 2
     ;;
 esac
@@ -57,19 +57,21 @@ export WINEDLLOVERRIDES='mscoree,mshtml=;winemenubuilder.exe,winedbg.exe=d'
 # Wine takes the language of its boxes from the locale and any font that the machine offers: both are fixed, so that
 # texts read the same and are equally wide everywhere.
 export LC_ALL=C.UTF-8 FONTCONFIG_FILE=$wine_folder/fonts.conf
-unset DISPLAY
+if [[ $wine_driver != desktop ]]; then unset DISPLAY; fi
 
-# Managed: a window that no window manager looks after costs two seconds to hide.
+# Managed: a window that no window manager looks after costs two seconds to hide, and an Xvfb has none.
 # ShowCrashDialog: nobody is there to close it, and the program would hang.
 wine_settings() {
+  local graphics=$wine_driver managed=N
+  if [[ $wine_driver == desktop ]]; then graphics=x11 managed=Y; fi
   cat <<REG
 REGEDIT4
 
 [HKEY_CURRENT_USER\\Software\\Wine\\Drivers]
-"Graphics"="$wine_driver"
+"Graphics"="$graphics"
 
 [HKEY_CURRENT_USER\\Software\\Wine\\X11 Driver]
-"Managed"="N"
+"Managed"="$managed"
 
 [HKEY_CURRENT_USER\\Software\\Wine\\WineDbg]
 "ShowCrashDialog"=dword:00000000
@@ -81,19 +83,21 @@ REGEDIT4
 REG
 }
 
-# The user's documents lie inside the prefix, not in the developer's home.
-wine_boot_prefix() {
-  rm -rf "$WINEPREFIX" && mkdir -p "$WINEPREFIX/home" &&
-    echo '<fontconfig/>' >"$FONTCONFIG_FILE" &&
-    wine_settings >"$WINEPREFIX/settings.reg" &&
-    HOME=$WINEPREFIX/home "$WINELOADER" wineboot --init &&
-    "$WINELOADER" regedit /S "$WINEPREFIX/settings.reg" &&
-    "$WINESERVER" -k
+wine_copy_fonts() {
+  local fonts=$WINEPREFIX/drive_c/windows/Fonts
+  mkdir -p "$fonts"
+  cp "$wine_root"/usr/share/wine/fonts/*.{ttf,fon} "$wine_root"/usr/share/fonts/truetype/liberation/*.ttf "$fonts/"
 }
 
-wine_copy_fonts() {
-  cp "$wine_root"/usr/share/wine/fonts/*.{ttf,fon} "$wine_root"/usr/share/fonts/truetype/liberation/*.ttf \
-    "$WINEPREFIX/drive_c/windows/Fonts/"
+# The fonts are there first: the boot writes down how high a menu is, and without a font to measure that is nonsense.
+# The user's documents lie inside the prefix, not in the developer's home. Nothing is shown meanwhile.
+wine_boot_prefix() {
+  rm -rf "$WINEPREFIX" && mkdir -p "$WINEPREFIX/home" && wine_copy_fonts &&
+    echo '<fontconfig/>' >"$FONTCONFIG_FILE" &&
+    wine_settings >"$WINEPREFIX/settings.reg" &&
+    DISPLAY='' HOME=$WINEPREFIX/home "$WINELOADER" wineboot --init &&
+    DISPLAY='' "$WINELOADER" regedit /S "$WINEPREFIX/settings.reg" &&
+    "$WINESERVER" -k
 }
 
 # A fresh prefix holds copies of all of Wine's libraries, some 600 MB. With links in their place Wine must never update
@@ -121,7 +125,7 @@ wine_ensure_prefix() {
   origin=$(wine_origin) || return
   if [[ -f $WINEPREFIX/complete && $(<"$WINEPREFIX/complete") == "$origin" ]]; then return; fi
   "$WINESERVER" -k
-  wine_boot_prefix && wine_copy_fonts && wine_link_libraries && echo "$origin" >"$WINEPREFIX/complete"
+  wine_boot_prefix && wine_link_libraries && echo "$origin" >"$WINEPREFIX/complete"
 }
 
 wine_open_display() {
@@ -144,9 +148,14 @@ wine_use_display() {
   export DISPLAY
 }
 
+# A session stays on the display that it began on.
 wine_has_session() {
   "$WINESERVER" -k0 || return
-  [[ $wine_driver == null || -S /tmp/.X11-unix/X$(<"$WINEPREFIX/display") ]]
+  case $wine_driver in
+    null) ;;
+    x11) [[ -S /tmp/.X11-unix/X$(<"$WINEPREFIX/display") ]] ;;
+    desktop) [[ -f $WINEPREFIX/display && $(<"$WINEPREFIX/display") == "${DISPLAY:-}" ]] ;;
+  esac
 }
 
 # Starting and ending a server takes half a second, so one stays for a minute after the last program. What it starts
@@ -158,6 +167,7 @@ wine_ensure_session() {
   if [[ $wine_driver == x11 ]]; then
     wine_open_display || return
   else
+    echo "${DISPLAY:-}" >"$WINEPREFIX/display"
     "$WINESERVER" -p60 || return
   fi
   "$WINELOADER" cmd /c exit

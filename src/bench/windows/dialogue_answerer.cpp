@@ -60,6 +60,12 @@ std::string TextIn(HWND window) {
   return Utf8(text.data());
 }
 
+// True when the text stands there.
+bool TypeInto(HWND field, const std::wstring& text) {
+  Ask(field, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text.c_str()));
+  return TextIn(field) == Utf8(text);
+}
+
 // The one button of a box that has a single one answers to "Cancel", whatever stands on it.
 std::int32_t FirstButton(HWND box) {
   for (const std::int32_t button : {IDOK, IDYES, IDCANCEL, IDNO}) {
@@ -153,14 +159,16 @@ void DialogueAnswerer::AnswerBox(HWND box, std::int32_t button) {
   PostMessageW(box, WM_COMMAND, static_cast<WPARAM>(hasButton ? button : FirstButton(box)), 0);
 }
 
-// The name is typed once. A dialogue that is still there long after does not accept it.
+// The name is typed once; a dialogue that is still being filled does not take it yet. One that is still there long
+// after does not accept it.
 void DialogueAnswerer::AnswerFileDialogue(HWND dialogue, const Order& order) {
-  constexpr auto patience = std::chrono::seconds{5};
+  constexpr auto patience = std::chrono::seconds{15};
   const auto now = std::chrono::steady_clock::now();
   if (order.What == Task::File && typing_.Order != order.Number) {
-    typing_ = {.Order = order.Number, .At = now};
-    Ask(FileNameField(dialogue), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(order.File.c_str()));
-    PostMessageW(dialogue, WM_COMMAND, IDOK, 0);
+    if (TypeInto(FileNameField(dialogue), order.File)) {
+      typing_ = {.Order = order.Number, .At = now};
+      PostMessageW(dialogue, WM_COMMAND, IDOK, 0);
+    }
   } else if (order.What == Task::Cancel || now - typing_.At > patience) {
     PostMessageW(dialogue, WM_COMMAND, IDCANCEL, 0);
   }

@@ -10,13 +10,16 @@
 #include <iostream>
 #include <memory>
 #include <optional>
+#include <sstream>
 #include <stdexcept>
 
 #include "bench/actions.h"
+#include "bench/bench_host.h"
 #include "bench/joined.h"
 #include "bench/links/link_factory.h"
+#include "bench/options.h"
 #include "bench/paths.h"
-#include "bench/settings/file_settings_service.h"
+#include "bench/preparation.h"
 #include "bench/tracing.h"
 #include "bench/usage_error.h"
 #include "bench/windows/add_in_class.h"
@@ -47,9 +50,10 @@ struct WindowOptions {
   bool TracesReads = false;
   std::string Play;
   std::string Screenshot;
+  bool ShowsPage = false;
   bool Quits = false;
 
-  bool OpensPage() const { return Quits || !Play.empty() || !Screenshot.empty(); }
+  bool OpensPage() const { return ShowsPage || Quits || !Play.empty() || !Screenshot.empty(); }
 };
 
 void Describe(CLI::App& app, WindowOptions& options) {
@@ -71,6 +75,7 @@ void Describe(CLI::App& app, WindowOptions& options) {
   app.add_flag("--trace-reads", options.TracesReads, "let the trace hold the reads of settings too");
   app.add_option("--screenshot", options.Screenshot, "save a picture of the window, .png or .bmp")
       ->type_name("FILE");
+  app.add_flag("--page", options.ShowsPage, "open the page at once, as --play, --screenshot and --quit do");
   app.add_flag("--quit", options.Quits, "end when all that has been done");
 }
 
@@ -108,23 +113,6 @@ class InstalledModule {
   bool isOurs_ = false;
 };
 
-// Where settings-file services come from.
-class SettingsSource final : public Environment {
- public:
-  std::shared_ptr<IniFileService> CreateIniFileService() override {
-    return std::make_shared<FileSettingsService>();
-  }
-
-  // The module does all else by itself.
-  std::string ProgramFolder() override { return {}; }
-  Status AppendBlankLine(const std::string&) override { return Status::Failure(); }
-  void RunMessageLoopOnce() override {}
-  std::optional<std::int32_t> ShowMessageBox(const MessageBoxRequest&) override { return std::nullopt; }
-  std::optional<std::string> ShowFileDialogue(FileDialogueKind, const FileDialogue&) override {
-    return std::nullopt;
-  }
-};
-
 // COM for the thread.
 class Apartment {
  public:
@@ -140,7 +128,7 @@ class Apartment {
 
 class HestrionBench {
  public:
-  HestrionBench(const WindowOptions& options, std::ostream& errors);
+  HestrionBench(const WindowOptions& options, Job job, std::ostream& errors);
   ~HestrionBench() { ClosePage(); }
   HestrionBench(const HestrionBench&) = delete;
   HestrionBench& operator=(const HestrionBench&) = delete;
@@ -164,12 +152,13 @@ class HestrionBench {
   void ShowHelp();
   void Quit();
   void PlayActions();
+  void TakePicture();
+  int Status();
   void Complain(const std::string& text);
   DialogueListener& Listener() { return player_ ? static_cast<DialogueListener&>(*player_) : spectator_; }
 
   const WindowOptions& options_;
   std::ostream& errors_;
-  int status_ = exit_status::done;
   Job job_;
   std::ofstream traceFile_;
   std::optional<TraceLog> trace_;
@@ -178,27 +167,44 @@ class HestrionBench {
   Spectator spectator_;
   std::optional<Player> player_;
   InterruptFlag interrupt_;
-  std::shared_ptr<BenchLink> link_;
-  SettingsSource source_;
-  std::unique_ptr<Environment> tracedSource_;
+  std::ostringstream unread_;
+  Console console_;
+  BenchHost host_;  // the link and the settings files; the rest of it has windows here
+  std::unique_ptr<Environment> tracedProcess_;
   std::optional<OfferedSettings> settings_;
   std::optional<InstalledModule> installed_;
   std::optional<AddInFile> file_;
   std::optional<DialogueHooks> hooks_;
   std::unique_ptr<ComSession> session_;
-  bool isBusy_ = false;
 };
 
-HestrionBench::HestrionBench(const WindowOptions& options, std::ostream& errors)
+// Before anything is changed. Where a registered add-in lies is its own business.
+void CheckFilesOf(const WindowOptions& options, const Job& job) {
+  if (options.Folder.empty()) {
+    return;
+  }
+  Options bench;
+  bench.Folder = AbsolutePath(options.Folder);
+  bench.Link = options.Link;
+  bench.Command = {"run", options.Play};
+  if (!options.Trace.empty()) {
+    bench.Trace = options.Trace;
+  }
+  CheckFiles(bench, job);
+}
+
+HestrionBench::HestrionBench(const WindowOptions& options, Job job, std::ostream& errors)
     : options_{options},
       errors_{errors},
-      job_{options.Play.empty() ? Job{} : ParseJob({"run", options.Play}, std::nullopt, std::cin)},
+      job_{std::move(job)},
       window_{{.OpenPage = [this] { OpenPage(); },
                .ClosePage = [this] { ClosePage(); },
                .Save = [this] { session_ ? session_->SaveChanges() : void(); },
                .Help = [this] { ShowHelp(); },
-               .Quit = [this] { Quit(); }}},
-      link_{CreateLink(options.Link, options.Timeout, interrupt_)} {
+               .Quit = [this] { Quit(); },
+               .Rest = [this] { host_.FlushSettings(); }}},
+      console_{unread_, errors, {.IsQuiet = true, .ResultsGoToNotes = false, .NotesWidth = {}}},
+      host_{{}, CreateLink(options.Link, options.Timeout, interrupt_), nullptr, console_} {
   OpenTrace();
   if (!options_.Play.empty()) {
     player_.emplace(AnswerDesk::Setup{.Listed = options_.Answers.empty() ? std::vector<std::int32_t>{}
@@ -207,11 +213,10 @@ HestrionBench::HestrionBench(const WindowOptions& options, std::ostream& errors)
                     [this](const std::string& text) { Complain(text); });
   }
   if (trace_) {
-    tracedSource_ = Traced(source_, *trace_);
+    tracedProcess_ = Traced(host_.Process(), *trace_);
   }
-  settings_.emplace([this] {
-    return (tracedSource_ ? *tracedSource_ : static_cast<Environment&>(source_)).CreateIniFileService();
-  });
+  settings_.emplace(
+      [this] { return (tracedProcess_ ? *tracedProcess_ : host_.Process()).CreateIniFileService(); });
   const auto addIn = CreateAddIn();
   UniqueBstr caption;
   addIn->get_Caption(caption.Put());
@@ -257,7 +262,7 @@ void HestrionBench::OpenPage() {
     return;
   }
   auto object = MakeWindowedObject({.Window = &window_,
-                                    .Link = link_,
+                                    .Link = host_.Object()->Link(),
                                     .OffersDialog = options_.OffersDialog,
                                     .MessageOpened = [this](const Question& question) {
                                       if (player_) {
@@ -270,15 +275,17 @@ void HestrionBench::OpenPage() {
       OfferHostWindow(trace_ ? Traced(std::move(window), *trace_) : std::move(window)));
   window_.Embed(session_->Frame(), session_->WantsButtons(), session_->WantsStatusBar());
   window_.AppendLog(Joined("Opened: ", session_->Caption()));
+  window_.ShowTitle(session_->Caption());
 }
 
-// What the page shows a message for goes on behind it.
 void HestrionBench::ClosePage() {
-  if (session_ && !isBusy_) {
+  if (session_) {
     window_.Embed(nullptr, false, true);
     session_ = nullptr;
+    host_.FlushSettings();
     window_.ShowStatus("");
     window_.AppendLog("Closed");
+    window_.ShowTitle("");
   }
 }
 
@@ -290,30 +297,46 @@ void HestrionBench::ShowHelp() {
 }
 
 void HestrionBench::Quit() {
-  if (!isBusy_) {
-    ClosePage();
-    DestroyWindow(window_.Handle());
-  }
+  ClosePage();
+  DestroyWindow(window_.Handle());
 }
 
 void HestrionBench::Complain(const std::string& text) {
-  status_ = std::max(status_, exit_status::notDone);
   window_.AppendLog(text);
   errors_ << "HestrionBench: " + text + "\n" << std::flush;
 }
 
+// The user may close the page or the window between two commands.
 void HestrionBench::PlayActions() {
   for (const auto& action : job_.Actions) {
-    isBusy_ = true;
     player_->Play(action, PageDriver{session_->Frame()});
-    isBusy_ = false;
-    if (!window_.PumpMessages()) {
+    if (!window_.PumpMessages() || !session_) {
       return;
     }
   }
-  if (player_ && player_->WasCancelled()) {
-    status_ = std::max(status_, exit_status::notDone);
+}
+
+void HestrionBench::TakePicture() {
+  if (window_.Handle() == nullptr) {
+    throw std::runtime_error{"the window was closed before its picture was taken"};
   }
+  RedrawWindow(window_.Handle(), nullptr, nullptr,
+               RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN | RDW_UPDATENOW);
+  window_.PumpMessages();
+  SavePicture(window_.Handle(), options_.Screenshot);
+}
+
+// A trace that is not complete is no trace.
+int HestrionBench::Status() {
+  int status = ExitStatusOf(host_.Now());
+  if (player_) {
+    status = std::max(status, ExitStatusOf(player_->Happened()));
+  }
+  if (trace_ && !trace_->Flush()) {
+    Complain("the trace is not complete");
+    return exit_status::unusable;
+  }
+  return status;
 }
 
 int HestrionBench::Run() {
@@ -323,19 +346,13 @@ int HestrionBench::Run() {
     PlayActions();
   }
   if (!options_.Screenshot.empty()) {
-    RedrawWindow(window_.Handle(), nullptr, nullptr,
-                 RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN | RDW_UPDATENOW);
-    window_.PumpMessages();
-    SavePicture(window_.Handle(), options_.Screenshot);
+    TakePicture();
   }
   if (options_.Quits) {
     Quit();
   }
   window_.Run();
-  if (trace_ && !trace_->Flush()) {
-    Complain("the trace is not complete");
-  }
-  return status_;
+  return Status();
 }
 
 }  // namespace
@@ -347,7 +364,9 @@ int RunHestrionBench(std::vector<std::string> arguments, std::ostream& output, s
   std::ranges::reverse(arguments);
   try {
     app.parse(std::move(arguments));
-    return HestrionBench{options, errors}.Run();
+    Job job = options.Play.empty() ? Job{} : ParseJob({"run", options.Play}, std::nullopt, std::cin);
+    CheckFilesOf(options, job);
+    return HestrionBench{options, std::move(job), errors}.Run();
   } catch (const CLI::CallForHelp&) {
     output << app.help() << std::flush;
     return exit_status::done;

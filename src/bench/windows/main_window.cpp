@@ -12,22 +12,32 @@
 namespace zolvane {
 namespace {
 
-constexpr const wchar_t* className = L"HestrionBench";
-
-enum CommandId : int { openPageId = 1000, closePageId, saveId, helpId, quitId, logId, statusBarId };
-
 struct ButtonPlan {
   int Id;
   const wchar_t* Caption;
 };
 constexpr std::array<ButtonPlan, 3> buttons{{{saveId, L"Save"}, {closePageId, L"Close"}, {helpId, L"Help"}}};
 
-constexpr int margin = 8;
+constexpr const wchar_t* title = L"Hestrion bench";
+
+// In pixels at 100 %.
+constexpr int margin = 11;  // as wide as the one that the page has inside
+constexpr int gap = 8;
 constexpr int buttonWidth = 90;
 constexpr int buttonHeight = 26;
 constexpr int logHeight = 140;
 constexpr int emptyWidth = 620;
+constexpr int emptyHeight = 420;
+constexpr int heightWithPage = 600;
 constexpr int changedWidth = 110;
+
+// For a window that is to stand in the middle of the screen when it has a page in it.
+POINT FirstPlace(SIZE size) {
+  RECT screen{};
+  SystemParametersInfoW(SPI_GETWORKAREA, 0, &screen, 0);
+  return {std::max(screen.left, (screen.left + screen.right - size.cx) / 2),
+          std::max(screen.top, (screen.top + screen.bottom - size.cy) / 2)};
+}
 
 SIZE SizeOf(HWND window) {
   RECT place{};
@@ -46,7 +56,7 @@ void RegisterClassOnce(WNDPROC procedure) {
   kind.hCursor = LoadCursorW(nullptr, IDC_ARROW);
   kind.hIcon = LoadIconW(nullptr, IDI_APPLICATION);
   kind.hbrBackground = GetSysColorBrush(COLOR_BTNFACE);
-  kind.lpszClassName = className;
+  kind.lpszClassName = mainWindowClass;
   RegisterClassW(&kind);
 }
 
@@ -56,11 +66,15 @@ MainWindow::MainWindow(Requests requests) : requests_{std::move(requests)} {
   INITCOMMONCONTROLSEX controls{sizeof(controls), ICC_BAR_CLASSES};
   InitCommonControlsEx(&controls);
   RegisterClassOnce(Procedure);
-  window_ = CreateWindowExW(WS_EX_CONTROLPARENT, className, L"Hestrion bench", WS_OVERLAPPEDWINDOW, 40, 40,
-                            emptyWidth, 420, nullptr, nullptr, GetModuleHandleW(nullptr), this);
+  window_ = CreateWindowExW(WS_EX_CONTROLPARENT, mainWindowClass, title, WS_OVERLAPPEDWINDOW, 40, 40, 0, 0,
+                            nullptr, nullptr, GetModuleHandleW(nullptr), this);
   if (window_ == nullptr) {
     throw std::runtime_error{"the window cannot be made"};
   }
+  dpi_ = DpiOf(window_);
+  font_ = MakePageFonts(dpi_).Text;
+  const POINT place = FirstPlace({Scaled(emptyWidth), Scaled(heightWithPage)});
+  SetWindowPos(window_, nullptr, place.x, place.y, Scaled(emptyWidth), Scaled(emptyHeight), SWP_NOZORDER);
   CreateMenu();
   CreateParts();
   Arrange();
@@ -72,6 +86,10 @@ MainWindow::~MainWindow() {
   if (window_ != nullptr) {
     DestroyWindow(window_);
   }
+}
+
+int MainWindow::Scaled(int pixels) const {
+  return MulDiv(pixels, static_cast<int>(dpi_), 96);
 }
 
 void MainWindow::CreateMenu() {
@@ -96,7 +114,7 @@ HWND MainWindow::AddChild(const wchar_t* childClass, const wchar_t* text, DWORD 
   const HWND child =
       CreateWindowExW(0, childClass, text, WS_CHILD | style, 0, 0, 0, 0, window_,
                       reinterpret_cast<HMENU>(static_cast<LONG_PTR>(id)), GetModuleHandleW(nullptr), nullptr);
-  SendMessageW(child, WM_SETFONT, reinterpret_cast<WPARAM>(GetStockObject(DEFAULT_GUI_FONT)), FALSE);
+  SendMessageW(child, WM_SETFONT, reinterpret_cast<WPARAM>(font_.Get()), FALSE);
   return child;
 }
 
@@ -118,7 +136,7 @@ void MainWindow::Embed(HWND frame, bool hasButtons, bool hasStatusBar) {
   ShowWindow(statusBar_, frame == nullptr || hasStatusBar ? SW_SHOW : SW_HIDE);
   if (frame != nullptr) {
     SetParent(frame, window_);
-    SetWindowPos(frame, HWND_TOP, margin, margin, 0, 0, SWP_NOSIZE | SWP_SHOWWINDOW);
+    SetWindowPos(frame, HWND_TOP, 0, 0, 0, 0, SWP_NOSIZE | SWP_SHOWWINDOW);
     FitToPage();
   }
   Arrange();
@@ -126,10 +144,14 @@ void MainWindow::Embed(HWND frame, bool hasButtons, bool hasStatusBar) {
   UpdateWindow(window_);
 }
 
+void MainWindow::ShowTitle(std::string_view page) {
+  const auto text = page.empty() ? std::wstring{title} : Wide(page) + L" - " + title;
+  SetWindowTextW(window_, text.c_str());
+}
+
 void MainWindow::FitToPage() {
   const SIZE page = SizeOf(frame_);
-  RECT place{0, 0, page.cx + 2 * margin,
-             page.cy + buttonHeight + 4 * margin + logHeight + SizeOf(statusBar_).cy};
+  RECT place{0, 0, page.cx, page.cy + Scaled(buttonHeight + 3 * gap + logHeight) + SizeOf(statusBar_).cy};
   AdjustWindowRectEx(&place, WS_OVERLAPPEDWINDOW, TRUE, WS_EX_CONTROLPARENT);
   SetWindowPos(window_, nullptr, 0, 0, place.right - place.left, place.bottom - place.top,
                SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
@@ -142,22 +164,24 @@ void MainWindow::Arrange() {
   RECT inside{};
   GetClientRect(window_, &inside);
   SendMessageW(statusBar_, WM_SIZE, 0, 0);
-  const std::array<int, 2> parts{std::max(1, static_cast<int>(inside.right) - changedWidth), -1};
+  const std::array<int, 2> parts{std::max(1, static_cast<int>(inside.right) - Scaled(changedWidth)), -1};
   SendMessageW(statusBar_, SB_SETPARTS, parts.size(), reinterpret_cast<LPARAM>(parts.data()));
   const int bottom = static_cast<int>(inside.bottom - (IsShown(statusBar_) ? SizeOf(statusBar_).cy : 0));
-  int top = margin + (frame_ != nullptr ? static_cast<int>(SizeOf(frame_).cy) + margin : 0);
+  const int edge = Scaled(margin);
+  int top = frame_ != nullptr ? static_cast<int>(SizeOf(frame_).cy) : edge;
   ArrangeButtons(top);
-  top += hasButtons_ ? buttonHeight + margin : 0;
-  MoveWindow(log_, margin, top, inside.right - 2 * margin, std::max(0, bottom - top - margin), TRUE);
+  top += hasButtons_ ? Scaled(buttonHeight + gap) : 0;
+  MoveWindow(log_, edge, top, std::max(0, static_cast<int>(inside.right) - 2 * edge),
+             std::max(0, bottom - top - Scaled(gap)), TRUE);
 }
 
 void MainWindow::ArrangeButtons(int top) const {
-  int left = margin;
+  int left = Scaled(margin);
   for (const auto& button : buttons) {
     const HWND control = GetDlgItem(window_, button.Id);
-    MoveWindow(control, left, top, buttonWidth, buttonHeight, TRUE);
+    MoveWindow(control, left, top, Scaled(buttonWidth), Scaled(buttonHeight), TRUE);
     ShowWindow(control, hasButtons_ ? SW_SHOW : SW_HIDE);
-    left += buttonWidth + margin;
+    left += Scaled(buttonWidth + gap);
   }
 }
 
@@ -169,10 +193,14 @@ void MainWindow::AppendLog(std::string_view line) {
   UpdateWindow(log_);
 }
 
+// Some systems keep what was drawn to themselves until the thread looks for messages, and the instrument may keep it
+// from doing so for long.
 void MainWindow::ShowPart(int part, std::string_view text) const {
   SendMessageW(statusBar_, SB_SETTEXTW, static_cast<WPARAM>(part),
                reinterpret_cast<LPARAM>(Wide(text).c_str()));
   UpdateWindow(statusBar_);
+  MSG unread{};
+  PeekMessageW(&unread, statusBar_, WM_NULL, WM_NULL, PM_NOREMOVE);
 }
 
 void MainWindow::ShowStatus(std::string_view text) {
@@ -185,7 +213,7 @@ void MainWindow::ShowChanged(bool changed) {
 
 // ---- Messages
 
-bool MainWindow::Handle(MSG& message) const {
+void MainWindow::Handle(MSG& message) const {
   const bool isHelpKey = message.message == WM_KEYDOWN && message.wParam == VK_F1;
   if (isHelpKey) {
     requests_.Help();
@@ -193,7 +221,6 @@ bool MainWindow::Handle(MSG& message) const {
     TranslateMessage(&message);
     DispatchMessageW(&message);
   }
-  return !isGone_;
 }
 
 bool MainWindow::PumpMessages() {
@@ -201,6 +228,7 @@ bool MainWindow::PumpMessages() {
   while (!isGone_ && PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != FALSE) {
     Handle(message);
   }
+  DoPostponed();
   return !isGone_;
 }
 
@@ -208,6 +236,23 @@ void MainWindow::Run() {
   MSG message{};
   while (!isGone_ && GetMessageW(&message, nullptr, 0, 0) > 0) {
     Handle(message);
+    DoPostponed();
+  }
+}
+
+// The empty message wakes a loop that waits for one.
+void MainWindow::Postpone(bool& request) {
+  request = true;
+  PostMessageW(window_, WM_NULL, 0, 0);
+}
+
+void MainWindow::DoPostponed() {
+  requests_.Rest();
+  if (std::exchange(wantsClose_, false)) {
+    requests_.ClosePage();
+  }
+  if (std::exchange(wantsQuit_, false)) {
+    requests_.Quit();
   }
 }
 
@@ -232,7 +277,7 @@ LRESULT MainWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
       Arrange();
       return 0;
     case WM_CLOSE:
-      requests_.Quit();
+      Postpone(wantsQuit_);
       return 0;
     case WM_NCDESTROY:
       isGone_ = true;
@@ -242,18 +287,18 @@ LRESULT MainWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
   }
 }
 
-void MainWindow::OnCommand(int id) const {
+void MainWindow::OnCommand(int id) {
   switch (id) {
     case openPageId:
       return requests_.OpenPage();
     case closePageId:
-      return requests_.ClosePage();
+      return Postpone(wantsClose_);
     case saveId:
       return requests_.Save();
     case helpId:
       return requests_.Help();
     case quitId:
-      return requests_.Quit();
+      return Postpone(wantsQuit_);
     default:
       return;
   }

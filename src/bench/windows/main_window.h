@@ -5,19 +5,27 @@
 #include <string>
 #include <string_view>
 
+#include "shell/windows/window_metrics.h"
 #include "shell/windows/windows_headers.h"
 
 namespace zolvane {
 
+inline constexpr const wchar_t* mainWindowClass = L"HestrionBench";
+
+// The numbers of its commands, and of what it shows.
+enum MainWindowId : int { openPageId = 1000, closePageId, saveId, helpId, quitId, logId, statusBarId };
+
 class MainWindow {
  public:
-  // What the user asks for.
+  // What the user asks for. An end of the page or of the window is asked for when all else has ended: an operation that
+  // runs its own message loop goes on to its end.
   struct Requests {
     std::function<void()> OpenPage;
     std::function<void()> ClosePage;
     std::function<void()> Save;
     std::function<void()> Help;
     std::function<void()> Quit;
+    std::function<void()> Rest;  // what the user did last has been dealt with
   };
 
   // Throws std::runtime_error.
@@ -34,6 +42,9 @@ class MainWindow {
   // Takes a page's frame in, at the size that it has; the window grows to it. Null takes it out.
   void Embed(HWND frame, bool hasButtons, bool hasStatusBar);
 
+  // Names the page in the window's title; an empty text names none.
+  void ShowTitle(std::string_view page);
+
   // Each is on the screen when it returns.
   void AppendLog(std::string_view line);
   void ShowStatus(std::string_view text);
@@ -48,7 +59,10 @@ class MainWindow {
  private:
   static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
   LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam);
-  void OnCommand(int id) const;
+  void OnCommand(int id);
+  void Postpone(bool& request);
+  void DoPostponed();
+  int Scaled(int pixels) const;
   HWND AddChild(const wchar_t* className, const wchar_t* text, DWORD style, int id);
   void CreateMenu();
   void CreateParts();
@@ -56,7 +70,7 @@ class MainWindow {
   void Arrange();
   void ArrangeButtons(int top) const;
   void ShowPart(int part, std::string_view text) const;
-  bool Handle(MSG& message) const;
+  void Handle(MSG& message) const;
 
   Requests requests_;
   HWND window_ = nullptr;
@@ -64,8 +78,12 @@ class MainWindow {
   HWND log_ = nullptr;
   HWND statusBar_ = nullptr;
   HMENU addIns_ = nullptr;
+  UINT dpi_ = 96;
+  UniqueFont font_;
   bool hasButtons_ = false;
   bool isGone_ = false;
+  bool wantsClose_ = false;
+  bool wantsQuit_ = false;
 };
 
 }  // namespace zolvane

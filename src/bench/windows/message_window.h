@@ -2,11 +2,11 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
 #include <string>
+#include <vector>
 
 #include "bench/answers.h"
-#include "shell/windows/windows_headers.h"
+#include "shell/windows/unique_handle.h"
 
 namespace zolvane {
 
@@ -25,12 +25,24 @@ class MessageWindow {
 
  private:
   static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+  static LRESULT CALLBACK OnNextMessage(int code, WPARAM removal, LPARAM message);
+  LRESULT OnMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+  void OnCommand(std::int32_t button);
   void AddContent(const Question& question);
+  HWND AddChild(const wchar_t* className, const std::string& text, DWORD style, const RECT& place, int id);
+  void ResizeTo(SIZE inside);
+  int Scaled(int pixels) const;
   void Answer(std::int32_t button);
 
-  HWND owner_;
+  static MessageWindow* newest_;
+
+  MessageWindow* const before_ = newest_;
+  const HWND owner_;
+  const UINT dpi_;
+  const UniqueFont font_;
+  const std::vector<std::int32_t> buttons_;
   HWND window_ = nullptr;
-  std::int32_t closingButton_ = 0;
+  HHOOK keyHook_ = nullptr;
   std::int16_t result_ = -1;
 };
 

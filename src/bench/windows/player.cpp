@@ -10,6 +10,8 @@
 namespace zolvane {
 namespace {
 
+constexpr std::int32_t iconMask = 0xF0;
+
 template <class Matches>
 std::optional<int> FindEntry(const std::vector<ListEntry>& entries, Matches matches) {
   for (std::size_t position = 0; position < entries.size(); ++position) {
@@ -48,7 +50,14 @@ bool IsRefusal(std::optional<std::int32_t> answer) {
 }  // namespace
 
 Player::Player(const AnswerDesk::Setup& answers, Complaint complain)
-    : complain_{std::move(complain)}, desk_{answers, nullptr, complain_} {}
+    : complain_{std::move(complain)}, desk_{answers, nullptr, [this](const std::string& text) {
+                                              Misuse(text);
+                                            }} {}
+
+void Player::Misuse(const std::string& text) {
+  happened_.WasMisused = true;
+  complain_(text);
+}
 
 bool Player::Play(const Action& action, const PageDriver& page) {
   file_ = action.File;
@@ -90,15 +99,16 @@ bool Player::Select(const Action& action, const PageDriver& page, const PageMode
   }
   const auto position = PositionOf(list.Entries, action.Entry);
   if (!position) {
-    complain_(Joined(action.Command, ": ", RowOf(action.List).Name, " has no entry ", Quoted(action.Entry)));
+    Misuse(Joined(action.Command, ": ", RowOf(action.List).Name, " has no entry ", Quoted(action.Entry)));
     return false;
   }
   page.Select(action.List, *position);
   return true;
 }
 
-bool Player::Reacts(const Action& action, std::string_view control, bool isEnabled) const {
+bool Player::Reacts(const Action& action, std::string_view control, bool isEnabled) {
   if (!isEnabled) {
+    happened_.WasDisabled = true;
     complain_(Joined(action.Command, ": ", control, " is disabled and does not react"));
   }
   return isEnabled;
@@ -106,7 +116,8 @@ bool Player::Reacts(const Action& action, std::string_view control, bool isEnabl
 
 void Player::Answer(const Question& question) {
   const auto answer = desk_.AnswerTo(question).Button;
-  wasCancelled_ = wasCancelled_ || IsRefusal(answer);
+  happened_.WasCancelled |= IsRefusal(answer);
+  happened_.WasRefused |= (question.Style & iconMask) == message_style::stopIcon;
   answerer_.PressButton(answer);
 }
 
@@ -123,7 +134,7 @@ void Player::FileDialogueOpens(FileDialogueKind, const FileDialogue&) {
 }
 
 void Player::FileDialogueClosed(const std::optional<std::string>& chosen) {
-  wasCancelled_ = wasCancelled_ || !chosen;
+  happened_.WasCancelled |= !chosen;
   answerer_.Closed();
 }
 

@@ -8,6 +8,7 @@
 
 #include "bench/actions.h"
 #include "bench/answers.h"
+#include "bench/happenings.h"
 #include "bench/windows/dialogue_answerer.h"
 #include "bench/windows/dialogue_hooks.h"
 #include "bench/windows/page_driver.h"
@@ -28,8 +29,8 @@ class Player final : public DialogueListener {
   // Answers a message of the host's own dialogue that has just been opened.
   void Answer(const Question& question);
 
-  // A box was answered Cancel or No, or a file dialogue was cancelled.
-  bool WasCancelled() const { return wasCancelled_; }
+  // What has happened at the page, of all that was played.
+  const Happenings& Happened() const { return happened_; }
 
   void BoxOpens(const MessageBoxRequest& request) override;
   void BoxClosed(const MessageBoxRequest& request, std::optional<std::int32_t> answer) override;
@@ -39,13 +40,14 @@ class Player final : public DialogueListener {
  private:
   bool Press(const Action& action, const PageDriver& page, const PageModel& shown);
   bool Select(const Action& action, const PageDriver& page, const PageModel& shown);
-  bool Reacts(const Action& action, std::string_view control, bool isEnabled) const;
+  bool Reacts(const Action& action, std::string_view control, bool isEnabled);
+  void Misuse(const std::string& text);
 
   Complaint complain_;
   AnswerDesk desk_;
   DialogueAnswerer answerer_;
   std::optional<std::string> file_;
-  bool wasCancelled_ = false;
+  Happenings happened_;
 };
 
 }  // namespace zolvane

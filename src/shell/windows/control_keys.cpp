@@ -24,6 +24,10 @@ bool IsPushButton(HWND control) {
   return (DialogueCode(control) & (DLGC_DEFPUSHBUTTON | DLGC_UNDEFPUSHBUTTON)) != 0;
 }
 
+bool WantsArrows(HWND control) {
+  return (DialogueCode(control) & DLGC_WANTARROWS) != 0;
+}
+
 // ---- Moving the focus ----
 
 bool MoveFocus(HWND frame, HWND target) {
@@ -44,7 +48,7 @@ bool AnswersKey(HWND control, WPARAM key, bool isRepeated) {
     case VK_UP:
     case VK_RIGHT:
     case VK_DOWN:
-      return (DialogueCode(control) & DLGC_WANTARROWS) == 0 &&
+      return !WantsArrows(control) &&
              MoveFocus(frame, GetNextDlgGroupItem(frame, control, key == VK_LEFT || key == VK_UP));
     case VK_RETURN:
       if (!IsPushButton(control)) {
@@ -103,12 +107,21 @@ bool AnswersAccessKey(HWND control, WPARAM letter) {
 
 // ---- The controls' window procedure ----
 
-// Enter is asked for, so that a host that knows dialogue keys does not press a button of its own instead.
+bool IsArrow(WPARAM key) {
+  return key >= VK_LEFT && key <= VK_DOWN;
+}
+
+// Asked for, so that a host that knows dialogue keys does not press a button of its own by Enter instead. And
+// arrows only move the focus by themselves in a host whose window is a dialogue.
+bool IsAskedFor(HWND control, WPARAM key) {
+  return key == VK_RETURN ? IsPushButton(control) : IsArrow(key) && !WantsArrows(control);
+}
+
 LRESULT DialogueCodeFor(HWND control, WPARAM wParam, LPARAM lParam) {
   const LRESULT code = LeaveToSystem(control, WM_GETDLGCODE, wParam, lParam);
   const auto* const message = reinterpret_cast<const MSG*>(lParam);
-  const bool isEnter = message != nullptr && message->message == WM_KEYDOWN && message->wParam == VK_RETURN;
-  return isEnter && IsPushButton(control) ? code | DLGC_WANTMESSAGE : code;
+  const bool isKey = message != nullptr && message->message == WM_KEYDOWN;
+  return isKey && IsAskedFor(control, message->wParam) ? code | DLGC_WANTMESSAGE : code;
 }
 
 LRESULT Answer(HWND control, UINT message, WPARAM wParam, LPARAM lParam) {

@@ -110,13 +110,14 @@ void Place(HWND control, const ControlRow& row, const DialogueUnits& units, cons
 
 // ---- Making and ending ----
 
-std::shared_ptr<PageFrame> PageFrame::Create(PageEvents& events, std::weak_ptr<const void> owner) {
-  std::shared_ptr<PageFrame> made{new PageFrame{events, std::move(owner)}};
+std::shared_ptr<PageFrame> PageFrame::Create(PageEvents& events, std::weak_ptr<const void> owner,
+                                             ScaleOf scaleOf) {
+  std::shared_ptr<PageFrame> made{new PageFrame{events, std::move(owner), scaleOf}};
   return made->CreateWindows() ? made : nullptr;
 }
 
-PageFrame::PageFrame(PageEvents& events, std::weak_ptr<const void> owner)
-    : events_{&events}, owner_{std::move(owner)} {
+PageFrame::PageFrame(PageEvents& events, std::weak_ptr<const void> owner, ScaleOf scaleOf)
+    : events_{&events}, owner_{std::move(owner)}, scaleOf_{scaleOf} {
   colours_.fill(COLOR_WINDOW);
   selected_.fill(noSelection);
 }
@@ -349,7 +350,7 @@ void PageFrame::FitDropDown(ListControl list) const {
 }
 
 void PageFrame::FollowScale() {
-  if (frame_ != nullptr && DpiOf(frame_) != dpi_) {
+  if (frame_ != nullptr && scaleOf_(frame_) != dpi_) {
     Arrange();
   }
 }
@@ -358,7 +359,7 @@ void PageFrame::Arrange() {
   if (frame_ == nullptr) {
     return;
   }
-  dpi_ = DpiOf(frame_);
+  dpi_ = scaleOf_(frame_);
   PageFonts fonts = MakePageFonts(dpi_);
   const DialogueUnits units{fonts.Text.Get()};
   for (const auto& row : PageLayout()) {

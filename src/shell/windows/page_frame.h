@@ -12,9 +12,13 @@ namespace zolvane {
 
 class PageFrame final : public std::enable_shared_from_this<PageFrame> {
  public:
+  // The scale that a window is drawn at, in dots per inch.
+  using ScaleOf = UINT (*)(HWND window);
+
   // Null when the system refuses a window. `events` hears of the user until Close. `owner` stays alive while
   // it does.
-  static std::shared_ptr<PageFrame> Create(PageEvents& events, std::weak_ptr<const void> owner);
+  static std::shared_ptr<PageFrame> Create(PageEvents& events, std::weak_ptr<const void> owner,
+                                           ScaleOf scaleOf = DpiOf);
 
   ~PageFrame();
   PageFrame(const PageFrame&) = delete;
@@ -42,7 +46,7 @@ class PageFrame final : public std::enable_shared_from_this<PageFrame> {
  private:
   using MessageHandler = LRESULT (PageFrame::*)(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
-  PageFrame(PageEvents& events, std::weak_ptr<const void> owner);
+  PageFrame(PageEvents& events, std::weak_ptr<const void> owner, ScaleOf scaleOf);
 
   static LRESULT CALLBACK PageProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
   static LRESULT CALLBACK FrameProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
@@ -67,6 +71,7 @@ class PageFrame final : public std::enable_shared_from_this<PageFrame> {
 
   PageEvents* events_;
   const std::weak_ptr<const void> owner_;
+  const ScaleOf scaleOf_;
   HWND page_ = nullptr;
   HWND frame_ = nullptr;
   UINT dpi_ = 0;

@@ -1,0 +1,553 @@
+// HestrionBench as a program: what its arguments do, and what its windows do for the user.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <fstream>
+#include <map>
+#include <set>
+#include <sstream>
+
+#include "../bench/links/running_instrument.h"
+#include "bench/windows/main_window.h"
+#include "bench/windows/message_window.h"
+#include "child_process.h"
+#include "hosted_page.h"
+#include "played_session.h"
+#include "program_folder.h"
+#include "shell/windows/page_layout.h"
+#include "shell/windows/text.h"
+#include "shell/windows/window_class.h"
+
+namespace zolvane {
+namespace {
+
+using Arguments = std::vector<std::string>;
+
+// A folder with a configuration and nothing else, as a user keeps one for the bench.
+class Folder {
+ public:
+  Folder() : path_{ProgramFolder::OfThisRun().Path() / "bench"} {
+    std::filesystem::create_directories(path_);
+    Reset();
+  }
+  ~Folder() {
+    std::error_code ignored;
+    std::filesystem::remove_all(path_, ignored);
+  }
+  Folder(const Folder&) = delete;
+  Folder& operator=(const Folder&) = delete;
+
+  void Reset() const {
+    Store(path_ / "Zolvane.ini", SampleConfiguration());
+    Store(path_ / "old.bak", SampleConfiguration());
+    std::filesystem::remove(path_ / "new.bak");
+  }
+
+  std::string Text() const { return path_.string(); }
+  std::string File(const std::string& name) const { return (path_ / name).string(); }
+  std::string Content(const std::string& name) const { return ContentOf(path_ / name); }
+
+  std::map<std::string, std::string> Files() const {
+    std::map<std::string, std::string> files;
+    for (const auto& entry : std::filesystem::directory_iterator{path_}) {
+      files[entry.path().filename().string()] = ContentOf(entry.path());
+    }
+    return files;
+  }
+
+ private:
+  std::filesystem::path path_;
+};
+
+// ---- Playing, against the bench without windows ----
+
+struct Plan {
+  const char* Name;
+  Arguments Commands;
+  Arguments Options;
+  int Status;
+};
+
+std::ostream& operator<<(std::ostream& out, const Plan& plan) {
+  return out << plan.Name;
+}
+
+class HestrionPlays : public testing::TestWithParam<Plan> {
+ protected:
+  struct Played {
+    ProgramResult Result;
+    std::vector<std::string> Calls;
+    std::string Configuration;
+    std::string Backup;
+  };
+
+  void StoreCommands() const {
+    std::string text;
+    for (auto command : GetParam().Commands) {
+      if (const auto at = command.find("FOLDER"); at != std::string::npos) {
+        command.replace(at, std::strlen("FOLDER"), folder_.Text());
+      }
+      text += command + "\n";
+    }
+    Store(folder_.File("commands.txt"), text);
+  }
+
+  Played Play(const std::filesystem::path& program, const Arguments& how) const {
+    folder_.Reset();
+    StoreCommands();
+    Arguments arguments{"--folder", folder_.Text(), "--trace-reads", "--trace", folder_.File("trace.jsonl")};
+    arguments.insert(arguments.end(), GetParam().Options.begin(), GetParam().Options.end());
+    arguments.insert(arguments.end(), how.begin(), how.end());
+    Played played{.Result = RunToItsEnd(program, arguments), .Calls = {}, .Configuration = {}, .Backup = {}};
+    std::istringstream trace{folder_.Content("trace.jsonl")};
+    played.Calls = HostCalls(trace);
+    played.Configuration = folder_.Content("Zolvane.ini");
+    played.Backup = folder_.Content("new.bak");
+    return played;
+  }
+
+  Folder folder_;
+};
+
+TEST_P(HestrionPlays, WhatTheBenchPlaysWithTheSameTraceFilesAndStatus) {
+  const auto bench = Play(ZolvaneBenchPath(), {"--quiet", "run", folder_.File("commands.txt")});
+  const auto host = Play(HestrionBenchPath(), {"--play", folder_.File("commands.txt"), "--quit"});
+  EXPECT_EQ(host.Result.Status, GetParam().Status) << host.Result.Errors;
+  EXPECT_EQ(bench.Result.Status, GetParam().Status) << bench.Result.Errors;
+  ASSERT_FALSE(bench.Calls.empty());
+  for (std::size_t call = 0; call < std::min(host.Calls.size(), bench.Calls.size()); ++call) {
+    ASSERT_EQ(host.Calls[call], bench.Calls[call]) << "call " << call;
+  }
+  EXPECT_EQ(host.Calls.size(), bench.Calls.size());
+  EXPECT_EQ(host.Configuration, bench.Configuration);
+  EXPECT_EQ(host.Backup, bench.Backup);
+  EXPECT_FALSE(folder_.Files().contains("HZOCalibrateDevice.dll")) << "put there for the run only";
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    HestrionBench, HestrionPlays,
+    testing::Values(Plan{"EveryOperation",
+                         {"query", "upload", "download", "export FOLDER/new.bak", "import FOLDER/old.bak",
+                          "select cboTipType #1", "tick chkRFID 2", "page"},
+                         {"--yes"},
+                         0},
+                    Plan{"WithoutAnInstrument", {"query", "upload"}, {"--link", "none", "--yes"}, 1},
+                    Plan{"WithTheHostsOwnDialogue", {"query"}, {"--link", "none", "--host-dialog"}, 1},
+                    Plan{"AnUploadThatIsCancelled", {"upload", "query"}, {"--answer", "cancel"}, 1},
+                    Plan{"AnImportThatIsDeclined", {"import FOLDER/old.bak"}, {"--answer", "no"}, 1},
+                    Plan{"NobodyToAnswer", {"download"}, {}, 1},
+                    Plan{"AnAnswerWithoutItsButton", {"upload"}, {"--answer", "yes"}, 2},
+                    Plan{"AnEntryThatIsNotThere", {"select cboTipType Nothing"}, {}, 2},
+                    Plan{"AnExportOntoTheConfiguration", {"export FOLDER/Zolvane.ini"}, {"--yes"}, 1},
+                    Plan{"ADialogueThatIsCancelled", {"export"}, {}, 1},
+                    Plan{"NoSuchButton", {"press 9", "press -1"}, {}, 0}),
+    [](const auto& plan) { return std::string{plan.param.Name}; });
+
+// ---- Arguments that cannot be used ----
+
+struct Misuse {
+  const char* Name;
+  Arguments Given;
+  const char* Complaint;  // a part of it
+};
+
+std::ostream& operator<<(std::ostream& out, const Misuse& misuse) {
+  return out << misuse.Name;
+}
+
+class HestrionRefuses : public testing::TestWithParam<Misuse> {};
+
+TEST_P(HestrionRefuses, WithStatusTwoBeforeAnythingIsChanged) {
+  const Folder folder;
+  Store(folder.File("job.txt"), "tick chkRFID 0\nimport " + folder.File("missing.bak") + "\n");
+  Store(folder.File("nonsense.txt"), "dance\n");
+  const auto before = folder.Files();
+  Arguments arguments;
+  for (auto argument : GetParam().Given) {
+    if (const auto at = argument.find("FOLDER"); at != std::string::npos) {
+      argument.replace(at, std::strlen("FOLDER"), folder.Text());
+    }
+    arguments.push_back(argument);
+  }
+  const auto result = RunToItsEnd(HestrionBenchPath(), arguments);
+  EXPECT_EQ(result.Status, 2);
+  EXPECT_NE(result.Errors.find(GetParam().Complaint), std::string::npos) << result.Errors;
+  EXPECT_EQ(folder.Files(), before);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    HestrionBench, HestrionRefuses,
+    testing::Values(
+        Misuse{"AnUnknownOption", {"--dance"}, "--dance"},
+        Misuse{"AFolderThatIsNotThere", {"--folder", "FOLDER/nowhere", "--quit"}, "Zolvane.ini"},
+        Misuse{
+            "ARunFileThatIsNotThere", {"--folder", "FOLDER", "--play", "FOLDER/no.txt", "--quit"}, "no.txt"},
+        Misuse{
+            "AnUnknownCommand", {"--folder", "FOLDER", "--play", "FOLDER/nonsense.txt", "--quit"}, "dance"},
+        Misuse{"AnImportOfNothing",
+               {"--folder", "FOLDER", "--play", "FOLDER/job.txt", "--trace", "FOLDER/t", "--quit"},
+               "missing.bak"},
+        Misuse{"AnUnknownLink", {"--folder", "FOLDER", "--link", "pigeon", "--quit"}, "pigeon"},
+        Misuse{"AnUnknownAnswer",
+               {"--folder", "FOLDER", "--play", "FOLDER/old.bak", "--answer", "perhaps", "--quit"},
+               "HestrionBench:"},
+        Misuse{"ATraceThatCannotBeWritten",
+               {"--folder", "FOLDER", "--trace", "FOLDER/nowhere/t", "--quit"},
+               "nowhere"},
+        Misuse{"APictureThatCannotBeWritten",
+               {"--folder", "FOLDER", "--screenshot", "FOLDER/nowhere/p.png", "--quit"},
+               "nowhere"}),
+    [](const auto& misuse) { return std::string{misuse.param.Name}; });
+
+TEST(HestrionBench, PrintsItsHelp) {
+  const auto result = RunToItsEnd(HestrionBenchPath(), {"--help"});
+  EXPECT_EQ(result.Status, 0);
+  EXPECT_NE(result.Output.find("--screenshot"), std::string::npos);
+}
+
+// ---- At work, with its windows ----
+
+struct Search {
+  DWORD Process;
+  std::wstring Class;
+  HWND Found;
+};
+
+BOOL CALLBACK LookAt(HWND window, LPARAM search) {
+  auto& wanted = *reinterpret_cast<Search*>(search);
+  DWORD process = 0;
+  GetWindowThreadProcessId(window, &process);
+  if (process == wanted.Process && IsWindowVisible(window) && ClassOf(window) == wanted.Class) {
+    wanted.Found = window;
+  }
+  return wanted.Found == nullptr ? TRUE : FALSE;
+}
+
+class HestrionWindows : public testing::Test {
+ protected:
+  // With the page open unless the arguments are to do that.
+  void Start(Arguments more, bool opensPage = true) {
+    Arguments arguments{"--folder", folder_.Text(), "--trace", folder_.File("trace.jsonl")};
+    arguments.insert(arguments.end(), more.begin(), more.end());
+    process_.emplace(HestrionBenchPath(), arguments);
+    ASSERT_TRUE(Eventually([this] { return Main() != nullptr || !process_->IsRunning(); }));
+    if (opensPage) {
+      Order(openPageId);
+      ASSERT_TRUE(Eventually([this] { return Frame() != nullptr; })) << process_->Errors();
+    }
+  }
+
+  HWND TopLevel(const std::wstring& className) const {
+    Search search{.Process = process_->Id(), .Class = className, .Found = nullptr};
+    EnumWindows(LookAt, reinterpret_cast<LPARAM>(&search));
+    return search.Found;
+  }
+
+  HWND Main() const { return TopLevel(mainWindowClass); }
+  HWND Frame() const { return FindWindowExW(Main(), nullptr, frameClassName, nullptr); }
+  HWND Box() const { return TopLevel(L"#32770"); }
+  HWND Control(int id) const { return GetDlgItem(Frame(), id); }
+  void Order(int command) const { PostMessageW(Main(), WM_COMMAND, static_cast<WPARAM>(command), 0); }
+
+  // As the mouse does: the program must not be waited for, as the operation may show a box.
+  void Press(HWND button) const {
+    constexpr LPARAM inside = MAKELPARAM(5, 5);
+    PostMessageW(button, WM_LBUTTONDOWN, MK_LBUTTON, inside);
+    PostMessageW(button, WM_LBUTTONUP, 0, inside);
+  }
+
+  static std::string TextOf(HWND window) {
+    std::array<wchar_t, 4096> text{};
+    const LRESULT length =
+        SendMessageW(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()));
+    return Utf8(std::wstring_view{text.data(), static_cast<std::size_t>(length)});
+  }
+
+  std::string StatusText() const { return TextOf(GetDlgItem(Main(), statusBarId)); }
+  std::string Log() const { return TextOf(GetDlgItem(Main(), logId)); }
+
+  // The text of the box that is open, which is then answered.
+  std::string AnswerBox(int button) const {
+    EXPECT_TRUE(Eventually([this] { return Box() != nullptr; }));
+    const HWND box = Box();
+    const auto text = TextOf(GetDlgItem(box, 0xFFFF));
+    PostMessageW(box, WM_COMMAND, static_cast<WPARAM>(button), 0);
+    EXPECT_TRUE(Eventually([box] { return !IsWindow(box); }));
+    return text;
+  }
+
+  void CloseWindow() const { PostMessageW(Main(), WM_CLOSE, 0, 0); }
+
+  int EventsOf(const std::string& part) const {
+    std::istringstream trace{folder_.Content("trace.jsonl")};
+    int count = 0;
+    for (std::string line; std::getline(trace, line);) {
+      count += line.find(part) != std::string::npos ? 1 : 0;
+    }
+    return count;
+  }
+
+  Folder folder_;
+  std::optional<ChildProcess> process_;
+};
+
+TEST_F(HestrionWindows, TheMenuOpensThePageAndClosesIt) {
+  Start({});
+  EXPECT_TRUE(IsWindowVisible(Frame()));
+  EXPECT_TRUE(Eventually([this] { return CaptionOf(Main()) == "Zolvane Setup - Hestrion bench"; }));
+  EXPECT_NE(Log().find("Opened: Zolvane Setup"), std::string::npos);
+  Order(closePageId);
+  EXPECT_TRUE(Eventually([this] { return Frame() == nullptr; }));
+  Order(openPageId);
+  EXPECT_TRUE(Eventually([this] { return Frame() != nullptr; })) << "and opens it again";
+  Order(quitId);
+  EXPECT_EQ(process_->Wait(), 0) << process_->Errors();
+}
+
+TEST_F(HestrionWindows, HelpNamesTheTopicOfThePage) {
+  Start({}, false);
+  PostMessageW(Main(), WM_KEYDOWN, VK_F1, 1);
+  EXPECT_NE(AnswerBox(IDOK).find("Open an add-in's page"), std::string::npos);
+  Order(openPageId);
+  ASSERT_TRUE(Eventually([this] { return Frame() != nullptr; }));
+  PostMessageW(Control(IdOfButton(queryButton)), WM_KEYDOWN, VK_F1, 1);
+  EXPECT_NE(AnswerBox(IDOK).find("topic 9014"), std::string::npos);
+  Order(helpId);
+  EXPECT_NE(AnswerBox(IDOK).find("topic 9014"), std::string::npos);
+  CloseWindow();
+  EXPECT_EQ(process_->Wait(), 0);
+}
+
+TEST_F(HestrionWindows, TheHostsButtonsAreThereWithThePageAndWork) {
+  Start({}, false);
+  const HWND save = GetDlgItem(Main(), saveId);
+  EXPECT_FALSE(IsWindowVisible(save));
+  Order(openPageId);
+  ASSERT_TRUE(Eventually([save] { return IsWindowVisible(save) != FALSE; }));
+  EXPECT_TRUE(IsWindowVisible(GetDlgItem(Main(), helpId)));
+  Press(save);
+  Press(GetDlgItem(Main(), closePageId));
+  ASSERT_TRUE(Eventually([this] { return Frame() == nullptr; }));
+  EXPECT_FALSE(IsWindowVisible(save));
+  CloseWindow();
+  EXPECT_EQ(process_->Wait(), 0);
+  EXPECT_EQ(EventsOf(R"("event":"changed","value":false)"), 2)
+      << "by the button, and when the page was closed";
+}
+
+TEST_F(HestrionWindows, TheStatusBarShowsWhatAnOperationDoesAndTheControlsAreDisabledMeanwhile) {
+  Start({"--link", "none"});
+  EXPECT_EQ(StatusText(), "");
+  Press(Control(IdOfButton(queryButton)));
+  for (const auto* const step : {"Getting Zolvane Type", "Getting Pipette Module Type", "Enabling RFID",
+                                 "Getting Pump Module Status"}) {
+    ASSERT_TRUE(Eventually([this] { return Box() != nullptr; })) << step;
+    EXPECT_EQ(StatusText(), step);
+    EXPECT_FALSE(IsWindowEnabled(Control(IdOfButton(queryButton))));
+    EXPECT_FALSE(IsWindowEnabled(Control(IdOf(ListControl::DeviceType))));
+    EXPECT_EQ(
+        AnswerBox(IDOK),
+        std::string{step} + "\r\n\r\nPlease ensure that the Zolvane is switched on\r\nand in 'Remote Mode'");
+  }
+  EXPECT_TRUE(Eventually([this] { return IsWindowEnabled(Control(IdOfButton(queryButton))) != FALSE; }));
+  EXPECT_EQ(StatusText(), "");
+  CloseWindow();
+  EXPECT_EQ(process_->Wait(), 1) << "commands have failed";
+}
+
+TEST_F(HestrionWindows, ABoxIsInFrontOfTheHostWhichWaitsForIt) {
+  Start({"--link", "none"});
+  Press(Control(IdOfButton(queryButton)));
+  ASSERT_TRUE(Eventually([this] { return Box() != nullptr; }));
+  EXPECT_EQ(GetWindow(Box(), GW_OWNER), Main());
+  EXPECT_FALSE(IsWindowEnabled(Main()));
+}
+
+TEST_F(HestrionWindows, ClosingTheWindowUnderABoxWaitsForTheOperation) {
+  Start({"--link", "none"});
+  Press(Control(IdOfButton(queryButton)));
+  ASSERT_TRUE(Eventually([this] { return Box() != nullptr; }));
+  CloseWindow();
+  for (int box = 0; box < 4; ++box) {
+    AnswerBox(IDOK);
+  }
+  EXPECT_EQ(process_->Wait(), 1);
+  EXPECT_EQ(EventsOf(R"("event":"send")"), 4) << "the operation has run to its end";
+  EXPECT_EQ(EventsOf(R"("flag":"hold","op":"set","value":false)"), 1) << "and the page was detached";
+}
+
+TEST_F(HestrionWindows, ClosingTheWindowUnderTheHostsOwnDialogueWaitsForTheOperation) {
+  Start({"--link", "none", "--host-dialog"});
+  Press(Control(IdOfButton(queryButton)));
+  const auto message = [this] { return TopLevel(messageWindowClass); };
+  ASSERT_TRUE(Eventually([&] { return message() != nullptr; }));
+  Order(closePageId);
+  CloseWindow();
+  for (int box = 0; box < 4; ++box) {
+    ASSERT_TRUE(Eventually([&] { return message() != nullptr; })) << box;
+    const HWND shown = message();
+    EXPECT_TRUE(IsWindow(Frame()));
+    PostMessageW(GetDlgItem(shown, IDOK), WM_KEYDOWN, box % 2 == 0 ? VK_RETURN : VK_ESCAPE, 1);
+    ASSERT_TRUE(Eventually([shown] { return !IsWindow(shown); })) << box;
+  }
+  EXPECT_EQ(process_->Wait(), 1);
+  EXPECT_EQ(EventsOf(R"("event":"host_dialog")"), 4);
+}
+
+TEST_F(HestrionWindows, AHostsDialogueThatIsDestroyedWithItsOwnerLeavesNobodyWaiting) {
+  const HWND owner = CreateWindowExW(0, L"STATIC", L"", WS_POPUP | WS_VISIBLE, 0, 0, 400, 300, nullptr,
+                                     nullptr, nullptr, nullptr);
+  const MessageWindow dialogue{owner, {.Title = "Title", .Text = "Text", .Style = 1}};
+  EXPECT_LT(dialogue.Result(), 0);
+  DestroyWindow(owner);
+  EXPECT_EQ(dialogue.Result(), IDCANCEL);
+}
+
+TEST_F(HestrionWindows, TheWindowCanBeOfAnySize) {
+  Start({});
+  const SIZE page{PlaceOf(Frame()).right, PlaceOf(Frame()).bottom};
+  for (const SIZE size : {SIZE{1000, 800}, SIZE{120, 60}, SIZE{700, 500}}) {
+    SetWindowPos(Main(), nullptr, 0, 0, size.cx, size.cy, SWP_NOZORDER);
+    RECT inside{};
+    GetClientRect(Main(), &inside);
+    const HWND statusBar = GetDlgItem(Main(), statusBarId);
+    EXPECT_TRUE(Eventually([&] { return PlaceOf(statusBar).bottom == inside.bottom; }));
+    EXPECT_EQ(PlaceOf(statusBar).right, inside.right);
+    EXPECT_EQ(PlaceOf(Frame()).right, page.cx) << "the page keeps its size";
+    EXPECT_EQ(PlaceOf(Frame()).bottom, page.cy);
+    const RECT log = PlaceOf(GetDlgItem(Main(), logId));
+    if (inside.bottom > 500) {
+      EXPECT_GT(log.bottom - log.top, 100);
+      EXPECT_LT(log.bottom, PlaceOf(statusBar).top);
+      EXPECT_LT(log.right, inside.right);
+    }
+  }
+  CloseWindow();
+  EXPECT_EQ(process_->Wait(), 0);
+}
+
+// Answers the first command and hangs up for good on the second.
+TEST_F(HestrionWindows, AnInstrumentUnpluggedInTheMiddleIsReportedAndThePageGoesOn) {
+  const HandmadeServer instrument{[](asio::ip::tcp::acceptor& acceptor) {
+    asio::ip::tcp::socket socket = acceptor.accept();
+    std::string lines;
+    asio::read_until(socket, asio::dynamic_buffer(lines), "\r\n");
+    asio::write(socket, asio::buffer(std::string{"ZV400\r\n"}));
+    lines.clear();
+    asio::read_until(socket, asio::dynamic_buffer(lines), "\r\n");
+    socket.close();
+    acceptor.close();
+  }};
+  Start({"--link", instrument.Link(), "--timeout", "2"});
+  Press(Control(IdOfButton(queryButton)));
+  for (const auto* const step :
+       {"Getting Pipette Module Type", "Enabling RFID", "Getting Pump Module Status"}) {
+    EXPECT_EQ(AnswerBox(IDOK).substr(0, std::strlen(step)), step);
+  }
+  EXPECT_TRUE(Eventually([this] { return IsWindowEnabled(Control(IdOfButton(queryButton))) != FALSE; }));
+  CloseWindow();
+  EXPECT_EQ(process_->Wait(), 1);
+  EXPECT_EQ(EventsOf(R"("event":"send","command":"STATUS_STAGE","ok":true,"reply":"ZV400")"), 1);
+}
+
+// ---- Pictures ----
+
+struct Bitmap {
+  int Width = 0;
+  int Height = 0;
+  std::vector<std::uint32_t> Pixels;
+
+  std::uint32_t At(int x, int y) const {
+    return Pixels.at(static_cast<std::size_t>(y) * static_cast<std::size_t>(Width) +
+                     static_cast<std::size_t>(x)) &
+           0xFFFFFF;
+  }
+
+  std::size_t ColoursIn(const RECT& area) const {
+    std::set<std::uint32_t> colours;
+    for (int y = area.top; y < area.bottom; ++y) {
+      for (int x = area.left; x < area.right; ++x) {
+        colours.insert(At(x, y));
+      }
+    }
+    return colours.size();
+  }
+};
+
+// A picture says in its header how long it is.
+bool IsWholeBitmap(const std::string& bytes) {
+  BITMAPFILEHEADER file{};
+  if (bytes.size() < sizeof(file)) {
+    return false;
+  }
+  std::memcpy(&file, bytes.data(), sizeof(file));
+  return bytes.size() == file.bfSize;
+}
+
+// As the program writes them: 32 bits, from the top.
+Bitmap BitmapIn(const std::string& bytes) {
+  Bitmap bitmap;
+  BITMAPFILEHEADER file{};
+  BITMAPINFOHEADER header{};
+  if (bytes.size() < sizeof(file) + sizeof(header)) {
+    return bitmap;
+  }
+  std::memcpy(&file, bytes.data(), sizeof(file));
+  std::memcpy(&header, bytes.data() + sizeof(file), sizeof(header));
+  bitmap.Width = header.biWidth;
+  bitmap.Height = -header.biHeight;
+  bitmap.Pixels.resize((bytes.size() - file.bfOffBits) / sizeof(std::uint32_t));
+  std::memcpy(bitmap.Pixels.data(), bytes.data() + file.bfOffBits,
+              bitmap.Pixels.size() * sizeof(std::uint32_t));
+  return bitmap;
+}
+
+TEST_F(HestrionWindows, APictureShowsTheWindowWithThePageAsItIs) {
+  Start({"--screenshot", folder_.File("picture.bmp")}, false);
+  const auto file = folder_.File("picture.bmp");
+  ASSERT_TRUE(Eventually([&] { return IsWholeBitmap(ContentOf(file)); }));
+  const auto picture = BitmapIn(ContentOf(file));
+  RECT window{};
+  GetWindowRect(Main(), &window);
+  ASSERT_EQ(picture.Width, window.right - window.left);
+  ASSERT_EQ(picture.Height, window.bottom - window.top);
+  ASSERT_EQ(picture.Pixels.size(), static_cast<std::size_t>(picture.Width * picture.Height));
+  for (const auto& row : PageLayout()) {
+    RECT area{};
+    GetWindowRect(Control(row.Id), &area);
+    OffsetRect(&area, -window.left, -window.top);
+    EXPECT_GE(picture.ColoursIn(area), 2U) << row.Id << ": text on its background";
+    if (row.Kind == ControlKind::List) {
+      const COLORREF white = GetSysColor(COLOR_WINDOW);
+      EXPECT_EQ(picture.At(area.right - 40, (area.top + area.bottom) / 2),
+                static_cast<std::uint32_t>(RGB(GetBValue(white), GetGValue(white), GetRValue(white))))
+          << row.Id;
+    }
+  }
+}
+
+std::uint32_t BigEndian(const std::string& bytes, std::size_t at) {
+  std::uint32_t number = 0;
+  for (std::size_t byte = 0; byte < 4; ++byte) {
+    number = number << 8 | static_cast<unsigned char>(bytes.at(at + byte));
+  }
+  return number;
+}
+
+TEST_F(HestrionWindows, APictureWithAnotherNameIsAPngOfTheSameSize) {
+  const auto result = RunToItsEnd(HestrionBenchPath(), {"--folder", folder_.Text(), "--screenshot",
+                                                        folder_.File("picture.bmp"), "--quit"});
+  EXPECT_EQ(result.Status, 0) << result.Errors;
+  EXPECT_EQ(RunToItsEnd(HestrionBenchPath(),
+                        {"--folder", folder_.Text(), "--screenshot", folder_.File("picture.png"), "--quit"})
+                .Status,
+            0);
+  const auto bitmap = BitmapIn(folder_.Content("picture.bmp"));
+  const auto png = folder_.Content("picture.png");
+  ASSERT_EQ(png.substr(1, 3), "PNG");
+  EXPECT_EQ(BigEndian(png, 16), static_cast<std::uint32_t>(bitmap.Width));
+  EXPECT_EQ(BigEndian(png, 20), static_cast<std::uint32_t>(bitmap.Height));
+}
+
+}  // namespace
+}  // namespace zolvane

@@ -1,0 +1,57 @@
+// The module's page in a window of the test's own, as a host shows it.
+#pragma once
+
+#include <hestrion_cmds.h>
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <utility>
+
+#include "bench/settings/file_settings_service.h"
+#include "bench/windows/com_session.h"
+#include "bench/windows/offered_host.h"
+#include "bench/windows/offered_settings.h"
+#include "program_folder.h"
+#include "shell/windows/page_layout.h"
+
+namespace zolvane {
+
+// A host that hears what the page asks for. Each command to the instrument is shown to the test while it is under way.
+struct PageHost {
+  int FocusRequests = 0;
+  std::string Status;
+  std::function<void(const std::string& command)> OnCommand = [](const std::string&) {};
+};
+
+class HostedPage {
+ public:
+  explicit HostedPage(const std::string& configuration = SampleConfiguration());
+  ~HostedPage();
+  HostedPage(const HostedPage&) = delete;
+  HostedPage& operator=(const HostedPage&) = delete;
+
+  PageHost& Host() { return *host_; }
+  HWND Window() const { return window_; }
+  HWND Frame() const { return frame_; }
+  HWND Control(int id) const { return GetDlgItem(frame_, id); }
+
+  // What the configuration file says.
+  static std::string Stored(const std::string& section, const std::string& key);
+
+ private:
+  const ProgramFolder& folder_ = ProgramFolder::OfThisRun();  // brings COM along
+  std::shared_ptr<PageHost> host_ = std::make_shared<PageHost>();
+  OfferedSettings settings_{[] { return std::make_shared<FileSettingsService>(); }};
+  HWND window_ = nullptr;
+  std::unique_ptr<ComSession> session_;
+  HWND frame_ = nullptr;
+};
+
+std::string CaptionOf(HWND window);
+std::wstring ClassOf(HWND window);
+
+// The place of a control within its parent.
+RECT PlaceOf(HWND control);
+
+}  // namespace zolvane
