@@ -1,0 +1,13 @@
+@echo off
+rem Takes the add-in's registration back. Run it as administrator, before the folder is removed.
+setlocal
+rem The regsvr32 of the add-in's number of bits, wherever this Windows keeps it.
+set "regsvr=%SystemRoot%\System32\regsvr32.exe"
+if exist "%SystemRoot%\@OTHER_SYSTEM@\regsvr32.exe" set "regsvr=%SystemRoot%\@OTHER_SYSTEM@\regsvr32.exe"
+"%regsvr%" /s /u "%~dp0HZOCalibrateDevice.dll"
+if errorlevel 1 goto failed
+echo "Zolvane Setup" is no longer registered.
+exit /b 0
+:failed
+echo The registration of HZOCalibrateDevice.dll could not be taken back. Run this file as administrator.
+exit /b 1
