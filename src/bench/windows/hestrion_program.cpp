@@ -358,7 +358,7 @@ int HestrionBench::Run() {
 }  // namespace
 
 int RunHestrionBench(std::vector<std::string> arguments, std::ostream& output, std::ostream& errors) {
-  CLI::App app{"Hosts the add-in's real module in a window."};
+  CLI::App app{"Hosts the add-in's real module in a window.", "HestrionBench"};
   WindowOptions options;
   Describe(app, options);
   std::ranges::reverse(arguments);
