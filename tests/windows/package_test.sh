@@ -55,4 +55,3 @@ grep -q '"event":"read".*Program Files\\\\Hestrion\\\\Zolvane.ini' "$elsewhere/t
 [[ -f $installed/backup.bak ]] || fail "the main job leaves a backup"
 (cd "$installed" && wine cmd /c unregister.cmd) || fail "unregister.cmd ends well"
 if upload >/dev/null 2>&1; then fail "there is no add-in when its registration is taken back"; fi
-echo "passed"
