@@ -54,7 +54,7 @@ nlohmann::json Visible(const nlohmann::json& printed) {
 void Prepare(const SessionPlan& plan) {
   const auto& folder = ProgramFolder::OfThisRun();
   Store(folder.Configuration(), plan.Configuration);
-  Store(folder.Path() / "old.bak", SampleConfiguration());
+  Store(folder.Path() / "old.bak", plan.Source);
   std::filesystem::remove(folder.Path() / backupFile);
   std::string commands;
   for (const auto& command : plan.Commands) {

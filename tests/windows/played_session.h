@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "bench/windows/offered_host.h"
+#include "program_folder.h"
 
 namespace zolvane {
 
@@ -17,6 +18,7 @@ struct SessionPlan {
   bool AffirmsRest = false;
   bool OffersDialog = false;
   PanelsShape Panels = PanelsShape::DefaultMember;
+  std::string Source = SampleConfiguration();  // what the file "old.bak" holds
 };
 
 struct PlayedSession {
