@@ -131,6 +131,7 @@ class Generator {
     }
     plan.AffirmsRest = Below(3) != 0;
     plan.OffersDialog = Below(4) == 0;
+    plan.ShowsDialogues = Below(5) == 0;
     plan.Panels = Below(2) == 0 ? PanelsShape::IndexedProperty : PanelsShape::DefaultMember;
     return plan;
   }

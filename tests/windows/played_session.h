@@ -18,6 +18,8 @@ struct SessionPlan {
   bool AffirmsRest = false;
   bool OffersDialog = false;
   PanelsShape Panels = PanelsShape::DefaultMember;
+  bool ShowsDialogues =
+      true;  // else boxes and file dialogues are answered without appearing, which is faster
   std::string Source = SampleConfiguration();  // what the file "old.bak" holds
 };
 
