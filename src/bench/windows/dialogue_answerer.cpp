@@ -153,16 +153,27 @@ void DialogueAnswerer::AnswerBox(HWND box, std::int32_t button) {
   PostMessageW(box, WM_COMMAND, static_cast<WPARAM>(hasButton ? button : FirstButton(box)), 0);
 }
 
-// The name is typed once. A dialogue that is still there long after does not accept it.
+// A dialogue that is still being set up writes its own proposal over what was typed, so the name is accepted only when it
+// has stayed. A dialogue that is still there long after that does not accept it.
 void DialogueAnswerer::AnswerFileDialogue(HWND dialogue, const Order& order) {
   constexpr auto patience = std::chrono::seconds{5};
+  constexpr auto settling = std::chrono::milliseconds{20};
   const auto now = std::chrono::steady_clock::now();
-  if (order.What == Task::File && typing_.Order != order.Number) {
-    typing_ = {.Order = order.Number, .At = now};
-    Ask(FileNameField(dialogue), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(order.File.c_str()));
-    PostMessageW(dialogue, WM_COMMAND, IDOK, 0);
-  } else if (order.What == Task::Cancel || now - typing_.At > patience) {
+  if (order.What == Task::Cancel || (typing_.Order == order.Number && now - typing_.BegunAt > patience)) {
     PostMessageW(dialogue, WM_COMMAND, IDCANCEL, 0);
+    return;
+  }
+  if (order.What != Task::File || (typing_.Order == order.Number && typing_.IsAccepted)) {
+    return;
+  }
+  const HWND field = FileNameField(dialogue);
+  if (typing_.Order != order.Number || TextIn(field) != Utf8(order.File)) {
+    const auto begunAt = typing_.Order == order.Number ? typing_.BegunAt : now;
+    typing_ = {.Order = order.Number, .BegunAt = begunAt, .At = now, .IsAccepted = false};
+    Ask(field, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(order.File.c_str()));
+  } else if (now - typing_.At > settling) {
+    typing_.IsAccepted = true;
+    PostMessageW(dialogue, WM_COMMAND, IDOK, 0);
   }
 }
 

@@ -48,7 +48,9 @@ class DialogueAnswerer {
   // Only the thread itself knows it.
   struct Typing {
     unsigned Order = 0;
-    std::chrono::steady_clock::time_point At;
+    std::chrono::steady_clock::time_point BegunAt;
+    std::chrono::steady_clock::time_point At;  // of the last time that the name was typed
+    bool IsAccepted = false;
   };
 
   void Begin(Task task, std::int32_t button, std::wstring file);
