@@ -10,8 +10,10 @@ set(CMAKE_RC_COMPILER ${ZOLVANE_MINGW}-windres)
 set(ZOLVANE_WIDL ${ZOLVANE_MINGW}-widl)
 
 # The old floating-point unit keeps more digits than a double has and rounds to other numbers than every other build.
+# And GCC folds a member function and a free one with the same body into one, although here the one takes its arguments
+# off the stack and the other does not: whoever calls the wrong one comes back with a wrong stack.
 set(CMAKE_C_FLAGS_INIT "-msse2 -mfpmath=sse")
-set(CMAKE_CXX_FLAGS_INIT "-msse2 -mfpmath=sse")
+set(CMAKE_CXX_FLAGS_INIT "-msse2 -mfpmath=sse -fno-ipa-icf")
 
 # No compiler runtime has to lie beside the module.
 set(CMAKE_EXE_LINKER_FLAGS_INIT -static)

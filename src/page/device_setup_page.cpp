@@ -132,7 +132,11 @@ void DeviceSetupPage::PressButton(int index) {
 
 Status DeviceSetupPage::OnListSelected(ListControl list) {
   ResetChanged();
+  // The host, told of the change, may have had the page loaded again.
   const auto& model = model_.Of(list);
+  if (model.Selected == noSelection) {
+    return Status::Failure();
+  }
   const auto number = model.Entries[static_cast<std::size_t>(model.Selected)].Data;
   const auto& settings = configuration_.Settings;
   return settings.WriteValue(RowOf(list).Section, "Installed", settings.ConfigFilePath(), WholeText(number));

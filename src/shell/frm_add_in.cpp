@@ -37,9 +37,10 @@ void frmAddIn::IAddInForm_ObjectParent(std::shared_ptr<HostObject> objectParent)
 }
 
 void frmAddIn::IAddInForm_FormParent(std::shared_ptr<HostWindow> formParent) {
-  host_.FormParent = std::move(formParent);
-  if (host_.FormParent) {
-    if (auto panel = host_.FormParent->FindStatusPanel()) {
+  const auto self = shared_from_this();
+  host_.FormParent = formParent;
+  if (formParent) {
+    if (auto panel = formParent->FindStatusPanel()) {
       host_.Panel = std::move(panel);
     }
   }

@@ -2,7 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "support/operation_fixture.h"
@@ -91,6 +94,35 @@ TEST(HostAttachment, ReportsAChangedPropertyThatCouldNotBeSet) {
   FakeHost host;
   host.Calls.FailEverythingThatStartsWith("changed=");
   EXPECT_EQ(host.Attached().SetChanged(false).Code(), Journal::failureCode);
+}
+
+// Each call lets go of what it is made on; it must live on until the call has ended.
+TEST(HostAttachment, HoldsAnObjectThatIsTakenBackFromWithinItsCall) {
+  FakeHost host;
+  auto attachment = host.Attached();
+  const std::weak_ptr<FakeHostObject> object = std::exchange(host.Object, nullptr);
+  const std::weak_ptr<FakePanel> panel = host.Window->Panel;
+  const std::weak_ptr<FakeWindow> window = std::exchange(host.Window, nullptr);
+  window.lock()->Panel = nullptr;
+  int held = 0;
+  host.Calls.FailsIf = [&](std::string_view call) {
+    if (call == "get link") {
+      attachment.ObjectParent = nullptr;
+      held += object.expired() ? 0 : 1;
+    } else if (call.starts_with("status")) {
+      attachment.Panel = nullptr;
+      held += panel.expired() ? 0 : 1;
+    } else {
+      attachment.FormParent = nullptr;
+      held += window.expired() ? 0 : 1;
+    }
+    return false;
+  };
+  EXPECT_NE(attachment.Link(), nullptr);
+  EXPECT_TRUE(attachment.SetStatusText("Getting Zolvane Type").Ok());
+  EXPECT_TRUE(attachment.SetChanged(false).Ok());
+  EXPECT_EQ(held, 3);
+  EXPECT_TRUE(object.expired() && panel.expired() && window.expired());
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 
 #include <random>
 
+#include "../bench/links/running_instrument.h"
 #include "bench/windows/offered_settings.h"
 #include "played_session.h"
 #include "program_folder.h"
@@ -99,6 +100,17 @@ TEST(ComSession, TextsOutsideOfTheCodePageArriveUnchanged) {
   ExpectSameSession({.Configuration = configuration, .Commands = {"select cboDeviceType #0"}});
 }
 
+TEST(ComSession, AnInstrumentOnTheNetworkIsTheSameForTheHost) {
+  const RunningInstrument instrument;
+  const auto played = ExpectSameSession({.Configuration = SmallConfiguration(),
+                                         .Commands = {"query", "upload", "download"},
+                                         .Link = instrument.Link(),
+                                         .AffirmsRest = true});
+  EXPECT_TRUE(Contains(played.Calls, R"("event":"send","command":"SET_CALIBRATION SAVE","ok":true)"));
+  EXPECT_TRUE(Contains(played.Calls, R"("event":"send","command":"GET_CALIBRATION )"));
+  EXPECT_FALSE(Contains(played.Calls, R"("event":"message_box","title":"Communication Error")"));
+}
+
 // ---- Generated sessions
 
 class Generator {
@@ -106,7 +118,9 @@ class Generator {
   explicit Generator(unsigned seed) : random_{seed} {}
 
   SessionPlan Plan() {
-    SessionPlan plan{.Configuration = Configuration(), .Commands = {}};
+    // Most of them small, as the number of records multiplies calls of the same kinds.
+    const auto whole = Below(6) == 0 ? SampleConfiguration() : SmallConfiguration();
+    SessionPlan plan{.Configuration = Damaged(whole), .Commands = {}, .Source = Damaged(whole)};
     const int count = Below(7) + 3;
     for (int command = 0; command < count; ++command) {
       plan.Commands.push_back(Command());
@@ -117,6 +131,7 @@ class Generator {
     }
     plan.AffirmsRest = Below(3) != 0;
     plan.OffersDialog = Below(4) == 0;
+    plan.ShowsDialogues = Below(5) == 0;
     plan.Panels = Below(2) == 0 ? PanelsShape::IndexedProperty : PanelsShape::DefaultMember;
     return plan;
   }
@@ -149,13 +164,13 @@ class Generator {
     }
   }
 
-  // The sample with some lines lost, doubled or cut short.
-  std::string Configuration() {
-    std::istringstream sample{SampleConfiguration()};
+  // With some lines lost, doubled, cut short or in other letters.
+  std::string Damaged(const std::string& whole) {
+    std::istringstream sample{whole};
     std::string text;
     const int damage = Below(3) * 6;
     for (std::string line; std::getline(sample, line);) {
-      switch (Below(100) < damage ? Below(3) : 3) {
+      switch (Below(100) < damage ? Below(4) : 4) {
         case 0:
           break;
         case 1:
@@ -164,11 +179,22 @@ class Generator {
         case 2:
           text += line.substr(0, static_cast<std::size_t>(Below(static_cast<int>(line.size()) + 1))) + "\r\n";
           break;
+        case 3:
+          text += WithOtherLetters(line) + "\n";
+          break;
         default:
           text += line + "\n";
       }
     }
     return text;
+  }
+
+  // Letters outside of the code page within the first name in quotes.
+  static std::string WithOtherLetters(const std::string& line) {
+    const auto quote = line.find('"');
+    return quote == std::string::npos
+               ? line
+               : line.substr(0, quote + 1) + "\xC3\xBC\xCE\xA9\xF0\x9F\xA7\xAA" + line.substr(quote + 1);
   }
 
   std::string Link() {
@@ -204,7 +230,7 @@ TEST_P(GeneratedSession, IsTheSameForTheHost) {
   ExpectSameSession(plan);
 }
 
-INSTANTIATE_TEST_SUITE_P(ComSession, GeneratedSession, testing::Range(1U, 41U));
+INSTANTIATE_TEST_SUITE_P(ComSession, GeneratedSession, testing::Range(1U, 121U));
 
 }  // namespace
 }  // namespace zolvane

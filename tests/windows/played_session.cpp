@@ -44,7 +44,7 @@ nlohmann::json Visible(const nlohmann::json& printed) {
 void Prepare(const SessionPlan& plan) {
   const auto& folder = ProgramFolder::OfThisRun();
   Store(folder.Configuration(), plan.Configuration);
-  Store(folder.Path() / "old.bak", SampleConfiguration());
+  Store(folder.Path() / "old.bak", plan.Source);
   std::filesystem::remove(folder.Path() / backupFile);
   std::string commands;
   for (const auto& command : plan.Commands) {
@@ -85,6 +85,29 @@ BenchHost::Setup HostSetup(const SessionPlan& plan) {
   return setup;
 }
 
+// Answers boxes and dialogues as a player does, but at once.
+class UnshownDialogues final : public DialogueListener {
+ public:
+  explicit UnshownDialogues(const AnswerDesk::Setup& answers)
+      : desk_{answers, nullptr, [](const std::string&) {}} {}
+
+  std::optional<std::string> File;  // what the next file dialogue is answered
+
+  void BoxOpens(const MessageBoxRequest&) override {}
+  void BoxClosed(const MessageBoxRequest&, std::optional<std::int32_t>) override {}
+  void FileDialogueOpens(FileDialogueKind, const FileDialogue&) override {}
+  void FileDialogueClosed(const std::optional<std::string>&) override {}
+
+  bool ShowsDialogues() const override { return false; }
+  std::optional<std::int32_t> AnswerUnshown(const MessageBoxRequest& request) override {
+    return desk_.AnswerTo({.Title = request.Title, .Text = request.Text, .Style = request.Style}).Button;
+  }
+  std::optional<std::string> ChooseUnshown(FileDialogueKind) override { return File; }
+
+ private:
+  AnswerDesk desk_;
+};
+
 }  // namespace
 
 std::vector<std::string> HostCalls(std::istream& trace) {
@@ -124,7 +147,9 @@ PlayedSession PlayOnModule(const SessionPlan& plan) {
   const auto process = Traced(host.Process(), log);
   const OfferedSettings settings{[&] { return process->CreateIniFileService(); }};
   Player player{setup.Answers, [](const std::string&) {}};
-  const DialogueHooks hooks{folder.Module().Module(), &log, player};
+  UnshownDialogues unshown{setup.Answers};
+  const DialogueHooks hooks{folder.Module().Module(), &log,
+                            plan.ShowsDialogues ? static_cast<DialogueListener&>(player) : unshown};
   PlayedSession played;
   std::istringstream noInput;
   {
@@ -132,6 +157,7 @@ PlayedSession PlayOnModule(const SessionPlan& plan) {
                              OfferHostWindow(Traced(host.Window(), log), plan.Panels)};
     const PageDriver page{session.Frame()};
     for (const auto& action : ParseJob({"run", folder.FileText(runFile)}, std::nullopt, noInput).Actions) {
+      unshown.File = action.File;
       player.Play(action, page);
     }
     ActionResult last{.Request = {}, .Happened = {}};

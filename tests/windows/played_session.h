@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "bench/windows/offered_host.h"
+#include "program_folder.h"
 
 namespace zolvane {
 
@@ -18,6 +19,9 @@ struct SessionPlan {
   bool AffirmsRest = false;
   bool OffersDialog = false;
   PanelsShape Panels = PanelsShape::DefaultMember;
+  bool ShowsDialogues =
+      true;  // else boxes and file dialogues are answered without appearing, which is faster
+  std::string Source = SampleConfiguration();  // what the file "old.bak" holds
 };
 
 struct PlayedSession {

@@ -15,6 +15,9 @@ void Store(const std::filesystem::path& file, const std::string& content);
 // The configuration that comes with the program.
 std::string SampleConfiguration();
 
+// One record of a kind, and all operations permitted.
+std::string SmallConfiguration();
+
 // One for the whole test program, since a module is loaded once in the life of a host. COM is in use meanwhile.
 class ProgramFolder {
  public:

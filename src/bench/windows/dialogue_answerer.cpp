@@ -60,12 +60,6 @@ std::string TextIn(HWND window) {
   return Utf8(text.data());
 }
 
-// True when the text stands there.
-bool TypeInto(HWND field, const std::wstring& text) {
-  Ask(field, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text.c_str()));
-  return TextIn(field) == Utf8(text);
-}
-
 // The one button of a box that has a single one answers to "Cancel", whatever stands on it.
 std::int32_t FirstButton(HWND box) {
   for (const std::int32_t button : {IDOK, IDYES, IDCANCEL, IDNO}) {
@@ -133,10 +127,13 @@ void DialogueAnswerer::Run(const std::stop_token& ending) {
 // True when nothing is left to do. A file dialogue stays with us until it is closed: it may ask whether the file is to
 // be replaced, or say that it cannot be used.
 bool DialogueAnswerer::Attempt(const Order& order) {
+  if (order.What == Task::Button && pressing_.Order == order.Number) {
+    return PressAgain();
+  }
   for (const HWND window : OpenDialogues(user_)) {
     if (order.What == Task::Button) {
-      AnswerBox(window, order.Button);
-      return true;
+      AnswerBox(window, order);
+      return false;
     }
     if (FileNameField(window) == nullptr) {
       PostMessageW(window, WM_COMMAND, static_cast<WPARAM>(FirstButton(window)), 0);
@@ -147,7 +144,22 @@ bool DialogueAnswerer::Attempt(const Order& order) {
   return false;
 }
 
-void DialogueAnswerer::AnswerBox(HWND box, std::int32_t button) {
+// A box that is still being set up may lose what was posted to it.
+bool DialogueAnswerer::PressAgain() {
+  constexpr auto patience = std::chrono::milliseconds{500};
+  if (!IsWindowVisible(pressing_.Box)) {
+    return true;
+  }
+  const auto now = std::chrono::steady_clock::now();
+  if (now - pressing_.At > patience) {
+    pressing_.At = now;
+    PostMessageW(pressing_.Box, WM_COMMAND, static_cast<WPARAM>(pressing_.Button), 0);
+  }
+  return false;
+}
+
+void DialogueAnswerer::AnswerBox(HWND box, const Order& order) {
+  const auto button = order.Button;
   const bool hasButton = GetDlgItem(box, button) != nullptr;
   const bool isOnlyButton = button == IDOK && FirstButton(box) == IDCANCEL;
   const std::string text = TextIn(GetDlgItem(box, boxTextId));
@@ -156,21 +168,34 @@ void DialogueAnswerer::AnswerBox(HWND box, std::int32_t button) {
     lastBoxText_ = text;
     hasMissedButton_ = hasMissedButton_ || (!hasButton && !isOnlyButton);
   }
-  PostMessageW(box, WM_COMMAND, static_cast<WPARAM>(hasButton ? button : FirstButton(box)), 0);
+  pressing_ = {.Order = order.Number,
+               .Box = box,
+               .Button = hasButton ? button : FirstButton(box),
+               .At = std::chrono::steady_clock::now()};
+  PostMessageW(box, WM_COMMAND, static_cast<WPARAM>(pressing_.Button), 0);
 }
 
-// The name is typed once; a dialogue that is still being filled does not take it yet. One that is still there long
-// after does not accept it.
+// A dialogue that is still being set up writes its own proposal over what was typed, so the name is accepted only when it
+// has stayed. A dialogue that is still there long after that does not accept it.
 void DialogueAnswerer::AnswerFileDialogue(HWND dialogue, const Order& order) {
   constexpr auto patience = std::chrono::seconds{15};
+  constexpr auto settling = std::chrono::milliseconds{20};
   const auto now = std::chrono::steady_clock::now();
-  if (order.What == Task::File && typing_.Order != order.Number) {
-    if (TypeInto(FileNameField(dialogue), order.File)) {
-      typing_ = {.Order = order.Number, .At = now};
-      PostMessageW(dialogue, WM_COMMAND, IDOK, 0);
-    }
-  } else if (order.What == Task::Cancel || now - typing_.At > patience) {
+  if (order.What == Task::Cancel || (typing_.Order == order.Number && now - typing_.BegunAt > patience)) {
     PostMessageW(dialogue, WM_COMMAND, IDCANCEL, 0);
+    return;
+  }
+  if (order.What != Task::File || (typing_.Order == order.Number && typing_.IsAccepted)) {
+    return;
+  }
+  const HWND field = FileNameField(dialogue);
+  if (typing_.Order != order.Number || TextIn(field) != Utf8(order.File)) {
+    const auto begunAt = typing_.Order == order.Number ? typing_.BegunAt : now;
+    typing_ = {.Order = order.Number, .BegunAt = begunAt, .At = now, .IsAccepted = false};
+    Ask(field, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(order.File.c_str()));
+  } else if (now - typing_.At > settling) {
+    typing_.IsAccepted = true;
+    PostMessageW(dialogue, WM_COMMAND, IDOK, 0);
   }
 }
 

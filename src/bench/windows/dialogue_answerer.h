@@ -48,13 +48,23 @@ class DialogueAnswerer {
   // Only the thread itself knows it.
   struct Typing {
     unsigned Order = 0;
+    std::chrono::steady_clock::time_point BegunAt;
+    std::chrono::steady_clock::time_point At;  // of the last time that the name was typed
+    bool IsAccepted = false;
+  };
+
+  struct Pressing {
+    unsigned Order = 0;
+    HWND Box = nullptr;
+    std::int32_t Button = 0;
     std::chrono::steady_clock::time_point At;
   };
 
   void Begin(Task task, std::int32_t button, std::wstring file);
   void Run(const std::stop_token& ending);
   bool Attempt(const Order& order);
-  void AnswerBox(HWND box, std::int32_t button);
+  bool PressAgain();
+  void AnswerBox(HWND box, const Order& order);
   void AnswerFileDialogue(HWND dialogue, const Order& order);
 
   DWORD user_;
@@ -62,6 +72,7 @@ class DialogueAnswerer {
   std::condition_variable_any changed_;
   Order order_;
   Typing typing_;
+  Pressing pressing_;
   bool hasMissedButton_ = false;
   std::optional<std::string> lastBoxText_;
   std::jthread thread_;

@@ -96,14 +96,14 @@ class DialogueHooks::Dialogues final : public Environment {
 
   std::optional<std::int32_t> ShowMessageBox(const MessageBoxRequest& request) override {
     listener_.BoxOpens(request);
-    const auto answer = ShowBox();
+    const auto answer = listener_.ShowsDialogues() ? ShowBox() : listener_.AnswerUnshown(request);
     listener_.BoxClosed(request, answer);
     return answer;
   }
 
   std::optional<std::string> ShowFileDialogue(FileDialogueKind kind, const FileDialogue& dialogue) override {
     listener_.FileDialogueOpens(kind, dialogue);
-    const auto chosen = ShowFile();
+    const auto chosen = listener_.ShowsDialogues() ? ShowFile() : listener_.ChooseUnshown(kind);
     listener_.FileDialogueClosed(chosen);
     return chosen;
   }
@@ -165,7 +165,11 @@ BOOL DialogueHooks::OnFile(FileDialogueKind kind, OPENFILENAMEW* request,
     return show(request) != FALSE ? std::optional{TextOf(request->lpstrFile)} : std::nullopt;
   };
   Environment& shown = self.traced_ ? *self.traced_ : *self.real_;
-  return shown.ShowFileDialogue(kind, DialogueOf(*request)) ? TRUE : FALSE;
+  const auto chosen = shown.ShowFileDialogue(kind, DialogueOf(*request));
+  if (chosen) {
+    lstrcpynW(request->lpstrFile, Wide(*chosen).c_str(), static_cast<int>(request->nMaxFile));
+  }
+  return chosen ? TRUE : FALSE;
 }
 
 BOOL WINAPI DialogueHooks::OnOpenFile(OPENFILENAMEW* request) {

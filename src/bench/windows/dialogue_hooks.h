@@ -1,5 +1,5 @@
 // Standing between a module and the system's boxes and file dialogues: what it shows can be written down, and answered
-// by somebody else than the user. The real boxes and dialogues appear all the same.
+// by somebody else than the user. The real boxes and dialogues appear all the same, unless the listener does without.
 #pragma once
 
 #include <functional>
@@ -23,6 +23,11 @@ class DialogueListener {
   virtual void BoxClosed(const MessageBoxRequest& request, std::optional<std::int32_t> answer) = 0;
   virtual void FileDialogueOpens(FileDialogueKind kind, const FileDialogue& dialogue) = 0;
   virtual void FileDialogueClosed(const std::optional<std::string>& chosen) = 0;
+
+  // False: nothing appears, and what this answers is what the module gets.
+  virtual bool ShowsDialogues() const { return true; }
+  virtual std::optional<std::int32_t> AnswerUnshown(const MessageBoxRequest&) { return std::nullopt; }
+  virtual std::optional<std::string> ChooseUnshown(FileDialogueKind) { return std::nullopt; }
 };
 
 // One at a time in a process. Throws std::runtime_error when the module shows no boxes or dialogues at all.

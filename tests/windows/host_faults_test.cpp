@@ -1,0 +1,406 @@
+// Every operation again and again, each time with another one of its host calls failing: over COM, in the ways in which
+// such calls fail, and on the portable parts. The host must hear the same calls, and files and page must end up the same.
+#include <gtest/gtest.h>
+
+#include <add_in.h>
+
+#include <algorithm>
+#include <map>
+#include <optional>
+#include <sstream>
+
+#include "bench/bench_host.h"
+#include "bench/links/link_factory.h"
+#include "bench/recorded_page.h"
+#include "bench/settings/file_settings_service.h"
+#include "bench/settings/sectioned_text.h"
+#include "bench/tracing.h"
+#include "bench/windows/dialogue_hooks.h"
+#include "bench/windows/offered_host.h"
+#include "bench/windows/page_driver.h"
+#include "faulty_host.h"
+#include "program_folder.h"
+#include "shell/add_in_module.h"
+#include "shell/connect.h"
+#include "shell/windows/late_bound.h"
+#include "shell/windows/late_bound_names.h"
+#include "shell/windows/text.h"
+
+namespace zolvane {
+namespace {
+
+// ---- What is run
+
+struct Operation {
+  std::optional<int> Button;  // nothing: a session without any, which counts from its beginning to its end
+  std::string Link = "sim";
+  bool OffersDialog = false;
+};
+
+struct Failure {
+  std::size_t Call = 0;  // counted from 1; 0: none fails
+  FailureWay Way = FailureWay::Refusal;
+};
+
+struct Outcome {
+  std::vector<HostCall> Calls;     // that count, whether they reach the host or not
+  std::vector<std::string> Trace;  // what reached the host, with its values
+  std::vector<HRESULT> Members;    // what the page's members returned
+  std::string Page;
+  std::string Files;
+};
+
+std::string PathOfBackup() {
+  return ProgramFolder::OfThisRun().FileText("new.bak");
+}
+std::string PathOfSource() {
+  return ProgramFolder::OfThisRun().FileText("old.bak");
+}
+
+// Settings files in memory: thousands of sessions on the disk would take too long. What the add-in does to a file
+// without the service still happens on the disk.
+class MemorySettings final : public IniFileService {
+ public:
+  MemorySettings() {
+    const std::string text = SmallConfiguration();
+    files_.emplace(ProgramFolder::OfThisRun().Configuration().string(), text);
+    files_.emplace(PathOfSource(), text);
+  }
+
+  std::optional<std::string> ReadValue(std::string_view section, std::string_view key, std::string_view file,
+                                       std::string_view fallback) override {
+    return files_[std::string{file}].Find(section, key).value_or(std::string{fallback});
+  }
+
+  Status WriteValue(std::string_view section, std::string_view key, std::string_view file,
+                    std::string_view value) override {
+    auto& text = files_[std::string{file}];
+    const auto edit = text.PlanValue(section, key, value);
+    if (!edit) {
+      return Status::Failure();
+    }
+    text.Apply(*edit);
+    return Status::Success();
+  }
+
+  std::optional<std::vector<std::string>> SplitText(std::string_view delimiter,
+                                                    std::string_view text) override {
+    return splitter_.SplitText(delimiter, text);
+  }
+
+  std::string Bytes(const std::string& file) { return files_[file].Bytes(); }
+
+ private:
+  FileSettingsService splitter_;
+  std::map<std::string, SectionedText> files_;
+};
+
+// The process of a host, but for its settings files.
+class MemoryProcess final : public Environment {
+ public:
+  explicit MemoryProcess(Environment& inner) : inner_{inner} {}
+
+  std::shared_ptr<MemorySettings> Files = std::make_shared<MemorySettings>();
+
+  std::shared_ptr<IniFileService> CreateIniFileService() override { return Files; }
+  std::string ProgramFolder() override { return inner_.ProgramFolder(); }
+  Status AppendBlankLine(const std::string& file) override { return inner_.AppendBlankLine(file); }
+  void RunMessageLoopOnce() override { inner_.RunMessageLoopOnce(); }
+  std::optional<std::int32_t> ShowMessageBox(const MessageBoxRequest& request) override {
+    return inner_.ShowMessageBox(request);
+  }
+  std::optional<std::string> ShowFileDialogue(FileDialogueKind kind, const FileDialogue& dialogue) override {
+    return inner_.ShowFileDialogue(kind, dialogue);
+  }
+
+ private:
+  Environment& inner_;
+};
+
+void PrepareFiles() {
+  Store(ProgramFolder::OfThisRun().Configuration(), "");
+  Store(PathOfSource(), "");
+  std::filesystem::remove(PathOfBackup());
+}
+
+BenchHost::Setup SetupFor(const Operation& operation) {
+  return {.Folder = ProgramFolder::OfThisRun().Text(),
+          .OffersDialog = operation.OffersDialog,
+          .Answers = {.Listed = {}, .AffirmsRest = true}};
+}
+
+std::optional<std::string> FileFor(const Operation& operation) {
+  if (operation.Button == importButton) {
+    return PathOfSource();
+  }
+  return operation.Button == exportButton ? std::optional{PathOfBackup()} : std::nullopt;
+}
+
+std::string TextOf(const PageModel& page, const BenchHost& host) {
+  std::ostringstream text;
+  for (const auto& list : page.Lists) {
+    for (const auto& entry : list.Entries) {
+      text << entry.Text << "=" << entry.Data << "|";
+    }
+    text << list.Selected << (list.Enabled ? " on\n" : " off\n");
+  }
+  for (const auto& check : page.Checks) {
+    text << check.Value << (check.Enabled ? " on\n" : " off\n");
+  }
+  for (const bool enabled : page.ButtonsEnabled) {
+    text << enabled;
+  }
+  text << "\n" << page.PumpText << "\n" << host.StatusText();
+  text << "\nchanged " << (host.Changed() ? std::to_string(*host.Changed()) : "never");
+  return text.str();
+}
+
+// What the module does by itself and no host hears of.
+bool IsHeard(const std::string& line) {
+  return line.find(R"("event":"yield")") == std::string::npos &&
+         line.find(R"("event":"append_blank_line")") == std::string::npos;
+}
+
+// The host of one run, as far as both sides share it.
+class FaultyRun {
+ public:
+  explicit FaultyRun(const Operation& operation) : Asked{operation} { PrepareFiles(); }
+
+  const Operation& Asked;
+  HostFaults Faults;
+  std::stringstream Trace;
+  TraceLog Log{Trace, false};
+  std::ostringstream Unread;
+  Console Out{Unread, Unread, {.IsQuiet = true, .ResultsGoToNotes = false, .NotesWidth = {}}};
+  InterruptFlag Interrupt;
+  BenchHost Host{SetupFor(Asked), CreateLink(Asked.Link, 5, Interrupt), nullptr, Out};
+  MemoryProcess Plain{Host.Process()};
+  std::unique_ptr<Environment> Process = Traced(Plain, Log);
+
+  void BeginSession(const Failure& failure) {
+    if (!Asked.Button) {
+      Faults.Begin(failure.Call, failure.Way);
+    }
+  }
+
+  template <class Press>
+  void Act(const Failure& failure, Press press) {
+    if (Asked.Button) {
+      Faults.Begin(failure.Call, failure.Way);
+      press(*Asked.Button);
+      Faults.End();
+    }
+  }
+
+  void Take(Outcome& outcome) {
+    outcome.Calls = Faults.Calls();
+    for (std::string line; std::getline(Trace, line);) {
+      if (IsHeard(line)) {
+        outcome.Trace.push_back(line);
+      }
+    }
+    for (const auto& file : {ProgramFolder::OfThisRun().Configuration().string(), PathOfBackup()}) {
+      outcome.Files += Plain.Files->Bytes(file) + "\n---- on the disk:\n" + ContentOf(file) + "\n----\n";
+    }
+  }
+};
+
+Outcome PlayOnParts(const Operation& operation, const Failure& failure) {
+  Outcome outcome;
+  FaultyRun run{operation};
+  {
+    const auto process = Failing(*run.Process, run.Faults);
+    RecordedPageFactory pages;
+    AddInModule module{*process, pages};
+    run.BeginSession(failure);
+    Connect connect{module};
+    PassOver(connect.Class_Initialize());
+    connect.IAddIn_Caption();
+    const auto form = connect.IAddIn_Form();
+    form->IAddInForm_FormParent(Failing(Traced(run.Host.Window(), run.Log), run.Faults));
+    form->IAddInForm_ObjectParent(Failing(Traced(run.Host.Object(), run.Log), run.Faults));
+    form->IAddInForm_LoadDefaults();
+    run.Act(failure, [&](int button) {
+      run.Host.Begin(FileFor(operation));
+      form->PressButton(button);
+    });
+    outcome.Page = TextOf(pages.Shown(), run.Host);
+    form->IAddInForm_SaveChanges();
+    form->IAddInForm_ObjectParent(nullptr);
+  }
+  run.Take(outcome);
+  return outcome;
+}
+
+// Boxes and dialogues are answered at once: that they appear is looked at elsewhere.
+class UnshownDialogues final : public DialogueListener {
+ public:
+  explicit UnshownDialogues(const Operation& operation) : file_{FileFor(operation)} {}
+
+  void BoxOpens(const MessageBoxRequest&) override {}
+  void BoxClosed(const MessageBoxRequest&, std::optional<std::int32_t>) override {}
+  void FileDialogueOpens(FileDialogueKind, const FileDialogue&) override {}
+  void FileDialogueClosed(const std::optional<std::string>&) override {}
+
+  bool ShowsDialogues() const override { return false; }
+  std::optional<std::int32_t> AnswerUnshown(const MessageBoxRequest& request) override {
+    return ButtonsOf(request.Style).front();
+  }
+  std::optional<std::string> ChooseUnshown(FileDialogueKind) override { return file_; }
+
+ private:
+  std::optional<std::string> file_;
+};
+
+HWND FrameOf(IAddInForm& form) {
+  ComPtr<IDispatch> frame;
+  form.get_Frame(frame.Put());
+  const auto handle = LateBound{frame}.Read(names::frameWindow);
+  return handle ? reinterpret_cast<HWND>(static_cast<LONG_PTR>(V_I4(&handle->Get()))) : nullptr;
+}
+
+Outcome PlayOnModule(const Operation& operation, const Failure& failure) {
+  Outcome outcome;
+  FaultyRun run{operation};
+  const auto& module = ProgramFolder::OfThisRun().Module();
+  UnshownDialogues dialogues{operation};
+  const DialogueHooks hooks{module.Module(), &run.Log, dialogues};
+  const FailingSettings settings{[&] { return run.Process->CreateIniFileService(); }, run.Faults};
+  const auto note = [&](HRESULT member) { outcome.Members.push_back(member); };
+  {
+    run.BeginSession(failure);
+    const auto addIn = module.Create();
+    UniqueBstr caption;
+    note(addIn->get_Caption(caption.Put()));
+    ComPtr<IAddInForm> form;
+    note(addIn->get_Form(form.Put()));
+    const auto window = OfferHostWindow(Traced(run.Host.Window(), run.Log), PanelsShape::IndexedProperty);
+    note(form->putref_FormParent(Failing(window, run.Faults).Get()));
+    note(form->putref_ObjectParent(
+        Failing(OfferHostObject(Traced(run.Host.Object(), run.Log)), run.Faults).Get()));
+    note(form->LoadDefaults());
+    const PageDriver page{FrameOf(*form.Get())};
+    run.Act(failure, [&](int button) { page.Press(button); });
+    outcome.Page = TextOf(page.Shown(), run.Host);
+    note(form->SaveChanges());
+    note(form->putref_ObjectParent(nullptr));
+  }
+  run.Take(outcome);
+  return outcome;
+}
+
+// ---- Which calls fail
+
+// Most calls of an operation differ in nothing but the number of their record or in their values, and what they come to in
+// the module is the same few lines. So each kind of call fails where it comes first and where it comes last, and beside these every so-many-th
+// call, to meet other states of the operation. Calls by name fail in each of the ways, from the first to the last of their
+// kind; those of the settings-file service take turns.
+std::vector<Failure> FailuresOf(const std::vector<HostCall>& calls) {
+  const std::size_t stride = calls.size() / 16;
+  std::map<std::string, std::vector<std::size_t>> places;
+  for (std::size_t call = 0; call < calls.size(); ++call) {
+    places[calls[call].Kind].push_back(call + 1);
+  }
+  std::vector<Failure> failures;
+  const auto add = [&](std::size_t call) {
+    failures.push_back({.Call = call, .Way = static_cast<FailureWay>(failures.size() % failureWays)});
+  };
+  for (const auto& [kind, at] : places) {
+    if (!calls[at.front() - 1].IsByName) {
+      add(at.front());
+      if (at.size() > 1) {
+        add(at.back());
+      }
+      continue;
+    }
+    for (std::size_t way = 0; way < failureWays; ++way) {
+      failures.push_back(
+          {.Call = at[way * (at.size() - 1) / (failureWays - 1)], .Way = static_cast<FailureWay>(way)});
+    }
+  }
+  for (std::size_t call = stride; call <= calls.size(); call += stride) {
+    add(call);
+  }
+  return failures;
+}
+
+// ---- What is expected
+
+std::vector<std::string> NamesOf(const std::vector<HostCall>& calls) {
+  std::vector<std::string> names;
+  std::transform(calls.begin(), calls.end(), std::back_inserter(names),
+                 [](const auto& call) { return call.Name; });
+  return names;
+}
+
+// Only the first difference: the lists are long.
+void ExpectSameLines(const std::vector<std::string>& module, const std::vector<std::string>& parts) {
+  for (std::size_t line = 0; line < std::min(module.size(), parts.size()); ++line) {
+    ASSERT_EQ(module[line], parts[line]) << "at " << line;
+  }
+  EXPECT_EQ(module.size(), parts.size());
+}
+
+void ExpectSame(const Outcome& module, const Outcome& parts) {
+  ExpectSameLines(NamesOf(module.Calls), NamesOf(parts.Calls));
+  ExpectSameLines(module.Trace, parts.Trace);
+  EXPECT_EQ(module.Page, parts.Page);
+  EXPECT_EQ(module.Files, parts.Files);
+  EXPECT_EQ(module.Members, std::vector<HRESULT>(7, S_OK));
+  EXPECT_EQ(OfferedObjectsAlive(), 0);
+  EXPECT_EQ(OfferedServicesAlive(), 0);
+  EXPECT_EQ(ProgramFolder::OfThisRun().Module().CanUnloadNow(), S_OK);
+}
+
+void ExpectEachFailureToBeTheSame(const Operation& operation) {
+  const auto clean = PlayOnParts(operation, {});
+  ASSERT_GT(clean.Calls.size(), 10U);
+  ExpectSame(PlayOnModule(operation, {}), clean);
+  const auto failures = FailuresOf(clean.Calls);
+  for (const auto& failure : failures) {
+    const auto& call = clean.Calls[failure.Call - 1];
+    SCOPED_TRACE("call " + std::to_string(failure.Call) + ", " + call.Kind + ", fails in way " +
+                 std::to_string(static_cast<int>(failure.Way)));
+    const auto parts = PlayOnParts(operation, failure);
+    ASSERT_GE(parts.Calls.size(), failure.Call);
+    ExpectSame(PlayOnModule(operation, failure), parts);
+    if (testing::Test::HasFailure()) {
+      return;
+    }
+  }
+}
+
+TEST(HostFaults, AreTheSameInASessionWithoutOperations) {
+  ExpectEachFailureToBeTheSame({.Button = std::nullopt});
+}
+
+TEST(HostFaults, AreTheSameInTheQuery) {
+  ExpectEachFailureToBeTheSame({.Button = queryButton});
+}
+
+TEST(HostFaults, AreTheSameInTheQueryOfASilentInstrument) {
+  ExpectEachFailureToBeTheSame({.Button = queryButton, .Link = "none"});
+}
+
+TEST(HostFaults, AreTheSameInTheHostsOwnDialogue) {
+  ExpectEachFailureToBeTheSame({.Button = queryButton, .Link = "none", .OffersDialog = true});
+}
+
+TEST(HostFaults, AreTheSameInTheUpload) {
+  ExpectEachFailureToBeTheSame({.Button = uploadButton});
+}
+
+TEST(HostFaults, AreTheSameInTheDownload) {
+  ExpectEachFailureToBeTheSame({.Button = downloadButton});
+}
+
+TEST(HostFaults, AreTheSameInTheImport) {
+  ExpectEachFailureToBeTheSame({.Button = importButton});
+}
+
+TEST(HostFaults, AreTheSameInTheExport) {
+  ExpectEachFailureToBeTheSame({.Button = exportButton});
+}
+
+}  // namespace
+}  // namespace zolvane
