@@ -70,7 +70,7 @@ std::string HalfText(std::mt19937_64& random) {
          std::string{endings[static_cast<std::size_t>(random() % endings.size())]};
 }
 
-const std::vector<std::string>& Texts() {
+const std::vector<std::string>& GeneratedTexts() {
   static const auto texts = [] {
     std::mt19937_64 random{20'030'711};
     std::vector<std::string> made;
@@ -87,7 +87,7 @@ const std::vector<double>& Numbers() {
   static const auto numbers = [] {
     std::mt19937_64 random{19'991'102};
     std::vector<double> made;
-    for (const auto& text : Texts()) {
+    for (const auto& text : GeneratedTexts()) {
       const auto bits = std::bit_cast<double>(random());
       made.push_back(random() % 4 == 0 && std::isfinite(bits) ? bits : LeadingNumber(text));
     }
@@ -99,7 +99,7 @@ const std::vector<double>& Numbers() {
 template <class Convert>
 std::uint64_t SumOverTexts(Convert convert) {
   Sum sum;
-  for (const auto& text : Texts()) {
+  for (const auto& text : GeneratedTexts()) {
     sum.Add(convert(text));
   }
   return sum.Value();

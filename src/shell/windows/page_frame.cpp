@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "page/page_model.h"
 #include "shell/windows/control_keys.h"
@@ -93,6 +94,15 @@ std::wstring EntryText(HWND list, LRESULT entry) {
   std::wstring text(static_cast<std::size_t>(std::max<LRESULT>(length, 0)), L'\0');
   SendMessageW(list, CB_GETLBTEXT, place, reinterpret_cast<LPARAM>(text.data()));
   return text;
+}
+
+std::vector<std::wstring> EntryTexts(HWND list) {
+  std::vector<std::wstring> texts;
+  const auto entries = SendMessageW(list, CB_GETCOUNT, 0, 0);
+  for (LRESULT entry = 0; entry < entries; ++entry) {
+    texts.push_back(EntryText(list, entry));
+  }
+  return texts;
 }
 
 void Place(HWND control, const ControlRow& row, const DialogueUnits& units, const PageFonts& fonts) {
@@ -340,12 +350,8 @@ LRESULT PageFrame::OnColour(UINT message, WPARAM context, LPARAM control) const 
 
 void PageFrame::FitDropDown(ListControl list) const {
   const HWND control = Control(IdOf(list));
-  const auto entries = SendMessageW(control, CB_GETCOUNT, 0, 0);
-  int width = 0;
-  for (LRESULT entry = 0; entry < entries; ++entry) {
-    width = std::max(width, TextWidth(control, fonts_.Text.Get(), EntryText(control, entry)));
-  }
-  width += GetSystemMetrics(SM_CXVSCROLL) + 4 * GetSystemMetrics(SM_CXEDGE);
+  const int width = WidestText(control, fonts_.Text.Get(), EntryTexts(control)) +
+                    GetSystemMetrics(SM_CXVSCROLL) + 4 * GetSystemMetrics(SM_CXEDGE);
   SendMessageW(control, CB_SETDROPPEDWIDTH, static_cast<WPARAM>(width), 0);
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <string_view>
 #include <utility>
 
 namespace zolvane {
@@ -96,11 +97,15 @@ DialogueUnits::DialogueUnits(HFONT font) {
   height_ = metrics.tmHeight;
 }
 
-int TextWidth(HWND window, HFONT font, std::wstring_view text) {
+int WidestText(HWND window, HFONT font, std::span<const std::wstring> texts) {
   const WindowContext context{window, font};
-  SIZE size{};
-  GetTextExtentPoint32W(context.Get(), text.data(), static_cast<int>(text.size()), &size);
-  return size.cx;
+  LONG widest = 0;
+  for (const auto& text : texts) {
+    SIZE size{};
+    GetTextExtentPoint32W(context.Get(), text.data(), static_cast<int>(text.size()), &size);
+    widest = std::max(widest, size.cx);
+  }
+  return widest;
 }
 
 }  // namespace zolvane

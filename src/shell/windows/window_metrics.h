@@ -2,7 +2,8 @@
 // and the dialogue units of that font.
 #pragma once
 
-#include <string_view>
+#include <span>
+#include <string>
 
 #include "shell/windows/unique_handle.h"
 
@@ -35,7 +36,7 @@ class DialogueUnits {
   int height_ = 0;
 };
 
-// The width of a text in pixels.
-int TextWidth(HWND window, HFONT font, std::wstring_view text);
+// The width in pixels of the widest of the texts; 0 without any.
+int WidestText(HWND window, HFONT font, std::span<const std::wstring> texts);
 
 }  // namespace zolvane
