@@ -96,6 +96,13 @@ DialogueUnits::DialogueUnits(HFONT font) {
   height_ = metrics.tmHeight;
 }
 
+int ScreenWidthAt(HWND window) {
+  MONITORINFO screen{};
+  screen.cbSize = sizeof(screen);
+  GetMonitorInfoW(MonitorFromWindow(window, MONITOR_DEFAULTTONEAREST), &screen);
+  return screen.rcWork.right - screen.rcWork.left;
+}
+
 int TextWidth(HWND window, HFONT font, std::wstring_view text) {
   const WindowContext context{window, font};
   SIZE size{};

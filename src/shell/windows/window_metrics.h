@@ -35,6 +35,9 @@ class DialogueUnits {
   int height_ = 0;
 };
 
+// The width, without task bars, of the screen that the window is on.
+int ScreenWidthAt(HWND window);
+
 // The width of a text in pixels.
 int TextWidth(HWND window, HFONT font, std::wstring_view text);
 
