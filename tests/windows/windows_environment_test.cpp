@@ -173,24 +173,26 @@ Seen Look(HWND dialogue) {
   return seen;
 }
 
+std::optional<Seen> whatTheUserSaw;
+
+void CALLBACK LookAndCancel(HWND, UINT, UINT_PTR, DWORD) {
+  constexpr int nameFieldId = 0x47C;
+  const HWND dialogue = GetActiveWindow();
+  const HWND name = dialogue != nullptr ? GetDlgItem(dialogue, nameFieldId) : nullptr;
+  if (name != nullptr && !TextOf(name).empty()) {
+    whatTheUserSaw = Look(dialogue);
+    PostMessageW(dialogue, WM_COMMAND, IDCANCEL, 0);
+  }
+}
+
 TEST_F(FileDialogues, ShowTitleFiltersAndProposedNameOverTheOwnersWindow) {
-  std::optional<Seen> seen;
-  static std::optional<Seen>* target = nullptr;
-  target = &seen;
+  whatTheUserSaw.reset();
   // A timer of the thread: it is only served by the dialogue's own loop.
-  const UINT_PTR timer = SetTimer(nullptr, 0, 50, [](HWND, UINT, UINT_PTR, DWORD) {
-    const HWND dialogue = GetActiveWindow();
-    std::array<wchar_t, 32> name{};
-    GetClassNameW(dialogue, name.data(), static_cast<int>(name.size()));
-    if (std::wstring_view{name.data()} == L"#32770" && GetDlgItem(dialogue, 0x47C) != nullptr &&
-        !TextOf(GetDlgItem(dialogue, 0x47C)).empty()) {
-      *target = Look(dialogue);
-      PostMessageW(dialogue, WM_COMMAND, IDCANCEL, 0);
-    }
-  });
+  const UINT_PTR timer = SetTimer(nullptr, 0, 50, LookAndCancel);
   SetActiveWindow(owner_);
   EXPECT_EQ(environment_.ShowFileDialogue(FileDialogueKind::Save, dialogue_), std::nullopt);
   KillTimer(nullptr, timer);
+  const auto& seen = whatTheUserSaw;
   ASSERT_TRUE(seen);
   EXPECT_EQ(seen->Title, dialogue_.Title);
   EXPECT_EQ(seen->Owner, owner_);
