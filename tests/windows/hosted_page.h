@@ -35,6 +35,7 @@ class HostedPage {
   HWND Window() const { return window_; }
   HWND Frame() const { return frame_; }
   HWND Control(int id) const { return GetDlgItem(frame_, id); }
+  IAddInForm* Form() const { return session_->Form(); }
 
   // What the configuration file says.
   static std::string Stored(const std::string& section, const std::string& key);

@@ -290,6 +290,12 @@ TEST(PageWindow, GivesEachAccessKeyOnce) {
   EXPECT_EQ(keys.size(), 14U) << "every list, box and button";
 }
 
+TEST(PageWindow, LeavesTheKeysOfTheMenusThatNearlyEveryHostHasToTheHost) {
+  for (const auto& row : PageLayout()) {
+    EXPECT_EQ(std::string_view{"FfHh"}.find(row.AccessKey), std::string_view::npos) << row.Caption;
+  }
+}
+
 // ---- The mouse ----
 
 void Click(HWND control) {

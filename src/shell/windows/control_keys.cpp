@@ -3,6 +3,7 @@
 #include <cwctype>
 
 #include "shell/windows/guarded.h"
+#include "shell/windows/message_queue.h"
 #include "shell/windows/page_layout.h"
 
 namespace zolvane {
@@ -87,19 +88,17 @@ const ControlRow* RowReachedBy(HWND frame, WPARAM letter) {
   return nullptr;
 }
 
-bool AnswersAccessKey(HWND control, WPARAM letter) {
+bool AnswersAccessKey(HWND control, WPARAM letter, bool isRepeated) {
   const HWND frame = GetParent(control);
   const auto* const row = RowReachedBy(frame, letter);
   if (row == nullptr) {
     return false;
   }
   // The key's character may still wait. A host that knows dialogue keys would answer it a second time.
-  MSG character{};
-  while (PeekMessageW(&character, control, WM_SYSCHAR, WM_SYSCHAR, PM_REMOVE) != FALSE) {
-  }
+  DiscardMessages(control, WM_SYSCHAR, WM_SYSCHAR);
   const HWND target = GetDlgItem(frame, IdReachedBy(*row));
   MoveFocus(frame, target);
-  if (row->Kind != ControlKind::Label) {
+  if (row->Kind != ControlKind::Label && !isRepeated) {
     SendMessageW(target, BM_CLICK, 0, 0);
   }
   return true;
@@ -126,11 +125,12 @@ LRESULT DialogueCodeFor(HWND control, WPARAM wParam, LPARAM lParam) {
 
 LRESULT Answer(HWND control, UINT message, WPARAM wParam, LPARAM lParam) {
   constexpr LPARAM wasDownBefore = 1 << 30;
+  const bool isRepeated = (lParam & wasDownBefore) != 0;
   switch (message) {
     case WM_GETDLGCODE:
       return DialogueCodeFor(control, wParam, lParam);
     case WM_KEYDOWN:
-      if (AnswersKey(control, wParam, (lParam & wasDownBefore) != 0)) {
+      if (AnswersKey(control, wParam, isRepeated)) {
         return 0;
       }
       break;
@@ -142,12 +142,12 @@ LRESULT Answer(HWND control, UINT message, WPARAM wParam, LPARAM lParam) {
       break;
     case WM_SYSKEYDOWN:
       // Not left to a host that knows dialogue keys: some reach their own lists only.
-      if (IsLetterKey(wParam) && AnswersAccessKey(control, wParam)) {
+      if (IsLetterKey(wParam) && AnswersAccessKey(control, wParam, isRepeated)) {
         return 0;
       }
       break;
     case WM_SYSCHAR:
-      if (AnswersAccessKey(control, wParam)) {
+      if (AnswersAccessKey(control, wParam, isRepeated)) {
         return 0;
       }
       break;

@@ -10,6 +10,7 @@
 #include "page/page_model.h"
 #include "shell/windows/control_keys.h"
 #include "shell/windows/guarded.h"
+#include "shell/windows/message_queue.h"
 #include "shell/windows/module_instance.h"
 #include "shell/windows/page_layout.h"
 #include "shell/windows/text.h"
@@ -295,9 +296,30 @@ void PageFrame::Report(ListControl list) {
 // The focus would be lost with the operation, which disables the button.
 void PageFrame::OnButton(int button) {
   const HWND focused = GetFocus();
+  StoreShownChoices();
+  if (events_ == nullptr) {
+    return;
+  }
   events_->PressButton(button);
   if (IsWindow(focused) && IsWindowEnabled(focused) && HasLostFocus()) {
     SetFocus(focused);
+  }
+  DiscardInput();
+}
+
+// A list that the key of a button has closed is heard of too late: the operation works with what is stored.
+void PageFrame::StoreShownChoices() {
+  for (int list = 0; list < static_cast<int>(listRows.size()); ++list) {
+    OnDropDownClosed(static_cast<ListControl>(list));
+  }
+}
+
+// What the user did with the page while it was disabled has waited until now, and would meet enabled controls: a
+// second, impatient click would start the operation again.
+void PageFrame::DiscardInput() const {
+  if (frame_ != nullptr) {
+    DiscardMessages(frame_, WM_KEYFIRST, WM_KEYLAST);
+    DiscardMessages(frame_, WM_MOUSEFIRST, WM_MOUSELAST);
   }
 }
 
@@ -350,8 +372,10 @@ LRESULT PageFrame::OnColour(UINT message, WPARAM context, LPARAM control) const 
 
 void PageFrame::FitDropDown(ListControl list) const {
   const HWND control = Control(IdOf(list));
-  const int width = WidestText(control, fonts_.Text.Get(), EntryTexts(control)) +
-                    GetSystemMetrics(SM_CXVSCROLL) + 4 * GetSystemMetrics(SM_CXEDGE);
+  const int needed = WidestText(control, fonts_.Text.Get(), EntryTexts(control)) +
+                     GetSystemMetrics(SM_CXVSCROLL) + 4 * GetSystemMetrics(SM_CXEDGE);
+  const int width = std::min(needed, ScreenWidthAt(control));
+  SendMessageW(control, CB_SETDROPPEDWIDTH, 1, 0);  // the list's own; systems differ in making it narrower
   SendMessageW(control, CB_SETDROPPEDWIDTH, static_cast<WPARAM>(width), 0);
 }
 

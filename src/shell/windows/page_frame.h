@@ -37,7 +37,7 @@ class PageFrame final : public std::enable_shared_from_this<PageFrame> {
   // The background of a list, as the index of a system colour.
   void SetListColour(ListControl list, int systemColour);
 
-  // Makes the drop-down part of a list as wide as its widest entry.
+  // Makes the drop-down part of a list as wide as its widest entry, within the screen.
   void FitDropDown(ListControl list) const;
 
   // Destroys the windows. Safe to call again.
@@ -61,6 +61,8 @@ class PageFrame final : public std::enable_shared_from_this<PageFrame> {
   void OnDropDownClosed(ListControl list);
   void Report(ListControl list);
   void OnButton(int button);
+  void StoreShownChoices();
+  void DiscardInput() const;
   void OnClick(POINT place);
   LRESULT OnColour(UINT message, WPARAM context, LPARAM control) const;
   int ColourOf(int id) const;

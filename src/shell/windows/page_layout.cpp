@@ -82,7 +82,7 @@ constexpr std::array layout{
     List(ListControl::DeviceType, 0),
     Label(ListControl::CageType, 'M', 1),
     List(ListControl::CageType, 1),
-    Label(ListControl::HeadType, 'H', 2),
+    Label(ListControl::HeadType, 'P', 2),
     List(ListControl::HeadType, 2),
     Label(ListControl::NestType, 'N', 3),
     List(ListControl::NestType, 3),
@@ -115,7 +115,7 @@ constexpr std::array layout{
     Button(uploadButton, 'S', ButtonPlace(0), true),
     Button(downloadButton, 'L', ButtonPlace(1), false),
     Button(importButton, 'o', ButtonPlace(2), false),
-    Button(exportButton, 'F', ButtonPlace(3), false),
+    Button(exportButton, 'v', ButtonPlace(3), false),
 };
 
 constexpr bool AccessKeysAreInTheirCaptions() {

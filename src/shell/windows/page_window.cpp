@@ -40,6 +40,7 @@ Status PageWindow::ShowEntries(ListControl list, std::span<const ListEntry> entr
   if (control == nullptr) {
     return IsGone();
   }
+  SendMessageW(control, CB_SHOWDROPDOWN, FALSE, 0);  // it would stay as high as the entries before
   SendMessageW(control, CB_RESETCONTENT, 0, 0);
   for (const auto& entry : entries) {
     if (!Append(control, entry)) {

@@ -97,6 +97,13 @@ DialogueUnits::DialogueUnits(HFONT font) {
   height_ = metrics.tmHeight;
 }
 
+int ScreenWidthAt(HWND window) {
+  MONITORINFO screen{};
+  screen.cbSize = sizeof(screen);
+  GetMonitorInfoW(MonitorFromWindow(window, MONITOR_DEFAULTTONEAREST), &screen);
+  return screen.rcWork.right - screen.rcWork.left;
+}
+
 int WidestText(HWND window, HFONT font, std::span<const std::wstring> texts) {
   const WindowContext context{window, font};
   LONG widest = 0;

@@ -36,6 +36,9 @@ class DialogueUnits {
   int height_ = 0;
 };
 
+// The width, without task bars, of the screen that the window is on.
+int ScreenWidthAt(HWND window);
+
 // The width in pixels of the widest of the texts; 0 without any.
 int WidestText(HWND window, HFONT font, std::span<const std::wstring> texts);
 

@@ -7,6 +7,7 @@
 
 #include "shell/windows/com_ini_file_service.h"
 #include "shell/windows/guarded.h"
+#include "shell/windows/message_queue.h"
 #include "shell/windows/module_instance.h"
 #include "shell/windows/text.h"
 
@@ -77,15 +78,7 @@ Status WindowsEnvironment::AppendBlankLine(const std::string& file) {
 }
 
 void WindowsEnvironment::RunMessageLoopOnce() {
-  MSG message{};
-  while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != FALSE) {
-    if (message.message == WM_QUIT) {
-      PostQuitMessage(static_cast<int>(message.wParam));
-      return;
-    }
-    TranslateMessage(&message);
-    DispatchMessageW(&message);
-  }
+  DispatchWaitingMessages();
 }
 
 std::optional<std::int32_t> WindowsEnvironment::ShowMessageBox(const MessageBoxRequest& request) {
