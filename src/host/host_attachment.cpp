@@ -2,8 +2,11 @@
 
 namespace zolvane {
 
+// A host may detach the page in answer to a call. Each call therefore holds on to the object that it is made to.
+
 std::shared_ptr<InstrumentLink> HostAttachment::Link() const {
-  return ObjectParent ? ObjectParent->Link() : nullptr;
+  const auto object = ObjectParent;
+  return object ? object->Link() : nullptr;
 }
 
 bool HostAttachment::StopIsFalse() const {
@@ -13,15 +16,18 @@ bool HostAttachment::StopIsFalse() const {
 }
 
 std::string HostAttachment::StatusText() const {
-  return Panel ? Panel->Text().value_or(std::string{}) : std::string{};
+  const auto panel = Panel;
+  return panel ? panel->Text().value_or(std::string{}) : std::string{};
 }
 
 Status HostAttachment::SetStatusText(std::string_view text) const {
-  return Panel ? Panel->SetText(std::string{text}) : Status::Failure();
+  const auto panel = Panel;
+  return panel ? panel->SetText(std::string{text}) : Status::Failure();
 }
 
 Status HostAttachment::SetChanged(bool changed) const {
-  return FormParent ? FormParent->SetChanged(changed) : Status::Failure();
+  const auto window = FormParent;
+  return window ? window->SetChanged(changed) : Status::Failure();
 }
 
 }  // namespace zolvane
