@@ -1,5 +1,5 @@
-// Hosts that reenter the add-in from within its calls, that run out of memory, or that use it by name in every way a
-// script may.
+// Hosts that call back in answer to a call, that run out of memory, whose settings-file service is of no use, or that
+// use the add-in by name in every way a script may.
 #include <gtest/gtest.h>
 
 #include <add_in.h>
@@ -11,16 +11,16 @@
 #include <functional>
 #include <limits>
 #include <map>
+#include <memory>
 #include <new>
-#include <set>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
-#include "bench/windows/com_session.h"
 #include "bench/windows/offered_object.h"
 #include "bench/windows/offered_settings.h"
-#include "hosted_page.h"
 #include "program_folder.h"
 #include "shell/windows/class_factory.h"
 #include "shell/windows/late_bound.h"
@@ -159,6 +159,7 @@ struct Session {
   HostObjects Objects;
   ComPtr<IAddIn> AddIn;
   ComPtr<IAddInForm> Form;
+  HWND Frame = nullptr;
 };
 
 using Step = std::function<HRESULT(Session&)>;
@@ -167,9 +168,8 @@ constexpr std::size_t detaching = 9;
 constexpr std::size_t releasing = 10;
 
 HRESULT ClickOn(const Session& session, int id) {
-  const HWND frame = session.Form ? FrameOf(session.Form) : nullptr;
-  SendMessageW(frame, WM_COMMAND, MAKEWPARAM(id, BN_CLICKED),
-               reinterpret_cast<LPARAM>(GetDlgItem(frame, id)));
+  const auto control = reinterpret_cast<LPARAM>(GetDlgItem(session.Frame, id));
+  SendMessageW(session.Frame, WM_COMMAND, MAKEWPARAM(id, BN_CLICKED), control);
   return S_OK;
 }
 
@@ -189,7 +189,7 @@ const std::vector<Step>& Steps() {
       [](Session& session) { return session.Form->LoadDefaults(); },
       [](Session& session) { return ClickOn(session, IdOf(CheckControl::RFID)); },
       [](Session& session) {
-        const HWND list = GetDlgItem(FrameOf(session.Form), IdOf(ListControl::HeadType));
+        const HWND list = GetDlgItem(session.Frame, IdOf(ListControl::HeadType));
         return SendMessageW(list, WM_KEYDOWN, VK_DOWN, 0), S_OK;
       },
       [](Session& session) { return session.Form->SaveChanges(); },
@@ -207,6 +207,7 @@ bool RunsOutIn(std::size_t starvedStep, long long allocations) {
     if (step == detaching && starvedStep == releasing) {
       continue;  // what is released then is attached still
     }
+    session.Frame = session.Form ? FrameOf(session.Form) : nullptr;
     if (step != starvedStep) {
       if (session.AddIn ? session.Form || step == 1 : step == 0) {
         EXPECT_EQ(Steps()[step](session), S_OK) << "step " << step;
@@ -248,6 +249,56 @@ TEST_P(MemoryRunsOut, AndTheHostGoesOnWithNothingLeftBehind) {
 }
 
 INSTANTIATE_TEST_SUITE_P(InEachStepOfASession, MemoryRunsOut, testing::Range<std::size_t>(0, 11));
+
+// ---- A settings-file service that is of no use
+
+class RefusingSettings final : public IniFileService {
+ public:
+  explicit RefusingSettings(int& calls) : calls_{calls} {}
+
+  std::optional<std::string> ReadValue(std::string_view, std::string_view, std::string_view,
+                                       std::string_view) override {
+    return ++calls_, std::nullopt;
+  }
+  Status WriteValue(std::string_view, std::string_view, std::string_view, std::string_view) override {
+    return ++calls_, Status::Failure(E_ACCESSDENIED);
+  }
+  std::optional<std::vector<std::string>> SplitText(std::string_view, std::string_view) override {
+    return ++calls_, std::nullopt;
+  }
+
+ private:
+  int& calls_;
+};
+
+TEST(SettingsService, ThatRefusesEveryCallIsCreatedOnceAndLeavesAnEmptyPage) {
+  const auto& folder = ProgramFolder::OfThisRun();
+  int created = 0;
+  int calls = 0;
+  const OfferedSettings settings{[&] { return ++created, std::make_shared<RefusingSettings>(calls); }};
+  const auto addIn = folder.Module().Create();
+  const auto form = FormOf(addIn);
+  EXPECT_EQ(form->LoadDefaults(), S_OK);
+  EXPECT_EQ(form->LoadDefaults(), S_OK);
+  const HWND devices = GetDlgItem(FrameOf(form), IdOf(ListControl::DeviceType));
+  EXPECT_EQ(SendMessageW(devices, CB_GETCOUNT, 0, 0), 0);
+  EXPECT_EQ(created, 1);
+  EXPECT_GT(calls, 100);
+}
+
+TEST(SettingsService, ThatCannotBeCreatedIsAskedForAgain) {
+  const auto& folder = ProgramFolder::OfThisRun();
+  bool mayCreate = false;
+  const OfferedSettings settings{[&] { return mayCreate ? std::make_shared<OneRecordEach>() : nullptr; }};
+  const auto addIn = folder.Module().Create();
+  const auto form = FormOf(addIn);
+  const HWND devices = GetDlgItem(FrameOf(form), IdOf(ListControl::DeviceType));
+  EXPECT_EQ(form->LoadDefaults(), S_OK);
+  EXPECT_EQ(SendMessageW(devices, CB_GETCOUNT, 0, 0), 0);
+  mayCreate = true;
+  EXPECT_EQ(form->LoadDefaults(), S_OK);
+  EXPECT_EQ(SendMessageW(devices, CB_GETCOUNT, 0, 0), 1);
+}
 
 // ---- A host that reenters
 
