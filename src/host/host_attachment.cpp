@@ -2,7 +2,7 @@
 
 namespace zolvane {
 
-// A host may take an object back from within a call of it: each is held until its call has ended.
+// A host may detach the page in answer to a call. Each call therefore holds on to the object that it is made to.
 
 std::shared_ptr<InstrumentLink> HostAttachment::Link() const {
   const auto object = ObjectParent;

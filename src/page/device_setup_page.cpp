@@ -65,7 +65,7 @@ void DeviceSetupPage::LoadDefaults() {
   isLoading_ = false;
 }
 
-void DeviceSetupPage::FillList(ListControl list, std::string_view installedName) {
+void DeviceSetupPage::FillList(ListControl list, const std::string& installedName) {
   auto content = ReadListContent(configuration_.Settings, RowOf(list).Section);
   if (view_.ShowEntries(list, content.Entries).Ok()) {
     model_.Of(list).Entries = std::move(content.Entries);
@@ -131,22 +131,19 @@ void DeviceSetupPage::PressButton(int index) {
 }
 
 Status DeviceSetupPage::OnListSelected(ListControl list) {
-  ResetChanged();
-  // The host, told of the change, may have had the page loaded again.
   const auto& model = model_.Of(list);
-  if (model.Selected == noSelection) {
-    return Status::Failure();
-  }
   const auto number = model.Entries[static_cast<std::size_t>(model.Selected)].Data;
+  ResetChanged();  // the host may have the page loaded again meanwhile, and the list be another one
   const auto& settings = configuration_.Settings;
   return settings.WriteValue(RowOf(list).Section, "Installed", settings.ConfigFilePath(), WholeText(number));
 }
 
 Status DeviceSetupPage::OnCheckClicked(CheckControl box) {
+  const bool isTicked = model_.Of(box).Value != untickedValue;
   ResetChanged();
   const auto& settings = configuration_.Settings;
   return settings.WriteValue(deviceTypeSection, RowOf(box).Key, settings.ConfigFilePath(),
-                             FlagText(model_.Of(box).Value != untickedValue));
+                             FlagText(isTicked));
 }
 
 void DeviceSetupPage::ResetChanged() const {

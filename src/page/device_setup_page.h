@@ -64,7 +64,7 @@ class DeviceSetupPage final : public PagePort {
   const PageModel& Model() const { return model_; }
 
  private:
-  void FillList(ListControl list, std::string_view installedName);
+  void FillList(ListControl list, const std::string& installedName);
   void AddNotInstalled(ListControl list);
   void LoadCheck(CheckControl box);
   void LoadPumpModule();

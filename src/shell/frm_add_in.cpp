@@ -16,6 +16,7 @@ std::shared_ptr<frmAddIn> frmAddIn::Create(Environment& process, Configuration& 
 }
 
 void frmAddIn::IAddInForm_SaveChanges() {
+  const auto self = shared_from_this();
   PassOver(host_.SetChanged(false));
 }
 
@@ -36,13 +37,17 @@ void frmAddIn::IAddInForm_ObjectParent(std::shared_ptr<HostObject> objectParent)
   unload();
 }
 
-void frmAddIn::IAddInForm_FormParent(std::shared_ptr<HostWindow> formParent) {
+void frmAddIn::IAddInForm_FormParent(const std::shared_ptr<HostWindow>& formParent) {
   const auto self = shared_from_this();
   host_.FormParent = formParent;
-  if (formParent) {
-    if (auto panel = formParent->FindStatusPanel()) {
-      host_.Panel = std::move(panel);
-    }
+  if (!formParent) {
+    return;
+  }
+  auto panel = formParent->FindStatusPanel();
+  // Answering, the host may have set another window or detached the page.
+  const bool isStillTheWindow = host_.FormParent == formParent;
+  if (panel && isStillTheWindow) {
+    host_.Panel = std::move(panel);
   }
 }
 

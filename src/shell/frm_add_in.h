@@ -37,7 +37,7 @@ class frmAddIn final : public PageEvents, public std::enable_shared_from_this<fr
   void IAddInForm_ObjectParent(std::shared_ptr<HostObject> objectParent);
 
   // The host's window. Empty leaves the status panel as it was.
-  void IAddInForm_FormParent(std::shared_ptr<HostWindow> formParent);
+  void IAddInForm_FormParent(const std::shared_ptr<HostWindow>& formParent);
 
   // The frame container `picFrame`, as a window handle; the host re-parents it into its own window.
   std::int32_t IAddInForm_Frame() const;

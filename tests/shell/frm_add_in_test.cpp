@@ -341,6 +341,66 @@ TEST(EventsOfTheView, StartTheOperations) {
   EXPECT_EQ(fixture.Calls.Of({"send"}).front(), "send STATUS_STAGE");
 }
 
+// ---- A host that calls back in answer to a call ----
+
+// Does something the first time that a call with this event is made.
+void InAnswerTo(FormSession& session, std::string event, std::function<void()> act) {
+  session.Calls.FailsIf = [event = std::move(event), act = std::move(act),
+                           isDone = false](std::string_view made) mutable {
+    if (made == event && !std::exchange(isDone, true)) {
+      act();
+    }
+    return false;
+  };
+}
+
+TEST(CallingBack, ToDetachThePageKeepsTheObjectOfTheCallUntilItReturns) {
+  FormSession session{formConfiguration};
+  session.LoadDefaults();
+  const std::weak_ptr<FakePanel> panel{session.Window->Panel};
+  session.Window->Panel = nullptr;
+  bool wasKept = false;
+  InAnswerTo(session, "status=Getting Zolvane Type", [&] {
+    session.Form->IAddInForm_ObjectParent(nullptr);
+    wasKept = !panel.expired();
+  });
+  session.Views.Events->PressButton(queryButton);
+  EXPECT_TRUE(wasKept);
+  EXPECT_TRUE(panel.expired());
+}
+
+TEST(CallingBack, ToDetachThePageLeavesNoPanelInIt) {
+  FormSession session{formConfiguration};
+  const std::weak_ptr<FakePanel> panel{session.Window->Panel};
+  InAnswerTo(session, "find panel", [&] { session.Form->IAddInForm_ObjectParent(nullptr); });
+  session.Form->IAddInForm_FormParent(session.Window);
+  session.Window->Panel = nullptr;
+  EXPECT_TRUE(panel.expired());
+}
+
+TEST(CallingBack, ToLoadAListWithoutThatEntryStoresTheChoiceAllTheSame) {
+  FormSession session{formConfiguration};
+  session.LoadDefaults();
+  InAnswerTo(session, "changed=false", [&] {
+    session.Settings().Load("[DeviceType]\nInstalled=1\n");
+    session.Form->IAddInForm_LoadDefaults();
+  });
+  EXPECT_TRUE(session.Views.Events->UserSelects(ListControl::DeviceType, 0).Ok());
+  EXPECT_TRUE(session.Model().Of(ListControl::DeviceType).Entries.empty());
+  EXPECT_EQ(session.Value("DeviceType", "Installed"), "1");
+}
+
+TEST(CallingBack, ToLoadABoxStoresTheClickAllTheSame) {
+  FormSession session{formConfiguration};
+  session.LoadDefaults();
+  InAnswerTo(session, "changed=false", [&] {
+    session.Settings().Load("[DeviceType]\nSensorEnableRFID=0\n");
+    session.Form->IAddInForm_LoadDefaults();
+  });
+  EXPECT_TRUE(session.Views.Events->UserSetsCheck(CheckControl::RFID, 1).Ok());
+  EXPECT_EQ(session.Value("DeviceType", "SensorEnableRFID"), "1");
+}
+
 // ---- Detaching in the middle of something ----
 
 // Detaches the page and lets go of it, as a host does whose window is closed meanwhile.

@@ -10,9 +10,6 @@
 namespace zolvane {
 namespace {
 
-// The members by name, with the numbers that the host's type library gives them.
-enum MemberId : DISPID { formId = 1, captionId };
-
 HRESULT GiveForm(ComConnect& connect, const Variant&, VARIANT* result) {
   IAddInForm* form = nullptr;
   const HRESULT given = connect.get_Form(&form);
@@ -54,8 +51,8 @@ bool ComConnect::Implements(REFIID iid) {
 
 const std::array<NamedMember<ComConnect>, 2>& ComConnect::Members() {
   static constexpr std::array<NamedMember<ComConnect>, 2> members{{
-      {L"Form", formId, DISPATCH_PROPERTYGET, GiveForm},
-      {L"Caption", captionId, DISPATCH_PROPERTYGET, GiveCaption},
+      {L"Form", addInForm, DISPATCH_PROPERTYGET, GiveForm},
+      {L"Caption", addInCaption, DISPATCH_PROPERTYGET, GiveCaption},
   }};
   return members;
 }

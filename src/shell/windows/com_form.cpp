@@ -9,19 +9,6 @@
 namespace zolvane {
 namespace {
 
-// The members by name, with the numbers that the host's type library gives them.
-enum MemberId : DISPID {
-  saveChanges = 1,
-  loadDefaults,
-  objectParent,
-  formParent,
-  frame,
-  hwnd,
-  helpContextID,
-  showStatusBar,
-  showButtons
-};
-
 constexpr VARIANT_BOOL ToVariantBool(bool value) {
   return value ? VARIANT_TRUE : VARIANT_FALSE;
 }
@@ -29,21 +16,20 @@ constexpr VARIANT_BOOL ToVariantBool(bool value) {
 // Hosts set an object with or without the word that says so.
 constexpr WORD setObject = DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF;
 
-bool IsObjectOrNothing(const Variant& value) {
-  switch (V_VT(&value.Get())) {
+bool IsNothing(const VARIANT& value) {
+  switch (V_VT(&value)) {
     case VT_DISPATCH:
     case VT_UNKNOWN:
-    case VT_EMPTY:
-    case VT_NULL:
-      return true;
+      return V_UNKNOWN(&value) == nullptr;
     default:
-      return false;
+      return V_VT(&value) == VT_EMPTY || V_VT(&value) == VT_NULL;
   }
 }
 
 template <HRESULT (STDMETHODCALLTYPE ComForm::*Set)(IDispatch*)>
 HRESULT PutObject(ComForm& form, const Variant& value, VARIANT*) {
-  return IsObjectOrNothing(value) ? (form.*Set)(value.ToObject().Get()) : DISP_E_TYPEMISMATCH;
+  const auto object = value.ToObject();
+  return object || IsNothing(value.Get()) ? (form.*Set)(object.Get()) : DISP_E_TYPEMISMATCH;
 }
 
 template <HRESULT (STDMETHODCALLTYPE ComForm::*Run)()>
@@ -138,15 +124,15 @@ const std::array<NamedMember<ComForm>, 9>& ComForm::Members() {
   static constexpr WORD method = DISPATCH_METHOD;
   static constexpr WORD get = DISPATCH_PROPERTYGET;
   static constexpr std::array<NamedMember<ComForm>, 9> members{{
-      {L"SaveChanges", saveChanges, method, CallMethod<&ComForm::SaveChanges>},
-      {L"LoadDefaults", loadDefaults, method, CallMethod<&ComForm::LoadDefaults>},
-      {L"ObjectParent", objectParent, setObject, PutObject<&ComForm::putref_ObjectParent>},
-      {L"FormParent", formParent, setObject, PutObject<&ComForm::putref_FormParent>},
-      {L"Frame", frame, get, GiveFrame},
-      {L"hwnd", hwnd, get, GiveNumber<&ComForm::get_hwnd>},
-      {L"HelpContextID", helpContextID, get, GiveNumber<&ComForm::get_HelpContextID>},
-      {L"ShowStatusBar", showStatusBar, get, GiveBool<&ComForm::get_ShowStatusBar>},
-      {L"ShowButtons", showButtons, get, GiveBool<&ComForm::get_ShowButtons>},
+      {L"SaveChanges", formSaveChanges, method, CallMethod<&ComForm::SaveChanges>},
+      {L"LoadDefaults", formLoadDefaults, method, CallMethod<&ComForm::LoadDefaults>},
+      {L"ObjectParent", formObjectParent, setObject, PutObject<&ComForm::putref_ObjectParent>},
+      {L"FormParent", formFormParent, setObject, PutObject<&ComForm::putref_FormParent>},
+      {L"Frame", formFrame, get, GiveFrame},
+      {L"hwnd", formHwnd, get, GiveNumber<&ComForm::get_hwnd>},
+      {L"HelpContextID", formHelpContextID, get, GiveNumber<&ComForm::get_HelpContextID>},
+      {L"ShowStatusBar", formShowStatusBar, get, GiveBool<&ComForm::get_ShowStatusBar>},
+      {L"ShowButtons", formShowButtons, get, GiveBool<&ComForm::get_ShowButtons>},
   }};
   return members;
 }

@@ -102,7 +102,8 @@ class ComObject : public Interface {
   ULONG STDMETHODCALLTYPE Release() override {
     const ULONG left = --references_;
     if (left == 0) {
-      GuardedOr(0, [this] { return delete static_cast<Self*>(this), 0; });
+      references_ = endsNow;
+      delete static_cast<Self*>(this);
     }
     return left;
   }
@@ -141,6 +142,9 @@ class ComObject : public Interface {
   }
 
  private:
+  // Far from zero, so that a host that uses the object once more while it ends does not end it twice.
+  static constexpr ULONG endsNow = 0x40000000;
+
   std::atomic<ULONG> references_{0};
 };
 

@@ -4,6 +4,8 @@
 #include <optional>
 #include <utility>
 
+#include "shell/windows/guarded.h"
+
 namespace zolvane {
 namespace {
 
@@ -83,7 +85,8 @@ void DeleteKeys(const std::vector<std::wstring>& keys) {
 }  // namespace
 
 RegistryChanges::~RegistryChanges() {
-  std::for_each(undo_.rbegin(), undo_.rend(), [](const auto& undo) { undo(); });
+  std::for_each(undo_.rbegin(), undo_.rend(),
+                [](const auto& undo) { GuardedOr(0, [&] { return undo(), 0; }); });
 }
 
 HRESULT RegistryChanges::SetText(const std::wstring& key, const std::wstring& name,
