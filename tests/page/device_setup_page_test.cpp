@@ -646,20 +646,6 @@ TEST(EnableControls, EndsAtItsFirstFailure) {
 }
 
 // A host that is told of the change may have the page loaded again, from a file that has become another.
-TEST(ListSelection, StoresNothingWhenTheListIsEmptiedMeanwhile) {
-  PageFixture page;
-  page.Load();
-  page.Calls.FailsIf = [&page](std::string_view call) {
-    if (call == "changed=false") {
-      page.Settings().Load("");
-      page.Page.LoadDefaults();
-    }
-    return false;
-  };
-  EXPECT_FALSE(page.Page.UserSelects(ListControl::DeviceType, 0).Ok());
-  EXPECT_EQ(page.Value("DeviceType", "Installed"), "(missing)");
-}
-
 TEST(SetControlEnabled, SetsTheColourAndThenTheState) {
   PageFixture fixture;
   EXPECT_TRUE(fixture.Page.SetControlEnabled(ListControl::HeadType, hostTrue).Ok());
