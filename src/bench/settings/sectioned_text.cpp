@@ -95,8 +95,8 @@ std::optional<std::string> SectionedText::Find(std::string_view section, std::st
 
 std::optional<SectionedText::Edit> SectionedText::PlanValue(std::string_view section, std::string_view key,
                                                             std::string_view value) const {
-  const bool fits =
-      IsWritableSection(Trimmed(section)) && IsWritableKey(Trimmed(key)) && value.find('\n') == std::string_view::npos;
+  const bool fits = IsWritableSection(Trimmed(section)) && IsWritableKey(Trimmed(key)) &&
+                    value.find('\n') == std::string_view::npos;
   if (!fits || IsUtf16(bytes_)) {
     return std::nullopt;
   }
