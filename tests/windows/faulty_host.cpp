@@ -1,6 +1,7 @@
 #include "faulty_host.h"
 
 #include <hestrion_cmds.h>
+#include "forwarding_environment.h"
 
 #include <algorithm>
 #include <array>
@@ -78,28 +79,18 @@ class FailingService final : public IniFileService {
   HostFaults& faults_;
 };
 
-class FailingEnvironment final : public Environment {
+class FailingEnvironment final : public ForwardingEnvironment {
  public:
-  FailingEnvironment(Environment& inner, HostFaults& faults) : inner_{inner}, faults_{faults} {}
+  FailingEnvironment(Environment& inner, HostFaults& faults)
+      : ForwardingEnvironment{inner}, faults_{faults} {}
 
   std::shared_ptr<IniFileService> CreateIniFileService() override {
     return faults_.Strikes(Creation())
                ? nullptr
-               : std::make_shared<FailingService>(inner_.CreateIniFileService(), faults_);
-  }
-
-  std::string ProgramFolder() override { return inner_.ProgramFolder(); }
-  Status AppendBlankLine(const std::string& file) override { return inner_.AppendBlankLine(file); }
-  void RunMessageLoopOnce() override { inner_.RunMessageLoopOnce(); }
-  std::optional<std::int32_t> ShowMessageBox(const MessageBoxRequest& request) override {
-    return inner_.ShowMessageBox(request);
-  }
-  std::optional<std::string> ShowFileDialogue(FileDialogueKind kind, const FileDialogue& dialogue) override {
-    return inner_.ShowFileDialogue(kind, dialogue);
+               : std::make_shared<FailingService>(Inner().CreateIniFileService(), faults_);
   }
 
  private:
-  Environment& inner_;
   HostFaults& faults_;
 };
 

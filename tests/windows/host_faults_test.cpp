@@ -19,6 +19,7 @@
 #include "bench/windows/offered_host.h"
 #include "bench/windows/page_driver.h"
 #include "faulty_host.h"
+#include "forwarding_environment.h"
 #include "program_folder.h"
 #include "shell/add_in_module.h"
 #include "shell/connect.h"
@@ -96,25 +97,13 @@ class MemorySettings final : public IniFileService {
 };
 
 // The process of a host, but for its settings files.
-class MemoryProcess final : public Environment {
+class MemoryProcess final : public ForwardingEnvironment {
  public:
-  explicit MemoryProcess(Environment& inner) : inner_{inner} {}
+  using ForwardingEnvironment::ForwardingEnvironment;
 
   std::shared_ptr<MemorySettings> Files = std::make_shared<MemorySettings>();
 
   std::shared_ptr<IniFileService> CreateIniFileService() override { return Files; }
-  std::string ProgramFolder() override { return inner_.ProgramFolder(); }
-  Status AppendBlankLine(const std::string& file) override { return inner_.AppendBlankLine(file); }
-  void RunMessageLoopOnce() override { inner_.RunMessageLoopOnce(); }
-  std::optional<std::int32_t> ShowMessageBox(const MessageBoxRequest& request) override {
-    return inner_.ShowMessageBox(request);
-  }
-  std::optional<std::string> ShowFileDialogue(FileDialogueKind kind, const FileDialogue& dialogue) override {
-    return inner_.ShowFileDialogue(kind, dialogue);
-  }
-
- private:
-  Environment& inner_;
 };
 
 void PrepareFiles() {
@@ -233,14 +222,9 @@ Outcome PlayOnParts(const Operation& operation, const Failure& failure) {
 }
 
 // Boxes and dialogues are answered at once: that they appear is looked at elsewhere.
-class UnshownDialogues final : public DialogueListener {
+class UnshownDialogues final : public DialogueSpectator {
  public:
   explicit UnshownDialogues(const Operation& operation) : file_{FileFor(operation)} {}
-
-  void BoxOpens(const MessageBoxRequest&) override {}
-  void BoxClosed(const MessageBoxRequest&, std::optional<std::int32_t>) override {}
-  void FileDialogueOpens(FileDialogueKind, const FileDialogue&) override {}
-  void FileDialogueClosed(const std::optional<std::string>&) override {}
 
   bool ShowsDialogues() const override { return false; }
   std::optional<std::int32_t> AnswerUnshown(const MessageBoxRequest& request) override {

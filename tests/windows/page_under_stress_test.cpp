@@ -10,6 +10,7 @@
 #include "hosted_page.h"
 #include "shell/windows/page_window.h"
 #include "shell/windows/text.h"
+#include "silent_events.h"
 
 namespace zolvane {
 namespace {
@@ -150,14 +151,6 @@ TEST(PageUnderStress, LoadingThePageClosesAListThatIsOpen) {
 }
 
 // ---- Entries of any text, length and number ----
-
-class SilentEvents final : public PageEvents {
- public:
-  Status UserSelects(ListControl, int) override { return Status::Success(); }
-  Status UserSetsCheck(CheckControl, int) override { return Status::Success(); }
-  void PressButton(int) override {}
-  void ClickFrame() override {}
-};
 
 class Entries : public testing::Test {
  protected:

@@ -10,6 +10,7 @@
 #include "hosted_page.h"
 #include "shell/windows/page_frame.h"
 #include "shell/windows/text.h"
+#include "silent_events.h"
 
 namespace zolvane {
 namespace {
@@ -426,14 +427,6 @@ TEST(PageWindow, AnswersTheColourQuestionsOfItsControls) {
 }
 
 // ---- At every scale ----
-
-class SilentEvents final : public PageEvents {
- public:
-  Status UserSelects(ListControl, int) override { return Status::Success(); }
-  Status UserSetsCheck(CheckControl, int) override { return Status::Success(); }
-  void PressButton(int) override {}
-  void ClickFrame() override {}
-};
 
 class Scale : public testing::TestWithParam<UINT> {
  protected:

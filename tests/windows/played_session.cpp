@@ -86,17 +86,12 @@ BenchHost::Setup HostSetup(const SessionPlan& plan) {
 }
 
 // Answers boxes and dialogues as a player does, but at once.
-class UnshownDialogues final : public DialogueListener {
+class UnshownDialogues final : public DialogueSpectator {
  public:
   explicit UnshownDialogues(const AnswerDesk::Setup& answers)
       : desk_{answers, nullptr, [](const std::string&) {}} {}
 
   std::optional<std::string> File;  // what the next file dialogue is answered
-
-  void BoxOpens(const MessageBoxRequest&) override {}
-  void BoxClosed(const MessageBoxRequest&, std::optional<std::int32_t>) override {}
-  void FileDialogueOpens(FileDialogueKind, const FileDialogue&) override {}
-  void FileDialogueClosed(const std::optional<std::string>&) override {}
 
   bool ShowsDialogues() const override { return false; }
   std::optional<std::int32_t> AnswerUnshown(const MessageBoxRequest& request) override {

@@ -136,15 +136,6 @@ class HestrionBench {
   int Run();
 
  private:
-  // A user who answers boxes and dialogues on the screen.
-  class Spectator final : public DialogueListener {
-   public:
-    void BoxOpens(const MessageBoxRequest&) override {}
-    void BoxClosed(const MessageBoxRequest&, std::optional<std::int32_t>) override {}
-    void FileDialogueOpens(FileDialogueKind, const FileDialogue&) override {}
-    void FileDialogueClosed(const std::optional<std::string>&) override {}
-  };
-
   ComPtr<IAddIn> CreateAddIn();
   void OpenTrace();
   void OpenPage();
@@ -164,7 +155,7 @@ class HestrionBench {
   std::optional<TraceLog> trace_;
   Apartment apartment_;
   MainWindow window_;
-  Spectator spectator_;
+  DialogueSpectator spectator_;  // the user answers boxes and dialogues on the screen
   std::optional<Player> player_;
   InterruptFlag interrupt_;
   std::ostringstream unread_;

@@ -1,0 +1,16 @@
+// A page that nothing happens on.
+#pragma once
+
+#include "page/page_view.h"
+
+namespace zolvane {
+
+class SilentEvents final : public PageEvents {
+ public:
+  Status UserSelects(ListControl, int) override { return Status::Success(); }
+  Status UserSetsCheck(CheckControl, int) override { return Status::Success(); }
+  void PressButton(int) override {}
+  void ClickFrame() override {}
+};
+
+}  // namespace zolvane
