@@ -4,6 +4,7 @@
 
 #include "bench/joined.h"
 #include "bench/paths.h"
+#include "bench/question_dialog.h"
 #include "bench/settings/file_settings_service.h"
 #include "host/dialogues.h"
 
@@ -70,24 +71,9 @@ std::int32_t AskUser(HostState& state, const Question& question) {
   return answer.Button;
 }
 
-class BenchDialog final : public HostDialog {
+class BenchDialog final : public QuestionDialog {
  public:
   explicit BenchDialog(HostState& state) : state_{state} {}
-
-  Status SetStyle(std::int16_t style) override {
-    question_.Style = style;
-    return Status::Success();
-  }
-
-  Status SetTitle(const std::string& title) override {
-    question_.Title = title;
-    return Status::Success();
-  }
-
-  Status SetMessage(const std::string& message) override {
-    question_.Text = message;
-    return Status::Success();
-  }
 
   Status Show(bool show) override {
     isOpen_ = show;
@@ -101,14 +87,13 @@ class BenchDialog final : public HostDialog {
       return stillOpen;
     }
     if (std::exchange(isOpen_, false)) {
-      result_ = static_cast<std::int16_t>(AskUser(state_, question_));
+      result_ = static_cast<std::int16_t>(AskUser(state_, Asked()));
     }
     return result_;
   }
 
  private:
   HostState& state_;
-  Question question_;
   bool isOpen_ = false;
   bool wasLookedAt_ = false;
   std::int16_t result_ = 0;

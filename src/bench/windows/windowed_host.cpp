@@ -3,36 +3,21 @@
 #include <string>
 #include <utility>
 
-#include "bench/joined.h"
+#include "bench/question_dialog.h"
 #include "bench/windows/message_window.h"
 
 namespace zolvane {
 namespace {
 
-class WindowedDialog final : public HostDialog {
+class WindowedDialog final : public QuestionDialog {
  public:
   WindowedDialog(HWND owner, std::function<void(const Question&)> opened)
       : owner_{owner}, opened_{std::move(opened)} {}
 
-  Status SetStyle(std::int16_t style) override {
-    question_.Style = style;
-    return Status::Success();
-  }
-
-  Status SetTitle(const std::string& title) override {
-    question_.Title = title;
-    return Status::Success();
-  }
-
-  Status SetMessage(const std::string& message) override {
-    question_.Text = message;
-    return Status::Success();
-  }
-
   Status Show(bool show) override {
-    window_ = show ? std::make_unique<MessageWindow>(owner_, question_) : nullptr;
+    window_ = show ? std::make_unique<MessageWindow>(owner_, Asked()) : nullptr;
     if (show) {
-      opened_(question_);
+      opened_(Asked());
     }
     return Status::Success();
   }
@@ -44,7 +29,6 @@ class WindowedDialog final : public HostDialog {
  private:
   HWND owner_;
   std::function<void(const Question&)> opened_;
-  Question question_;
   std::unique_ptr<MessageWindow> window_;
 };
 
