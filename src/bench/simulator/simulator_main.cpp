@@ -67,8 +67,11 @@ std::size_t NumberBehind(std::string_view option, const std::string& text, std::
   return *number;
 }
 
-// A reply of two lines would answer two commands.
-void DemandOneLine(const SimulatedInstrument::Setup& instrument) {
+// A reply of two lines would answer two commands, and a comma in the tag would make a sixth field.
+void DemandPlainReplies(const SimulatedInstrument::Setup& instrument) {
+  if (instrument.Tag.find(',') != std::string::npos) {
+    throw UsageError{Joined("--rfid: a tag has no comma: ", Quoted(instrument.Tag))};
+  }
   for (const auto* reply : {&instrument.Stage, &instrument.Mechanics, &instrument.Tag, &instrument.Pumps}) {
     if (reply->find_first_of("\r\n") != std::string::npos) {
       throw UsageError{Joined("a reply is one line: ", Quoted(*reply))};
@@ -84,7 +87,7 @@ SimulatedInstrument InstrumentFrom(const SimulatorOptions& options) {
     }
     setup.StateFile = *options.State;
   }
-  DemandOneLine(setup);
+  DemandPlainReplies(setup);
   if (options.FailAfter) {
     setup.FailAfter =
         NumberBehind("--fail-after", *options.FailAfter, std::numeric_limits<std::uint32_t>::max());

@@ -181,6 +181,7 @@ TEST(SimulatorProgram, WhatIsWrongWithTheOptionsIsSaidInOneLine) {
       {"--state", folder.Path("new.json"), "--listen", "192.0.2.1:0"},
       {"--state="},
       {"--stage", "A\r\nB"},
+      {"--rfid", "A,B"},
       {"--bogus"},
       {"--listen"},
       {"extra\nword"},
