@@ -249,6 +249,20 @@ TEST(Unloading, EndsTheConnectionToWhoeverKeptThePage) {
   EXPECT_EQ(fixture.Unloads, 0);
 }
 
+TEST(Unloading, LetsTheHostDetachThePageOnceMoreAndLetsGoOfAllItWasGivenMeanwhile) {
+  FormFixture fixture;
+  fixture.Form->Unload();
+  fixture.Attach();
+  const std::weak_ptr<HostWindow> window = fixture.Window;
+  const std::weak_ptr<StatusPanel> panel = fixture.Window->Panel;
+  fixture.Form->IAddInForm_ObjectParent(nullptr);
+  EXPECT_EQ(fixture.Calls.Of({"hold="}), Texts{"hold=false"});
+  fixture.Window = nullptr;
+  EXPECT_TRUE(window.expired());
+  EXPECT_TRUE(panel.expired());
+  EXPECT_EQ(fixture.Unloads, 0);
+}
+
 TEST(Unloading, LeavesAPageWhoseMembersStillReturn) {
   FormFixture fixture;
   fixture.Attach();

@@ -502,7 +502,12 @@ bool HostFaults::Strikes(HostCall call) {
     return false;
   }
   calls_.push_back(std::move(call));
-  return calls_.size() == failing_;
+  const bool isTheOne = calls_.size() == failing_;
+  if (isTheOne && act_) {
+    act_();
+    return false;
+  }
+  return isTheOne;
 }
 
 std::unique_ptr<Environment> Failing(Environment& environment, HostFaults& faults) {

@@ -6,6 +6,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "bench/windows/offered_settings.h"
@@ -39,6 +40,10 @@ struct HostCall {
 class HostFaults {
  public:
   void Begin(std::size_t failing, FailureWay way);
+
+  // From now on the host does this in the call that would fail, which then is as any other.
+  void ActInsteadOfFailing(std::function<void()> act) { act_ = std::move(act); }
+
   void End() { isCounting_ = false; }
 
   // True when this call has to fail.
@@ -52,6 +57,7 @@ class HostFaults {
   bool isCounting_ = false;
   std::size_t failing_ = 0;
   FailureWay way_ = FailureWay::Refusal;
+  std::function<void()> act_;
   std::vector<HostCall> calls_;
 };
 

@@ -5,8 +5,10 @@
 #include <add_in.h>
 
 #include <algorithm>
+#include <array>
 #include <map>
 #include <optional>
+#include <set>
 #include <sstream>
 
 #include "bench/bench_host.h"
@@ -384,6 +386,147 @@ TEST(HostFaults, AreTheSameInTheImport) {
 
 TEST(HostFaults, AreTheSameInTheExport) {
   ExpectEachFailureToBeTheSame({.Button = exportButton});
+}
+
+// ---- Hosts that do something else first, in the middle of a call
+
+enum class Reentry : std::uint8_t {
+  Detaches,
+  Releases,
+  LoadsAgain,
+  TakesWindowBack,
+  GivesItsObjectsAgain,
+  Sends
+};
+constexpr std::array reentries{Reentry::Detaches,
+                               Reentry::Releases,
+                               Reentry::LoadsAgain,
+                               Reentry::TakesWindowBack,
+                               Reentry::GivesItsObjectsAgain,
+                               Reentry::Sends};
+
+// A session whose host calls back into the page, or lets go of it, at one of its calls.
+class ReenteringSession {
+ public:
+  ReenteringSession(const Operation& operation, std::size_t call, Reentry reentry)
+      : run_{operation}, reentry_{reentry}, failure_{.Call = call} {}
+
+  void Play() {
+    run_.Faults.ActInsteadOfFailing([this] { Reenter(); });
+    run_.BeginSession(failure_);
+    addIn_ = ProgramFolder::OfThisRun().Module().Create();
+    addIn_->get_Form(form_.Put());
+    frame_ = FrameOf(*form_.Get());
+    Give();
+    Use([](IAddInForm& form) { return form.LoadDefaults(); });
+    run_.Act(failure_, [this](int button) { PageDriver{frame_}.Press(button); });
+    Use([](IAddInForm& form) { return form.SaveChanges(); });
+    Use([](IAddInForm& form) { return form.putref_ObjectParent(nullptr); });
+    run_.Faults.End();
+    EXPECT_EQ(OfferedObjectsAlive(), 0) << "although the host still holds the page";
+  }
+
+  const std::vector<HostCall>& Calls() const { return run_.Faults.Calls(); }
+
+ private:
+  template <class Member>
+  void Use(Member member) {
+    if (form_) {
+      EXPECT_EQ(member(*form_.Get()), S_OK);
+    }
+  }
+
+  void Give() {
+    Use([this](IAddInForm& form) {
+      const auto window = OfferHostWindow(Traced(run_.Host.Window(), run_.Log), PanelsShape::IndexedProperty);
+      return form.putref_FormParent(Failing(window, run_.Faults).Get());
+    });
+    Use([this](IAddInForm& form) {
+      const auto object = OfferHostObject(Traced(run_.Host.Object(), run_.Log));
+      return form.putref_ObjectParent(Failing(object, run_.Faults).Get());
+    });
+  }
+
+  void Reenter() {
+    switch (reentry_) {
+      case Reentry::Detaches:
+        return Use([](IAddInForm& form) { return form.putref_ObjectParent(nullptr); });
+      case Reentry::Releases:
+        addIn_.Reset();
+        form_.Reset();
+        return;
+      case Reentry::LoadsAgain:
+        return Use([](IAddInForm& form) { return form.LoadDefaults(); });
+      case Reentry::TakesWindowBack:
+        return Use([](IAddInForm& form) { return form.putref_FormParent(nullptr); });
+      case Reentry::GivesItsObjectsAgain:
+        return Give();
+      case Reentry::Sends:
+        return PageDriver{frame_}.Press(queryButton);
+    }
+  }
+
+  FaultyRun run_;
+  UnshownDialogues dialogues_{run_.Asked};
+  DialogueHooks hooks_{ProgramFolder::OfThisRun().Module().Module(), &run_.Log, dialogues_};
+  FailingSettings settings_{[this] { return run_.Process->CreateIniFileService(); }, run_.Faults};
+  Reentry reentry_;
+  Failure failure_;
+  ComPtr<IAddIn> addIn_;
+  ComPtr<IAddInForm> form_;
+  HWND frame_ = nullptr;
+};
+
+// Where each kind of call comes first and last.
+std::set<std::size_t> PlacesIn(const std::vector<HostCall>& calls) {
+  std::map<std::string, std::set<std::size_t>> places;
+  for (std::size_t call = 0; call < calls.size(); ++call) {
+    places[calls[call].Kind].insert(call + 1);
+  }
+  std::set<std::size_t> ends;
+  for (const auto& [kind, at] : places) {
+    ends.insert({*at.begin(), *at.rbegin()});
+  }
+  return ends;
+}
+
+void ExpectNothingLeftByReentering(const Operation& operation) {
+  std::vector<HostCall> calls;
+  {
+    ReenteringSession clean{operation, 0, Reentry::Detaches};
+    clean.Play();
+    calls = clean.Calls();
+  }
+  ASSERT_GT(calls.size(), 10U);
+  std::size_t turn = 0;
+  for (const auto place : PlacesIn(calls)) {
+    const Reentry reentry = reentries[turn++ % reentries.size()];
+    SCOPED_TRACE("call " + std::to_string(place) + ", " + calls[place - 1].Kind + ", in way " +
+                 std::to_string(static_cast<int>(reentry)));
+    {
+      ReenteringSession session{operation, place, reentry};
+      session.Play();
+      EXPECT_GE(session.Calls().size(), place);
+    }
+    EXPECT_EQ(OfferedObjectsAlive(), 0);
+    EXPECT_EQ(OfferedServicesAlive(), 0);
+    EXPECT_EQ(ProgramFolder::OfThisRun().Module().CanUnloadNow(), S_OK);
+    if (testing::Test::HasFailure()) {
+      return;
+    }
+  }
+}
+
+TEST(Reentering, LeavesNothingBehindInASessionWithoutOperations) {
+  ExpectNothingLeftByReentering({.Button = std::nullopt});
+}
+
+TEST(Reentering, LeavesNothingBehindInTheHostsOwnDialogue) {
+  ExpectNothingLeftByReentering({.Button = queryButton, .Link = "none", .OffersDialog = true});
+}
+
+TEST(Reentering, LeavesNothingBehindInTheUpload) {
+  ExpectNothingLeftByReentering({.Button = uploadButton});
 }
 
 }  // namespace

@@ -18,6 +18,7 @@
 #include "bench/windows/offered_object.h"
 #include "bench/windows/offered_settings.h"
 #include "program_folder.h"
+#include "shell/windows/com_object.h"
 #include "shell/windows/late_bound.h"
 #include "shell/windows/text.h"
 
@@ -326,6 +327,44 @@ TEST(OddHost, GivesObjectsWithoutMembers) {
     EXPECT_EQ(form->putref_ObjectParent(nullptr), S_OK);
   }
   EXPECT_EQ(OfferedObjectsAlive(), 0);
+}
+
+// Knows every name; each use raises an error that has much to say.
+class RaisingObject final : public ComObject<RaisingObject, IDispatch> {
+ public:
+  HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID* ids) override {
+    return *ids = 1, S_OK;
+  }
+  HRESULT STDMETHODCALLTYPE Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO* exception,
+                                   UINT*) override {
+    exception->scode = E_ACCESSDENIED;
+    exception->bstrSource = SysAllocStringLen(nullptr, 1000);
+    exception->bstrDescription = SysAllocStringLen(nullptr, 2000);
+    exception->bstrHelpFile = SysAllocStringLen(nullptr, 3000);
+    return DISP_E_EXCEPTION;
+  }
+
+  static bool Implements(REFIID) { return false; }
+  static const std::array<NamedMember<RaisingObject>, 0>& Members() {
+    static constexpr std::array<NamedMember<RaisingObject>, 0> none{};
+    return none;
+  }
+};
+
+TEST(OddHost, RaisesErrorsWhoseTextsAreNotKept) {
+  const auto addIn = Module().Create();
+  const auto form = FormOf(addIn);
+  const auto window = RaisingObject::Make();
+  const auto use = [&] {
+    for (int time = 0; time < 50; ++time) {
+      EXPECT_EQ(form->putref_FormParent(window.Get()), S_OK);
+      EXPECT_EQ(form->SaveChanges(), S_OK);
+    }
+  };
+  use();
+  const auto before = BytesAllocated();
+  use();
+  EXPECT_EQ(BytesAllocated(), before);
 }
 
 TEST(OddHost, DestroysItsWindowWithThePageInIt) {

@@ -528,6 +528,21 @@ TEST_P(Scale, ListsAreHighEnoughForTheirFont) {
   }
 }
 
+// A host owns the window that it has embedded and may send it anything.
+TEST(PageWindow, AMessageThatNamesNoListIsNoChoice) {
+  class CountingEvents final : public SilentEvents {
+   public:
+    int Choices = 0;
+    Status UserSelects(ListControl, int) override { return ++Choices, Status::Success(); }
+  } events;
+  const auto frame = PageFrame::Create(events, {});
+  for (WPARAM number = 0; number < 300; ++number) {
+    SendMessageW(frame->Frame(), WM_APP, number, 0);
+  }
+  SendMessageW(frame->Frame(), WM_APP, static_cast<WPARAM>(-1), 0);
+  EXPECT_EQ(events.Choices, 0);
+}
+
 TEST(PageWindow, FollowsTheScaleOfTheScreenThatItIsMovedTo) {
   static UINT scale = 96;
   scale = 96;

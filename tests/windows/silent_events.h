@@ -5,7 +5,7 @@
 
 namespace zolvane {
 
-class SilentEvents final : public PageEvents {
+class SilentEvents : public PageEvents {
  public:
   Status UserSelects(ListControl, int) override { return Status::Success(); }
   Status UserSetsCheck(CheckControl, int) override { return Status::Success(); }

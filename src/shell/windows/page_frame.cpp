@@ -228,7 +228,9 @@ LRESULT PageFrame::OnFrameMessage(HWND window, UINT message, WPARAM wParam, LPAR
       }
       return 0;
     case dropDownClosed:
-      OnDropDownClosed(static_cast<ListControl>(wParam));
+      if (wParam < listRows.size()) {  // the host may have sent a message of its own with this number
+        OnDropDownClosed(static_cast<ListControl>(wParam));
+      }
       return 0;
     case WM_CTLCOLORSTATIC:
     case WM_CTLCOLORBTN:
