@@ -35,6 +35,7 @@ namespace {
 // ---- Memory that runs out: the component's sources as part of this program, so that its allocations can be refused
 
 constexpr long long unlimited = std::numeric_limits<long long>::max();
+// NOLINTBEGIN(cppcoreguidelines-avoid-non-const-global-variables): all that the operators of memory know
 long long allocationsLeft = unlimited;
 std::atomic<long long> allocationsAlive{0};
 
@@ -44,6 +45,7 @@ struct Deletions {
   int Count = 0;
 };
 Deletions deletions;
+// NOLINTEND(cppcoreguidelines-avoid-non-const-global-variables)
 
 // From the given allocation on there is no memory, until this ends.
 class MemoryFor {
@@ -304,9 +306,20 @@ TEST(SettingsService, ThatCannotBeCreatedIsAskedForAgain) {
 
 class ReenteringHost : public testing::Test {
  protected:
-  void Attach(const ComPtr<IDispatch>& window, const ComPtr<IDispatch>& object) {
-    form_->putref_FormParent(window.Get());
-    form_->putref_ObjectParent(object.Get());
+  // The page is detached as soon as it tells of the change that the user makes.
+  void DetachDuring(void (*makeChange)(HWND frame)) {
+    bool mayDetach = false;
+    const auto tell = [&](const MemberUse&) {
+      return mayDetach ? form_->putref_ObjectParent(nullptr) : S_OK;
+    };
+    form_->putref_FormParent(Offer({{names::changed, set, tell}}).Get());
+    form_->putref_ObjectParent(Offer({}).Get());
+    form_->LoadDefaults();
+    mayDetach = true;
+    const HWND frame = FrameOf(form_);
+    makeChange(frame);
+    EXPECT_FALSE(IsWindow(frame));
+    EXPECT_EQ(OfferedObjectsAlive(), 0);
   }
 
   const ProgramFolder& folder_ = ProgramFolder::OfThisRun();
@@ -349,30 +362,15 @@ TEST_F(ReenteringHost, ThatDetachesThePageWhileItsPanelIsLookedUpIsNotHeldOnTo) 
 }
 
 TEST_F(ReenteringHost, MayDetachThePageWhileAListTellsOfAChoice) {
-  bool mayDetach = false;
-  {
-    const auto window = Offer({{names::changed, set, [&](const MemberUse&) {
-                                  return mayDetach ? form_->putref_ObjectParent(nullptr) : S_OK;
-                                }}});
-    Attach(window, Offer({}));
-    form_->LoadDefaults();
-  }
-  mayDetach = true;
-  const HWND frame = FrameOf(form_);
-  const HWND list = GetDlgItem(frame, IdOf(ListControl::DeviceType));
-  SendMessageW(list, WM_KEYDOWN, VK_DOWN, 0);
-  SendMessageW(list, WM_KEYDOWN, VK_UP, 0);
-  EXPECT_FALSE(IsWindow(frame));
-  EXPECT_EQ(OfferedObjectsAlive(), 0);
+  DetachDuring([](HWND frame) {
+    const HWND list = GetDlgItem(frame, IdOf(ListControl::DeviceType));
+    SendMessageW(list, WM_KEYDOWN, VK_DOWN, 0);
+    SendMessageW(list, WM_KEYDOWN, VK_UP, 0);
+  });
 }
 
 TEST_F(ReenteringHost, MayDetachThePageWhileABoxTellsOfAClick) {
-  const auto window =
-      Offer({{names::changed, set, [&](const MemberUse&) { return form_->putref_ObjectParent(nullptr); }}});
-  Attach(window, Offer({}));
-  const HWND frame = FrameOf(form_);
-  SendMessageW(GetDlgItem(frame, IdOf(CheckControl::RFID)), BM_CLICK, 0, 0);
-  EXPECT_FALSE(IsWindow(frame));
+  DetachDuring([](HWND frame) { SendMessageW(GetDlgItem(frame, IdOf(CheckControl::RFID)), BM_CLICK, 0, 0); });
 }
 
 // ---- Use by name

@@ -11,6 +11,7 @@
 
 #include "bench/windows/offered_object.h"
 #include "shell/windows/com_object.h"
+#include "shell/windows/counted.h"
 #include "shell/windows/late_bound_names.h"
 #include "shell/windows/text.h"
 
@@ -332,7 +333,6 @@ class FailingByName final : public ComObject<FailingByName, IDispatch> {
     return invoked;
   }
 
-  static bool Implements(REFIID) { return false; }
   static const std::array<NamedMember<FailingByName>, 0>& Members() {
     static constexpr std::array<NamedMember<FailingByName>, 0> none{};
     return none;
@@ -422,7 +422,6 @@ class FailingSettingsObject final : public ComObject<FailingSettingsObject, IIni
     return Refusal();
   }
 
-  static bool Implements(REFIID iid) { return iid == __uuidof(IIniFileService); }
   static const std::array<NamedMember<FailingSettingsObject>, 0>& Members() {
     static constexpr std::array<NamedMember<FailingSettingsObject>, 0> none{};
     return none;
@@ -438,26 +437,10 @@ class FailingSettingsObject final : public ComObject<FailingSettingsObject, IIni
   HostFaults& faults_;
 };
 
-class FailingFactory final : public IClassFactory {
+class FailingFactory final : public Counted<FailingFactory, IClassFactory> {
  public:
   FailingFactory(ComPtr<IClassFactory> inner, HostFaults& faults)
       : inner_{std::move(inner)}, faults_{faults} {}
-  FailingFactory(const FailingFactory&) = delete;
-  FailingFactory& operator=(const FailingFactory&) = delete;
-
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
-    const bool isKnown = iid == IID_IUnknown || iid == IID_IClassFactory;
-    *object = isKnown ? this : nullptr;
-    return isKnown ? AddRef(), S_OK : E_NOINTERFACE;
-  }
-  ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
-  ULONG STDMETHODCALLTYPE Release() override {
-    const ULONG left = --references_;
-    if (left == 0) {
-      delete this;
-    }
-    return left;
-  }
 
   HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID iid, void** object) override {
     *object = nullptr;
@@ -473,11 +456,8 @@ class FailingFactory final : public IClassFactory {
   HRESULT STDMETHODCALLTYPE LockServer(BOOL lock) override { return inner_->LockServer(lock); }
 
  private:
-  ~FailingFactory() = default;
-
   ComPtr<IClassFactory> inner_;
   HostFaults& faults_;
-  std::atomic<ULONG> references_{0};
 };
 
 ComPtr<IClassFactory> FactoryOf(const OfferedSettings::Create& create) {
@@ -527,7 +507,7 @@ ComPtr<IDispatch> Failing(const ComPtr<IDispatch>& object, HostFaults& faults) {
 }
 
 FailingSettings::FailingSettings(const OfferedSettings::Create& create, HostFaults& faults) {
-  const ComPtr<IClassFactory> factory{new FailingFactory{FactoryOf(create), faults}};
+  const auto factory = FailingFactory::Make(FactoryOf(create), faults);
   const HRESULT registered = CoRegisterClassObject(__uuidof(::IniFileService), factory.Get(),
                                                    CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &registration_);
   if (FAILED(registered)) {

@@ -4,6 +4,7 @@
 #include <cwchar>
 #include <utility>
 
+#include "shell/windows/counted.h"
 #include "shell/windows/guarded.h"
 #include "shell/windows/text.h"
 #include "shell/windows/variant.h"
@@ -11,6 +12,7 @@
 namespace zolvane {
 namespace {
 
+// NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables): counts over the whole process
 std::atomic<long> alive{0};
 
 constexpr WORD setKinds = DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF;
@@ -19,30 +21,10 @@ std::optional<Variant> Direct(const MemberUse& use, std::size_t index) {
   return index < use.Arguments.size() ? Variant::CopyOf(*use.Arguments[index]) : std::nullopt;
 }
 
-class OfferedObject final : public IDispatch {
+class OfferedObject final : public Counted<OfferedObject, IDispatch> {
  public:
   explicit OfferedObject(std::vector<OfferedMember> members) : members_{std::move(members)} { ++alive; }
-  OfferedObject(const OfferedObject&) = delete;
-  OfferedObject& operator=(const OfferedObject&) = delete;
-
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
-    if (object == nullptr) {
-      return E_POINTER;
-    }
-    const bool isKnown = iid == IID_IUnknown || iid == IID_IDispatch;
-    *object = isKnown ? static_cast<IDispatch*>(this) : nullptr;
-    return isKnown ? AddRef(), S_OK : E_NOINTERFACE;
-  }
-
-  ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
-
-  ULONG STDMETHODCALLTYPE Release() override {
-    const ULONG left = --references_;
-    if (left == 0) {
-      delete this;
-    }
-    return left;
-  }
+  ~OfferedObject() { --alive; }
 
   HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
     return count != nullptr ? *count = 0, S_OK : E_POINTER;
@@ -54,12 +36,9 @@ class OfferedObject final : public IDispatch {
                                    VARIANT* result, EXCEPINFO* exception, UINT* badArgument) override;
 
  private:
-  ~OfferedObject() { --alive; }
-
   const OfferedMember* Member(DISPID id) const;
 
   std::vector<OfferedMember> members_;
-  std::atomic<ULONG> references_{0};
 };
 
 HRESULT OfferedObject::GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, DISPID* ids) {
@@ -187,7 +166,7 @@ HRESULT MemberUse::Give(ComPtr<IDispatch> object) const {
 }
 
 ComPtr<IDispatch> Offer(std::vector<OfferedMember> members) {
-  return ComPtr<IDispatch>{new OfferedObject{std::move(members)}};
+  return OfferedObject::Make(std::move(members)).As<IDispatch>();
 }
 
 long OfferedObjectsAlive() {

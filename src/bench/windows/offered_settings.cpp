@@ -10,49 +10,15 @@
 #include <vector>
 
 #include "shell/windows/com_ptr.h"
+#include "shell/windows/counted.h"
 #include "shell/windows/guarded.h"
 #include "shell/windows/text.h"
 
 namespace zolvane {
 namespace {
 
+// NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables): counts over the whole process
 std::atomic<long> alive{0};
-
-// Counting and asking for the one interface beside the general ones.
-template <class Interface, class... Bases>
-class Counted : public Interface {
- public:
-  Counted() = default;
-  Counted(const Counted&) = delete;
-  Counted& operator=(const Counted&) = delete;
-
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
-    if (object == nullptr) {
-      return E_POINTER;
-    }
-    const bool isKnown =
-        iid == IID_IUnknown || iid == __uuidof(Interface) || ((iid == __uuidof(Bases)) || ...);
-    *object = isKnown ? static_cast<Interface*>(this) : nullptr;
-    return isKnown ? AddRef(), S_OK : E_NOINTERFACE;
-  }
-
-  ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
-
-  ULONG STDMETHODCALLTYPE Release() override {
-    const ULONG left = --references_;
-    if (left == 0) {
-      Destroy();
-    }
-    return left;
-  }
-
- protected:
-  ~Counted() = default;
-  virtual void Destroy() = 0;
-
- private:
-  std::atomic<ULONG> references_{0};
-};
 
 HRESULT StorePieces(const std::vector<std::string>& pieces, SAFEARRAY** place) {
   UniqueSafeArray array{SafeArrayCreateVector(VT_BSTR, 0, static_cast<ULONG>(pieces.size()))};
@@ -70,9 +36,10 @@ HRESULT StorePieces(const std::vector<std::string>& pieces, SAFEARRAY** place) {
   return S_OK;
 }
 
-class SettingsObject final : public Counted<IIniFileService, IDispatch> {
+class SettingsObject final : public Counted<SettingsObject, IIniFileService, IDispatch> {
  public:
   explicit SettingsObject(std::shared_ptr<IniFileService> service) : service_{std::move(service)} { ++alive; }
+  ~SettingsObject() { --alive; }
 
   // It is called by slots only.
   HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
@@ -118,13 +85,10 @@ class SettingsObject final : public Counted<IIniFileService, IDispatch> {
   }
 
  private:
-  ~SettingsObject() { --alive; }
-  void Destroy() override { delete this; }
-
   std::shared_ptr<IniFileService> service_;
 };
 
-class SettingsFactory final : public Counted<IClassFactory> {
+class SettingsFactory final : public Counted<SettingsFactory, IClassFactory> {
  public:
   explicit SettingsFactory(OfferedSettings::Create create) : create_{std::move(create)} {}
 
@@ -132,27 +96,20 @@ class SettingsFactory final : public Counted<IClassFactory> {
     *object = nullptr;
     return outer != nullptr ? CLASS_E_NOAGGREGATION : Guarded([&] {
       auto service = create_();
-      return service ? ComPtr<IIniFileService> {
-        new SettingsObject {
-          std::move(service)
-        }
-        } -> QueryInterface(iid, object) : E_FAIL;
+      return service ? SettingsObject::Make(std::move(service))->QueryInterface(iid, object) : E_FAIL;
     });
   }
 
   HRESULT STDMETHODCALLTYPE LockServer(BOOL) override { return S_OK; }
 
  private:
-  ~SettingsFactory() = default;
-  void Destroy() override { delete this; }
-
   OfferedSettings::Create create_;
 };
 
 }  // namespace
 
 OfferedSettings::OfferedSettings(Create create) {
-  const ComPtr<IClassFactory> factory{new SettingsFactory{std::move(create)}};
+  const auto factory = SettingsFactory::Make(std::move(create));
   const HRESULT registered = CoRegisterClassObject(__uuidof(::IniFileService), factory.Get(),
                                                    CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &registration_);
   if (FAILED(registered)) {

@@ -1,8 +1,7 @@
 #include "shell/windows/class_factory.h"
 
-#include <atomic>
-
 #include "shell/windows/com_connect.h"
+#include "shell/windows/counted.h"
 #include "shell/windows/guarded.h"
 #include "shell/windows/module_instance.h"
 #include "shell/windows/thread_module.h"
@@ -10,45 +9,14 @@
 namespace zolvane {
 namespace {
 
-class ClassFactory final : public IClassFactory {
+class ClassFactory final : public Counted<ClassFactory, IClassFactory> {
  public:
-  ClassFactory() = default;
-  ClassFactory(const ClassFactory&) = delete;
-  ClassFactory& operator=(const ClassFactory&) = delete;
-
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override;
-  ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
-  ULONG STDMETHODCALLTYPE Release() override;
   HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID iid, void** object) override;
   HRESULT STDMETHODCALLTYPE LockServer(BOOL lock) override;
 
  private:
-  ~ClassFactory() = default;
-
   const ModuleLock lock_;
-  std::atomic<ULONG> references_{0};
 };
-
-HRESULT ClassFactory::QueryInterface(REFIID iid, void** object) {
-  if (object == nullptr) {
-    return E_POINTER;
-  }
-  *object = nullptr;
-  if (iid != IID_IUnknown && iid != IID_IClassFactory) {
-    return E_NOINTERFACE;
-  }
-  *object = static_cast<IClassFactory*>(this);
-  AddRef();
-  return S_OK;
-}
-
-ULONG ClassFactory::Release() {
-  const ULONG left = --references_;
-  if (left == 0) {
-    delete this;
-  }
-  return left;
-}
 
 HRESULT ClassFactory::CreateInstance(IUnknown* outer, REFIID iid, void** object) {
   if (object == nullptr) {
@@ -77,7 +45,7 @@ HRESULT ClassFactory::LockServer(BOOL lock) {
 }  // namespace
 
 ComPtr<IClassFactory> MakeClassFactory() {
-  return ComPtr<IClassFactory>{new ClassFactory};
+  return ClassFactory::Make().As<IClassFactory>();
 }
 
 }  // namespace zolvane

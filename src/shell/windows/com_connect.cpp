@@ -1,7 +1,5 @@
 #include "shell/windows/com_connect.h"
 
-#include <add_in.h>
-
 #include <utility>
 
 #include "shell/windows/com_form.h"
@@ -43,10 +41,6 @@ HRESULT ComConnect::get_Caption(BSTR* caption) {
     const HRESULT given = Give(caption, [&] { return text ? Bstr(*text).Detach() : nullptr; });
     return SUCCEEDED(given) && !text ? E_FAIL : given;
   });
-}
-
-bool ComConnect::Implements(REFIID iid) {
-  return iid == __uuidof(IAddIn) || iid == __uuidof(_Connect);
 }
 
 const std::array<NamedMember<ComConnect>, 2>& ComConnect::Members() {

@@ -2,6 +2,7 @@
 // _Connect, which has no members beside those of IDispatch.
 #pragma once
 
+#include <add_in.h>
 #include <hestrion_cmds.h>
 
 #include <array>
@@ -13,7 +14,7 @@
 
 namespace zolvane {
 
-class ComConnect final : public ComObject<ComConnect, IAddIn> {
+class ComConnect final : public ComObject<ComConnect, IAddIn, _Connect> {
  public:
   explicit ComConnect(std::shared_ptr<ThreadModule> module);
 
@@ -23,7 +24,6 @@ class ComConnect final : public ComObject<ComConnect, IAddIn> {
   HRESULT STDMETHODCALLTYPE get_Form(IAddInForm** form) override;
   HRESULT STDMETHODCALLTYPE get_Caption(BSTR* caption) override;
 
-  static bool Implements(REFIID iid);
   static const std::array<NamedMember<ComConnect>, 2>& Members();
 
  private:

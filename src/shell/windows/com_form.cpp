@@ -116,10 +116,6 @@ HRESULT ComForm::get_ShowButtons(VARIANT_BOOL* showButtons) {
   });
 }
 
-bool ComForm::Implements(REFIID iid) {
-  return iid == __uuidof(IAddInForm);
-}
-
 const std::array<NamedMember<ComForm>, 9>& ComForm::Members() {
   static constexpr WORD method = DISPATCH_METHOD;
   static constexpr WORD get = DISPATCH_PROPERTYGET;

@@ -32,7 +32,6 @@ class ComForm final : public ComObject<ComForm, IAddInForm> {
   HRESULT STDMETHODCALLTYPE get_ShowStatusBar(VARIANT_BOOL* showStatusBar) override;
   HRESULT STDMETHODCALLTYPE get_ShowButtons(VARIANT_BOOL* showButtons) override;
 
-  static bool Implements(REFIID iid);
   static const std::array<NamedMember<ComForm>, 9>& Members();
 
  private:

@@ -18,7 +18,6 @@ class ComFrame final : public ComObject<ComFrame, IDispatch> {
   // 0 once the page is unloaded.
   LONG Window() const { return page_->IAddInForm_Frame(); }
 
-  static bool Implements(REFIID) { return false; }
   static const std::array<NamedMember<ComFrame>, 1>& Members();
 
  private:

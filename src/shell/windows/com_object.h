@@ -1,16 +1,14 @@
-// The frame of the COM objects that the add-in hands out: counting, asking for interfaces, and use by name.
+// The frame of the COM objects that the add-in hands out: what every COM object has, and use by name.
 // They are used on the thread that made them, and each keeps the add-in's state of that thread alive.
 #pragma once
 
 #include <algorithm>
 #include <array>
-#include <atomic>
 #include <cstddef>
 #include <cwchar>
-#include <memory>
-#include <utility>
 
 #include "shell/windows/com_ptr.h"
+#include "shell/windows/counted.h"
 #include "shell/windows/guarded.h"
 #include "shell/windows/variant.h"
 
@@ -70,44 +68,11 @@ HRESULT InvokeById(Self& self, const Members& members, DISPID id, WORD kinds, co
                                  : DISP_E_MEMBERNOTFOUND;
 }
 
-// `Self` derives from this, is made with Make and deletes itself with its last reference. It offers
-//   static bool Implements(REFIID)   for interfaces beside IUnknown and IDispatch; all of them are Interface
+// A counted object, which offers
 //   static const std::array<NamedMember<Self>, n>& Members()
-template <class Self, class Interface>
-class ComObject : public Interface {
+template <class Self, class Interface, class... Others>
+class ComObject : public Counted<Self, Interface, IDispatch, Others...> {
  public:
-  ComObject(const ComObject&) = delete;
-  ComObject& operator=(const ComObject&) = delete;
-
-  template <class... Arguments>
-  static ComPtr<Self> Make(Arguments&&... arguments) {
-    return ComPtr<Self>{new Self{std::forward<Arguments>(arguments)...}};
-  }
-
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
-    if (object == nullptr) {
-      return E_POINTER;
-    }
-    *object = nullptr;
-    if (iid != IID_IUnknown && iid != IID_IDispatch && !Self::Implements(iid)) {
-      return E_NOINTERFACE;
-    }
-    *object = static_cast<Interface*>(this);
-    AddRef();
-    return S_OK;
-  }
-
-  ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
-
-  ULONG STDMETHODCALLTYPE Release() override {
-    const ULONG left = --references_;
-    if (left == 0) {
-      references_ = endsNow;
-      delete static_cast<Self*>(this);
-    }
-    return left;
-  }
-
   // Names are all that callers by name get: the description of the types is in the type libraries.
   HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
     return count != nullptr ? *count = 0, S_OK : E_POINTER;
@@ -140,12 +105,6 @@ class ComObject : public Interface {
     const ComPtr<Self> alive{&self};
     return Guarded([&] { return body(self); });
   }
-
- private:
-  // Far from zero, so that a host that uses the object once more while it ends does not end it twice.
-  static constexpr ULONG endsNow = 0x40000000;
-
-  std::atomic<ULONG> references_{0};
 };
 
 // Stores what a property gives, after the check that there is a place for it.
