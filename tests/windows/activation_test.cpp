@@ -32,7 +32,7 @@ std::string HostManifest(const std::string& version) {
 
 // The host's manifest, in the program folder like the host itself.
 std::filesystem::path HostOf(const std::string& version) {
-  const auto file = ProgramFolder::OfThisRun().Path() / "host.manifest";
+  auto file = ProgramFolder::OfThisRun().Path() / "host.manifest";
   Store(file, HostManifest(version));
   return file;
 }

@@ -21,7 +21,7 @@ void ExpectSameCalls(const std::vector<std::string>& module, const std::vector<s
 
 PlayedSession ExpectSameSession(const SessionPlan& plan) {
   const auto bench = PlayOnBench(plan);
-  const auto module = PlayOnModule(plan);
+  auto module = PlayOnModule(plan);
   ExpectSameCalls(module.Calls, bench.Calls);
   EXPECT_EQ(module.Configuration, bench.Configuration);
   EXPECT_EQ(module.Backup, bench.Backup);
@@ -174,7 +174,7 @@ class Generator {
         case 0:
           break;
         case 1:
-          text += line + "\n" + line + "\n";
+          text.append(line).append("\n").append(line).append("\n");
           break;
         case 2:
           text += line.substr(0, static_cast<std::size_t>(Below(static_cast<int>(line.size()) + 1))) + "\r\n";

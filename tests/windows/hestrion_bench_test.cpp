@@ -270,7 +270,7 @@ class HestrionWindows : public testing::Test {
   std::string AnswerBox(int button) const {
     EXPECT_TRUE(Eventually([this] { return Box() != nullptr; }));
     const HWND box = Box();
-    const auto text = TextOf(GetDlgItem(box, 0xFFFF));
+    auto text = TextOf(GetDlgItem(box, 0xFFFF));
     PostMessageW(box, WM_COMMAND, static_cast<WPARAM>(button), 0);
     EXPECT_TRUE(Eventually([box] { return !IsWindow(box); }));
     return text;

@@ -71,16 +71,22 @@ class ShownWindow final : public HostWindow {
   std::shared_ptr<PageHost> host_;
 };
 
+const ProgramFolder& FolderWith(const std::string& configuration) {
+  const auto& folder = ProgramFolder::OfThisRun();
+  Store(folder.Configuration(), configuration);
+  return folder;
+}
+
 }  // namespace
 
-HostedPage::HostedPage(const std::string& configuration) {
-  Store(folder_.Configuration(), configuration);
-  window_ = CreateWindowExW(WS_EX_CONTROLPARENT, L"STATIC", L"host", WS_POPUP | WS_VISIBLE, 0, 0, 800, 600,
-                            nullptr, nullptr, GetModuleHandleW(nullptr), nullptr);
-  session_ = std::make_unique<ComSession>(folder_.Module().Create(),
-                                          OfferHostObject(std::make_shared<ShownObject>(host_)),
-                                          OfferHostWindow(std::make_shared<ShownWindow>(host_)));
-  frame_ = session_->Frame();
+HostedPage::HostedPage(const std::string& configuration)
+    : folder_{FolderWith(configuration)},
+      window_{CreateWindowExW(WS_EX_CONTROLPARENT, L"STATIC", L"host", WS_POPUP | WS_VISIBLE, 0, 0, 800, 600,
+                              nullptr, nullptr, GetModuleHandleW(nullptr), nullptr)},
+      session_{std::make_unique<ComSession>(folder_.Module().Create(),
+                                            OfferHostObject(std::make_shared<ShownObject>(host_)),
+                                            OfferHostWindow(std::make_shared<ShownWindow>(host_)))},
+      frame_{session_->Frame()} {
   if (SetParent(frame_, window_) == nullptr) {
     throw std::runtime_error{"the host cannot take the page's frame"};
   }

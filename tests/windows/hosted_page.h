@@ -41,12 +41,12 @@ class HostedPage {
   static std::string Stored(const std::string& section, const std::string& key);
 
  private:
-  const ProgramFolder& folder_ = ProgramFolder::OfThisRun();  // brings COM along
+  const ProgramFolder& folder_;  // brings COM along
   std::shared_ptr<PageHost> host_ = std::make_shared<PageHost>();
   OfferedSettings settings_{[] { return std::make_shared<FileSettingsService>(); }};
-  HWND window_ = nullptr;
+  const HWND window_;
   std::unique_ptr<ComSession> session_;
-  HWND frame_ = nullptr;
+  const HWND frame_;
 };
 
 std::string CaptionOf(HWND window);

@@ -20,10 +20,6 @@ const GUID serviceClass{0x882DCAE5, 0x07A9, 0x4010, {0xBB, 0x07, 0xF3, 0x83, 0x0
 
 using Slot = void (*)();
 
-struct Service {
-  const Slot* Slots;
-};
-
 struct Heard {
   long References = 0;
   std::map<int, int> Calls;  // by slot
@@ -33,21 +29,25 @@ struct Heard {
   std::set<std::string> Split;
 };
 
-Heard heard;
+// As a program sees it, it begins with its table.
+struct Service {
+  const Slot* Slots;
+  Heard Log;
+};
 
 HRESULT WINAPI QueryInterface(Service* self, const GUID* iid, void** object) {
   const bool isKnown = *iid == IID_IUnknown || *iid == serviceInterface;
   *object = isKnown ? self : nullptr;
-  heard.References += isKnown ? 1 : 0;
+  self->Log.References += isKnown ? 1 : 0;
   return isKnown ? S_OK : E_NOINTERFACE;
 }
 
-ULONG WINAPI AddRef(Service*) {
-  return static_cast<ULONG>(++heard.References);
+ULONG WINAPI AddRef(Service* self) {
+  return static_cast<ULONG>(++self->Log.References);
 }
 
-ULONG WINAPI Release(Service*) {
-  return static_cast<ULONG>(--heard.References);
+ULONG WINAPI Release(Service* self) {
+  return static_cast<ULONG>(--self->Log.References);
 }
 
 // What else stands in the table: nobody may call it. The arguments are unknown, so a caller in 32 bits does not survive.
@@ -57,29 +57,29 @@ HRESULT WINAPI NotForTheAddIn(Service*) {
   return E_NOTIMPL;
 }
 
-HRESULT WINAPI ReadValue(Service*, BSTR section, BSTR key, BSTR file, BSTR fallback, BSTR* value) {
-  ++heard.Calls[7];
+HRESULT WINAPI ReadValue(Service* self, BSTR section, BSTR key, BSTR file, BSTR fallback, BSTR* value) {
+  ++self->Log.Calls[7];
   const std::string asked = Utf8FromBstr(section) + "/" + Utf8FromBstr(key);
-  heard.Keys.insert(asked);
-  heard.Files.insert(Utf8FromBstr(file));
+  self->Log.Keys.insert(asked);
+  self->Log.Files.insert(Utf8FromBstr(file));
   const auto text =
       asked == "DeviceType/Item1" ? Bstr(R"("Zürich, 200",0,"X")") : Bstr(Utf8FromBstr(fallback));
   *value = SysAllocStringLen(text.Get(), SysStringLen(text.Get()));
   return S_OK;
 }
 
-HRESULT WINAPI WriteValue(Service*, BSTR section, BSTR key, BSTR file, BSTR value) {
-  ++heard.Calls[8];
-  heard.Files.insert(Utf8FromBstr(file));
-  heard.Written.insert(Utf8FromBstr(section) + "/" + Utf8FromBstr(key) + "=" + Utf8FromBstr(value));
+HRESULT WINAPI WriteValue(Service* self, BSTR section, BSTR key, BSTR file, BSTR value) {
+  ++self->Log.Calls[8];
+  self->Log.Files.insert(Utf8FromBstr(file));
+  self->Log.Written.insert(Utf8FromBstr(section) + "/" + Utf8FromBstr(key) + "=" + Utf8FromBstr(value));
   return S_OK;
 }
 
 // One piece, whatever the text is.
-HRESULT WINAPI SplitText(Service*, SAFEARRAY** pieces, BSTR delimiter, BSTR text, LONG* number) {
-  ++heard.Calls[10];
+HRESULT WINAPI SplitText(Service* self, SAFEARRAY** pieces, BSTR delimiter, BSTR text, LONG* number) {
+  ++self->Log.Calls[10];
   EXPECT_EQ(Utf8FromBstr(delimiter), ",");
-  heard.Split.insert(Utf8FromBstr(text));
+  self->Log.Split.insert(Utf8FromBstr(text));
   SafeArrayDestroy(*pieces);
   *pieces = SafeArrayCreateVector(VT_BSTR, 0, 1);
   LONG index = 0;
@@ -112,8 +112,6 @@ const std::array<Slot, 16> slots{
     In(NotForTheAddIn<15>),
 };
 
-Service service{slots.data()};
-
 // Gives the one service to everybody.
 class Factory final : public IClassFactory {
  public:
@@ -126,37 +124,36 @@ class Factory final : public IClassFactory {
   ULONG STDMETHODCALLTYPE Release() override { return 1; }
   HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown*, REFIID iid, void** object) override {
     ++Created;
-    return zolvane::QueryInterface(&service, &iid, object);
+    return zolvane::QueryInterface(&Offered, &iid, object);
   }
   HRESULT STDMETHODCALLTYPE LockServer(BOOL) override { return S_OK; }
 
   int Created = 0;
+  Service Offered{.Slots = slots.data(), .Log = {}};
 };
 
 // The service is offered while this lives.
 class OfferedTable {
  public:
-  OfferedTable() {
-    heard = {};
-    isOffered_ = SUCCEEDED(CoRegisterClassObject(serviceClass, &factory_, CLSCTX_INPROC_SERVER,
-                                                 REGCLS_MULTIPLEUSE, &registration_));
-  }
+  OfferedTable() = default;
   ~OfferedTable() { CoRevokeClassObject(registration_); }
   OfferedTable(const OfferedTable&) = delete;
   OfferedTable& operator=(const OfferedTable&) = delete;
 
   explicit operator bool() const { return isOffered_; }
   int Created() const { return factory_.Created; }
+  Heard& Log() { return factory_.Offered.Log; }
 
  private:
   Factory factory_;
   DWORD registration_ = 0;
-  bool isOffered_ = false;
+  const bool isOffered_ = SUCCEEDED(CoRegisterClassObject(serviceClass, &factory_, CLSCTX_INPROC_SERVER,
+                                                          REGCLS_MULTIPLEUSE, &registration_));
 };
 
 TEST(IniFileServiceSlots, ReadWriteAndSplitAreTheOnlyOnesCalled) {
   const auto& folder = ProgramFolder::OfThisRun();
-  const OfferedTable offer;
+  OfferedTable offer;
   ASSERT_TRUE(offer);
   {
     const auto addIn = folder.Module().Create();
@@ -165,6 +162,7 @@ TEST(IniFileServiceSlots, ReadWriteAndSplitAreTheOnlyOnesCalled) {
     ASSERT_EQ(form->LoadDefaults(), S_OK);
     EXPECT_EQ(offer.Created(), 1);
   }
+  auto& heard = offer.Log();
   EXPECT_EQ(heard.References, 0);
   EXPECT_GT(heard.Calls[7], 20);
   EXPECT_GT(heard.Calls[8], 0);

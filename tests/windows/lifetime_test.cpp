@@ -136,15 +136,16 @@ TEST(Lifetime, TheCountersSeeWhatIsLeftOpen) {
 
 TEST(Lifetime, TheCountOfMemorySeesSmallAllocations) {
   constexpr int size = 16;
-  std::vector<std::unique_ptr<char[]>> kept(1000);
+  using Block = std::array<char, size>;
+  std::vector<std::unique_ptr<Block>> kept(1000);
   const auto before = BytesAllocated();
   for (auto& block : kept) {
-    block = std::make_unique<char[]>(size);
+    block = std::make_unique<Block>();
   }
   EXPECT_GE(BytesAllocated() - before, size * std::ssize(kept));
   kept[0] = nullptr;
   const auto withoutOne = BytesAllocated();
-  kept[0] = std::make_unique<char[]>(size);
+  kept[0] = std::make_unique<Block>();
   EXPECT_GE(BytesAllocated() - withoutOne, size);
 }
 
@@ -375,7 +376,7 @@ TEST(OddHost, DestroysItsWindowWithThePageInIt) {
   ComPtr<IDispatch> frameObject;
   ASSERT_EQ(form->get_Frame(frameObject.Put()), S_OK);
   const auto text = LateBound{frameObject}.Read(L"hWnd")->ToText();
-  const auto frame = reinterpret_cast<HWND>(static_cast<LONG_PTR>(std::stoll(*text)));
+  auto* const frame = reinterpret_cast<HWND>(static_cast<LONG_PTR>(std::stoll(*text)));
   ASSERT_TRUE(IsWindow(frame));
   ASSERT_NE(SetParent(frame, host), nullptr);
   DestroyWindow(host);

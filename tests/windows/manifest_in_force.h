@@ -10,16 +10,12 @@ namespace zolvane {
 // On the calling thread while it lives; false when the system cannot fulfil it.
 class ManifestInForce {
  public:
-  explicit ManifestInForce(const std::filesystem::path& file) {
-    ACTCTXW context{};
-    context.cbSize = sizeof(context);
-    context.lpSource = file.c_str();
-    context_ = CreateActCtxW(&context);
-    isInForce_ = context_ != INVALID_HANDLE_VALUE && ActivateActCtx(context_, &cookie_) != FALSE;
-  }
+  explicit ManifestInForce(const std::filesystem::path& file) : context_{Created(file)} {}
   ~ManifestInForce() {
     if (isInForce_) {
       DeactivateActCtx(0, cookie_);
+    }
+    if (context_ != INVALID_HANDLE_VALUE) {
       ReleaseActCtx(context_);
     }
   }
@@ -29,9 +25,16 @@ class ManifestInForce {
   explicit operator bool() const { return isInForce_; }
 
  private:
-  HANDLE context_ = INVALID_HANDLE_VALUE;
+  static HANDLE Created(const std::filesystem::path& file) {
+    ACTCTXW context{};
+    context.cbSize = sizeof(context);
+    context.lpSource = file.c_str();
+    return CreateActCtxW(&context);
+  }
+
+  const HANDLE context_;
   ULONG_PTR cookie_ = 0;
-  bool isInForce_ = false;
+  const bool isInForce_ = context_ != INVALID_HANDLE_VALUE && ActivateActCtx(context_, &cookie_) != FALSE;
 };
 
 }  // namespace zolvane

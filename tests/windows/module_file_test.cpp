@@ -92,10 +92,8 @@ TEST(ModuleFile, HoldsTheIdentifierOfTheClassesDefaultInterface) {
   EXPECT_EQ(std::memcmp(bytes, expected.data(), expected.size()), 0);
 }
 
-WORD languageSeen = 0;
-
-BOOL CALLBACK NoteLanguage(HMODULE, const wchar_t*, const wchar_t*, WORD language, LONG_PTR) {
-  languageSeen = language;
+BOOL CALLBACK NoteLanguage(HMODULE, const wchar_t*, const wchar_t*, WORD language, LONG_PTR seen) {
+  *reinterpret_cast<WORD*>(seen) = language;
   return TRUE;
 }
 
@@ -104,9 +102,11 @@ TEST(ModuleFile, HoldsTheCaptionAsString1102InAmericanEnglish) {
   LoadStringW(Module(), 1102, text.data(), static_cast<int>(text.size()));
   EXPECT_EQ(Utf8(text.data()), "Zolvane Setup");
   const int block = 1102 / 16 + 1;
+  WORD language = 0;
   EnumResourceLanguagesW(Module(), reinterpret_cast<LPCWSTR>(RT_STRING), MAKEINTRESOURCEW(block),
-                         reinterpret_cast<ENUMRESLANGPROCW>(reinterpret_cast<void*>(NoteLanguage)), 0);
-  EXPECT_EQ(languageSeen, 1033);
+                         reinterpret_cast<ENUMRESLANGPROCW>(reinterpret_cast<void*>(NoteLanguage)),
+                         reinterpret_cast<LONG_PTR>(&language));
+  EXPECT_EQ(language, 1033);
 }
 
 BOOL CALLBACK NoteBlock(HMODULE, const wchar_t*, wchar_t* name, LONG_PTR blocks) {

@@ -27,7 +27,6 @@ namespace {
 
 constexpr WORD get = DISPATCH_PROPERTYGET;
 constexpr WORD put = DISPATCH_PROPERTYPUT;
-constexpr WORD method = DISPATCH_METHOD;
 
 using Texts = std::vector<std::string>;
 
@@ -160,7 +159,7 @@ class BreakableSettings final : public IniFileService {
 
 class OddSession : public testing::Test {
  protected:
-  OddSession() {
+  void SetUp() override {
     Store(ProgramFolder::OfThisRun().Configuration(), SampleConfiguration());
     Store(Backup(), SampleConfiguration());
     AddIn = ProgramFolder::OfThisRun().Module().Create();
@@ -245,7 +244,7 @@ ComPtr<IDispatch> WindowWith(std::vector<OfferedMember> members, const std::shar
   return Offer(std::move(members));
 }
 
-OfferedMember StatusBarOf(std::vector<OfferedMember> members) {
+OfferedMember StatusBarOf(const std::vector<OfferedMember>& members) {
   return {names::statusBar, get, [members](const MemberUse& use) { return use.Give(Offer(members)); }};
 }
 
@@ -253,7 +252,7 @@ OfferedMember PanelsGiving(std::function<HRESULT(const MemberUse&)> give) {
   return {names::panels, get, std::move(give)};
 }
 
-OfferedMember PanelsWithPanel(std::vector<OfferedMember> members) {
+OfferedMember PanelsWithPanel(const std::vector<OfferedMember>& members) {
   return PanelsGiving([members](const MemberUse& use) { return use.Give(Offer(members)); });
 }
 

@@ -15,7 +15,6 @@ namespace zolvane {
 namespace {
 
 constexpr int tipList = IdOf(ListControl::TipType);
-constexpr int rfidBox = IdOf(CheckControl::RFID);
 constexpr int query = IdOfButton(queryButton);
 
 void Pump() {

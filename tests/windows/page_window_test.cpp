@@ -102,9 +102,9 @@ TEST(PageWindow, HasNoControlBesidesThose) {
 
 std::string FaceOf(HWND control) {
   LOGFONTW font{};
-  const auto handle = reinterpret_cast<HGDIOBJ>(SendMessageW(control, WM_GETFONT, 0, 0));
+  auto* const handle = reinterpret_cast<HGDIOBJ>(SendMessageW(control, WM_GETFONT, 0, 0));
   GetObjectW(handle, sizeof(font), &font);
-  return Utf8(font.lfFaceName);
+  return Utf8(std::data(font.lfFaceName));
 }
 
 TEST(PageWindow, SetsTheTitleInArialAndAllElseInTheFontOfTheSystem) {
@@ -114,7 +114,7 @@ TEST(PageWindow, SetsTheTitleInArialAndAllElseInTheFontOfTheSystem) {
   SystemParametersInfoW(SPI_GETNONCLIENTMETRICS, metrics.cbSize, &metrics, 0);
   EXPECT_EQ(FaceOf(page.Control(titleId)), "Arial");
   for (const int id : controlsInTabOrder) {
-    EXPECT_EQ(FaceOf(page.Control(id)), Utf8(metrics.lfMessageFont.lfFaceName));
+    EXPECT_EQ(FaceOf(page.Control(id)), Utf8(std::data(metrics.lfMessageFont.lfFaceName)));
   }
 }
 
@@ -164,7 +164,7 @@ class Keyboard : public testing::TestWithParam<bool> {
   void PressWithAlt(char letter) const {
     constexpr LPARAM withAlt = 0x20000001;
     PostMessageW(GetFocus(), WM_SYSKEYDOWN, static_cast<WPARAM>(letter), withAlt);
-    PostMessageW(GetFocus(), WM_SYSCHAR, static_cast<WPARAM>(letter - 'A' + 'a'), withAlt);
+    PostMessageW(GetFocus(), WM_SYSCHAR, static_cast<WPARAM>(letter) - 'A' + 'a', withAlt);
     Pump();
   }
 
@@ -438,6 +438,7 @@ class Scale : public testing::TestWithParam<UINT> {
   HWND Control(const ControlRow& row) const { return frame_->Control(row.Id); }
   static int Scaled(int pixels) { return MulDiv(pixels, static_cast<int>(scale_), 96); }
 
+  // NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables): a page asks a plain function for it
   static inline UINT scale_ = 96;
   SilentEvents events_;
   std::shared_ptr<PageFrame> frame_;
@@ -489,7 +490,7 @@ TEST_P(Scale, EveryControlIsInItsGroup) {
 }
 
 SIZE CaptionSize(HWND control) {
-  const auto font = reinterpret_cast<HGDIOBJ>(SendMessageW(control, WM_GETFONT, 0, 0));
+  auto* const font = reinterpret_cast<HGDIOBJ>(SendMessageW(control, WM_GETFONT, 0, 0));
   const auto caption = Wide(CaptionOf(control));
   const HDC context = GetDC(control);
   const HGDIOBJ before = SelectObject(context, font);

@@ -24,6 +24,7 @@ struct SessionPlan {
   std::string Source = SampleConfiguration();  // what the file "old.bak" holds
 };
 
+// NOLINTNEXTLINE(bugprone-exception-escape): a JSON value that is moved throws nothing
 struct PlayedSession {
   std::vector<std::string> Calls;  // of the host, in their order
   std::string Configuration;       // afterwards

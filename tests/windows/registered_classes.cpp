@@ -48,6 +48,7 @@ void AddValues(HKEY key, const std::string& path, RegistryLines& lines) {
   }
 }
 
+// NOLINTNEXTLINE(misc-no-recursion): keys hold keys
 void AddKeys(HKEY key, const std::string& path, RegistryLines& lines) {
   lines.insert(path);
   AddValues(key, path, lines);

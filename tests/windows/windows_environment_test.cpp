@@ -173,6 +173,7 @@ Seen Look(HWND dialogue) {
   return seen;
 }
 
+// NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables): a timer carries no pointer of ours
 std::optional<Seen> whatTheUserSaw;
 
 void CALLBACK LookAndCancel(HWND, UINT, UINT_PTR, DWORD) {

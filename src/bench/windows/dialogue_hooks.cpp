@@ -103,7 +103,7 @@ class DialogueHooks::Dialogues final : public Environment {
 
   std::optional<std::string> ShowFileDialogue(FileDialogueKind kind, const FileDialogue& dialogue) override {
     listener_.FileDialogueOpens(kind, dialogue);
-    const auto chosen = listener_.ShowsDialogues() ? ShowFile() : listener_.ChooseUnshown(kind);
+    auto chosen = listener_.ShowsDialogues() ? ShowFile() : listener_.ChooseUnshown(kind);
     listener_.FileDialogueClosed(chosen);
     return chosen;
   }
@@ -117,14 +117,15 @@ class DialogueHooks::Dialogues final : public Environment {
   DialogueListener& listener_;
 };
 
-DialogueHooks* DialogueHooks::current_ = nullptr;
-
 DialogueHooks::DialogueHooks(HMODULE module, TraceLog* trace, DialogueListener& listener)
     : module_{module},
       real_{std::make_unique<Dialogues>(listener)},
       traced_{trace != nullptr ? Traced(*real_, *trace) : nullptr} {
   current_ = this;
-  Redirect(true);
+  if (!Redirect(true)) {
+    Redirect(false);
+    throw std::runtime_error{"the module does not import the system's boxes and file dialogues"};
+  }
 }
 
 DialogueHooks::~DialogueHooks() {
@@ -132,17 +133,17 @@ DialogueHooks::~DialogueHooks() {
   current_ = nullptr;
 }
 
-void DialogueHooks::Redirect(bool isOn) {
+bool DialogueHooks::Redirect(bool isOn) const {
   const std::array<std::pair<ULONG_PTR, ULONG_PTR>, 3> functions{{
       {SystemFunction(L"user32.dll", "MessageBoxW"), AddressOf(OnMessageBox)},
       {SystemFunction(L"comdlg32.dll", "GetOpenFileNameW"), AddressOf(OnOpenFile)},
       {SystemFunction(L"comdlg32.dll", "GetSaveFileNameW"), AddressOf(OnSaveFile)},
   }};
+  bool areAllFound = true;
   for (const auto& [system, ours] : functions) {
-    if (!ReplaceImport(module_, isOn ? system : ours, isOn ? ours : system) && isOn) {
-      throw std::runtime_error{"the module does not import the system's boxes and file dialogues"};
-    }
+    areAllFound &= ReplaceImport(module_, isOn ? system : ours, isOn ? ours : system);
   }
+  return areAllFound;
 }
 
 int WINAPI DialogueHooks::OnMessageBox(HWND owner, const wchar_t* text, const wchar_t* title, UINT style) {

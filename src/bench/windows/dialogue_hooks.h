@@ -56,9 +56,11 @@ class DialogueHooks {
   static BOOL WINAPI OnSaveFile(OPENFILENAMEW* request);
   static BOOL OnFile(FileDialogueKind kind, OPENFILENAMEW* request, BOOL(WINAPI* show)(OPENFILENAMEW*));
 
-  void Redirect(bool isOn);
+  // False when the module does not import all of them.
+  bool Redirect(bool isOn) const;
 
-  static DialogueHooks* current_;
+  // NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables): what is hooked carries no pointer of ours
+  inline static DialogueHooks* current_ = nullptr;
 
   HMODULE module_;
   std::unique_ptr<Dialogues> real_;

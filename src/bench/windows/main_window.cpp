@@ -66,9 +66,9 @@ MainWindow::MainWindow(Requests requests) : requests_{std::move(requests)} {
   INITCOMMONCONTROLSEX controls{sizeof(controls), ICC_BAR_CLASSES};
   InitCommonControlsEx(&controls);
   RegisterClassOnce(Procedure);
-  window_ = CreateWindowExW(WS_EX_CONTROLPARENT, mainWindowClass, title, WS_OVERLAPPEDWINDOW, 40, 40, 0, 0,
-                            nullptr, nullptr, GetModuleHandleW(nullptr), this);
-  if (window_ == nullptr) {
+  // Its first message has filled in `window_`.
+  if (CreateWindowExW(WS_EX_CONTROLPARENT, mainWindowClass, title, WS_OVERLAPPEDWINDOW, 40, 40, 0, 0, nullptr,
+                      nullptr, GetModuleHandleW(nullptr), this) == nullptr) {
     throw std::runtime_error{"the window cannot be made"};
   }
   dpi_ = DpiOf(window_);
@@ -110,16 +110,16 @@ void MainWindow::AddMenuEntry(const std::string& caption) {
   DrawMenuBar(window_);
 }
 
-HWND MainWindow::AddChild(const wchar_t* childClass, const wchar_t* text, DWORD style, int id) {
+HWND MainWindow::AddChild(const wchar_t* className, const wchar_t* text, DWORD style, int id) {
   const HWND child =
-      CreateWindowExW(0, childClass, text, WS_CHILD | style, 0, 0, 0, 0, window_,
+      CreateWindowExW(0, className, text, WS_CHILD | style, 0, 0, 0, 0, window_,
                       reinterpret_cast<HMENU>(static_cast<LONG_PTR>(id)), GetModuleHandleW(nullptr), nullptr);
   SendMessageW(child, WM_SETFONT, reinterpret_cast<WPARAM>(font_.Get()), FALSE);
   return child;
 }
 
 void MainWindow::CreateParts() {
-  constexpr WPARAM longestLog = 4 * 1024 * 1024;
+  constexpr WPARAM longestLog = WPARAM{4} * 1024 * 1024;
   for (const auto& button : buttons) {
     AddChild(L"BUTTON", button.Caption, WS_TABSTOP, button.Id);
   }

@@ -59,8 +59,6 @@ POINT PlaceFor(HWND owner, SIZE size) {
 
 }  // namespace
 
-MessageWindow* MessageWindow::newest_ = nullptr;
-
 MessageWindow::MessageWindow(HWND owner, const Question& question)
     : owner_{owner},
       dpi_{DpiOf(owner)},
@@ -69,14 +67,13 @@ MessageWindow::MessageWindow(HWND owner, const Question& question)
       window_{Created(owner, question, Procedure, this)} {
   AddContent(question);
   newest_ = this;
-  keyHook_ = SetWindowsHookExW(WH_GETMESSAGE, OnNextMessage, nullptr, GetCurrentThreadId());
+  keyHook_.Reset(SetWindowsHookExW(WH_GETMESSAGE, OnNextMessage, nullptr, GetCurrentThreadId()));
   ShowWindow(window_, SW_SHOW);
   SetForegroundWindow(window_);
   SetFocus(GetDlgItem(window_, buttons_.front()));
 }
 
 MessageWindow::~MessageWindow() {
-  UnhookWindowsHookEx(keyHook_);
   newest_ = before_;
   if (window_ != nullptr) {
     DestroyWindow(window_);

@@ -34,7 +34,8 @@ class MessageWindow {
   int Scaled(int pixels) const;
   void Answer(std::int32_t button);
 
-  static MessageWindow* newest_;
+  // NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables): a hook carries no pointer of ours
+  inline static MessageWindow* newest_ = nullptr;
 
   MessageWindow* const before_ = newest_;
   const HWND owner_;
@@ -42,7 +43,7 @@ class MessageWindow {
   const UniqueFont font_;
   const std::vector<std::int32_t> buttons_;
   HWND window_ = nullptr;
-  HHOOK keyHook_ = nullptr;
+  UniqueHandle<HHOOK, UnhookWindowsHookEx> keyHook_;
   std::int16_t result_ = -1;
 };
 

@@ -44,7 +44,7 @@ std::optional<int> PositionOf(const std::vector<ListEntry>& entries, const std::
 }
 
 bool IsRefusal(std::optional<std::int32_t> answer) {
-  return answer == message_answer::cancel || answer == message_answer::no;
+  return answer && (*answer == message_answer::cancel || *answer == message_answer::no);
 }
 
 }  // namespace
