@@ -59,7 +59,12 @@ std::string DialogueFile(std::string_view file) {
   if (file.empty()) {
     throw UsageError{"the name of the file is empty"};
   }
-  return AbsolutePath(file);
+  auto path = AbsolutePath(file);
+  std::error_code ignored;
+  if (NamesFolder(file) && !std::filesystem::is_directory(PathOf(path), ignored)) {
+    throw UsageError{Joined(Quoted(file), " is the name of a folder and not of a file")};
+  }
+  return path;
 }
 
 // ---- The commands ----
@@ -194,7 +199,7 @@ class RunFileReader {
  public:
   explicit RunFileReader(std::istream& input) : input_{input} {}
 
-  std::vector<Action> Read(const std::string& file) {
+  Job Read(const std::string& file) {
     Open(file);
     while (!open_.empty()) {
       if (const auto line = NextLine(open_.back())) {
@@ -203,7 +208,7 @@ class RunFileReader {
         open_.pop_back();
       }
     }
-    return std::move(actions_);
+    return {.Actions = std::move(actions_), .IsRun = true, .RunFiles = std::move(files_)};
   }
 
  private:
@@ -226,6 +231,13 @@ class RunFileReader {
       throw UsageError{Joined(opened.Name, " runs itself")};
     }
     opened.Text = isInput ? Content(input_, opened.Name) : ContentOf(file, opened.Name);
+    if (opened.Text.find('\0') != std::string::npos) {
+      throw UsageError{
+          Joined(opened.Name, " is no list of commands in UTF-8, as there are zero bytes in it")};
+    }
+    if (!isInput) {
+      files_.insert(opened.Identity);
+    }
     constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
     opened.At = opened.Text.starts_with(byteOrderMark) ? byteOrderMark.size() : 0;
     open_.push_back(std::move(opened));
@@ -311,18 +323,21 @@ class RunFileReader {
     actions_.back().Place = open_.back().Place();
   }
 
-  // "press 3 --file backup.bak": the one option that belongs to a command.
+  // "press 3 --file backup.bak": the one option that belongs to a command, in both its spellings.
   static std::optional<std::string> TakeFileOption(Words& words) {
     constexpr std::string_view option = "--file";
-    const auto found = std::ranges::find(words, option);
+    constexpr std::string_view joined = "--file=";
+    const auto found = std::ranges::find_if(
+        words, [&](const auto& word) { return word == option || word.starts_with(joined); });
     if (found == words.end()) {
       return std::nullopt;
     }
-    if (std::next(found) == words.end()) {
+    const bool isJoined = *found != option;
+    if (!isJoined && std::next(found) == words.end()) {
       throw UsageError{"--file needs the name of a file"};
     }
-    std::string file = *std::next(found);
-    words.erase(found, std::next(found, 2));
+    std::string file = isJoined ? found->substr(joined.size()) : *std::next(found);
+    words.erase(found, std::next(found, isJoined ? 1 : 2));
     if (words.empty()) {
       throw UsageError{"--file goes with press"};
     }
@@ -332,6 +347,7 @@ class RunFileReader {
   std::istream& input_;
   std::vector<OpenFile> open_;
   std::vector<Action> actions_;
+  std::set<std::string> files_;
 };
 
 }  // namespace
@@ -347,7 +363,7 @@ Job ParseJob(const Words& words, const std::optional<std::string>& file, std::is
   if (file) {
     throw UsageError{"--file goes with press; in a run file it stands in the line of its press"};
   }
-  return {.Actions = RunFileReader{input}.Read(words[1]), .IsRun = true};
+  return RunFileReader{input}.Read(words[1]);
 }
 
 std::vector<std::string> SplitWords(std::string_view line) {

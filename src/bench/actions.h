@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <iosfwd>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -30,7 +31,8 @@ struct Action {
 
 struct Job {
   std::vector<Action> Actions;
-  bool IsRun = false;  // its results are a list, whatever their number
+  bool IsRun = false;                // its results are a list, whatever their number
+  std::set<std::string> RunFiles{};  // that the commands stand in, absolute
 };
 
 // The command of the command line, with the value of --file if there is one. Reads the run file that it

@@ -134,27 +134,32 @@ int Run(const Options& options, std::istream& input, std::ostream& output, std::
   CheckFiles(options, job);
   const auto link = CreateLink(options.Link, options.TimeoutSeconds, Interrupt());
   TraceOutput trace{options, output};
+  link->Begin();
   Console console{output,
                   errors,
                   {.IsQuiet = options.IsQuiet,
                    .ResultsGoToNotes = options.Trace == standardOutput,
                    .NotesWidth = ErrorTerminalWidth()}};
-  // Until here nothing has been changed, and an interrupt may end everything at once.
+  // Until here only the trace has been begun, and an interrupt may end everything at once.
   TakeInterrupts([] { Interrupt().Raise(); });
   return PlayJob(options, job, link, trace, console);
+}
+
+void Complain(std::ostream& errors, const std::string& text) {
+  errors << "zolvane-bench: " + text + "\n" << std::flush;
 }
 
 int ParseAndRun(const std::vector<std::string>& arguments, std::istream& input, std::ostream& output,
                 std::ostream& errors) {
   const auto parsed = ParseOptions(arguments);
   if (const auto* information = std::get_if<Information>(&parsed)) {
-    return output << information->Text << std::flush ? exit_status::done : exit_status::notDone;
+    if (output << information->Text << std::flush) {
+      return exit_status::done;
+    }
+    Complain(errors, "standard output could not be written");
+    return exit_status::notDone;
   }
   return Run(std::get<Options>(parsed), input, output, errors);
-}
-
-void Complain(std::ostream& errors, const std::string& text) {
-  errors << "zolvane-bench: " + text + "\n" << std::flush;
 }
 
 }  // namespace

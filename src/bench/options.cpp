@@ -10,6 +10,7 @@
 #include "bench/actions.h"
 #include "bench/answers.h"
 #include "bench/console.h"
+#include "bench/empty_values.h"
 #include "bench/joined.h"
 #include "bench/paths.h"
 #include "bench/usage_error.h"
@@ -188,6 +189,7 @@ std::variant<Options, Information> ParseOptions(std::vector<std::string> argumen
   for (std::size_t index = 0; index < typed.Words.size(); ++index) {
     app.add_option(wordNames[index], typed.Words[index]);
   }
+  arguments = WithEmptyValues(arguments);
   std::ranges::reverse(arguments);
   try {
     app.parse(std::move(arguments));

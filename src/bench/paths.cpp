@@ -28,6 +28,11 @@ std::string AbsolutePath(std::string_view text) {
   return TextOf(path);
 }
 
+bool NamesFolder(std::string_view text) {
+  const auto name = PathOf(text).filename();
+  return name.empty() || name == "." || name == "..";
+}
+
 bool IsSameFile(const std::string& left, const std::string& right) {
   std::error_code failure;
   return left == right || std::filesystem::equivalent(PathOf(left), PathOf(right), failure);

@@ -15,6 +15,9 @@ std::string TextOf(const std::filesystem::path& path);
 // folder.
 std::string AbsolutePath(std::string_view text);
 
+// Ends as only the name of a folder does: in a separator, "." or "..".
+bool NamesFolder(std::string_view text);
+
 // The same file, by name or on the disk.
 bool IsSameFile(const std::string& left, const std::string& right);
 

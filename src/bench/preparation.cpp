@@ -50,7 +50,7 @@ void CheckDialogueFiles(const Job& job) {
   }
 }
 
-// The files that the run reads or writes as settings, and the list of its commands.
+// The files that the run reads or writes as settings, and the lists of its commands.
 std::vector<std::string> NeededFiles(const Options& options, const Job& job) {
   std::vector<std::string> files{ConfigFileIn(options.Folder)};
   for (const auto& action : job.Actions) {
@@ -58,9 +58,7 @@ std::vector<std::string> NeededFiles(const Options& options, const Job& job) {
       files.push_back(*action.File);
     }
   }
-  if (job.IsRun) {
-    files.push_back(AbsolutePath(options.Command.at(1)));
-  }
+  files.insert(files.end(), job.RunFiles.begin(), job.RunFiles.end());
   return files;
 }
 

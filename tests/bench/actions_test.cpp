@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <set>
 #include <sstream>
 
 #include "bench/process_support.h"
@@ -57,6 +58,15 @@ TEST(Commands, AFileBecomesAbsoluteWithoutDetours) {
   EXPECT_EQ(ParsedAction({"import", "/a/b/../c.bak"}).File, "/a/c.bak");
   EXPECT_EQ(ParsedAction({"export", "./c.bak"}).File, (std::filesystem::current_path() / "c.bak").string());
   EXPECT_EQ(ParsedAction({"press", "3"}, "/x//y").File, "/x/y");
+}
+
+TEST(Commands, ANameThatOnlyAFolderCanHaveIsNoFile) {
+  for (const auto* name : {"/nowhere/", "/nowhere/.", "/nowhere/x/.."}) {
+    EXPECT_EQ(Refusal([name] {
+                ParsedAction({"export", name});
+              }),
+              "\"" + std::string{name} + "\" is the name of a folder and not of a file");
+  }
 }
 
 TEST(Commands, AButtonHasAnyWholeNumber) {
@@ -121,6 +131,11 @@ TEST(RunFile, APressTakesItsFileInItsLine) {
   EXPECT_EQ(job.Actions[0].File, "/a b/c");
   EXPECT_EQ(job.Actions[1].File, "/d");
   EXPECT_EQ(job.Actions[2].File, std::nullopt);
+  const auto joined = ParsedRun("press 3 \"--file=/a b/c\"\n");
+  EXPECT_EQ(joined.Actions[0].File, "/a b/c");
+  EXPECT_EQ(joined.Actions[0].Command, "press 3");
+  EXPECT_EQ(Refusal([] { ParsedRun("press 3 --file="); }),
+            "standard input, line 1: the name of the file is empty");
   EXPECT_EQ(Refusal([] { ParsedRun("press 3 --file"); }),
             "standard input, line 1: --file needs the name of a file");
   EXPECT_EQ(Refusal([] { ParsedRun("--file x"); }), "standard input, line 1: --file goes with press");
@@ -161,10 +176,23 @@ TEST(RunFile, AnEndlessFileIsRefused) {
 }
 
 TEST(RunFile, OddBytesAreJustNoCommand) {
-  EXPECT_EQ(Refusal([] {
-              ParsedRun(std::string{"\0\xff\n", 3});
-            }),
+  EXPECT_EQ(Refusal([] { ParsedRun("\x01\xff\n"); }),
             "standard input, line 1: there is no command \"?\xff\"; see zolvane-bench --help");
+}
+
+TEST(RunFile, ZeroBytesAreNoText) {
+  EXPECT_EQ(Refusal([] {
+              ParsedRun(std::string{"page\nimport backup.bak\0\n", 24});
+            }),
+            "standard input is no list of commands in UTF-8, as there are zero bytes in it");
+}
+
+TEST(RunFile, EveryFileThatTheCommandsStandInIsNamed) {
+  const TemporaryFolder folder;
+  const auto inner = folder.Put("inner.txt", "page\n");
+  const auto outer = folder.Put("outer.txt", "run " + inner + "\nrun " + inner + "\n");
+  EXPECT_EQ(Parsed({"run", folder.Path("./outer.txt")}).RunFiles, (std::set<std::string>{inner, outer}));
+  EXPECT_EQ(ParsedRun("run " + inner).RunFiles, (std::set<std::string>{inner}));
 }
 
 }  // namespace

@@ -157,8 +157,10 @@ TEST_F(Bench, BadUseSaysWhatIsWrongAndChangesNothing) {
   Folder.Put("missing.txt", "# first\npage\nimport nowhere.bak\n");
   Folder.Put("itself.txt", "run itself.txt\n");
   Folder.Put("option.txt", "upload --yes\n");
-  Folder.Put("script.json", "{ \"default\": 5 }");
-  Folder.Put("broken.json", "{");
+  Folder.Put("inner.txt", "page\n");
+  Folder.Put("outer.txt", "run inner.txt\n");
+  Folder.Put("backup.bak", configText);
+  Folder.Put("zero.txt", std::string_view{"import backup.bak\0\n", 19});
   const auto files = Folder.Names().size();
   const std::vector<BadUse> uses{
       {{}, "no command is given; see zolvane-bench --help"},
@@ -188,7 +190,8 @@ TEST_F(Bench, BadUseSaysWhatIsWrongAndChangesNothing) {
       {{"import", "."}, "\"FOLDER\" is a folder"},
       {{"import", ""}, "the name of the file is empty"},
       {{"press", "3", "--file", "nowhere.bak"}, "\"FOLDER/nowhere.bak\" does not exist"},
-      {{"export", "nowhere/x.bak"}, "\"FOLDER/nowhere/x.bak\" "},
+      {{"export", "nowhere/x.bak"}, "\"FOLDER/nowhere/x.bak\" is in a folder that does not exist"},
+      {{"export", "nowhere/"}, "\"nowhere/\" is the name of a folder and not of a file"},
       {{"export", "."}, "\"FOLDER\" is a folder"},
       {{"run", "nowhere.txt"}, "the run file nowhere.txt cannot be opened: No such file or directory"},
       {{"run", "."}, ". is a folder and no run file"},
@@ -199,6 +202,16 @@ TEST_F(Bench, BadUseSaysWhatIsWrongAndChangesNothing) {
       {{"run", "option.txt"}, "option.txt, line 1: upload has too many arguments; it is used as: upload"},
       {{"--trace", "nowhere/trace", "page"},
        "the trace file \"nowhere/trace\" cannot be written: No such file or directory"},
+      {{"--trace", "nowhere/trace", "--link", "sim:new.json", "page"},
+       "the trace file \"nowhere/trace\" cannot be written: No such file or directory"},
+      {{"--trace", "inner.txt", "run", "outer.txt"},
+       "--trace would overwrite \"FOLDER/inner.txt\", which the run needs; name another file"},
+      {{"--link", "sim:inner.txt", "run", "outer.txt"},
+       "--link: the instrument's memory would overwrite \"FOLDER/inner.txt\", which the run needs; name "
+       "another file"},
+      {{"run", "zero.txt"}, "zero.txt is no list of commands in UTF-8, as there are zero bytes in it"},
+      {{"--trace=", "page"}, "--trace: the name of the file is empty"},
+      {{"--answer=", "upload"}, "--answer: \"\" is no answer; write ok, cancel, yes or no, with commas"},
       {{"--trace", ".", "page"}, "the trace file \".\" cannot be written: Is a directory"},
       {{"--trace", "./Zolvane.ini", "page"},
        "--trace would overwrite \"FOLDER/Zolvane.ini\", which the run needs; name another file"},
@@ -218,6 +231,7 @@ TEST_F(Bench, BadUseSaysWhatIsWrongAndChangesNothing) {
     EXPECT_EQ(result.Output, "") << use.Message;
   }
   EXPECT_EQ(Folder.Read("Zolvane.ini"), configText);
+  EXPECT_EQ(Folder.Read("inner.txt"), "page\n");
   EXPECT_EQ(Folder.Names().size(), files);
 }
 
@@ -777,6 +791,10 @@ TEST_F(Bench, OutputThatIsLostIsAFailure) {
   const auto results = Run({"page"}, toFullDisk(STDOUT_FILENO));
   EXPECT_EQ(results.Status, 1);
   EXPECT_EQ(results.Errors, "zolvane-bench: the results are lost, as standard output could not be written\n");
+
+  const auto help = Run({"--help"}, toFullDisk(STDOUT_FILENO));
+  EXPECT_EQ(help.Status, 1);
+  EXPECT_EQ(help.Errors, "zolvane-bench: standard output could not be written\n");
 
   const auto trace = Run({"--quiet", "--trace", "-", "page"}, toFullDisk(STDOUT_FILENO));
   EXPECT_EQ(trace.Status, 2);

@@ -15,6 +15,10 @@ class BenchLink : public InstrumentLink {
   // The interrupt outlives the link.
   explicit BenchLink(const InterruptFlag& interrupt) : interrupt_{interrupt} {}
 
+  // To be called before the first command, when nothing can refuse the run any more: from here on the link may
+  // leave something behind. Throws UsageError when it cannot.
+  virtual void Begin() {}
+
   // Also true, and for good, once the user has asked to stop: the add-in clears the flag before each command.
   std::optional<bool> Stop() final { return stop_ || interrupt_.IsRaised(); }
   Status SetStop(bool stop) final;

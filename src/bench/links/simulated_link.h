@@ -13,6 +13,8 @@ class SimulatedLink final : public BenchLink {
   SimulatedLink(SimulatedInstrument instrument, const InterruptFlag& interrupt)
       : BenchLink{interrupt}, instrument_{std::move(instrument)} {}
 
+  void Begin() override { instrument_.SwitchOn(); }
+
  private:
   std::optional<std::string> Exchange(const std::string& command) override {
     return instrument_.Answer(command);

@@ -321,9 +321,10 @@ std::optional<std::string> ReasonAgainstWriting(const std::string& path, const F
   }
   const auto file = WithoutLinks(path);
   const std::string folder = file && file->has_parent_path() ? file->parent_path().string() : ".";
-  return MayAccess(folder, R_OK | W_OK | X_OK)
-             ? std::nullopt
-             : std::optional<std::string>{"is in a folder that cannot be written"};
+  if (MayAccess(folder, R_OK | W_OK | X_OK)) {
+    return std::nullopt;
+  }
+  return errno == ENOENT ? "is in a folder that does not exist" : "is in a folder that cannot be written";
 }
 
 constexpr ByteRange everything{0, std::numeric_limits<std::size_t>::max()};

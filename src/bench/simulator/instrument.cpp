@@ -65,15 +65,24 @@ SimulatedInstrument::SimulatedInstrument(Setup setup) : setup_{std::move(setup)}
   if (setup_.StateFile.empty()) {
     return;
   }
-  std::error_code error;
-  if (std::filesystem::exists(PathOf(setup_.StateFile), error)) {
-    memory_ = ReadState(setup_.StateFile);
-    if (const auto reason = ReasonFileIsInaccessible(setup_.StateFile, FileUse::ReadAndWrite)) {
-      throw UsageError{Joined(Printable(setup_.StateFile), " ", *reason)};
-    }
-  } else if (!KeepState()) {
-    throw UsageError{Printable(setup_.StateFile) + ": the instrument's memory cannot be kept there"};
+  // Before it is read: opening a pipe could wait.
+  if (const auto reason = ReasonFileIsInaccessible(setup_.StateFile, FileUse::ReadAndWrite)) {
+    throw UsageError{Joined(Quoted(setup_.StateFile), " ", *reason)};
   }
+  if (HasStateFile()) {
+    memory_ = ReadState(setup_.StateFile);
+  }
+}
+
+void SimulatedInstrument::SwitchOn() const {
+  if (!HasStateFile() && !KeepState()) {
+    throw UsageError{Joined(Quoted(setup_.StateFile), ": the instrument's memory cannot be kept there")};
+  }
+}
+
+bool SimulatedInstrument::HasStateFile() const {
+  std::error_code ignored;
+  return std::filesystem::exists(PathOf(setup_.StateFile), ignored);
 }
 
 std::optional<std::string> SimulatedInstrument::Answer(std::string_view command) {

@@ -25,9 +25,12 @@ class SimulatedInstrument {
     std::optional<std::size_t> FailAfter{};
   };
 
-  // Takes over what the state file holds; a missing file is created. Throws UsageError when it cannot be
+  // Takes over what the state file holds, and creates nothing yet. Throws UsageError when the file cannot be
   // used.
   explicit SimulatedInstrument(Setup setup);
+
+  // Creates a missing state file. Throws UsageError when that fails.
+  void SwitchOn() const;
 
   // The reply to one command, or nothing when the instrument keeps silent. Keys are taken to the letter.
   std::optional<std::string> Answer(std::string_view command);
@@ -36,6 +39,7 @@ class SimulatedInstrument {
   bool KeepState() const;
 
  private:
+  bool HasStateFile() const;
   std::optional<std::string> Reply(std::string_view command);
   std::string Set(std::string_view keyAndValue);
   std::string Get(std::string_view key) const;

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "bench/console.h"
+#include "bench/empty_values.h"
 #include "bench/joined.h"
 #include "bench/links/whole_number.h"
 #include "bench/simulator/instrument_server.h"
@@ -22,8 +23,9 @@ struct SimulatorOptions {
   std::string Listen = "127.0.0.1:0";
   bool UsesPseudoTerminal = false;
   SimulatedInstrument::Setup Instrument;
+  std::optional<std::string> State;
   std::string Latency = "0";
-  std::string FailAfter;
+  std::optional<std::string> FailAfter;
   std::vector<std::string> Faults;
 };
 
@@ -40,7 +42,7 @@ void Describe(CLI::App& app, SimulatorOptions& options) {
   app.add_option("--listen", options.Listen, "Where to listen; port 0 takes a free one (127.0.0.1:0)")
       ->type_name("HOST:PORT");
   app.add_flag("--pty", options.UsesPseudoTerminal, "Serve a pseudo-terminal instead of TCP");
-  app.add_option("--state", instrument.StateFile, "Keep the calibration memory in FILE")->type_name("FILE");
+  app.add_option("--state", options.State, "Keep the calibration memory in FILE")->type_name("FILE");
   app.add_option("--stage", instrument.Stage, Joined("The reply to STATUS_STAGE (", instrument.Stage, ")"))
       ->type_name("CODE");
   app.add_option("--mech", instrument.Mechanics,
@@ -65,8 +67,11 @@ std::size_t NumberBehind(std::string_view option, const std::string& text, std::
   return *number;
 }
 
-// A reply of two lines would answer two commands.
-void DemandOneLine(const SimulatedInstrument::Setup& instrument) {
+// A reply of two lines would answer two commands, and a comma in the tag would make a sixth field.
+void DemandPlainReplies(const SimulatedInstrument::Setup& instrument) {
+  if (instrument.Tag.find(',') != std::string::npos) {
+    throw UsageError{Joined("--rfid: a tag has no comma: ", Quoted(instrument.Tag))};
+  }
   for (const auto* reply : {&instrument.Stage, &instrument.Mechanics, &instrument.Tag, &instrument.Pumps}) {
     if (reply->find_first_of("\r\n") != std::string::npos) {
       throw UsageError{Joined("a reply is one line: ", Quoted(*reply))};
@@ -76,10 +81,16 @@ void DemandOneLine(const SimulatedInstrument::Setup& instrument) {
 
 SimulatedInstrument InstrumentFrom(const SimulatorOptions& options) {
   auto setup = options.Instrument;
-  DemandOneLine(setup);
-  if (!options.FailAfter.empty()) {
+  if (options.State) {
+    if (options.State->empty()) {
+      throw UsageError{"--state: the name of the file is empty"};
+    }
+    setup.StateFile = *options.State;
+  }
+  DemandPlainReplies(setup);
+  if (options.FailAfter) {
     setup.FailAfter =
-        NumberBehind("--fail-after", options.FailAfter, std::numeric_limits<std::uint32_t>::max());
+        NumberBehind("--fail-after", *options.FailAfter, std::numeric_limits<std::uint32_t>::max());
   }
   return SimulatedInstrument{std::move(setup)};
 }
@@ -103,10 +114,11 @@ void Serve(const SimulatorOptions& options) {
   endings.async_wait([&io](std::error_code, int) { io.stop(); });
   const auto place =
       options.UsesPseudoTerminal ? server.ServePseudoTerminal(io) : server.ServeTcp(io, options.Listen);
+  instrument.SwitchOn();
   std::cout << place << std::endl;
   io.run();
   if (!instrument.KeepState()) {
-    throw UsageError{options.Instrument.StateFile + ": the calibration memory could not be kept"};
+    throw UsageError{Quoted(*options.State) + ": the calibration memory could not be kept"};
   }
 }
 
@@ -116,6 +128,7 @@ int RunSimulator(std::vector<std::string> arguments) {
       "zolvane-sim"};
   SimulatorOptions options;
   Describe(app, options);
+  arguments = WithEmptyValues(arguments);
   std::ranges::reverse(arguments);
   try {
     app.parse(std::move(arguments));

@@ -160,6 +160,7 @@ class HestrionBench {
   InterruptFlag interrupt_;
   std::ostringstream unread_;
   Console console_;
+  std::shared_ptr<BenchLink> link_;
   BenchHost host_;  // the link and the settings files; the rest of it has windows here
   std::unique_ptr<Environment> tracedProcess_;
   std::optional<OfferedSettings> settings_;
@@ -177,7 +178,6 @@ void CheckFilesOf(const WindowOptions& options, const Job& job) {
   Options bench;
   bench.Folder = AbsolutePath(options.Folder);
   bench.Link = options.Link;
-  bench.Command = {"run", options.Play};
   if (!options.Trace.empty()) {
     bench.Trace = options.Trace;
   }
@@ -195,8 +195,10 @@ HestrionBench::HestrionBench(const WindowOptions& options, Job job, std::ostream
                .Quit = [this] { Quit(); },
                .Rest = [this] { host_.FlushSettings(); }}},
       console_{unread_, errors, {.IsQuiet = true, .ResultsGoToNotes = false, .NotesWidth = {}}},
-      host_{{}, CreateLink(options.Link, options.Timeout, interrupt_), nullptr, console_} {
+      link_{CreateLink(options.Link, options.Timeout, interrupt_)},
+      host_{{}, link_, nullptr, console_} {
   OpenTrace();
+  link_->Begin();
   if (!options_.Play.empty()) {
     player_.emplace(AnswerDesk::Setup{.Listed = options_.Answers.empty() ? std::vector<std::int32_t>{}
                                                                          : ParseAnswers(options_.Answers),

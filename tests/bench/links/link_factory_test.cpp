@@ -1,6 +1,7 @@
 #include "bench/links/link_factory.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include "bench/links/sent_command.h"
 #include "bench/usage_error.h"
@@ -106,6 +107,7 @@ TEST(SimulatedLink, KeepsItsMemoryInTheFileOnceItIsSaved) {
   std::string reply;
   {
     const auto link = CreateLink("sim:" + file, 1.0, quietInterrupt);
+    link->Begin();
     EXPECT_EQ(BytesOf(file), "{}\n");
     std::string set = "SET_CALIBRATION STAGE1_X 1612";
     std::string save = "SET_CALIBRATION SAVE";
@@ -119,6 +121,25 @@ TEST(SimulatedLink, KeepsItsMemoryInTheFileOnceItIsSaved) {
   EXPECT_EQ(reply, "STAGE1_X=1612");
 }
 
+TEST(SimulatedLink, ItsFileIsCreatedWhenItBeginsAndThenOnly) {
+  const TemporaryFolder folder;
+  const auto link = CreateLink("sim:" + folder.Path("state.json"), 1.0, quietInterrupt);
+  EXPECT_FALSE(folder.Has("state.json"));
+  link->Begin();
+  EXPECT_EQ(folder.Read("state.json"), "{}\n");
+  folder.Put("state.json", "{ }");
+  link->Begin();
+  EXPECT_EQ(folder.Read("state.json"), "{ }");
+}
+
+TEST(SimulatedLink, AFileThatCannotBeCreatedWhenItBeginsIsRefused) {
+  const TemporaryFolder folder;
+  std::filesystem::create_directory(folder.Path("sub"));
+  const auto link = CreateLink("sim:" + folder.Path("sub/state.json"), 1.0, quietInterrupt);
+  std::filesystem::remove(folder.Path("sub"));
+  EXPECT_THROW(link->Begin(), UsageError);
+}
+
 TEST(SimulatedLink, AStateFileThatIsNoMemoryIsRefused) {
   const TemporaryFolder folder;
   EXPECT_EQ(RefusedLink("sim:" + folder.Put("a.json", "[1]")),
@@ -126,7 +147,10 @@ TEST(SimulatedLink, AStateFileThatIsNoMemoryIsRefused) {
   EXPECT_EQ(RefusedLink("sim:" + folder.Put("b.json", R"({"KEY": 1})")),
             folder.Path("b.json") + R"(: the value of "KEY" is not a text)");
   EXPECT_EQ(RefusedLink("sim:" + folder.Path("no folder/c.json")),
-            folder.Path("no folder/c.json") + ": the instrument's memory cannot be kept there");
+            "\"" + folder.Path("no folder/c.json") + "\" is in a folder that does not exist");
+  ASSERT_EQ(::mkfifo(folder.Path("pipe").c_str(), 0600), 0);
+  EXPECT_EQ(RefusedLink("sim:" + folder.Path("pipe")),
+            "\"" + folder.Path("pipe") + "\" is not an ordinary file");
 }
 
 }  // namespace

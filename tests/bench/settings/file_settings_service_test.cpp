@@ -377,7 +377,7 @@ TEST(CheckUsable, AMissingFileIsWhereItCanBeCreated) {
   const TemporaryFolder folder;
   EXPECT_EQ(CheckUsable(folder.Path("new.ini")), std::nullopt);
   EXPECT_EQ(CheckUsable(folder.Path("new.ini"), FileUse::ReadOnly), "does not exist");
-  EXPECT_EQ(CheckUsable(folder.Path("missing/new.ini")), "is in a folder that cannot be written");
+  EXPECT_EQ(CheckUsable(folder.Path("missing/new.ini")), "is in a folder that does not exist");
   EXPECT_EQ(CheckUsable(folder.Put("file", "") + "/new.ini"), "cannot be reached");
 }
 

@@ -74,6 +74,7 @@ TEST(SimulatedInstrument, SavingKeepsTheMemoryInTheFile) {
   const TemporaryFolder folder;
   const auto file = folder.Path("state.json");
   auto instrument = KeptIn(file);
+  instrument.SwitchOn();
   instrument.Answer("SET_CALIBRATION B 2");
   instrument.Answer("SET_CALIBRATION A 1");
   EXPECT_EQ(BytesOf(file), "{}\n");

@@ -171,13 +171,17 @@ TEST(SimulatorProgram, WhatIsWrongWithTheOptionsIsSaidInOneLine) {
       {"--latency", "soon"},
       {"--fail-after", "1.5"},
       {"--fail-after", "-1"},
+      {"--fail-after="},
       {"--fault", "late"},
       {"--fault", "late@0"},
       {"--fault", "rain@1"},
       {"--state", folder.Path(".")},
       {"--state", folder.Path("no/state.json")},
       {"--state", file},
+      {"--state", folder.Path("new.json"), "--listen", "192.0.2.1:0"},
+      {"--state="},
       {"--stage", "A\r\nB"},
+      {"--rfid", "A,B"},
       {"--bogus"},
       {"--listen"},
       {"extra\nword"},
@@ -192,6 +196,22 @@ TEST(SimulatorProgram, WhatIsWrongWithTheOptionsIsSaidInOneLine) {
     EXPECT_EQ(simulator.Output(), "");
   }
   EXPECT_EQ(BytesOf(file), "{\"A\": 1}");
+  EXPECT_EQ(folder.Names(), std::vector<std::string>{"state.json"});
+}
+
+TEST(SimulatorProgram, AnEmptyValueIsAValue) {
+  const Simulator simulator{{"--rfid=", "--mech", "", "--stage", "BE2"}};
+  const auto link = CreateLink(simulator.Line(), 5.0, quietInterrupt);
+  EXPECT_EQ(Send(*link, "RFID READ_PERSISTENT"), "RFID,PERSISTENT,,READ,OK");
+  EXPECT_EQ(Send(*link, "STATUS_MECH"), "");
+  EXPECT_EQ(Send(*link, "STATUS_STAGE"), "BE2");
+}
+
+TEST(SimulatorProgram, AMissingStateFileIsThereWhenItListens) {
+  const TemporaryFolder folder;
+  const Simulator simulator{{"--state", folder.Path("state.json")}};
+  EXPECT_TRUE(simulator.Line().starts_with("tcp:"));
+  EXPECT_EQ(folder.Read("state.json"), "{}\n");
 }
 
 TEST(SimulatorProgram, ItsHelpTellsTheFaults) {
