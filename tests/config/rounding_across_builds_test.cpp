@@ -66,8 +66,9 @@ std::string DecimalText(std::mt19937_64& random) {
 std::string HalfText(std::mt19937_64& random) {
   const auto whole = std::to_string(random() % 40'000);
   const std::array<std::string_view, 4> endings{".5", ".05", ".005", ".995"};
-  return (random() % 2 == 0 ? "-" : "") + whole +
-         std::string{endings[static_cast<std::size_t>(random() % endings.size())]};
+  const std::string ending{endings[static_cast<std::size_t>(random() % endings.size())]};
+  const std::string sign = random() % 2 == 0 ? "-" : "";
+  return sign + whole + ending;
 }
 
 const std::vector<std::string>& GeneratedTexts() {

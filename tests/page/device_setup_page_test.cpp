@@ -188,6 +188,19 @@ TEST(LoadingThePage, WritesTheFirstEntryWhenTheInstalledNameIsNotInTheList) {
   EXPECT_EQ(fixture.Value("TipType", "Installed"), "1");
 }
 
+TEST(LoadingThePage, SelectsTheInstalledEntryOfEveryList) {
+  for (const auto list : allLists) {
+    PageFixture fixture;
+    const auto section = RowOf(list).Section;
+    fixture.Settings().Set(section, "Item1", "\"First\"");
+    fixture.Settings().Set(section, "Item2", "\"Second\",CODE");
+    fixture.Settings().Set(section, "Installed", "2");
+    fixture.Page.LoadDefaults();
+    EXPECT_EQ(fixture.List(list).Selected, 1) << section;
+    EXPECT_EQ(fixture.Value(section, "Installed"), "2");
+  }
+}
+
 TEST(LoadingThePage, LosesNotInstalled) {
   PageFixture fixture;
   fixture.Settings().Set("CageType", "Installed", "0");
@@ -302,6 +315,15 @@ TEST(LoadingThePage, ForTheSecondTimeStartsFromEmptyLists) {
   fixture.Page.LoadDefaults();
   EXPECT_EQ(fixture.EntriesOf(ListControl::CageType), (Texts{"Narrow=1", "Not installed=0"}));
   EXPECT_EQ(fixture.View.Shown.Of(ListControl::CageType).Entries.size(), 2U);
+}
+
+TEST(LoadingThePage, ForTheSecondTimeLeavesNothingSelectedInAListThatHasBecomeEmpty) {
+  PageFixture fixture;
+  fixture.Load();
+  fixture.Settings().Load("[DeviceType]\nInstalled=2\n");
+  fixture.Page.LoadDefaults();
+  EXPECT_EQ(fixture.List(ListControl::DeviceType).Selected, noSelection);
+  EXPECT_EQ(fixture.Value("DeviceType", "Installed"), "2");
 }
 
 TEST(LoadingThePage, EnablesAndDisablesTheTransferButtonsByTheDevicesSwitches) {

@@ -2,10 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "support/form_session.h"
@@ -430,6 +433,40 @@ struct Detaching {
 
   std::weak_ptr<frmAddIn> Page;
 };
+
+// A call of the host or the view, and an event in the midst of which the host lets go of the page.
+struct MemberCall {
+  std::string_view Event;
+  std::function<void(frmAddIn& page, FormSession& session)> Make;
+};
+
+TEST(DetachingMeanwhile, KeepsThePageUntilTheMemberReturns) {
+  const std::vector<MemberCall> calls{
+      {"changed=false", [](auto& page, auto&) { page.IAddInForm_SaveChanges(); }},
+      {"read [DeviceType] Installed", [](auto& page, auto&) { page.IAddInForm_LoadDefaults(); }},
+      {"hold=false", [](auto& page, auto&) { page.IAddInForm_ObjectParent(nullptr); }},
+      {"find panel", [](auto& page, auto& session) { page.IAddInForm_FormParent(session.Window); }},
+      {"changed=false", [](auto& page, auto&) { PassOver(page.UserSelects(ListControl::DeviceType, 0)); }},
+      {"changed=false", [](auto& page, auto&) { PassOver(page.UserSetsCheck(CheckControl::RFID, 1)); }},
+      {"send STATUS_STAGE", [](auto& page, auto&) { page.PressButton(queryButton); }},
+  };
+  for (std::size_t number = 0; number < calls.size(); ++number) {
+    FormSession session{formConfiguration};
+    session.LoadDefaults();
+    const std::weak_ptr<frmAddIn> page{session.Form};
+    std::optional<bool> wasKept;
+    session.Calls.FailsIf = [&](std::string_view event) {
+      if (session.Form && event.starts_with(calls[number].Event)) {
+        std::exchange(session.Form, nullptr)->IAddInForm_ObjectParent(nullptr);
+        wasKept = !page.expired();
+      }
+      return false;
+    };
+    calls[number].Make(*session.Form, session);
+    EXPECT_EQ(wasKept, true) << number;
+    EXPECT_TRUE(page.expired()) << number;
+  }
+}
 
 TEST(DetachingMeanwhile, LetsARunningUploadEndWithoutTheHost) {
   FormSession session{formConfiguration};

@@ -340,6 +340,7 @@ constexpr auto filter = "Backup files (*.bak)|*.bak|Configuration Files (*.ini)|
 TEST(FileDialogueOfThePage, IsSetUpForImport) {
   CopyFixture fixture;
   fixture.Process.BoxAnswers = {message_answer::yes};
+  fixture.Dialogue.DefaultExtension = "txt";
   fixture.Dialogue.FilterIndex = 3;
   ImportCalibrationFile(fixture.Context, fixture.Dialogue);
   ASSERT_EQ(fixture.Process.FileDialogues.size(), 1U);
@@ -356,6 +357,7 @@ TEST(FileDialogueOfThePage, IsSetUpForImport) {
 
 TEST(FileDialogueOfThePage, IsSetUpForExport) {
   CopyFixture fixture;
+  fixture.Dialogue.DefaultExtension = "txt";
   fixture.Dialogue.FilterIndex = 3;
   ExportCalibrationFile(fixture.Context, fixture.Dialogue);
   ASSERT_EQ(fixture.Process.FileDialogues.size(), 1U);

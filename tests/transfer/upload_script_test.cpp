@@ -571,7 +571,7 @@ TEST(UploadScript, SendsElevenCorrectionsInTheirOrderAndThoseThatTipsName) {
   for (const auto* name :
        {"12_CH_300", "12_CH_30", "12_CH_12.5", "12_CH_125", "12_CH_1250", "8_CH_300", "8_CH_30", "8_CH_12.5",
         "8_CH_125", "8_CH_1250", "1_CH_SHORT_1250", "1_CH_SHORT_300", "1_CH_LONG_300", "1_CH_LONG_125",
-        "1_CH_LONG_30", "1_CH_LONG_12.5", "1_CH_LONG_1250", "1_CH_LONG_12"}) {
+        "1_CH_LONG_30", "1_CH_LONG_12.5", "1_CH_LONG_1250", "1_CH_LONG_12", "_"}) {
     tables += std::string{"[VolumeCorrection_"} + name + "]\n1Item=x,1,V_" + name + "\n";
   }
   tables += "[Own]\n1Item=x,1,V_OWN\n[Other]\n1Item=x,1,V_OTHER\n";
