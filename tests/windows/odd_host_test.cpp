@@ -27,6 +27,7 @@ namespace {
 
 constexpr WORD get = DISPATCH_PROPERTYGET;
 constexpr WORD put = DISPATCH_PROPERTYPUT;
+constexpr WORD method = DISPATCH_METHOD;
 
 using Texts = std::vector<std::string>;
 
