@@ -70,6 +70,12 @@ TEST(PageControls, HoldTheLabelsAndFrames) {
   EXPECT_EQ(calibrationFrame.Caption, "Calibrated Data");
 }
 
+TEST(PageControls, NumberTheStatesOfABoxAsViewsReportThem) {
+  EXPECT_EQ(untickedValue, 0);
+  EXPECT_EQ(tickedValue, 1);
+  EXPECT_EQ(greyValue, 2);
+}
+
 TEST(PageControls, TakeTheirColoursFromTheSystem) {
   EXPECT_EQ(windowBackground, 2147483653U);
   EXPECT_EQ(buttonFace, 2147483663U);
