@@ -140,7 +140,7 @@ int Run(const Options& options, std::istream& input, std::ostream& output, std::
                   {.IsQuiet = options.IsQuiet,
                    .ResultsGoToNotes = options.Trace == standardOutput,
                    .NotesWidth = ErrorTerminalWidth()}};
-  // Until here only the trace has been begun, and an interrupt may end everything at once.
+  // Until here only the trace and an instrument's memory have been begun, and an interrupt may end everything at once.
   TakeInterrupts([] { Interrupt().Raise(); });
   return PlayJob(options, job, link, trace, console);
 }

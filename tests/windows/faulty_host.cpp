@@ -333,11 +333,6 @@ class FailingByName final : public ComObject<FailingByName, IDispatch> {
     return invoked;
   }
 
-  static const std::array<NamedMember<FailingByName>, 0>& Members() {
-    static constexpr std::array<NamedMember<FailingByName>, 0> none{};
-    return none;
-  }
-
  private:
   HRESULT Fail(VARIANT* result, EXCEPINFO* exception) const {
     switch (faults_.Way()) {
@@ -420,11 +415,6 @@ class FailingSettingsObject final : public ComObject<FailingSettingsObject, IIni
       *pieces = SafeArrayCreateVector(VT_BSTR, 0, 3);
     }
     return Refusal();
-  }
-
-  static const std::array<NamedMember<FailingSettingsObject>, 0>& Members() {
-    static constexpr std::array<NamedMember<FailingSettingsObject>, 0> none{};
-    return none;
   }
 
  private:

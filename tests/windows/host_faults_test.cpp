@@ -277,21 +277,28 @@ Outcome PlayOnModule(const Operation& operation, const Failure& failure) {
 
 // ---- Which calls fail
 
-// Most calls of an operation differ in nothing but the number of their record or in their values, and what they come to in
-// the module is the same few lines. So each kind of call fails where it comes first and where it comes last, and beside these every so-many-th
-// call, to meet other states of the operation. Calls by name fail in each of the ways, from the first to the last of their
-// kind; those of the settings-file service take turns.
-std::vector<Failure> FailuresOf(const std::vector<HostCall>& calls) {
-  const std::size_t stride = calls.size() / 16;
-  std::map<std::string, std::vector<std::size_t>> places;
+using Places = std::map<std::string, std::vector<std::size_t>>;
+
+// Where each kind of call comes, counted from 1.
+Places PlacesOfEachKind(const std::vector<HostCall>& calls) {
+  Places places;
   for (std::size_t call = 0; call < calls.size(); ++call) {
     places[calls[call].Kind].push_back(call + 1);
   }
+  return places;
+}
+
+// Most calls of an operation differ in nothing but the number of their record or in their values, and what they come to in
+// the module is the same few lines. So each kind of call fails where it comes first and where it comes last, and beside
+// these every so-many-th call, to meet other states of the operation. Calls by name fail in each of the ways, from the
+// first to the last of their kind; those of the settings-file service take turns.
+std::vector<Failure> FailuresOf(const std::vector<HostCall>& calls) {
+  const std::size_t stride = calls.size() / 16;
   std::vector<Failure> failures;
   const auto add = [&](std::size_t call) {
     failures.push_back({.Call = call, .Way = static_cast<FailureWay>(failures.size() % failureWays)});
   };
-  for (const auto& [kind, at] : places) {
+  for (const auto& [kind, at] : PlacesOfEachKind(calls)) {
     if (!calls[at.front() - 1].IsByName) {
       add(at.front());
       if (at.size() > 1) {
@@ -478,14 +485,10 @@ class ReenteringSession {
 };
 
 // Where each kind of call comes first and last.
-std::set<std::size_t> PlacesIn(const std::vector<HostCall>& calls) {
-  std::map<std::string, std::set<std::size_t>> places;
-  for (std::size_t call = 0; call < calls.size(); ++call) {
-    places[calls[call].Kind].insert(call + 1);
-  }
+std::set<std::size_t> EndsIn(const std::vector<HostCall>& calls) {
   std::set<std::size_t> ends;
-  for (const auto& [kind, at] : places) {
-    ends.insert({*at.begin(), *at.rbegin()});
+  for (const auto& [kind, at] : PlacesOfEachKind(calls)) {
+    ends.insert({at.front(), at.back()});
   }
   return ends;
 }
@@ -499,7 +502,7 @@ void ExpectNothingLeftByReentering(const Operation& operation) {
   }
   ASSERT_GT(calls.size(), 10U);
   std::size_t turn = 0;
-  for (const auto place : PlacesIn(calls)) {
+  for (const auto place : EndsIn(calls)) {
     const Reentry reentry = reentries[turn++ % reentries.size()];
     SCOPED_TRACE("call " + std::to_string(place) + ", " + calls[place - 1].Kind + ", in way " +
                  std::to_string(static_cast<int>(reentry)));

@@ -344,12 +344,6 @@ class RaisingObject final : public ComObject<RaisingObject, IDispatch> {
     exception->bstrHelpFile = SysAllocStringLen(nullptr, 3000);
     return DISP_E_EXCEPTION;
   }
-
-  static bool Implements(REFIID) { return false; }
-  static const std::array<NamedMember<RaisingObject>, 0>& Members() {
-    static constexpr std::array<NamedMember<RaisingObject>, 0> none{};
-    return none;
-  }
 };
 
 TEST(OddHost, RaisesErrorsWhoseTextsAreNotKept) {

@@ -68,11 +68,15 @@ HRESULT InvokeById(Self& self, const Members& members, DISPID id, WORD kinds, co
                                  : DISP_E_MEMBERNOTFOUND;
 }
 
-// A counted object, which offers
-//   static const std::array<NamedMember<Self>, n>& Members()
+// A counted object. It says what callers by name may use by a function like Members here, with any number of them.
 template <class Self, class Interface, class... Others>
 class ComObject : public Counted<Self, Interface, IDispatch, Others...> {
  public:
+  static const std::array<NamedMember<Self>, 0>& Members() {
+    static constexpr std::array<NamedMember<Self>, 0> none{};
+    return none;
+  }
+
   // Names are all that callers by name get: the description of the types is in the type libraries.
   HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
     return count != nullptr ? *count = 0, S_OK : E_POINTER;
