@@ -9,10 +9,10 @@ std::shared_ptr<InstrumentLink> HostAttachment::Link() const {
   return object ? object->Link() : nullptr;
 }
 
-bool HostAttachment::StopIsFalse() const {
+bool HostAttachment::MayGoOn() const {
   const auto link = Link();
-  const auto stop = link ? link->Stop() : std::nullopt;
-  return stop == false;
+  const bool isRaised = link && MetOnlyIf(link->Stop());
+  return !isRaised;
 }
 
 std::string HostAttachment::StatusText() const {

@@ -96,7 +96,7 @@ void QueryHardware(const OperationContext& context) {
   PassOver(context.Page.EnableControls(false));
   DetectDeviceType(context);
   for (const auto step : {DetectModuleType, DetectHeadType, DetectPumpModule}) {
-    if (context.Host.StopIsFalse()) {
+    if (context.Host.MayGoOn()) {
       step(context);
     }
   }

@@ -160,7 +160,7 @@ void AskHeadHeights(const OperationContext& context, HeadTypeRecord& head) {
 }
 
 void AskTipEject(const OperationContext& context, HeadTypeRecord& head) {
-  if (head.Code != "SERIALDILUTE" || !context.Host.StopIsFalse()) {
+  if (head.Code != "SERIALDILUTE" || !context.Host.MayGoOn()) {
     return;
   }
   if (const auto keys = TipEjectKeysOf(head)) {
@@ -179,7 +179,7 @@ void AskLiquidHandling(const OperationContext& context, HeadTypeRecord head) {
     AskHeadHeights(context, head);
     AskTipEject(context, head);
   }
-  if (context.Host.StopIsFalse()) {
+  if (context.Host.MayGoOn()) {
     SaveHeadType(context.Config, head, ConfigFile(context));
   }
 }
@@ -199,7 +199,7 @@ void AskTipData(const OperationContext& context, TipTypeRecord tip) {
     queries.Ask("RackPickup_12_300_Z", [&](double value) { StoreScaledLong(tip.Field8, value, scale); });
     queries.Ask("RackEject_12_300_Z", [&](double value) { StoreScaledLong(tip.Field7, value, scale); });
   }
-  if (context.Host.StopIsFalse()) {
+  if (context.Host.MayGoOn()) {
     SaveTipType(context.Config, tip, ConfigFile(context));
   }
 }
@@ -233,14 +233,14 @@ void DownloadCalibration(const OperationContext& context) {
 
 void DownloadPosition(const OperationContext& context, std::string_view instrumentName,
                       std::string_view positionName) {
-  if (context.Host.StopIsFalse()) {
+  if (context.Host.MayGoOn()) {
     AskPosition(context, {.PositionName = positionName, .InstrumentName = instrumentName},
                 &PositionRecord::Field4, &PositionRecord::Field5);
   }
 }
 
 void DownloadHeights(const OperationContext& context) {
-  if (!context.Host.StopIsFalse()) {
+  if (!context.Host.MayGoOn()) {
     return;
   }
   ShowStep(context, "Heights");
@@ -251,7 +251,7 @@ void DownloadHeights(const OperationContext& context) {
 }
 
 void DownloadTipAndHeadChange(const OperationContext& context) {
-  if (!context.Host.StopIsFalse()) {
+  if (!context.Host.MayGoOn()) {
     return;
   }
   auto cage = FindMicrotiterCage(context.Config);
@@ -281,7 +281,7 @@ void DownloadTipData(const OperationContext& context) {
 }
 
 void DownloadSerialDiluteXY(const OperationContext& context) {
-  if (!context.Host.StopIsFalse()) {
+  if (!context.Host.MayGoOn()) {
     return;
   }
   ShowStep(context, "SD XY");

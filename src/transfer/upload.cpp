@@ -24,7 +24,7 @@ void SendScript(const OperationContext& context, std::string_view script) {
   std::string reply;
   for (const auto& line : context.Config.Settings.SplitText(lineBreak, script)) {
     // The flag is read for every line, also when it has been found true: each line asks for itself.
-    if (!context.Host.StopIsFalse()) {
+    if (!context.Host.MayGoOn()) {
       continue;
     }
     bool ok = false;

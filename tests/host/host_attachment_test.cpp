@@ -39,21 +39,21 @@ TEST(HostAttachment, HasNoLinkWhenTheHostGivesNone) {
 TEST(HostAttachment, ReadsTheStopFlagAfreshFromTheLink) {
   FakeHost host;
   const auto attachment = host.Attached();
-  EXPECT_TRUE(attachment.StopIsFalse());
+  EXPECT_TRUE(attachment.MayGoOn());
   host.Link().StopFlag = true;
-  EXPECT_FALSE(attachment.StopIsFalse());
+  EXPECT_FALSE(attachment.MayGoOn());
   host.Link().StopFlag = false;
-  EXPECT_TRUE(attachment.StopIsFalse());
+  EXPECT_TRUE(attachment.MayGoOn());
   EXPECT_EQ(host.Calls.Events, (Texts{"get link", "stop?", "get link", "stop?", "get link", "stop?"}));
 }
 
-TEST(HostAttachment, DoesNotTakeAStopFlagThatCannotBeReadForFalse) {
+TEST(HostAttachment, TakesAStopFlagThatCannotBeReadForNotRaised) {
   FakeHost host;
   host.Calls.FailEverythingThatStartsWith("stop?");
-  EXPECT_FALSE(host.Attached().StopIsFalse());
+  EXPECT_TRUE(host.Attached().MayGoOn());
   host.Calls.FailEverythingThatStartsWith("get link");
-  EXPECT_FALSE(host.Attached().StopIsFalse());
-  EXPECT_FALSE(HostAttachment{}.StopIsFalse());
+  EXPECT_TRUE(host.Attached().MayGoOn());
+  EXPECT_TRUE(HostAttachment{}.MayGoOn());
 }
 
 TEST(HostAttachment, ReadsAndSetsThePanelsText) {

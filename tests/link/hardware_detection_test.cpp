@@ -133,11 +133,12 @@ TEST(QueryHardware, GoesOnWhenTheStopFlagIsTakenBack) {
             (Texts{"send STATUS_STAGE", "send RFID ON", "send RFID READ_PERSISTENT", "send STATUS PUMPS"}));
 }
 
-TEST(QueryHardware, RunsOnlyTheFirstStepWhenTheStopFlagCannotBeRead) {
+TEST(QueryHardware, RunsEveryStepWhenTheStopFlagCannotBeRead) {
   DetectionFixture fixture;
   fixture.Calls.FailEverythingThatStartsWith("stop?");
   QueryHardware(fixture.Context);
-  EXPECT_EQ(fixture.Sent(), Texts{"send STATUS_STAGE"});
+  EXPECT_EQ(fixture.Sent(), (Texts{"send STATUS_STAGE", "send STATUS_MECH", "send RFID ON",
+                                   "send RFID READ_PERSISTENT", "send STATUS PUMPS"}));
   EXPECT_EQ(fixture.Calls.Events.back(), "enable controls true");
 }
 
@@ -164,15 +165,15 @@ TEST(QueryHardware, RunsAlsoWhenTheControlsCannotBeDisabled) {
   EXPECT_EQ(fixture.Calls.Of({"enable"}), (Texts{"enable controls false", "enable controls true"}));
 }
 
-TEST(QueryHardware, RunsToItsEndWithoutAnyHost) {
+TEST(QueryHardware, SaysForEachStepThatThereIsNoCommunicationWithoutAnyHost) {
   DetectionFixture fixture;
   fixture.Attachment = {};
   QueryHardware(fixture.Context);
+  const std::string message =
+      "message 0 \"Communication Error\" \"\r\n\r\nPlease ensure that the Zolvane is switched on\r\nand in "
+      "'Remote Mode'\"";
   EXPECT_EQ(fixture.Steps(),
-            (Texts{"enable controls false",
-                   "message 0 \"Communication Error\" \"\r\n\r\nPlease ensure that the Zolvane "
-                   "is switched on\r\nand in 'Remote Mode'\"",
-                   "enable controls true"}));
+            (Texts{"enable controls false", message, message, message, message, "enable controls true"}));
 }
 
 // ---- Device ----

@@ -79,7 +79,7 @@ class ForgivingLink final : public InstrumentLink {
   // Without a link nothing happens and nothing answers.
   explicit ForgivingLink(std::shared_ptr<InstrumentLink> link) : link_{std::move(link)} {}
 
-  std::optional<bool> Stop() override { return link_ ? link_->Stop().value_or(true) : true; }
+  std::optional<bool> Stop() override { return link_ ? link_->Stop().value_or(false) : false; }
 
   Status SetStop(bool stop) override {
     PassOver(link_ ? link_->SetStop(stop) : Status::Success());

@@ -194,12 +194,16 @@ TEST(Download, DoesNotRefreshThePageOrTheRecordsInForce) {
   EXPECT_EQ(fixture.Calls.Of({"load", "select"}), Texts{});
 }
 
-TEST(Download, RunsToItsEndWithoutAnyHost) {
+TEST(Download, SaysForEachGroupThatThereIsNoCommunicationWithoutAnyHost) {
   DownloadFixture fixture{
       "[HeadType]\nItem1=\"h\",SERIALDILUTE,0,30,0,8\n[TipType]\nItem1=\"t\",SERIALDILUTE\n"};
   fixture.Attachment = {};
   DownloadCalibration(fixture.Context);
-  EXPECT_EQ(fixture.Writes(), Texts{});
+  // 13 positions, the height, the head, and the serial-dilute positions, which end at their first failure.
+  EXPECT_EQ(fixture.Calls.Of({"message 0 \"Communication Error\""}).size(), 16U);
+  EXPECT_EQ(fixture.Writes(),
+            (Texts{"write [HeadType] Item1=\"h\",SERIALDILUTE,0,30,0,8,0,0,0,0,0,0,0,0,0,0,,0,\"\"",
+                   "write [TipType] Item1=\"t\",SERIALDILUTE,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,\"\""}));
   EXPECT_EQ(fixture.Calls.Events.back(), "enable controls true");
 }
 
@@ -270,15 +274,18 @@ TEST(DownloadPosition, AsksForXLoadsTheRecordAsksForYAndSaves) {
                    "write [Position_D] Item2=TIPCHUTE,\"c\",K,-11,13,3,4,5,6,7,8,1,0,T,1,1"}));
 }
 
-TEST(DownloadPosition, DoesNothingWhenTheStopFlagIsSetOrCannotBeRead) {
+TEST(DownloadPosition, DoesNothingWhenTheStopFlagIsSet) {
   DownloadFixture fixture;
   fixture.Link().StopFlag = true;
   DownloadPosition(fixture.Context, "STAGE1", "STAGE1");
   EXPECT_EQ(fixture.Calls.Events, (Texts{"get link", "stop?"}));
-  fixture.Link().StopFlag = false;
+}
+
+TEST(DownloadPosition, AsksWhenTheStopFlagCannotBeRead) {
+  DownloadFixture fixture;
   fixture.Calls.FailEverythingThatStartsWith("stop?");
   DownloadPosition(fixture.Context, "STAGE1", "STAGE1");
-  EXPECT_EQ(fixture.Sent(), Texts{});
+  EXPECT_EQ(fixture.Asked(), (Texts{"STAGE1_X", "STAGE1_Y"}));
 }
 
 TEST(DownloadPosition, EndsWhenXIsNotAnswered) {
@@ -353,6 +360,13 @@ TEST(DownloadHeights, WritesNothingForASyntaxErrorOrWithoutAnAnswer) {
   DownloadHeights(fixture.Context);
   EXPECT_EQ(fixture.Writes(), Texts{});
   EXPECT_EQ(fixture.Sent().size(), 2U);
+}
+
+TEST(DownloadHeights, AreAskedWhenTheStopFlagCannotBeRead) {
+  DownloadFixture fixture;
+  fixture.Calls.FailEverythingThatStartsWith("stop?");
+  DownloadHeights(fixture.Context);
+  EXPECT_EQ(fixture.Asked(), Texts{"Delta_Z"});
 }
 
 TEST(DownloadHeights, AreSkippedWhenTheStopFlagIsSet) {
@@ -562,6 +576,22 @@ TEST(DownloadLiquidHandling, StoresTipEjectPositiveInTheAxisUnitsWithTwoDecimals
   }
 }
 
+TEST(DownloadTipAndHeadChange, AsksWhenTheStopFlagCannotBeRead) {
+  ChangeFixture fixture{changeHead};
+  fixture.Calls.FailEverythingThatStartsWith("stop?");
+  fixture.Run();
+  EXPECT_EQ(fixture.Asked().size(), 5U);
+  EXPECT_EQ(fixture.Writes().size(), 4U);
+}
+
+TEST(DownloadLiquidHandling, AsksAndSavesWhenTheStopFlagCannotBeRead) {
+  DownloadFixture fixture{LiquidHead("SERIALDILUTE", "30", "8_CH")};
+  fixture.Calls.FailEverythingThatStartsWith("stop?");
+  DownloadLiquidHandling(fixture.Context);
+  EXPECT_EQ(fixture.Asked().size(), 6U);
+  EXPECT_EQ(fixture.Writes().size(), 1U);
+}
+
 TEST(DownloadLiquidHandling, GoesStraightToTheSaveWhenEjectOrLockIsNotAnswered) {
   DownloadFixture eject{LiquidHead("SERIALDILUTE", "30", "8_CH")};
   eject.Refuse("HeadEject_SD_S");
@@ -692,6 +722,13 @@ TEST(DownloadTipData, LeavesOtherTipsAndThoseBehindTheEndAlone) {
   EXPECT_EQ(fixture.Calls.Of({"send", "write", "stop?"}), Texts{});
 }
 
+TEST(DownloadTipData, SavesWhenTheStopFlagCannotBeRead) {
+  DownloadFixture fixture{TipLine("SERIALDILUTE", "0,1,0,0")};
+  fixture.Calls.FailEverythingThatStartsWith("stop?");
+  DownloadTipData(fixture.Context);
+  EXPECT_EQ(fixture.Writes().size(), 1U);
+}
+
 TEST(DownloadTipData, SkipsTheRestOfTheTipAfterAFailureAndSavesIt) {
   DownloadFixture chute{TipLine("SERIALDILUTE", "0,1,0,0")};
   chute.Refuse("ChuteEject_Z");
@@ -810,6 +847,13 @@ TEST(DownloadSerialDiluteXY, EndsAtTheFirstFailure) {
   DownloadSerialDiluteXY(y.Context);
   EXPECT_EQ(y.Asked(), (Texts{"WELL_A1_SD_X", "WELL_A1_SD_Y", "CHUTE_SD_X", "CHUTE_SD_Y"}));
   EXPECT_EQ(y.Writes().size(), 1U);
+}
+
+TEST(DownloadSerialDiluteXY, AsksWhenTheStopFlagCannotBeRead) {
+  DownloadFixture fixture{fourPositions};
+  fixture.Calls.FailEverythingThatStartsWith("stop?");
+  DownloadSerialDiluteXY(fixture.Context);
+  EXPECT_EQ(fixture.Asked().size(), 8U);
 }
 
 TEST(DownloadSerialDiluteXY, LooksAtTheStopFlagOnceBeforeItStarts) {

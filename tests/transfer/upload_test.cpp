@@ -172,11 +172,21 @@ TEST(Upload, GoesOnWithTheNextLineWhenTheStopFlagIsTakenBack) {
   EXPECT_EQ(fixture.Sent(), expected);
 }
 
-TEST(Upload, SkipsTheLinesForWhichTheStopFlagCannotBeRead) {
+TEST(Upload, SendsTheLinesForWhichTheStopFlagCannotBeRead) {
   UploadFixture fixture;
   fixture.Calls.FailEverythingThatStartsWith("stop?");
   fixture.Upload();
-  EXPECT_EQ(fixture.Sent(), Texts{});
+  EXPECT_EQ(fixture.Sent(), AllLines());
+  EXPECT_EQ(fixture.Calls.Of({"message"}), Texts{});
+}
+
+TEST(Upload, SaysThatThereIsNoCommunicationWhenTheHostGivesNoLink) {
+  UploadFixture fixture;
+  fixture.Object->TheLink = nullptr;
+  fixture.Upload();
+  EXPECT_EQ(fixture.Calls.Of({"message"}),
+            Texts{"message 0 \"Communication Error\" \"Uploading Data to Zolvane\r\n\r\nPlease ensure that "
+                  "the Zolvane is switched on\r\nand in 'Remote Mode'\""});
   EXPECT_EQ(fixture.Calls.Events.back(), "enable controls true");
 }
 
@@ -208,10 +218,14 @@ TEST(Upload, KeepsNothingBetweenTwoRuns) {
   EXPECT_EQ(fixture.Sent().front(), "send SET_CALIBRATION STAGE1_X 9");
 }
 
-TEST(Upload, RunsToItsEndWithoutAnyHost) {
+TEST(Upload, SaysThatThereIsNoCommunicationWithoutAnyHost) {
   UploadFixture fixture;
   fixture.Attachment = {};
-  EXPECT_EQ(fixture.Upload(), (Texts{"enable controls false", uploadQuestion, "enable controls true"}));
+  EXPECT_EQ(fixture.Upload(),
+            (Texts{"enable controls false", uploadQuestion,
+                   "message 0 \"Communication Error\" \"\r\n\r\nPlease ensure that the Zolvane is switched "
+                   "on\r\nand in 'Remote Mode'\"",
+                   "enable controls true"}));
 }
 
 }  // namespace
