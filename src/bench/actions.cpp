@@ -10,7 +10,7 @@
 #include <limits>
 #include <system_error>
 
-#include "bench/console.h"
+#include "bench/printable.h"
 #include "bench/joined.h"
 #include "bench/paths.h"
 #include "bench/usage_error.h"

@@ -4,7 +4,7 @@
 #include <array>
 #include <utility>
 
-#include "bench/console.h"
+#include "bench/printable.h"
 #include "bench/joined.h"
 #include "bench/usage_error.h"
 #include "config/text.h"

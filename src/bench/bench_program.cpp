@@ -19,6 +19,7 @@
 #include "bench/options.h"
 #include "bench/paths.h"
 #include "bench/preparation.h"
+#include "bench/printable.h"
 #include "bench/report.h"
 #include "bench/session.h"
 #include "bench/terminal.h"
@@ -146,7 +147,7 @@ int Run(const Options& options, std::istream& input, std::ostream& output, std::
 }
 
 void Complain(std::ostream& errors, const std::string& text) {
-  errors << "zolvane-bench: " + text + "\n" << std::flush;
+  errors << Joined("zolvane-bench: ", OneLine(text), "\n") << std::flush;
 }
 
 int ParseAndRun(const std::vector<std::string>& arguments, std::istream& input, std::ostream& output,

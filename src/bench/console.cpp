@@ -3,7 +3,7 @@
 #include <ostream>
 
 #include "bench/joined.h"
-#include "config/text.h"
+#include "bench/printable.h"
 
 namespace zolvane {
 namespace {
@@ -12,15 +12,6 @@ namespace {
 constexpr std::chrono::milliseconds drawingPause{40};
 
 constexpr std::string_view eraseLine = "\r\x1b[K";
-
-bool IsControl(unsigned char byte) {
-  return byte < 0x20 || byte == 0x7F;
-}
-
-// A control character of the second block: two bytes in UTF-8.
-bool IsLateControl(std::string_view text, std::size_t at) {
-  return text[at] == '\xC2' && at + 1 < text.size() && static_cast<unsigned char>(text[at + 1]) < 0xA0;
-}
 
 // Cut so that no character is cut.
 std::string_view FirstColumns(std::string_view text, std::size_t columns) {
@@ -38,40 +29,6 @@ std::string_view FirstColumns(std::string_view text, std::size_t columns) {
 
 }  // namespace
 
-std::string Printable(std::string_view text) {
-  std::string printable;
-  printable.reserve(text.size());
-  for (std::size_t at = 0; at < text.size(); ++at) {
-    if (IsLateControl(text, at)) {
-      ++at;
-      printable += '?';
-    } else {
-      printable += IsControl(static_cast<unsigned char>(text[at])) ? '?' : text[at];
-    }
-  }
-  return printable;
-}
-
-std::string Quoted(std::string_view text) {
-  return InQuotes(Printable(text));
-}
-
-std::string OneLine(std::string_view text) {
-  constexpr std::string_view blanks = " \r\n\t";
-  std::string line;
-  while (!text.empty()) {
-    const auto start = text.find_first_not_of(blanks);
-    if (start == std::string_view::npos) {
-      break;
-    }
-    text.remove_prefix(start);
-    const auto word = text.substr(0, text.find_first_of(blanks));
-    line.append(line.empty() ? "" : " ").append(Printable(word));
-    text.remove_prefix(word.size());
-  }
-  return line;
-}
-
 Console::Console(std::ostream& results, std::ostream& notes, const Setup& setup)
     : results_{results}, notes_{notes}, setup_{setup} {}
 
@@ -85,7 +42,7 @@ void Console::Print(std::string_view text) {
     return;
   }
   ClearStatus();
-  (setup_.ResultsGoToNotes ? notes_ : results_) << text << std::flush;
+  (setup_.ResultsGoToNotes ? notes_ : results_) << PrintableLines(text) << std::flush;
 }
 
 void Console::PrintDocument(std::string_view text) {
@@ -96,13 +53,13 @@ void Console::PrintDocument(std::string_view text) {
 void Console::Note(std::string_view line) {
   if (!setup_.IsQuiet) {
     ClearStatus();
-    notes_ << line << '\n' << std::flush;
+    notes_ << Printable(line) << '\n' << std::flush;
   }
 }
 
 void Console::Error(std::string_view line) {
   ClearStatus();
-  notes_ << "zolvane-bench: " << line << '\n' << std::flush;
+  notes_ << "zolvane-bench: " << Printable(line) << '\n' << std::flush;
 }
 
 void Console::ShowStatus(std::string_view text) {

@@ -1,4 +1,5 @@
-// Everything that people read: results on standard output; progress, messages and errors on standard error.
+// Everything that people read: results on standard output; progress, messages and errors on standard error. Nothing
+// that it prints steers the terminal, wherever the text came from (see printable.h).
 #pragma once
 
 #include <chrono>
@@ -8,16 +9,9 @@
 #include <string>
 #include <string_view>
 
+#include "bench/printable.h"
+
 namespace zolvane {
-
-// The text with control characters shown as "?": texts out of files and replies must not steer a terminal.
-std::string Printable(std::string_view text);
-
-// The same in double quotes, as names of files and words of the user stand in messages.
-std::string Quoted(std::string_view text);
-
-// The text as one line, without the blanks that line breaks leave.
-std::string OneLine(std::string_view text);
 
 class Console {
  public:
@@ -34,7 +28,7 @@ class Console {
   Console(const Console&) = delete;
   Console& operator=(const Console&) = delete;
 
-  // A result for people, as it stands. Nothing when quiet.
+  // A result for people, of whole lines. Nothing when quiet.
   void Print(std::string_view text);
 
   // A result for programs: printed also when quiet.

@@ -1,5 +1,6 @@
 #include "bench/json_file.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstddef>
@@ -8,9 +9,9 @@
 #include <string_view>
 #include <system_error>
 
-#include "bench/console.h"
 #include "bench/joined.h"
 #include "bench/paths.h"
+#include "bench/printable.h"
 #include "bench/usage_error.h"
 
 namespace zolvane {
@@ -47,6 +48,14 @@ std::string ReadWhole(const std::string& file) {
   return text;
 }
 
+// `count` bytes were read before the mistake was seen.
+std::string PlaceOf(std::string_view text, std::size_t count) {
+  const auto read = text.substr(0, count == 0 ? 0 : count - 1);
+  const auto line = static_cast<std::size_t>(std::ranges::count(read, '\n')) + 1;
+  const auto column = read.size() - (read.rfind('\n') + 1) + 1;
+  return Joined("line ", std::to_string(line), ", column ", std::to_string(column));
+}
+
 }  // namespace
 
 nlohmann::json ReadJsonFile(const std::string& file) {
@@ -56,11 +65,10 @@ nlohmann::json ReadJsonFile(const std::string& file) {
 nlohmann::json ParseJson(std::string_view text, const std::string& file) {
   try {
     return nlohmann::json::parse(text);
-  } catch (const nlohmann::json::exception& error) {
-    // "[json.exception.parse_error.101] parse error at line 1, column 7: ...": from the place on
-    const std::string reason{error.what()};
-    const auto place = reason.find("line ");
-    Refuse(file, Joined("not JSON: ", place == std::string::npos ? reason : reason.substr(place)));
+  } catch (const nlohmann::json::parse_error& error) {
+    Refuse(file, Joined("not JSON: ", PlaceOf(text, error.byte)));
+  } catch (const nlohmann::json::exception&) {
+    Refuse(file, "not JSON: a number in it is too large");
   }
 }
 

@@ -2,10 +2,13 @@
 
 #include <nlohmann/json.hpp>
 
+#include "bench/printable.h"
+
 namespace zolvane {
 
 std::string JsonText(const nlohmann::ordered_json& value, bool isIndented) {
-  return value.dump(isIndented ? 2 : -1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
+  return PrintableLines(
+      value.dump(isIndented ? 2 : -1, ' ', false, nlohmann::ordered_json::error_handler_t::replace));
 }
 
 nlohmann::ordered_json EntryJson(const ListEntry& entry) {

@@ -9,7 +9,7 @@
 
 #include "bench/actions.h"
 #include "bench/answers.h"
-#include "bench/console.h"
+#include "bench/printable.h"
 #include "bench/empty_values.h"
 #include "bench/joined.h"
 #include "bench/paths.h"

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "bench/console.h"
+#include "bench/printable.h"
 #include "bench/joined.h"
 #include "bench/paths.h"
 #include "bench/settings/file_settings_service.h"

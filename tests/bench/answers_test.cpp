@@ -125,7 +125,7 @@ TEST(Answers, TextsCannotSteerTheTerminal) {
   ScriptedUser user{{"ok"}};
   Desk desk{{}, false, &user};
   desk.To({.Title = "\x1b[2J", .Text = "a\tb\x07\rc", .Style = 1});
-  EXPECT_EQ(user.Asked[0], "\n?[2J\n  a?b??c\nOK / Cancel? ");
+  EXPECT_EQ(user.Asked[0], "\n\\u001b[2J\n  a\\u0009b\\u0007\\u000dc\nOK / Cancel? ");
 }
 
 }  // namespace

@@ -19,17 +19,6 @@ Console::Setup Terminal(std::size_t width) {
   return {.IsQuiet = false, .ResultsGoToNotes = false, .NotesWidth = width};
 }
 
-TEST(PrintableText, HasNoControlCharacters) {
-  EXPECT_EQ(Printable("a\x1b[31m\nb\x7f"), "a?[31m?b?");
-  EXPECT_EQ(Printable("\xc2\x9bx\xc2\xa0\xc3\x9b"), "?x\xc2\xa0\xc3\x9b");
-  EXPECT_EQ(Printable("\xc2"), "\xc2");
-}
-
-TEST(PrintableText, BecomesOneLine) {
-  EXPECT_EQ(OneLine(" one\r\n\r\ntwo \tthree\r\n"), "one two three");
-  EXPECT_EQ(OneLine(" \r\n"), "");
-}
-
 TEST(Progress, ElsewhereThanOnATerminalIsALinePerText) {
   Screen screen{{}};
   screen.Out.ExpectCommands(3);
@@ -77,6 +66,16 @@ TEST(Output, WhenQuietIsErrorsAndDocuments) {
   EXPECT_EQ(screen.Notes.str(), "zolvane-bench: wrong\n");
   EXPECT_EQ(screen.Results.str(), "{}\n");
   EXPECT_FALSE(screen.Out.CountsCommands());
+}
+
+TEST(Output, NeverSteersTheTerminal) {
+  Screen screen{{}};
+  screen.Out.Print("a\x1b[2J\nb\n");
+  screen.Out.Note("c\xc2\x9b");
+  screen.Out.Error("d\xe2\x80\xae");
+  screen.Out.ShowStatus("e\x9b");
+  EXPECT_EQ(screen.Results.str(), "a\\u001b[2J\nb\n");
+  EXPECT_EQ(screen.Notes.str(), "c\\u009b\nzolvane-bench: d\\u202e\ne\\x9b\n");
 }
 
 TEST(Output, ThatIsLostIsKnown) {

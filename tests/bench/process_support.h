@@ -317,7 +317,7 @@ class SimulatorProcess {
     place_.erase(place_.find('\n'));
   }
   // For --link.
-  std::string Link() const { return place_.starts_with("tcp:") ? place_ : "serial:" + place_; }
+  const std::string& Link() const { return place_; }
 
   int End() {
     process_.Signal(SIGTERM);

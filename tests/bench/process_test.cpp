@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "bench/joined.h"
 #include "bench/process_support.h"
 
 namespace zolvane {
@@ -330,10 +331,96 @@ TEST_F(Bench, ThePageIsPrintedForPeople) {
             "  cmdButton(4)    Save To File\n");
 }
 
+// A title for the terminal's window, a bell, the one-byte introducer of commands, right-to-left override and isolate,
+// a mark of direction, and a line separator.
+constexpr std::string_view hostileText = "\x1b]0;x\x07\xc2\x9b\xe2\x80\xae\xe2\x81\xa6\xd8\x9c\xe2\x80\xa8";
+constexpr std::string_view hostileTextShown = "\\u001b]0;x\\u0007\\u009b\\u202e\\u2066\\u061c\\u2028";
+
+// The first thing in what a program wrote that could steer a terminal, in hexadecimal.
+std::string SteeringPartOf(const std::string& written) {
+  for (const std::string_view part : {"\x1b", "\x07", "\r", "\t", "\x7f", "\xc2\x9b", "\xe2\x80\xae",
+                                      "\xe2\x81\xa6", "\xd8\x9c", "\xe2\x80\xa8", "\x9b\x9b"}) {
+    if (written.find(part) != std::string::npos) {
+      return testing::PrintToString(std::string{part});
+    }
+  }
+  return "";
+}
+
 TEST_F(Bench, ATextThatWouldSteerTheTerminalIsShownHarmless) {
-  SetKey("Item2", "\"B\x1b[2J\xc2\x9b\",1,\"BE2\"");
+  SetKey("Item2", Joined("\"B", hostileText, "\",1,\"BE2\""));
   const auto result = Run({"page"});
-  EXPECT_NE(result.Output.find("#1   B?[2J?\n"), std::string::npos);
+  EXPECT_NE(result.Output.find(Joined("#1   B", hostileTextShown, "\n")), std::string::npos) << result.Output;
+  EXPECT_EQ(SteeringPartOf(result.Output), "");
+}
+
+TEST_F(Bench, JsonAndTraceHoldHostileTextsEscapedAndWithTheirValue) {
+  SetKey("Item2", Joined("\"B", hostileText, "\",1,\"BE2\""));
+  const auto result = Run({"--trace", "trace.jsonl", "--trace-reads", "page", "--json"});
+  EXPECT_EQ(SteeringPartOf(result.Output), "");
+  EXPECT_EQ(Json::parse(result.Output)["lists"]["cboDeviceType"]["entries"][1]["text"],
+            Joined("B", hostileText));
+  const auto trace = Folder.Read("trace.jsonl");
+  EXPECT_EQ(SteeringPartOf(trace), "");
+  const auto items = EventsOf(trace, {"control"}).front();
+  EXPECT_EQ(items["value"][1]["text"], Joined("B", hostileText));
+}
+
+TEST_F(Bench, NoCommandPrintsAHostileTextRaw) {
+  const std::string hostile{hostileText};
+  auto config = std::string{configText};
+  for (const std::string_view name : {"Alpha", "Stage 1", "Large"}) {
+    for (auto at = config.find(name); at != std::string::npos; at = config.find(name, at + name.size())) {
+      config.insert(at + name.size(), hostile);
+    }
+  }
+  config.replace(config.find("STAGE1,"), 6, Joined("STAGE", hostile));
+  Folder.Put("Zolvane.ini", config);
+  const Json script{{"default", hostile}, {"replies", {{"STATUS_STAGE", hostile}}}};
+  Folder.Put("replies.json", script.dump());
+  Folder.Put(hostile + ".txt", "frobnicate " + hostile + "\n");
+  Folder.Put(hostile + ".json", "{" + hostile);
+  Folder.Put("raw.txt", "frob\x9b\x9bnicate\n");
+  const std::vector<Arguments> lines{
+      {"page"},
+      {"script"},
+      {"query"},
+      {"upload"},
+      {"download"},
+      {"export", hostile + ".bak"},
+      {"import", hostile + ".bak"},
+      {"import", hostile + ".none"},
+      {"import", hostile + "/"},
+      {"press", hostile},
+      {"press", "4", "--file", hostile + ".press"},
+      {"select", "cboDeviceType", "Alpha" + hostile},
+      {"select", "cboDeviceType", hostile},
+      {"select", hostile, hostile},
+      {"tick", hostile, "1"},
+      {"tick", "chkRFID", hostile},
+      {hostile},
+      {"page", hostile},
+      {"run", hostile + ".txt"},
+      {"run", hostile + ".none"},
+      {"run", "raw.txt"},
+      {"--folder", hostile, "page"},
+      {"--link", hostile, "page"},
+      {"--link", "script:" + hostile + ".json", "page"},
+      {"--link", "sim:" + hostile + ".json", "page"},
+      {"--timeout", hostile, "page"},
+      {"--answer", hostile, "upload"},
+      {"--trace", hostile + "/trace", "page"},
+      {"--" + hostile, "page"},
+  };
+  for (auto line : lines) {
+    line.insert(line.begin(), "--yes");
+    if (std::ranges::find(line, "--link") == line.end()) {
+      line.insert(line.begin(), {"--link", "script:replies.json"});
+    }
+    const auto result = Run(line);
+    EXPECT_EQ(SteeringPartOf(result.Output), "") << line.back() << "\n" << result.Output;
+    EXPECT_EQ(SteeringPartOf(result.Errors), "") << line.back() << "\n" << result.Errors;
+  }
 }
 
 TEST_F(Bench, BytesThatAreNoTextReachJsonAsCharacters) {

@@ -1,9 +1,9 @@
 #include "bench/links/link_factory.h"
 
+#include <array>
 #include <limits>
 #include <string_view>
 
-#include "bench/console.h"
 #include "bench/joined.h"
 #include "bench/links/host_and_port.h"
 #include "bench/links/no_link.h"
@@ -12,6 +12,8 @@
 #include "bench/links/simulated_link.h"
 #include "bench/links/tcp_link.h"
 #include "bench/links/whole_number.h"
+#include "bench/printable.h"
+#include "bench/suggestion.h"
 #include "bench/usage_error.h"
 
 namespace zolvane {
@@ -54,10 +56,37 @@ LinkPointer CreateScripted(const std::string& file, const InterruptFlag& interru
   return std::make_shared<ScriptedLink>(ReadLinkScript(file), interrupt);
 }
 
+constexpr std::array<LinkKindHelp, 7> kindsHelp{{
+    {"sim", "simulated inside the process; the default"},
+    {"sim:FILE", "the same, its memory kept in FILE"},
+    {"tcp:HOST:PORT", "behind a TCP socket"},
+    {"serial:DEVICE[,BAUD]", "on a serial port or a pseudo-terminal"},
+    {"/dev/...[,BAUD]", "the same"},
+    {"script:FILE", "replies out of a JSON file"},
+    {"none", "no instrument: every command fails"},
+}};
+
+constexpr std::array<std::string_view, 5> kinds{"sim", "tcp", "serial", "script", "none"};
+
+[[noreturn]] void RefuseKind(const std::string& kind, const std::string& text) {
+  std::string usages;
+  for (const auto& row : kindsHelp) {
+    usages.append(usages.empty() ? "" : &row == &kindsHelp.back() ? " or " : ", ").append(row.Usage);
+  }
+  throw UsageError{Joined("--link: takes ", usages, ": ", Printable(text), DidYouMean(kind, kinds))};
+}
+
 }  // namespace
+
+std::span<const LinkKindHelp> LinkKindsHelp() {
+  return kindsHelp;
+}
 
 std::shared_ptr<BenchLink> CreateLink(const std::string& text, double timeout,
                                       const InterruptFlag& interrupt) {
+  if (text.starts_with("/dev/")) {
+    return CreateSerial(text, timeout, interrupt);
+  }
   const auto colon = text.find(':');
   const auto kind = text.substr(0, colon);
   const bool hasPlace = colon != std::string::npos;
@@ -77,7 +106,7 @@ std::shared_ptr<BenchLink> CreateLink(const std::string& text, double timeout,
   if (text == "none") {
     return std::make_shared<NoLink>(interrupt);
   }
-  Refuse("takes sim, sim:FILE, tcp:HOST:PORT, serial:DEVICE[,BAUD], script:FILE or none", text);
+  RefuseKind(kind, text);
 }
 
 }  // namespace zolvane

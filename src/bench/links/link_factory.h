@@ -2,15 +2,24 @@
 #pragma once
 
 #include <memory>
+#include <span>
 #include <string>
+#include <string_view>
 
 #include "bench/links/bench_link.h"
 #include "bench/links/interrupt_flag.h"
 
 namespace zolvane {
 
-// `text` is sim, sim:FILE, tcp:HOST:PORT, serial:DEVICE[,BAUD], script:FILE or none; `timeout` is how long a
-// send waits for its reply, in seconds. Ports are opened by the first command, and no file is created before the
+// A kind of link, as help shows it.
+struct LinkKindHelp {
+  std::string_view Usage;
+  std::string_view Effect;
+};
+std::span<const LinkKindHelp> LinkKindsHelp();
+
+// `text` is one of those usages; the path of a device ("/dev/...") means a serial link. `timeout` is how long a send
+// waits for its reply, in seconds. Ports are opened by the first command, and no file is created before the
 // link begins. Throws UsageError for any other text and for a file that cannot be used. The interrupt outlives
 // the link.
 std::shared_ptr<BenchLink> CreateLink(const std::string& text, double timeout,

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <utility>
 
-#include "bench/console.h"
+#include "bench/printable.h"
 #include "bench/joined.h"
 #include "bench/json_file.h"
 #include "bench/usage_error.h"

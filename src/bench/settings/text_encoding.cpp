@@ -16,10 +16,7 @@ constexpr std::array<char32_t, 32> specialCharacters{
     0x90,   0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,  //
     0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x9D,   0x017E, 0x0178};
 
-struct Sequence {
-  char32_t Character = 0;
-  std::size_t Length = 0;  // 0: no well-formed sequence starts here
-};
+using Sequence = Utf8Sequence;
 
 constexpr std::uint8_t ByteAt(std::string_view text, std::size_t position) {
   return static_cast<std::uint8_t>(text[position]);
@@ -114,6 +111,10 @@ void ForEachSequence(std::string_view text, Visit visit) {
 }
 
 }  // namespace
+
+Utf8Sequence Utf8SequenceAt(std::string_view text, std::size_t position) {
+  return SequenceAt(text, position);
+}
 
 bool IsUtf8(std::string_view bytes) {
   for (std::size_t position = 0; position < bytes.size();) {

@@ -8,6 +8,14 @@
 
 namespace zolvane {
 
+struct Utf8Sequence {
+  char32_t Character = 0;
+  std::size_t Length = 0;  // in bytes; 0: no well-formed sequence starts here
+};
+
+// What starts at that byte of the text.
+Utf8Sequence Utf8SequenceAt(std::string_view text, std::size_t position);
+
 // Well-formed to the last byte: no overlong forms, no surrogates, nothing beyond U+10FFFF.
 bool IsUtf8(std::string_view bytes);
 

@@ -5,7 +5,7 @@
 #include <system_error>
 #include <utility>
 
-#include "bench/console.h"
+#include "bench/printable.h"
 #include "bench/joined.h"
 #include "bench/json_file.h"
 #include "bench/json_text.h"

@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "bench/console.h"
+#include "bench/printable.h"
 #include "bench/empty_values.h"
 #include "bench/joined.h"
 #include "bench/links/whole_number.h"

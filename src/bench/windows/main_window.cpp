@@ -7,6 +7,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "bench/printable.h"
 #include "shell/windows/text.h"
 
 namespace zolvane {
@@ -186,7 +187,7 @@ void MainWindow::ArrangeButtons(int top) const {
 }
 
 void MainWindow::AppendLog(std::string_view line) {
-  const auto text = Wide(line) + L"\r\n";
+  const auto text = Wide(Printable(line)) + L"\r\n";
   const auto end = static_cast<WPARAM>(GetWindowTextLengthW(log_));
   SendMessageW(log_, EM_SETSEL, end, static_cast<LPARAM>(end));
   SendMessageW(log_, EM_REPLACESEL, FALSE, reinterpret_cast<LPARAM>(text.c_str()));

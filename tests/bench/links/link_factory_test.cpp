@@ -35,7 +35,21 @@ TEST(LinkFactory, AnythingElseIsRefusedWithTheChoices) {
     EXPECT_NE(RefusedLink(text), "accepted") << text;
   }
   EXPECT_EQ(RefusedLink("usb:1"),
-            "--link: takes sim, sim:FILE, tcp:HOST:PORT, serial:DEVICE[,BAUD], script:FILE or none: usb:1");
+            "--link: takes sim, sim:FILE, tcp:HOST:PORT, serial:DEVICE[,BAUD], /dev/...[,BAUD], script:FILE "
+            "or none: usb:1");
+}
+
+TEST(LinkFactory, ThePathOfADeviceIsASerialLink) {
+  EXPECT_NE(CreateLink("/dev/ttyS0", 1.0, quietInterrupt), nullptr);
+  EXPECT_NE(CreateLink("/dev/ttyS0,115200", 1.0, quietInterrupt), nullptr);
+  EXPECT_EQ(
+      RefusedLink("/dev/ttyS0,fast"),
+      "--link: serial takes DEVICE or DEVICE,BAUD with a baud rate such as 9600: serial:/dev/ttyS0,fast");
+}
+
+TEST(LinkFactory, AMisspeltKindIsAnsweredWithTheNearestOne) {
+  EXPECT_TRUE(RefusedLink("tpc:localhost:1").ends_with("tpc:localhost:1; did you mean \"tcp\"?"));
+  EXPECT_TRUE(RefusedLink("seriel:COM1").ends_with("seriel:COM1; did you mean \"serial\"?"));
 }
 
 TEST(LinkFactory, ATcpPlaceNeedsAHostAndAPort) {

@@ -122,8 +122,9 @@ TEST_F(ScriptedLinkTest, AFolderIsNoScript) {
 
 TEST_F(ScriptedLinkTest, AComplaintIsOneLineWhateverTheScriptHolds) {
   EXPECT_EQ(Refusal(R"({"a\nb": 1})"),
-            R"(unknown member "a?b"; a link script has "default", "replies" and "stop_after")");
-  EXPECT_EQ(Refusal(R"({"replies": {"\u001b[2J": 5}})"), R"(the reply to "?[2J" is neither a text nor null)");
+            R"(unknown member "a\u000ab"; a link script has "default", "replies" and "stop_after")");
+  EXPECT_EQ(Refusal(R"({"replies": {"\u001b[2J": 5}})"),
+            R"(the reply to "\u001b[2J" is neither a text nor null)");
 }
 
 TEST_F(ScriptedLinkTest, TextBehindTheObjectIsRefused) {

@@ -106,7 +106,7 @@ TEST(SimulatorProgram, OnAPseudoTerminalTheLineIsItsPath) {
   const auto place = simulator.Line();
   EXPECT_TRUE(place.starts_with("/dev/")) << place;
   for (int client = 0; client < 2; ++client) {
-    const auto link = CreateLink("serial:" + place, 5.0, quietInterrupt);
+    const auto link = CreateLink(place, 5.0, quietInterrupt);
     EXPECT_EQ(Send(*link, "STATUS_STAGE"), "ABC");
     EXPECT_EQ(Send(*link, "STATUS_MECH"), "SD");
   }
