@@ -9,12 +9,17 @@
 #include <string_view>
 
 #include "config/configuration.h"
+#include "config/record_table.h"
 #include "config/records.h"
 
 namespace zolvane {
 
 inline constexpr std::string_view deviceTypeSection = "DeviceType";
 inline constexpr std::string_view cageTypeSection = "CageType";
+
+// What each value of a section is called, and how it stands in the file.
+extern const RecordTable<DeviceTypeRecord> deviceTable;
+extern const RecordTable<CageTypeRecord> cageTable;
 
 // Places in the record lines, from 0, by which detection looks up what the instrument reports.
 inline constexpr std::size_t deviceCodePiece = 2;

@@ -3,7 +3,7 @@
 //
 // Read gives nothing when the text does not convert (the member then keeps its value); Write gives nothing
 // when the value cannot be brought into file units, as with a zero factor (the piece of the line then stays
-// empty). A form without Write belongs to members that are never saved.
+// empty). A form without Write belongs to members that are never saved. Values says for people which texts convert.
 #pragma once
 
 #include <cstdint>
@@ -18,6 +18,7 @@
 namespace zolvane {
 
 struct BareText {
+  static constexpr std::string_view Values = "text";
   static std::optional<std::string> Read(std::string_view text, const StepFactors&) {
     return std::string{text};
   }
@@ -26,6 +27,7 @@ struct BareText {
 
 // Written in double quotes; every double quote is dropped on reading.
 struct QuotedText {
+  static constexpr std::string_view Values = "text in double quotes";
   static std::optional<std::string> Read(std::string_view text, const StepFactors&) {
     return WithoutQuotes(text);
   }
@@ -36,18 +38,21 @@ struct QuotedText {
 
 // A flag that fails to load unless it is a word or a number.
 struct WordOrNumberFlag {
+  static constexpr std::string_view Values = "1 or 0, True or False";
   static std::optional<bool> Read(std::string_view text, const StepFactors&) { return StrictFlag(text); }
   static std::optional<std::string> Write(bool flag, const StepFactors&) { return FlagText(flag); }
 };
 
 // A flag that always loads: a leading number that is not zero is true.
 struct LeadingNumberFlag {
+  static constexpr std::string_view Values = "1 or 0";
   static std::optional<bool> Read(std::string_view text, const StepFactors&) { return NumericFlag(text); }
   static std::optional<std::string> Write(bool flag, const StepFactors&) { return FlagText(flag); }
 };
 
 // The opposite of the flag in the line.
 struct NegatedFlag {
+  static constexpr std::string_view Values = WordOrNumberFlag::Values;
   static std::optional<bool> Read(std::string_view text, const StepFactors&) {
     const auto flag = StrictFlag(text);
     return flag ? std::optional{!*flag} : std::nullopt;
@@ -55,16 +60,19 @@ struct NegatedFlag {
 };
 
 struct LeadingReal {
+  static constexpr std::string_view Values = "number";
   static std::optional<double> Read(std::string_view text, const StepFactors&) { return LeadingNumber(text); }
   static std::optional<std::string> Write(double value, const StepFactors&) { return GeneralText(value); }
 };
 
 struct StrictReal {
+  static constexpr std::string_view Values = "number alone";
   static std::optional<double> Read(std::string_view text, const StepFactors&) { return StrictNumber(text); }
   static std::optional<std::string> Write(double value, const StepFactors&) { return GeneralText(value); }
 };
 
 struct StrictSingle {
+  static constexpr std::string_view Values = StrictReal::Values;
   static std::optional<float> Read(std::string_view text, const StepFactors&) {
     const auto value = StrictNumber(text);
     return value ? ToSingle(*value) : std::nullopt;
@@ -74,6 +82,7 @@ struct StrictSingle {
 // A leading number, rounded half to even.
 template <WholeNumber T>
 struct RoundedWhole {
+  static constexpr std::string_view Values = sizeof(T) == 2 ? "whole, -32768 to 32767" : "whole, 32 bits";
   static std::optional<T> Read(std::string_view text, const StepFactors&) {
     return RoundHalfToEven<T>(LeadingNumber(text));
   }
@@ -83,6 +92,8 @@ struct RoundedWhole {
 // A strict number, rounded half to even.
 template <WholeNumber T>
 struct StrictWhole {
+  static constexpr std::string_view Values =
+      sizeof(T) == 2 ? "whole alone, -32768 to 32767" : "whole alone, 32 bits";
   static std::optional<T> Read(std::string_view text, const StepFactors&) {
     const auto value = StrictNumber(text);
     return value ? RoundHalfToEven<T>(*value) : std::nullopt;
@@ -92,6 +103,7 @@ struct StrictWhole {
 
 // Serial-dilute XY steps on their way to the file: whole file units, rounded half away from zero.
 struct SDStepsWriting {
+  static constexpr std::string_view Values = "number";
   static std::optional<std::string> Write(std::int32_t steps, const StepFactors& factors) {
     const auto units = Quotient(steps, factors.SDXY);
     return units ? std::optional{PictureText(*units, NumberPicture::Whole)} : std::nullopt;
@@ -116,6 +128,7 @@ struct SDStepsByPicture : SDStepsWriting {
 
 // Z steps of a nest: millimetres with two decimals in the file.
 struct NestZSteps {
+  static constexpr std::string_view Values = "number";
   static std::optional<std::int32_t> Read(std::string_view text, const StepFactors& factors) {
     const auto steps = Quotient(LeadingNumber(text), factors.Z);
     return steps ? PictureWhole(*steps) : std::nullopt;
@@ -129,6 +142,7 @@ struct NestZSteps {
 // A head offset: strict millimetres in the file, whole motor steps of the given axis in memory.
 template <double StepFactors::*Factor>
 struct OffsetSteps {
+  static constexpr std::string_view Values = StrictReal::Values;
   static std::optional<double> Read(std::string_view text, const StepFactors& factors) {
     const auto millimetres = StrictNumber(text);
     const auto steps = millimetres ? Quotient(*millimetres, factors.*Factor) : std::nullopt;

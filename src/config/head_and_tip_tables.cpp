@@ -5,8 +5,6 @@
 #include <optional>
 #include <utility>
 
-#include "config/record_table.h"
-
 namespace zolvane {
 namespace {
 
@@ -22,28 +20,26 @@ std::optional<std::string> EjectFromAspirateOrigin(const HeadTypeRecord& head, c
 }
 
 constexpr std::array headFields{
-    Head::Line<&H::Name, QuotedText>(0),
-    Head::Line<&H::Code, BareText>(1),
+    Head::Line<&H::Name, QuotedText>(0).Means("name"),
+    Head::Line<&H::Code, BareText>(1).Means("class of the head"),
     Head::Line<&H::Field2, LeadingReal>(2),
-    Head::Line<&H::TipVolume, LeadingReal>(3),
+    Head::Line<&H::TipVolume, LeadingReal>(3).Means("tip volume", Unit::Microlitres),
     Head::Line<&H::Field4, LeadingReal>(4),
-    Head::Line<&H::Field5, ShortText>(5),
+    Head::Line<&H::Field5, ShortText>(5).Means("channels"),
     Head::Line<&H::Field6, LeadingReal>(6),
     Head::Line<&H::Field7, WordOrNumberFlag>(7),
     Head::Line<&H::Field8, WordOrNumberFlag>(8),
     Head::Line<&H::Field9, WordOrNumberFlag>(9),
-    Head::Line<&H::Field10, LongText>(10).SavedAs(EjectFromAspirateOrigin),
-    Head::Line<&H::Field11, LongText>(11),
-    Head::Line<&H::Field12, LongText>(12),
-    Head::Line<&H::Field13, LeadingReal>(13),
-    Head::Line<&H::Field14, LeadingReal>(14),
-    Head::Line<&H::Field15, LeadingReal>(15),
-    Head::Line<&H::ChannelCode, BareText>(16),
+    Head::Line<&H::Field10, LongText>(10).Means("head eject S", Unit::Steps).SavedAs(EjectFromAspirateOrigin),
+    Head::Line<&H::Field11, LongText>(11).Means("head lock S", Unit::Steps),
+    Head::Line<&H::Field12, LongText>(12).Means("aspirate origin", Unit::Steps),
+    Head::Line<&H::Field13, LeadingReal>(13).Means("tip eject S", Unit::Millimetres),
+    Head::Line<&H::Field14, LeadingReal>(14).Means("drop-off Z", Unit::Steps),
+    Head::Line<&H::Field15, LeadingReal>(15).Means("pick-up Z", Unit::Steps),
+    Head::Line<&H::ChannelCode, BareText>(16).Means("layout of the channels"),
     Head::Line<&H::Field17, WordOrNumberFlag>(17),
-    Head::Line<&H::Field18, QuotedText>(18),
+    Head::Line<&H::Field18, QuotedText>(18).Means("RFID tag"),
 };
-constexpr RecordTable<HeadTypeRecord> headTable{headFields, 19, &HeadTypeRecord::ID};
-static_assert(CoversLine<HeadTypeRecord>(headFields, 19));
 
 // Files in the field spell the section of the last four with a lower-case t.
 constexpr std::string_view offsetSection = "Headtype";
@@ -51,42 +47,58 @@ using OffsetOfS = OffsetSteps<&StepFactors::S>;
 using OffsetOfZ = OffsetSteps<&StepFactors::Z>;
 
 constexpr std::array serialDiluteOffsets{
-    Head::Key<&H::SDTeachToolOffsetMM, OffsetOfS>("SDTeachToolOffsetMM"),
-    Head::Key<&H::SDHomeSensorSeekOffsetMM, OffsetOfS>("SDHomeSensorSeekOffsetMM").In(offsetSection),
-    Head::Key<&H::SDPreCollectHeightMM, OffsetOfZ>("SDPreCollectHeightMM").In(offsetSection),
-    Head::Key<&H::SDRFIDReadHeightMM, OffsetOfZ>("SDRFIDReadHeightMM").In(offsetSection),
-    Head::Key<&H::SDHeadEjectOffsetMM, OffsetOfS>("SDHeadEjectOffsetMM").In(offsetSection),
+    Head::Key<&H::SDTeachToolOffsetMM, OffsetOfS>("SDTeachToolOffsetMM")
+        .Means("teach tool offset", Unit::Millimetres),
+    Head::Key<&H::SDHomeSensorSeekOffsetMM, OffsetOfS>("SDHomeSensorSeekOffsetMM")
+        .Means("seek offset of the home sensor", Unit::Millimetres)
+        .In(offsetSection),
+    Head::Key<&H::SDPreCollectHeightMM, OffsetOfZ>("SDPreCollectHeightMM")
+        .Means("height before collecting a head", Unit::Millimetres)
+        .In(offsetSection),
+    Head::Key<&H::SDRFIDReadHeightMM, OffsetOfZ>("SDRFIDReadHeightMM")
+        .Means("height for reading the tag", Unit::Millimetres)
+        .In(offsetSection),
+    Head::Key<&H::SDHeadEjectOffsetMM, OffsetOfS>("SDHeadEjectOffsetMM")
+        .Means("head eject offset", Unit::Millimetres)
+        .In(offsetSection),
 };
 
 using Tip = Field<TipTypeRecord>;
 using T = TipTypeRecord;
 
 constexpr std::array tipFields{
-    Tip::Line<&T::Name, QuotedText>(0),
-    Tip::Line<&T::Code, BareText>(1),
+    Tip::Line<&T::Name, QuotedText>(0).Means("name"),
+    Tip::Line<&T::Code, BareText>(1).Means("class of the tip"),
     Tip::Line<&T::Field2, LeadingReal>(2),
     Tip::Line<&T::Field3, LeadingReal>(3),
     Tip::Line<&T::Field4, ShortText>(4),
     Tip::Line<&T::Field5, ShortText>(5),
     Tip::Line<&T::Field6, WordOrNumberFlag>(6),
-    Tip::Line<&T::Field7, LongText>(7),
-    Tip::Line<&T::Field8, LongText>(8),
-    Tip::Line<&T::Field9, LongText>(9),
+    Tip::Line<&T::Field7, LongText>(7).Means("rack eject Z", Unit::Millimetres),
+    Tip::Line<&T::Field8, LongText>(8).Means("rack pick-up Z", Unit::Millimetres),
+    Tip::Line<&T::Field9, LongText>(9).Means("chute eject Z", Unit::Steps),
     Tip::Line<&T::Field10, LeadingReal>(10),
     Tip::Line<&T::Field11, LongText>(11),
     Tip::Line<&T::Field12, WordOrNumberFlag>(12),
     Tip::Line<&T::Field13, WordOrNumberFlag>(13),
-    Tip::Line<&T::Field14, WordOrNumberFlag>(14),
-    Tip::Line<&T::Field15, WordOrNumberFlag>(15),
-    Tip::Line<&T::Field16, WordOrNumberFlag>(16),
-    Tip::Line<&T::Field17, WordOrNumberFlag>(17),
-    Tip::Line<&T::Field18, QuotedText>(18),
-    Tip::Key<&T::TipChuteClearOffset, StrictReal>("TipChuteClearOffset", "12.5").OnlyRead(),
+    Tip::Line<&T::Field14, WordOrNumberFlag>(14).Means("first size flag: 1250 ul"),
+    Tip::Line<&T::Field15, WordOrNumberFlag>(15).Means("second size flag"),
+    Tip::Line<&T::Field16, WordOrNumberFlag>(16).Means("third size flag"),
+    Tip::Line<&T::Field17, WordOrNumberFlag>(17).Means("fourth size flag"),
+    Tip::Line<&T::Field18, QuotedText>(18).Means("section of its volume correction"),
+    Tip::Key<&T::TipChuteClearOffset, StrictReal>("TipChuteClearOffset", "12.5")
+        .Means("clearance above the tip chute", Unit::Millimetres)
+        .OnlyRead(),
 };
-constexpr RecordTable<TipTypeRecord> tipTable{tipFields, 19, &TipTypeRecord::ID};
-static_assert(CoversLine<TipTypeRecord>(tipFields, 19));
 
 }  // namespace
+
+static_assert(CoversLine<HeadTypeRecord>(headFields, 19));
+static_assert(CoversLine<TipTypeRecord>(tipFields, 19));
+
+constexpr RecordTable<HeadTypeRecord> headTable{headFields, 19, &HeadTypeRecord::ID};
+constexpr RecordTable<TipTypeRecord> tipTable{tipFields, 19, &TipTypeRecord::ID};
+constexpr RecordTable<HeadTypeRecord> headOffsetTable{serialDiluteOffsets};
 
 double TipMountDepthFor(const ZCalibrationRecord& heights, double volume) {
   const std::array<std::pair<double, double>, 5> depths{{{12.5, heights.TipMountDepth12},

@@ -6,12 +6,18 @@
 #include <string_view>
 
 #include "config/configuration.h"
+#include "config/record_table.h"
 #include "config/records.h"
 
 namespace zolvane {
 
 inline constexpr std::string_view headTypeSection = "HeadType";
 inline constexpr std::string_view tipTypeSection = "TipType";
+
+// What each value of a section is called, and how it stands in the file.
+extern const RecordTable<HeadTypeRecord> headTable;
+extern const RecordTable<TipTypeRecord> tipTable;
+extern const RecordTable<HeadTypeRecord> headOffsetTable;
 
 // The depth in the current height calibration that belongs to a tip volume of 12.5, 30, 125, 300 or 1250
 // microlitres. Any other volume has none: 0.

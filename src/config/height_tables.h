@@ -5,12 +5,17 @@
 #include <string_view>
 
 #include "config/configuration.h"
+#include "config/record_table.h"
 #include "config/records.h"
 
 namespace zolvane {
 
 inline constexpr std::string_view heightSection = "Z_Calibration";
 inline constexpr std::string_view nestCalibrationSection = "NestCalibration";
+
+// What each value of a section is called, and how it stands in the file.
+extern const RecordTable<ZCalibrationRecord> heightTable;
+extern const RecordTable<NestCalibrationRecord> nestCalibrationTable;
 
 // Every height reads as a number, so no load can fail; a missing key is 0, a missing DeltaZTolerance 1000.
 ZCalibrationRecord LoadZCalibration(const Configuration& configuration, std::string_view file);

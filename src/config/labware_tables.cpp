@@ -5,8 +5,6 @@
 #include <optional>
 #include <utility>
 
-#include "config/record_table.h"
-
 namespace zolvane {
 namespace {
 
@@ -17,13 +15,20 @@ using StrictLong = StrictWhole<std::int32_t>;
 using LeadingLong = RoundedWhole<std::int32_t>;
 
 constexpr std::array axisFields{
-    Axis::Line<&A::Name, QuotedText>(0),      Axis::Line<&A::UnitsPerStep, StrictSingle>(1),
-    Axis::Line<&A::Field3, StrictLong>(2),    Axis::Line<&A::Field4, StrictLong>(3),
-    Axis::Line<&A::Field5, LeadingLong>(4),   Axis::Line<&A::Field6, StrictLong>(5),
-    Axis::Line<&A::Field7, StrictLong>(6),    Axis::Line<&A::Field8, StrictLong>(7),
-    Axis::Line<&A::Field9, StrictShort>(8),   Axis::Line<&A::Field10, StrictShort>(9),
-    Axis::Line<&A::Field11, StrictShort>(10), Axis::Line<&A::Field12, StrictShort>(11),
-    Axis::Line<&A::Field13, StrictShort>(12), Axis::Line<&A::Field14, StrictShort>(13),
+    Axis::Line<&A::Name, QuotedText>(0).Means("axis"),
+    Axis::Line<&A::UnitsPerStep, StrictSingle>(1).Means("scale", Unit::MillimetresPerUnit),
+    Axis::Line<&A::Field3, StrictLong>(2),
+    Axis::Line<&A::Field4, StrictLong>(3),
+    Axis::Line<&A::Field5, LeadingLong>(4),
+    Axis::Line<&A::Field6, StrictLong>(5),
+    Axis::Line<&A::Field7, StrictLong>(6),
+    Axis::Line<&A::Field8, StrictLong>(7),
+    Axis::Line<&A::Field9, StrictShort>(8),
+    Axis::Line<&A::Field10, StrictShort>(9),
+    Axis::Line<&A::Field11, StrictShort>(10),
+    Axis::Line<&A::Field12, StrictShort>(11),
+    Axis::Line<&A::Field13, StrictShort>(12),
+    Axis::Line<&A::Field14, StrictShort>(13),
     Axis::Line<&A::Field15, LeadingLong>(14),
 };
 
@@ -64,7 +69,7 @@ using Plate = Field<PlateTypeRecord>;
 using P = PlateTypeRecord;
 
 constexpr std::array plateFields{
-    Plate::Line<&P::Name, QuotedText>(0),
+    Plate::Line<&P::Name, QuotedText>(0).Means("name"),
     Plate::Line<&P::Field2, BareText>(1),
     Plate::Line<&P::Field3, StrictShort>(2),
     Plate::Line<&P::Field4, StrictShort>(3),
@@ -88,40 +93,55 @@ constexpr std::array plateFields{
     Plate::Line<&P::Field20, WordOrNumberFlag>(19),
     Plate::Line<&P::Field21, WordOrNumberFlag>(20),
 };
-constexpr RecordTable<PlateTypeRecord> plateTable{plateFields, 21, &PlateTypeRecord::Key};
-static_assert(CoversLine<PlateTypeRecord>(plateFields, 21));
 
 using Calibration = Field<CalibrationRecord>;
 using CR = CalibrationRecord;
 
 constexpr std::array calibrationFields{
-    Calibration::Line<&CR::Name, BareText>(0),      Calibration::Line<&CR::Field2, LeadingLong>(1),
-    Calibration::Line<&CR::Field3, LeadingLong>(2), Calibration::Line<&CR::Field4, SDSteps>(3),
-    Calibration::Line<&CR::Field5, SDSteps>(4),     Calibration::Line<&CR::Field6, SDSteps>(5),
-    Calibration::Line<&CR::Field7, SDSteps>(6),     Calibration::Line<&CR::Field8, SDSteps>(7),
-    Calibration::Line<&CR::Field9, SDSteps>(8),
+    Calibration::Line<&CR::Name, BareText>(0).Means("name"),
+    Calibration::Line<&CR::Field2, LeadingLong>(1),
+    Calibration::Line<&CR::Field3, LeadingLong>(2),
+    Calibration::Line<&CR::Field4, SDSteps>(3).Means("", Unit::FileUnits),
+    Calibration::Line<&CR::Field5, SDSteps>(4).Means("", Unit::FileUnits),
+    Calibration::Line<&CR::Field6, SDSteps>(5).Means("", Unit::FileUnits),
+    Calibration::Line<&CR::Field7, SDSteps>(6).Means("", Unit::FileUnits),
+    Calibration::Line<&CR::Field8, SDSteps>(7).Means("", Unit::FileUnits),
+    Calibration::Line<&CR::Field9, SDSteps>(8).Means("", Unit::FileUnits),
 };
-constexpr RecordTable<CalibrationRecord> calibrationTable{calibrationFields, 9, &CalibrationRecord::Key};
-static_assert(CoversLine<CalibrationRecord>(calibrationFields, 9));
 
 using Position = Field<PositionRecord>;
 using PR = PositionRecord;
 
 constexpr std::array positionFields{
-    Position::Line<&PR::PositionName, BareText>(0),     Position::Line<&PR::Name, QuotedText>(1),
-    Position::Line<&PR::Field3, BareText>(2),           Position::Line<&PR::Field4, LeadingLong>(3),
-    Position::Line<&PR::Field5, LeadingLong>(4),        Position::Line<&PR::X, SDStepsByPicture>(5),
-    Position::Line<&PR::Y, SDStepsByPicture>(6),        Position::Line<&PR::Field8, SDStepsByPicture>(7),
-    Position::Line<&PR::Field9, SDStepsByPicture>(8),   Position::Line<&PR::Field10, SDStepsByPicture>(9),
-    Position::Line<&PR::Field11, SDStepsByPicture>(10), Position::Line<&PR::Flag12, WordOrNumberFlag>(11),
-    Position::Line<&PR::NotFlag12, NegatedFlag>(11),    Position::Line<&PR::Flag13, WordOrNumberFlag>(12),
-    Position::Line<&PR::Field14, BareText>(13),         Position::Line<&PR::Flag15, WordOrNumberFlag>(14),
+    Position::Line<&PR::PositionName, BareText>(0).Means("place"),
+    Position::Line<&PR::Name, QuotedText>(1).Means("name"),
+    Position::Line<&PR::Field3, BareText>(2),
+    Position::Line<&PR::Field4, LeadingLong>(3).Means("stage X", Unit::Counts),
+    Position::Line<&PR::Field5, LeadingLong>(4).Means("stage Y", Unit::Counts),
+    Position::Line<&PR::X, SDStepsByPicture>(5).Means("X of the 1/8/12 module", Unit::FileUnits),
+    Position::Line<&PR::Y, SDStepsByPicture>(6).Means("Y of the 1/8/12 module", Unit::FileUnits),
+    Position::Line<&PR::Field8, SDStepsByPicture>(7).Means("", Unit::FileUnits),
+    Position::Line<&PR::Field9, SDStepsByPicture>(8).Means("", Unit::FileUnits),
+    Position::Line<&PR::Field10, SDStepsByPicture>(9).Means("", Unit::FileUnits),
+    Position::Line<&PR::Field11, SDStepsByPicture>(10).Means("", Unit::FileUnits),
+    Position::Line<&PR::Flag12, WordOrNumberFlag>(11),
+    Position::Line<&PR::NotFlag12, NegatedFlag>(11),
+    Position::Line<&PR::Flag13, WordOrNumberFlag>(12),
+    Position::Line<&PR::Field14, BareText>(13),
+    Position::Line<&PR::Flag15, WordOrNumberFlag>(14),
     Position::Line<&PR::Flag16, WordOrNumberFlag>(15),
 };
-constexpr RecordTable<PositionRecord> positionTable{positionFields, 16, &PositionRecord::Key};
-static_assert(CoversLine<PositionRecord>(positionFields, 16));
 
 }  // namespace
+
+static_assert(CoversLine<PlateTypeRecord>(plateFields, 21));
+static_assert(CoversLine<CalibrationRecord>(calibrationFields, 9));
+static_assert(CoversLine<PositionRecord>(positionFields, 16));
+
+constexpr RecordTable<AxisRecord> axisTable{axisFields, 15};
+constexpr RecordTable<PlateTypeRecord> plateTable{plateFields, 21, &PlateTypeRecord::Key};
+constexpr RecordTable<CalibrationRecord> calibrationTable{calibrationFields, 9, &CalibrationRecord::Key};
+constexpr RecordTable<PositionRecord> positionTable{positionFields, 16, &PositionRecord::Key};
 
 std::string AxisSection(const CurrentRecords& current) {
   return "Device_Type" + current.Device.Name + "_Cage" + current.Cage.Name;

@@ -6,11 +6,18 @@
 #include <string_view>
 
 #include "config/configuration.h"
+#include "config/record_table.h"
 #include "config/records.h"
 
 namespace zolvane {
 
 inline constexpr std::string_view plateTypeSection = "PlateType";
+
+// What each value of a section is called, and how it stands in the file.
+extern const RecordTable<AxisRecord> axisTable;
+extern const RecordTable<PlateTypeRecord> plateTable;
+extern const RecordTable<CalibrationRecord> calibrationTable;
+extern const RecordTable<PositionRecord> positionTable;
 
 std::string AxisSection(const CurrentRecords& current);
 std::string CalibrationSection(const CurrentRecords& current);

@@ -4,8 +4,6 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "config/record_table.h"
-
 namespace zolvane {
 namespace {
 
@@ -23,18 +21,18 @@ template <std::size_t Place>
 constexpr std::array<Nest, placeFields> PlaceFields() {
   constexpr std::size_t base = 2 + placeFields * Place;
   return {
-      Nest::Line<inPlace<Place, &NestPosition::Label>, QuotedText>(base),
-      Nest::Line<inPlace<Place, &NestPosition::Code>, BareText>(base + 1),
+      Nest::Line<inPlace<Place, &NestPosition::Label>, QuotedText>(base).Means("label of the place"),
+      Nest::Line<inPlace<Place, &NestPosition::Code>, BareText>(base + 1).Means("layout of the head in it"),
       Nest::Line<inPlace<Place, &NestPosition::Setting>, RoundedWhole<std::int16_t>>(base + 2),
-      Nest::Line<inPlace<Place, &NestPosition::X>, SDStepsByPicture>(base + 3),
-      Nest::Line<inPlace<Place, &NestPosition::Y>, SDStepsByPicture>(base + 4),
-      Nest::Line<inPlace<Place, &NestPosition::Z>, NestZSteps>(base + 5),
+      Nest::Line<inPlace<Place, &NestPosition::X>, SDStepsByPicture>(base + 3).Means("X", Unit::FileUnits),
+      Nest::Line<inPlace<Place, &NestPosition::Y>, SDStepsByPicture>(base + 4).Means("Y", Unit::FileUnits),
+      Nest::Line<inPlace<Place, &NestPosition::Z>, NestZSteps>(base + 5).Means("Z", Unit::Millimetres),
   };
 }
 
 constexpr std::array<Nest, 20> NestFields() {
-  std::array<Nest, 20> fields{Nest::Line<&NestTypeRecord::Name, QuotedText>(0),
-                              Nest::Line<&NestTypeRecord::Code, BareText>(1)};
+  std::array<Nest, 20> fields{Nest::Line<&NestTypeRecord::Name, QuotedText>(0).Means("name"),
+                              Nest::Line<&NestTypeRecord::Code, BareText>(1).Means("class of the nest")};
   std::size_t next = 2;
   for (const auto& place : {PlaceFields<0>(), PlaceFields<1>(), PlaceFields<2>()}) {
     for (const auto& field : place) {
@@ -45,10 +43,12 @@ constexpr std::array<Nest, 20> NestFields() {
 }
 
 constexpr auto nestFields = NestFields();
-constexpr RecordTable<NestTypeRecord> nestTable{nestFields, 20, &NestTypeRecord::ID};
-static_assert(CoversLine<NestTypeRecord>(nestFields, 20));
 
 }  // namespace
+
+static_assert(CoversLine<NestTypeRecord>(nestFields, 20));
+
+constexpr RecordTable<NestTypeRecord> nestTable{nestFields, 20, &NestTypeRecord::ID};
 
 NestTypeRecord LoadNestType(const Configuration& configuration, std::string& item, std::string_view file) {
   return LoadInstalledOr(nestTable, configuration, nestTypeSection, item, file);

@@ -5,11 +5,15 @@
 #include <string_view>
 
 #include "config/configuration.h"
+#include "config/record_table.h"
 #include "config/records.h"
 
 namespace zolvane {
 
 inline constexpr std::string_view nestTypeSection = "NestType";
+
+// What each value of a section is called, and how it stands in the file.
+extern const RecordTable<NestTypeRecord> nestTable;
 
 // Load and save follow the rules stated in device_tables.h, and need the current device and the axes to be
 // loaded. They are deliberately not exact inverses: each direction rounds.

@@ -3,7 +3,8 @@
 //
 // A row says where a member stands (a piece of the record line, or a key of the section), which member it is,
 // and in which form. Rows are read and written in the order of the table, so the order of host calls is
-// visible there. The oddities of single rows are named: OnlyRead, OnlySaved, SavedAs, In.
+// visible there. The oddities of single rows are named: OnlyRead, OnlySaved, SavedAs, In. Means says for people
+// what the value is, and in which unit the file holds it.
 #pragma once
 
 #include <cstddef>
@@ -23,6 +24,18 @@
 
 namespace zolvane {
 
+// Of a value as the file holds it.
+enum class Unit : std::uint8_t {
+  None,
+  Millimetres,
+  MillimetresPerUnit,  // per motor step, or per file unit for the serial-dilute X and Y
+  FileUnits,           // of the serial-dilute X and Y, converted by the encoders' factor
+  StepsPerFileUnit,
+  Steps,   // of a motor, as the instrument takes them
+  Counts,  // of the stage's motors
+  Microlitres,
+};
+
 template <class Record>
 struct Field {
   using Reader = void (*)(std::string_view text, const StepFactors& factors, Record& record);
@@ -31,7 +44,10 @@ struct Field {
   std::string_view Section;     // of a key that stands outside the table's own section
   std::string_view SectionKey;  // empty: a piece of the record line
   std::string_view Fallback;    // what a missing key reads as
-  std::size_t Piece = 0;        // place in the record line, from 0
+  std::string_view Title;       // empty: the key's own name, or a value that is only kept
+  std::string_view Values;      // which texts convert
+  Unit FileUnit = Unit::None;
+  std::size_t Piece = 0;  // place in the record line, from 0
   Reader Read = nullptr;
   Writer Write = nullptr;
   bool IsRead = true;
@@ -51,6 +67,13 @@ struct Field {
     Field field = Of<Member, Form>();
     field.SectionKey = key;
     field.Fallback = fallback;
+    return field;
+  }
+
+  constexpr Field Means(std::string_view title, Unit unit = Unit::None) const {
+    Field field = *this;
+    field.Title = title;
+    field.FileUnit = unit;
     return field;
   }
 
@@ -86,6 +109,7 @@ struct Field {
   template <auto Member, class Form>
   static constexpr Field Of() {
     Field field;
+    field.Values = Form::Values;
     field.Read = [](std::string_view text, const StepFactors& factors, Record& record) {
       AssignIf(std::invoke(Member, record), Form::Read(text, factors));
     };
