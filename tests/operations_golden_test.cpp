@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <cstddef>
-#include <filesystem>
 #include <initializer_list>
 #include <map>
 #include <optional>
@@ -15,10 +14,6 @@
 
 namespace zolvane {
 namespace {
-
-std::string SampleConfiguration() {
-  return Replaced(FileContent(std::filesystem::path{ZOLVANE_SAMPLES_PATH} / "Zolvane.ini"), "\r\n", "\n");
-}
 
 // Each command has to clear the stop flag, set the hold flag and be sent, each through a fresh link.
 void ExpectCommandsThroughFreshLinks(const Texts& calls) {

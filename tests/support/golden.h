@@ -26,6 +26,11 @@ inline std::string SmallConfiguration() {
   return GoldenText("small.ini");
 }
 
+// The sample, with the line ends of the fakes.
+inline std::string SampleConfiguration() {
+  return Replaced(FileContent(std::filesystem::path{ZOLVANE_SAMPLES_PATH} / "Zolvane.ini"), "\r\n", "\n");
+}
+
 inline std::vector<std::string> GoldenLines(const std::string& name) {
   std::vector<std::string> lines;
   std::string text = GoldenText(name);
