@@ -2,11 +2,8 @@
 // inside a large section. "durable" is 1 where each write is made to survive a power cut, as the bench does
 // it.
 #include <benchmark/benchmark.h>
-#include <stdlib.h>
 
 #include <cstdint>
-#include <filesystem>
-#include <fstream>
 #include <optional>
 #include <random>
 #include <string>
@@ -15,30 +12,10 @@
 #include "bench/settings/exchanged_file.h"
 #include "bench/settings/file_settings_service.h"
 #include "bench/settings/sectioned_text.h"
+#include "folder.h"
 
 namespace zolvane {
 namespace {
-
-class Folder {
- public:
-  Folder() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "settings-benchmark-XXXXXX").string();
-    path_ = ::mkdtemp(pattern.data());
-  }
-  Folder(const Folder&) = delete;
-  Folder& operator=(const Folder&) = delete;
-  ~Folder() { std::filesystem::remove_all(path_); }
-
-  std::string Put(std::string_view name, std::string_view bytes) const {
-    const std::string path = path_ + '/' + std::string{name};
-    std::filesystem::remove(path);
-    std::ofstream{path, std::ios::binary} << bytes;
-    return path;
-  }
-
- private:
-  std::string path_;
-};
 
 std::string RecordKey(std::int64_t number) {
   return "Item" + std::to_string(number);

@@ -2,7 +2,8 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdint>
+
+#include "config/letter_case.h"
 
 namespace zolvane {
 namespace {
@@ -11,28 +12,16 @@ namespace {
 // partners.
 using LetterBytes = std::array<char, 2>;
 
-constexpr LetterBytes Encoded(std::uint32_t codePoint) {
+constexpr LetterBytes Encoded(char32_t codePoint) {
   return {static_cast<char>(0xC0 | (codePoint >> 6)), static_cast<char>(0x80 | (codePoint & 0x3F))};
 }
 
-constexpr std::uint32_t Decoded(unsigned char first, unsigned char second) {
-  return (static_cast<std::uint32_t>(first & 0x1F) << 6) | (second & 0x3FU);
+constexpr char32_t Decoded(unsigned char first, unsigned char second) {
+  return (static_cast<char32_t>(first & 0x1F) << 6) | (second & 0x3FU);
 }
 
-constexpr std::uint32_t UpperCodePoint(std::uint32_t letter) {
-  constexpr std::uint32_t divisionSign = 0xF7;
-  switch (letter) {
-    case 0xFF:
-      return 0x178;  // y with diaeresis: the only one whose partner lies outside Latin-1
-    case 0x153:
-      return 0x152;  // oe
-    case 0x161:
-      return 0x160;  // s with caron
-    case 0x17E:
-      return 0x17D;  // z with caron
-    default:
-      return letter >= 0xE0 && letter <= 0xFE && letter != divisionSign ? letter - 0x20 : letter;
-  }
+constexpr bool IsBlank(char character) {
+  return character == ' ' || character == '\t';
 }
 
 bool IsTwoByteSequence(std::string_view text, std::size_t position) {
@@ -51,12 +40,11 @@ std::string UpperCase(std::string_view text) {
   for (std::size_t position = 0; position < upper.size(); ++position) {
     char& letter = upper[position];
     if (letter >= 'a' && letter <= 'z') {
-      letter = static_cast<char>(letter - 'a' + 'A');
+      letter = static_cast<char>(UpperCase(static_cast<char32_t>(letter)));
     } else if (IsTwoByteSequence(text, position)) {
       const auto codePoint =
           Decoded(static_cast<unsigned char>(text[position]), static_cast<unsigned char>(text[position + 1]));
-      std::ranges::copy(Encoded(UpperCodePoint(codePoint)),
-                        upper.begin() + static_cast<std::ptrdiff_t>(position));
+      std::ranges::copy(Encoded(UpperCase(codePoint)), upper.begin() + static_cast<std::ptrdiff_t>(position));
       ++position;
     }
   }
@@ -90,12 +78,13 @@ std::string Replaced(std::string_view text, std::string_view what, std::string_v
 }
 
 std::string_view Trimmed(std::string_view text) {
-  constexpr std::string_view blanks = " \t";
-  const auto first = text.find_first_not_of(blanks);
-  if (first == std::string_view::npos) {
-    return {};
+  while (!text.empty() && IsBlank(text.front())) {
+    text.remove_prefix(1);
   }
-  return text.substr(first, text.find_last_not_of(blanks) - first + 1);
+  while (!text.empty() && IsBlank(text.back())) {
+    text.remove_suffix(1);
+  }
+  return text;
 }
 
 std::string ItemKey(std::string_view item) {

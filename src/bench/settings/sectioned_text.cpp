@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "bench/settings/text_encoding.h"
 #include "config/text.h"
 
 namespace zolvane {
@@ -14,10 +13,6 @@ constexpr std::string_view blanks = " \t";
 constexpr std::string_view carriageReturnLineFeed = "\r\n";
 constexpr std::string_view lineFeed = "\n";
 constexpr std::string_view breaks = "\r\n";
-
-bool IsBlank(std::string_view content) {
-  return content.find_first_not_of(blanks) == std::string_view::npos;
-}
 
 bool StartsWithBlank(std::string_view text) {
   return !text.empty() && blanks.find(text.front()) != std::string_view::npos;
@@ -30,11 +25,8 @@ bool EndsWithBlank(std::string_view text) {
 // Text behind the bracket is ignored.
 std::optional<std::string_view> HeaderIn(std::string_view content) {
   const std::string_view text = Trimmed(content);
-  const auto end = text.find(']');
-  if (!text.starts_with('[') || end == std::string_view::npos) {
-    return std::nullopt;
-  }
-  return Trimmed(text.substr(1, end - 1));
+  const auto end = text.starts_with('[') ? text.find(']') : std::string_view::npos;
+  return end == std::string_view::npos ? std::nullopt : std::optional{Trimmed(text.substr(1, end - 1))};
 }
 
 bool LooksLikeKey(std::string_view key) {
@@ -80,16 +72,12 @@ SectionedText::SectionedText(std::string bytes)
 }
 
 std::optional<std::string> SectionedText::Find(std::string_view section, std::string_view key) const {
-  const auto sectionFound = sectionByName_.find(SearchName(section));
-  if (sectionFound == sectionByName_.end()) {
+  const Place place = PlaceOf(section, key);
+  if (!place.Key) {
     return std::nullopt;
   }
-  const Section& inSection = sections_[sectionFound->second];
-  const auto keyFound = inSection.Keys.find(SearchName(key));
-  if (keyFound == inSection.Keys.end()) {
-    return std::nullopt;
-  }
-  const std::string_view content = ContentOf(LineAt(inSection.Start + inSection.KeyLines[keyFound->second]));
+  const Section& inSection = sections_[*place.Section];
+  const std::string_view content = ContentAt(inSection.Start + inSection.KeyLines[*place.Key]);
   return Decoded(Trimmed(content.substr(content.find('=') + 1)));
 }
 
@@ -101,14 +89,12 @@ std::optional<SectionedText::Edit> SectionedText::PlanValue(std::string_view sec
     return std::nullopt;
   }
   const auto keyLine = [&] { return WholeLine(Encoded(key) + '=' + Encoded(value)); };
-  const auto sectionFound = sectionByName_.find(SearchName(section));
-  if (sectionFound == sectionByName_.end()) {
+  const Place place = PlaceOf(section, key);
+  if (!place.Section) {
     return PlanSection(section, keyLine());
   }
-  const auto& keys = sections_[sectionFound->second].Keys;
-  const auto keyFound = keys.find(SearchName(key));
-  return keyFound == keys.end() ? PlanKey(sectionFound->second, keyLine())
-                                : PlanReplacement(sectionFound->second, keyFound->second, Encoded(value));
+  return place.Key ? PlanReplacement(*place.Section, *place.Key, Encoded(value))
+                   : PlanKey(*place.Section, keyLine());
 }
 
 std::optional<SectionedText::Edit> SectionedText::PlanBlankLine() const {
@@ -159,7 +145,7 @@ void SectionedText::Apply(const Edit& edit) {
   if (change.ChangesNothing()) {
     return;
   }
-  const bool wasUtf8 = IsUtf8Text();
+  const TextEncoding before = Encoding();
   const ByteRange touched = LinesTouchedBy(change);
   const auto malformedIn = [this](std::size_t from, std::size_t to) {
     return CountMalformedLines(std::string_view{bytes_}.substr(from, to - from));
@@ -167,7 +153,7 @@ void SectionedText::Apply(const Edit& edit) {
   malformedLines_ -= malformedIn(touched.From, touched.To);
   bytes_.replace(change.Offset, change.Removed, change.Inserted);
   malformedLines_ += malformedIn(touched.From, touched.To - change.Removed + change.Inserted.size());
-  if (IsUtf8Text() == wasUtf8) {
+  if (Encoding() == before) {
     UpdateIndex(edit);
   } else {
     Reindex();
@@ -193,21 +179,39 @@ std::string_view SectionedText::ContentOf(const Line& line) const {
 }
 
 std::string SectionedText::Decoded(std::string_view bytes) const {
-  return IsUtf8Text() ? std::string{bytes} : Utf8FromWindows1252(bytes);
+  const bool isUtf8 = Encoding() == TextEncoding::Utf8 || IsAscii(bytes);
+  return isUtf8 ? std::string{bytes} : Utf8FromWindows1252(bytes);
 }
 
+// Names are searched for in the file's encoding as well: one that was written with "?" for a character is
+// found under that name again.
 std::string SectionedText::Encoded(std::string_view text) const {
-  return IsUtf8Text() ? WellFormedUtf8(text) : Windows1252FromUtf8(text);
+  if (IsAscii(text)) {
+    return std::string{text};
+  }
+  return Encoding() == TextEncoding::Utf8 ? WellFormedUtf8(text) : Windows1252FromUtf8(text);
 }
 
-std::string SectionedText::IndexName(std::string_view bytes) const {
-  return UpperCase(Decoded(bytes));
+SectionedText::Place SectionedText::PlaceOf(std::string_view section, std::string_view key) const {
+  const std::string sectionName = Encoded(Trimmed(section));
+  const auto sectionFound = FindSection(NameOf(sectionName));
+  if (!sectionFound) {
+    return {};
+  }
+  const std::string keyName = Encoded(Trimmed(key));
+  return {sectionFound, FindKey(sections_[*sectionFound], NameOf(keyName))};
 }
 
-// By way of the file's encoding: a name that was written with "?" for a character is found under that name
-// again.
-std::string SectionedText::SearchName(std::string_view name) const {
-  return IndexName(Encoded(Trimmed(name)));
+std::optional<std::size_t> SectionedText::FindSection(const Name& name) const {
+  return sectionByName_.Find(name.Hash, [&](std::size_t section) {
+    return IsNamed(*HeaderIn(ContentAt(sections_[section].Start)), name);
+  });
+}
+
+std::optional<std::size_t> SectionedText::FindKey(const Section& section, const Name& name) const {
+  return section.Keys.Find(name.Hash, [&](std::size_t key) {
+    return IsNamed(*KeyIn(ContentAt(section.Start + section.KeyLines[key])), name);
+  });
 }
 
 // A bare LF behind a CR would make a line end of both, so such a line is ended by CR LF in any file.
@@ -239,7 +243,7 @@ ByteRange SectionedText::ValueRange(const Line& line, std::string_view newValue)
 
 void SectionedText::Reindex() {
   sections_.assign(1, Section{.Start = markSize_, .BodySize = 0, .KeyLines = {}, .Keys = {}});
-  sectionByName_.clear();
+  sectionByName_ = {};
   IndexLinesFrom(markSize_);
 }
 
@@ -252,12 +256,15 @@ void SectionedText::IndexLinesFrom(std::size_t begin) {
 }
 
 void SectionedText::IndexLine(const Line& line) {
-  const std::string_view content = ContentOf(line);
-  if (IsBlank(content)) {
+  const std::string_view content = Trimmed(ContentOf(line));
+  if (content.empty()) {
     return;
   }
   if (const auto header = HeaderIn(content)) {
-    sectionByName_.try_emplace(IndexName(*header), sections_.size());
+    const Name name = NameOf(*header);
+    if (!FindSection(name)) {
+      sectionByName_.Add(name.Hash, sections_.size());
+    }
     sections_.push_back({.Start = line.Begin, .BodySize = 0, .KeyLines = {}, .Keys = {}});
   }
   IndexInSection(sections_.back(), line);
@@ -265,10 +272,14 @@ void SectionedText::IndexLine(const Line& line) {
 
 void SectionedText::IndexInSection(Section& section, const Line& line) {
   section.BodySize = line.Next - section.Start;
-  if (const auto key = KeyIn(ContentOf(line))) {
-    if (section.Keys.try_emplace(IndexName(*key), section.KeyLines.size()).second) {
-      section.KeyLines.push_back(line.Begin - section.Start);
-    }
+  const auto key = KeyIn(ContentOf(line));
+  if (!key) {
+    return;
+  }
+  const Name name = NameOf(*key);
+  if (!FindKey(section, name)) {
+    section.Keys.Add(name.Hash, section.KeyLines.size());
+    section.KeyLines.push_back(line.Begin - section.Start);
   }
 }
 

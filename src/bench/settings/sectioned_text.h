@@ -8,13 +8,15 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
+#include "bench/settings/hash_index.h"
 #include "bench/settings/splice.h"
+#include "bench/settings/text_encoding.h"
 
 namespace zolvane {
 
@@ -63,18 +65,38 @@ class SectionedText {
     std::size_t Start = 0;
     std::size_t BodySize = 0;           // up to and with the last line that is not blank
     std::vector<std::size_t> KeyLines;  // in the order of the text
-    std::unordered_map<std::string, std::size_t> Keys;
+    HashIndex Keys;                     // to the key lines
   };
 
-  bool IsUtf8Text() const { return malformedLines_ == 0; }
+  // In the file's encoding, without blanks at its ends.
+  struct Name {
+    std::string_view Bytes;
+    std::uint32_t Hash;
+  };
+
+  // Where names from outside lead to.
+  struct Place {
+    std::optional<std::size_t> Section;
+    std::optional<std::size_t> Key;
+  };
+
+  TextEncoding Encoding() const {
+    return malformedLines_ == 0 ? TextEncoding::Utf8 : TextEncoding::Windows1252;
+  }
   bool EndsInsideLine() const;
   Line LineAt(std::size_t begin) const;
   std::string_view ContentOf(const Line& line) const;
+  std::string_view ContentAt(std::size_t begin) const { return ContentOf(LineAt(begin)); }
 
   std::string Decoded(std::string_view bytes) const;
   std::string Encoded(std::string_view text) const;
-  std::string IndexName(std::string_view bytes) const;
-  std::string SearchName(std::string_view name) const;
+  Name NameOf(std::string_view bytes) const { return {bytes, HashIgnoringCase(bytes, Encoding())}; }
+  bool IsNamed(std::string_view bytes, const Name& name) const {
+    return EqualIgnoringCase(bytes, name.Bytes, Encoding());
+  }
+  Place PlaceOf(std::string_view section, std::string_view key) const;
+  std::optional<std::size_t> FindSection(const Name& name) const;
+  std::optional<std::size_t> FindKey(const Section& section, const Name& name) const;
 
   std::string_view LineEndBehind(std::string_view content) const;
   std::string ClosingLineEnd() const;
@@ -99,7 +121,7 @@ class SectionedText {
   std::string_view lineEnd_;
   std::size_t malformedLines_ = 0;
   std::vector<Section> sections_;  // the first one is what stands before the first header
-  std::unordered_map<std::string, std::size_t> sectionByName_;
+  HashIndex sectionByName_;
 };
 
 // Starts with the mark of a text of 16-bit units, in either byte order.

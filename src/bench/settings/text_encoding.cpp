@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <cstring>
+
+#include "config/letter_case.h"
 
 namespace zolvane {
 namespace {
@@ -17,6 +20,12 @@ constexpr std::array<char32_t, 32> specialCharacters{
     0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x9D,   0x017E, 0x0178};
 
 using Sequence = Utf8Sequence;
+
+constexpr char32_t CharacterOf(char windows1252) {
+  const auto number = static_cast<std::uint8_t>(windows1252);
+  const bool isSpecial = number >= firstSpecial && number < firstSpecial + specialCharacters.size();
+  return isSpecial ? specialCharacters[number - firstSpecial] : number;
+}
 
 constexpr std::uint8_t ByteAt(std::string_view text, std::size_t position) {
   return static_cast<std::uint8_t>(text[position]);
@@ -98,6 +107,41 @@ char Windows1252ByteOf(char32_t character) {
              : static_cast<char>(firstSpecial + static_cast<std::size_t>(found - specialCharacters.begin()));
 }
 
+// Nearly all bytes of a settings file are ASCII, so eight are looked at in one step.
+std::size_t AsciiAtStartOf(std::string_view bytes) {
+  constexpr std::uint64_t anyHighBit = 0x8080'8080'8080'8080;
+  std::size_t size = 0;
+  for (std::uint64_t eight = 0; size + sizeof eight <= bytes.size(); size += sizeof eight) {
+    std::memcpy(&eight, bytes.data() + size, sizeof eight);
+    if ((eight & anyHighBit) != 0) {
+      break;
+    }
+  }
+  while (size < bytes.size() && ByteAt(bytes, size) < firstSpecial) {
+    ++size;
+  }
+  return size;
+}
+
+// The characters of a text, one after another.
+class UpperCaseReader {
+ public:
+  UpperCaseReader(std::string_view text, TextEncoding encoding) : rest_{text}, encoding_{encoding} {}
+
+  bool IsAtEnd() const { return rest_.empty(); }
+
+  char32_t Next() {
+    const Sequence next =
+        encoding_ == TextEncoding::Utf8 ? SequenceAt(rest_, 0) : Sequence{CharacterOf(rest_[0]), 1};
+    rest_.remove_prefix(std::max<std::size_t>(next.Length, 1));
+    return UpperCase(next.Character);
+  }
+
+ private:
+  std::string_view rest_;
+  TextEncoding encoding_;
+};
+
 // Calls `visit` with each well-formed sequence and with each byte that belongs to none (as a sequence of
 // length 0).
 template <class Visit>
@@ -116,18 +160,26 @@ Utf8Sequence Utf8SequenceAt(std::string_view text, std::size_t position) {
   return SequenceAt(text, position);
 }
 
+bool IsAscii(std::string_view bytes) {
+  return AsciiAtStartOf(bytes) == bytes.size();
+}
+
 bool IsUtf8(std::string_view bytes) {
-  for (std::size_t position = 0; position < bytes.size();) {
-    const Sequence sequence = SequenceAt(bytes, position);
+  for (bytes.remove_prefix(AsciiAtStartOf(bytes)); !bytes.empty();) {
+    const Sequence sequence = SequenceAt(bytes, 0);
     if (sequence.Length == 0) {
       return false;
     }
-    position += sequence.Length;
+    bytes.remove_prefix(sequence.Length);
+    bytes.remove_prefix(AsciiAtStartOf(bytes));
   }
   return true;
 }
 
 std::size_t CountMalformedLines(std::string_view bytes) {
+  if (IsUtf8(bytes)) {
+    return 0;
+  }
   std::size_t count = 0;
   while (!bytes.empty()) {
     const std::string_view line = bytes.substr(0, bytes.find('\n'));
@@ -141,9 +193,7 @@ std::string Utf8FromWindows1252(std::string_view bytes) {
   std::string text;
   text.reserve(bytes.size());
   for (const char byte : bytes) {
-    const auto number = static_cast<std::uint8_t>(byte);
-    const bool isSpecial = number >= firstSpecial && number < firstSpecial + specialCharacters.size();
-    AppendUtf8(text, isSpecial ? specialCharacters[number - firstSpecial] : number);
+    AppendUtf8(text, CharacterOf(byte));
   }
   return text;
 }
@@ -164,6 +214,30 @@ std::string WellFormedUtf8(std::string_view text) {
     result.append(sequence.Length == 0 ? std::string_view{"?"} : bytes);
   });
   return result;
+}
+
+bool EqualIgnoringCase(std::string_view left, std::string_view right, TextEncoding encoding) {
+  if (left == right) {
+    return true;
+  }
+  UpperCaseReader leftReader{left, encoding};
+  UpperCaseReader rightReader{right, encoding};
+  while (!leftReader.IsAtEnd() && !rightReader.IsAtEnd()) {
+    if (leftReader.Next() != rightReader.Next()) {
+      return false;
+    }
+  }
+  return leftReader.IsAtEnd() && rightReader.IsAtEnd();
+}
+
+// FNV-1a over characters. The last step spreads what differs in high bits to the low ones, by which the index
+// is entered.
+std::uint32_t HashIgnoringCase(std::string_view name, TextEncoding encoding) {
+  std::uint32_t hash = 2166136261U;
+  for (UpperCaseReader reader{name, encoding}; !reader.IsAtEnd();) {
+    hash = (hash ^ static_cast<std::uint32_t>(reader.Next())) * 16777619U;
+  }
+  return hash ^ (hash >> 16);
 }
 
 }  // namespace zolvane

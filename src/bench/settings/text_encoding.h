@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -15,6 +16,11 @@ struct Utf8Sequence {
 
 // What starts at that byte of the text.
 Utf8Sequence Utf8SequenceAt(std::string_view text, std::size_t position);
+
+enum class TextEncoding { Utf8, Windows1252 };
+
+// Means the same in both encodings.
+bool IsAscii(std::string_view bytes);
 
 // Well-formed to the last byte: no overlong forms, no surrogates, nothing beyond U+10FFFF.
 bool IsUtf8(std::string_view bytes);
@@ -32,5 +38,11 @@ std::string Windows1252FromUtf8(std::string_view text);
 
 // Bytes that do not belong to a well-formed sequence become "?".
 std::string WellFormedUtf8(std::string_view text);
+
+// Equal but for the case of letters (see config/letter_case.h). Both are texts of this encoding.
+bool EqualIgnoringCase(std::string_view left, std::string_view right, TextEncoding encoding);
+
+// The same for names that are equal in this sense.
+std::uint32_t HashIgnoringCase(std::string_view name, TextEncoding encoding);
 
 }  // namespace zolvane

@@ -1,8 +1,10 @@
 // Random operations on random bytes, compared with the plain reference byte for byte.
 #include <gtest/gtest.h>
 
+#include <array>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "bench/settings/exchanged_file.h"
@@ -10,6 +12,8 @@
 #include "bench/settings/random_settings.h"
 #include "bench/settings/reference_settings.h"
 #include "bench/settings/sectioned_text.h"
+#include "bench/settings/text_encoding.h"
+#include "config/text.h"
 #include "support/temporary_folder.h"
 
 namespace zolvane {
@@ -76,6 +80,67 @@ TEST(SettingsProperty, AValueThatWasWrittenIsReadBack) {
     if (WriteInMemory(text, section, key, "20 °C")) {
       ASSERT_EQ(text.Find(section, key), "20 °C") << "seed " << seed;
     }
+  }
+}
+
+// Far more names than one section of a sample has, long and short, in letters of both cases.
+class ManyNames {
+ public:
+  explicit ManyNames(unsigned seed) : random_{seed} {
+    for (int name = 0; name < 60; ++name) {
+      names_.push_back(AnyName(1 + random_.Below(24)));
+    }
+  }
+
+  const std::string& Any() { return names_[random_.Below(names_.size())]; }
+
+  std::string InAnyCase(std::string name) {
+    for (char& letter : name) {
+      letter =
+          random_.Below(2) == 0 && letter >= 'a' && letter <= 'z' ? static_cast<char>(letter - 32) : letter;
+    }
+    return random_.Below(2) == 0 ? Replaced(name, "ÿ", "Ÿ") : Replaced(name, "é", "É");
+  }
+
+  std::string Text() {
+    std::string text;
+    for (int line = 0; line < 600; ++line) {
+      text += random_.Below(40) == 0 ? '[' + InAnyCase(Any()) + ']'
+                                     : InAnyCase(Any()) + '=' + std::to_string(line);
+      text += "\r\n";
+    }
+    return random_.Below(2) == 0 ? text : Windows1252FromUtf8(text);
+  }
+
+ private:
+  std::string AnyName(std::size_t length) {
+    static constexpr std::array<std::string_view, 8> pieces{"a", "b", "item", "1", "2", "é", "ÿ", " z"};
+    std::string name;
+    while (name.size() < length) {
+      name += pieces[random_.Below(pieces.size())];
+    }
+    return name;
+  }
+
+  RandomSettings random_;
+  std::vector<std::string> names_;
+};
+
+TEST(SettingsProperty, EveryNameInAnyCaseLeadsWhereThePlainRulesLead) {
+  for (unsigned seed = 1; seed <= 4; ++seed) {
+    ManyNames names{seed};
+    const std::string bytes = names.Text();
+    const SectionedText text{bytes};
+    const ReferenceSettings reference{bytes};
+    int found = 0;
+    for (int look = 0; look < 150; ++look) {
+      const std::string section = names.InAnyCase(names.Any());
+      const std::string key = names.InAnyCase(names.Any());
+      const auto value = text.Find(section, key);
+      ASSERT_EQ(value, reference.Read(section, key)) << "seed " << seed << ": " << section << '/' << key;
+      found += value ? 1 : 0;
+    }
+    EXPECT_GT(found, 0) << "seed " << seed;
   }
 }
 

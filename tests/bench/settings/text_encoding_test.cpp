@@ -84,5 +84,41 @@ TEST(TextEncoding, BytesThatAreNotUtf8BecomeQuestionMarks) {
   EXPECT_EQ(WellFormedUtf8("\xED\xA0\x80"), "???");
 }
 
+TEST(TextEncoding, OnlyATextWithoutAnyHighBitIsAscii) {
+  EXPECT_TRUE(IsAscii(""));
+  EXPECT_TRUE(IsAscii(std::string_view{"nine bytes\0\x7F", 12}));
+  const std::string plain(20, 'x');
+  for (std::size_t position = 0; position < plain.size(); ++position) {
+    std::string text = plain;
+    text[position] = '\x80';
+    EXPECT_FALSE(IsAscii(text)) << position;
+    EXPECT_FALSE(IsUtf8(text)) << position;
+  }
+}
+
+// Every pair of partners, each in both encodings.
+TEST(TextEncoding, NamesThatDifferInTheCaseOfLettersAreEqual) {
+  const std::string small = "az\xE0\xF6\xF8\xFE\xFF\x9A\x9C\x9E";
+  const std::string large = "AZ\xC0\xD6\xD8\xDE\x9F\x8A\x8C\x8E";
+  using enum TextEncoding;
+  EXPECT_TRUE(EqualIgnoringCase(small, large, Windows1252));
+  EXPECT_EQ(HashIgnoringCase(small, Windows1252), HashIgnoringCase(large, Windows1252));
+  EXPECT_TRUE(EqualIgnoringCase("azàöøþÿšœž", "AZÀÖØÞŸŠŒŽ", Utf8));
+  EXPECT_EQ(HashIgnoringCase("azàöøþÿšœž", Utf8), HashIgnoringCase("AZÀÖØÞŸŠŒŽ", Utf8));
+}
+
+TEST(TextEncoding, NamesThatDifferInMoreThanTheCaseAreNotEqual) {
+  using enum TextEncoding;
+  EXPECT_FALSE(EqualIgnoringCase("Item1", "Item2", Utf8));
+  EXPECT_FALSE(EqualIgnoringCase("Item1", "Item", Utf8));
+  EXPECT_FALSE(EqualIgnoringCase("Item", "Item1", Utf8));
+  EXPECT_FALSE(EqualIgnoringCase("", "a", Utf8));
+  EXPECT_FALSE(EqualIgnoringCase("ω", "Ω", Utf8));  // no letter of Windows-1252
+  EXPECT_FALSE(EqualIgnoringCase("÷", "×", Utf8));  // signs among the letters
+  EXPECT_FALSE(EqualIgnoringCase("\xF7", "\xD7", Windows1252));
+  EXPECT_FALSE(EqualIgnoringCase("\xDF", "\xFF", Windows1252));  // the sharp s has no partner
+  EXPECT_FALSE(EqualIgnoringCase("@[`{", "`{@[", Utf8));
+}
+
 }  // namespace
 }  // namespace zolvane
