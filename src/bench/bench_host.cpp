@@ -41,23 +41,40 @@ constexpr std::int32_t iconMask = 0xF0;
 
 // ---- Boxes ----
 
-// Whoever was not asked is told. What explains why a command was not carried out is an error.
-void TellAnswer(HostState& state, const Question& question, const Answer& answer) {
-  const auto box = Joined(Printable(question.Title), ": ", OneLine(question.Text));
+bool IsDeclining(const Answer& answer) {
+  return answer.Button == message_answer::cancel || answer.Button == message_answer::no;
+}
+
+bool IsOfInterestOnly(const Question& question, const Answer& answer) {
+  return answer.By == AnsweredBy::OnlyButton ? (question.Style & iconMask) == message_style::informationIcon
+                                             : !IsDeclining(answer);
+}
+
+// What stands behind the text of a box: who answered it, and how.
+std::string AnswerNote(const Answer& answer) {
   const auto button = ButtonName(answer.Button);
   switch (answer.By) {
-    case AnsweredBy::OnlyButton:
-      return (question.Style & iconMask) == message_style::informationIcon ? state.Out.Note(box)
-                                                                           : state.Complain(box);
     case AnsweredBy::List:
-      return state.Out.Note(Joined(box, " (--answer: ", button, ")"));
+      return Joined(" (--answer: ", button, ")");
     case AnsweredBy::Affirmation:
-      return state.Out.Note(Joined(box, " (--yes: ", button, ")"));
+      return Joined(" (--yes: ", button, ")");
     case AnsweredBy::Caution:
-      return state.Complain(
-          Joined(box, " (", button, ", as nobody answered; --yes and --answer answer for you)"));
+      return Joined(" (", button, ", as nobody answered; --yes and --answer answer for you)");
     case AnsweredBy::User:
-      return;
+      return Joined(" (answered ", button, ")");
+    case AnsweredBy::OnlyButton:
+      break;
+  }
+  return {};
+}
+
+// Whoever was not asked is told. What explains why a command was not carried out is an error.
+void TellAnswer(HostState& state, const Question& question, const Answer& answer) {
+  const auto box = Joined(Printable(question.Title), ": ", OneLine(question.Text), AnswerNote(answer));
+  if (!IsOfInterestOnly(question, answer)) {
+    state.Complain(box);
+  } else if (answer.By != AnsweredBy::User) {
+    state.Out.Note(box);
   }
 }
 
@@ -66,7 +83,7 @@ std::int32_t AskUser(HostState& state, const Question& question) {
   const Answer answer = state.Desk.AnswerTo(question);
   TellAnswer(state, question, answer);
   state.Now.Messages.push_back({.Title = question.Title, .Text = question.Text, .Answer = answer.Button});
-  state.Now.WasCancelled |= answer.Button == message_answer::cancel || answer.Button == message_answer::no;
+  state.Now.WasCancelled |= IsDeclining(answer);
   state.Now.WasRefused |= (question.Style & iconMask) == message_style::stopIcon;
   return answer.Button;
 }
@@ -123,9 +140,10 @@ class WatchedSettings final : public IniFileService {
 
   Status WriteValue(std::string_view section, std::string_view key, std::string_view file,
                     std::string_view value) override {
+    const auto before = Stored(section, key, file);
     const Status status = state_.Files->WriteValue(section, key, file, value);
-    const auto place = Joined("[", section, "] ", key);
-    return CountWrite(state_, status, place, file);
+    state_.Now.ValuesChanged += status.Ok() && Stored(section, key, file) != before ? 1 : 0;
+    return CountWrite(state_, status, Joined("[", section, "] ", key), file);
   }
 
   std::optional<std::vector<std::string>> SplitText(std::string_view delimiter,
@@ -134,6 +152,12 @@ class WatchedSettings final : public IniFileService {
   }
 
  private:
+  // As a read gives it; a missing key gives what no value can be.
+  std::optional<std::string> Stored(std::string_view section, std::string_view key, std::string_view file) {
+    constexpr std::string_view missing = "\n";
+    return state_.Files->ReadValue(section, key, file, missing);
+  }
+
   HostState& state_;
 };
 
@@ -201,22 +225,12 @@ class WatchedLink final : public InstrumentLink {
 
   std::optional<bool> SendCommand(std::string& command, std::string& reply, std::int32_t number) override {
     const auto ok = inner_->SendCommand(command, reply, number);
-    Count(command, ok.value_or(false), reply);
+    state_.Now.Commands.Count(command, MetOnlyIf(ok), reply);
+    state_.Out.CountCommand();
     return ok;
   }
 
  private:
-  void Count(const std::string& command, bool ok, const std::string& reply) {
-    auto& now = state_.Now;
-    ++now.CommandsSent;
-    if (!ok) {
-      now.FirstFailedCommand = now.CommandsFailed++ == 0 ? command : now.FirstFailedCommand;
-    } else if (reply.find("SYNTAX_ERROR") != std::string::npos) {
-      ++now.UnknownKeys;
-    }
-    state_.Out.CountCommand();
-  }
-
   std::shared_ptr<InstrumentLink> inner_;
   HostState& state_;
 };

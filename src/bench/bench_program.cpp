@@ -2,11 +2,14 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <exception>
 #include <fstream>
+#include <iterator>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <ostream>
+#include <span>
 #include <system_error>
 #include <variant>
 
@@ -25,6 +28,7 @@
 #include "bench/terminal.h"
 #include "bench/tracing.h"
 #include "bench/usage_error.h"
+#include "bench/version.h"
 
 namespace zolvane {
 namespace {
@@ -83,33 +87,49 @@ class TraceOutput {
 // Prints each result when it is there, or all of them as one document at the end.
 class Results {
  public:
-  Results(const Options& options, Console& console) : options_{options}, console_{console} {}
+  Results(const Options& options, const Job& job, Console& console)
+      : options_{options},
+        console_{console},
+        report_{.Version = std::string{programVersion},
+                .Folder = options.Folder,
+                .Link = options.Link,
+                .Started = std::chrono::system_clock::now(),
+                .IsRun = job.IsRun} {}
 
   void Take(const ActionResult& result) {
     if (options_.PrintsJson) {
-      taken_.push_back(result);
+      report_.Results.push_back(result);
     } else {
       console_.Print(ResultText(result));
     }
   }
 
-  // The exit status as far as printing goes.
-  int Finish(bool isRun) {
+  void LeaveOut(std::span<const Action> actions) {
+    std::ranges::transform(actions, std::back_inserter(report_.NotBegun), &Action::Command);
+  }
+
+  // The exit status as far as printing goes; `status` is what the run came to.
+  int Finish(int status) {
     if (options_.PrintsJson) {
+      report_.ExitStatus = status;
+      report_.Duration = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - started_);
       const bool isAlone = options_.Trace != standardOutput;  // else it is the last line of many
-      console_.PrintDocument(JsonText(ResultsJson(taken_, isRun), isAlone));
+      console_.PrintDocument(JsonText(ReportJson(report_), isAlone));
     }
     if (console_.Flush()) {
-      return exit_status::done;
+      return status;
     }
     console_.Error("the results are lost, as standard output could not be written");
-    return exit_status::notDone;
+    return std::max(status, exit_status::notDone);
   }
 
  private:
+  using Clock = std::chrono::steady_clock;
+
   const Options& options_;
   Console& console_;
-  std::vector<ActionResult> taken_;
+  RunReport report_;
+  Clock::time_point started_ = Clock::now();
 };
 
 int PlayJob(const Options& options, const Job& job, const std::shared_ptr<InstrumentLink>& link,
@@ -121,13 +141,13 @@ int PlayJob(const Options& options, const Job& job, const std::shared_ptr<Instru
       .Answers = {.Listed = options.Answers, .AffirmsRest = options.AffirmsRest},
   };
   BenchHost host{setup, link, terminal.get(), console};
-  Results results{options, console};
+  Results results{options, job, console};
   Session session{host, console, trace.Log()};
-  const int played =
-      session.Play(job.Actions, {.IsInterrupted = [] { return Interrupt().IsRaised(); },
-                                 .Ended = [&](const ActionResult& result) { results.Take(result); }});
-  const int traced = trace.Finish(console);
-  return std::max({played, traced, results.Finish(job.IsRun)});
+  const int played = session.Play(job.Actions, options.KeepsGoing ? OnFailure::GoOn : OnFailure::Stop,
+                                  {.IsInterrupted = [] { return Interrupt().IsRaised(); },
+                                   .Ended = [&](const ActionResult& result) { results.Take(result); },
+                                   .NotBegun = [&](auto actions) { results.LeaveOut(actions); }});
+  return results.Finish(std::max(played, trace.Finish(console)));
 }
 
 int Run(const Options& options, std::istream& input, std::ostream& output, std::ostream& errors) {

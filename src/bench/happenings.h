@@ -1,7 +1,7 @@
 // What happened while a command of the user was carried out, and what it comes to.
 #pragma once
 
-#include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "bench/command_tally.h"
 #include "bench/usage_error.h"
 
 namespace zolvane {
@@ -20,11 +21,9 @@ struct ShownMessage {
 };
 
 struct Happenings {
-  std::size_t CommandsSent = 0;
-  std::size_t CommandsFailed = 0;
-  std::string FirstFailedCommand;
-  std::size_t UnknownKeys = 0;  // replies with SYNTAX_ERROR
+  CommandTally Commands;
   std::size_t ValuesWritten = 0;
+  std::size_t ValuesChanged = 0;  // of those written; the others were there already
   std::size_t WritesFailed = 0;
   std::vector<ShownMessage> Messages;
   std::optional<std::string> ChosenFile;
@@ -35,22 +34,47 @@ struct Happenings {
   bool WasMisused = false;    // an entry, an answer or a file that does not fit
 };
 
-// The weightiest thing that happened, in one word for programs.
-inline std::string_view OutcomeOf(const Happenings& happened) {
-  return happened.WasMisused                                        ? "unusable"
-         : happened.WasDisabled                                     ? "disabled"
-         : happened.CommandsFailed > 0 || happened.WritesFailed > 0 ? "failed"
-         : happened.WasRefused                                      ? "refused"
-         : happened.WasCancelled                                    ? "cancelled"
-         : happened.WasStopped                                      ? "stopped"
-                                                                    : "done";
+// From the lightest to the weightiest.
+enum class Outcome : std::uint8_t { Done, Stopped, Cancelled, Refused, Failed, Disabled, Unusable };
+
+struct OutcomeRow {
+  std::string_view Name;  // for people and programs
+  int ExitStatus;
+};
+
+// By outcome.
+inline constexpr std::array<OutcomeRow, 7> outcomeRows{{
+    {"done", exit_status::done},
+    {"stopped", exit_status::notDone},
+    {"cancelled", exit_status::notDone},
+    {"refused", exit_status::notDone},
+    {"failed", exit_status::notDone},
+    {"disabled", exit_status::notDone},
+    {"unusable", exit_status::unusable},
+}};
+
+inline const OutcomeRow& RowOf(Outcome outcome) {
+  return outcomeRows[static_cast<std::size_t>(outcome)];
+}
+
+inline bool HasFailed(const Happenings& happened) {
+  return happened.Commands.NotAnswered > 0 || happened.Commands.IsFailedByReplies() ||
+         happened.WritesFailed > 0;
+}
+
+// The weightiest thing that happened.
+inline Outcome OutcomeOf(const Happenings& happened) {
+  return happened.WasMisused     ? Outcome::Unusable
+         : happened.WasDisabled  ? Outcome::Disabled
+         : HasFailed(happened)   ? Outcome::Failed
+         : happened.WasRefused   ? Outcome::Refused
+         : happened.WasCancelled ? Outcome::Cancelled
+         : happened.WasStopped   ? Outcome::Stopped
+                                 : Outcome::Done;
 }
 
 inline int ExitStatusOf(const Happenings& happened) {
-  const auto outcome = OutcomeOf(happened);
-  return outcome == "unusable" ? exit_status::unusable
-         : outcome == "done"   ? exit_status::done
-                               : exit_status::notDone;
+  return RowOf(OutcomeOf(happened)).ExitStatus;
 }
 
 }  // namespace zolvane

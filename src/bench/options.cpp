@@ -14,11 +14,10 @@
 #include "bench/joined.h"
 #include "bench/paths.h"
 #include "bench/usage_error.h"
+#include "bench/version.h"
 
 namespace zolvane {
 namespace {
-
-constexpr std::string_view version = "1.00.0135";
 
 constexpr std::string_view purpose =
     "Hosts the Zolvane setup add-in without the Hestrion application and plays one whole host session:\n"
@@ -30,9 +29,9 @@ constexpr std::string_view answersHelp =
     "without a terminal with Cancel or No. A box with OK alone is always answered OK.";
 
 constexpr std::string_view statusHelp =
-    "Exit status: 0 done; 1 an instrument command failed, or the user cancelled or was refused; 2 the "
-    "command\n"
-    "line, the folder or a file named on it is unusable.";
+    "Exit status: 0 done; 1 a command was not answered or not accepted, a value could not be stored, or the "
+    "user\n"
+    "cancelled, stopped or was refused; 2 the command line, the folder or a file named on it is unusable.";
 
 // A row of the help: what is typed, and what it does.
 std::string HelpRow(std::string_view typed, std::string_view effect) {
@@ -143,7 +142,8 @@ void AddFlags(CLI::App& app, Options& options) {
   app.add_flag("--yes", options.AffirmsRest, "answer every box with OK or Yes once --answer has run out");
   app.add_flag("--host-dialog", options.OffersHostDialog, "let the host offer its own message dialogue");
   app.add_flag("--json", options.PrintsJson, "print results as one JSON document");
-  app.add_flag("--quiet", options.IsQuiet, "print errors only");
+  app.add_flag("--keep-going", options.KeepsGoing, "with run: go on behind a command that failed");
+  app.add_flag("--quiet", options.IsQuiet, "print errors and warnings only");
 }
 
 // Several lists are one.
@@ -183,7 +183,7 @@ std::variant<Options, Information> ParseOptions(std::vector<std::string> argumen
   CLI::App app;
   app.formatter(std::make_shared<HelpText>());
   app.set_help_flag("-h,--help", "print this help");
-  app.set_version_flag("--version", std::string{version}, "print the version");
+  app.set_version_flag("--version", std::string{programVersion}, "print the version");
   AddValueOptions(app, typed, options);
   AddFlags(app, options);
   for (std::size_t index = 0; index < typed.Words.size(); ++index) {
@@ -196,7 +196,7 @@ std::variant<Options, Information> ParseOptions(std::vector<std::string> argumen
   } catch (const CLI::CallForHelp&) {
     return Information{app.help()};
   } catch (const CLI::CallForVersion&) {
-    return Information{std::string{version} + "\n"};
+    return Information{std::string{programVersion} + "\n"};
   } catch (const CLI::ParseError& error) {
     throw UsageError{Joined(OneLine(error.what()), "; see zolvane-bench --help")};
   }

@@ -19,6 +19,7 @@ struct Options {
   std::optional<std::string> Trace;  // "-" is standard output
   bool TracesReads = false;
   bool PrintsJson = false;
+  bool KeepsGoing = false;
   bool IsQuiet = false;
   std::optional<std::string> File;   // of press
   std::vector<std::string> Command;  // with its arguments

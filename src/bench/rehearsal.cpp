@@ -1,11 +1,14 @@
 #include "bench/rehearsal.h"
 
+#include <algorithm>
+#include <array>
 #include <memory>
 #include <utility>
 
 #include "bench/settings/file_settings_service.h"
 #include "config/configuration.h"
 #include "host/environment.h"
+#include "link/hardware_detection.h"
 #include "link/operation_context.h"
 #include "page/page_controls.h"
 #include "transfer/download.h"
@@ -92,10 +95,23 @@ class AbsentPage final : public PagePort {
   void LoadDefaults() override {}
 };
 
+struct OperationRow {
+  int Button;
+  void (*Run)(const OperationContext& context);
+};
+
+// Those that send commands.
+constexpr std::array<OperationRow, 3> operationRows{{
+    {queryButton, QueryHardware},
+    {uploadButton, UploadCalibration},
+    {downloadButton, DownloadCalibration},
+}};
+
 }  // namespace
 
 std::size_t CountCommands(const std::string& programFolder, int button) {
-  if (button != uploadButton && button != downloadButton) {
+  const auto* const row = std::ranges::find(operationRows, button, &OperationRow::Button);
+  if (row == operationRows.end()) {
     return 0;
   }
   const auto link = std::make_shared<CountingLink>();
@@ -105,7 +121,7 @@ std::size_t CountCommands(const std::string& programFolder, int button) {
       .ObjectParent = std::make_shared<LinkOnlyObject>(link), .FormParent = nullptr, .Panel = nullptr};
   AbsentPage page;
   const OperationContext context{process, host, configuration, page};
-  button == uploadButton ? UploadCalibration(context) : DownloadCalibration(context);
+  row->Run(context);
   return link->Count;
 }
 

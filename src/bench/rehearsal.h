@@ -6,8 +6,8 @@
 
 namespace zolvane {
 
-// How many commands the upload or download button would send to an instrument that answers each of them; 0
-// for any other button. Reads the configuration file of the program folder and changes nothing.
+// How many commands the query, upload or download button would send to an instrument that answers each of them; 0 for
+// any other button. Reads the configuration file of the program folder and changes nothing.
 std::size_t CountCommands(const std::string& programFolder, int button);
 
 }  // namespace zolvane

@@ -33,29 +33,6 @@ Json ListJson(const ListModel& list) {
           {"back_color", list.BackColour}};
 }
 
-Json PageJson(const ShownPage& shown) {
-  Json lists;
-  for (std::size_t row = 0; row < listRows.size(); ++row) {
-    lists[listRows[row].Name] = ListJson(shown.Page.Lists[row]);
-  }
-  Json checks;
-  for (std::size_t row = 0; row < checkRows.size(); ++row) {
-    checks[checkRows[row].Name] = {{"value", shown.Page.Checks[row].Value},
-                                   {"enabled", shown.Page.Checks[row].Enabled}};
-  }
-  Json buttons = Json::array();
-  for (std::size_t row = 0; row < buttonRows.size(); ++row) {
-    buttons.push_back({{"caption", buttonRows[row].Caption}, {"enabled", shown.Page.ButtonsEnabled[row]}});
-  }
-  return {{"caption", shown.Caption},
-          {"lists", lists},
-          {"checks", checks},
-          {"labels", {{titleLabel.Name, titleLabel.Caption}, {pumpLabel.Name, shown.Page.PumpText}}},
-          {"buttons", buttons},
-          {"status", shown.Status},
-          {"changed", OrNull(shown.Changed)}};
-}
-
 Json MessagesJson(const std::vector<ShownMessage>& messages) {
   Json list = Json::array();
   for (const auto& message : messages) {
@@ -69,33 +46,61 @@ Json HeadJson(const ActionResult& result) {
   return {{"command", result.Request.Command}, {"exit_status", ExitStatusOf(result.Happened)}};
 }
 
+Json FirstRefusedJson(const CommandTally& commands) {
+  const auto& first = commands.FirstRefused;
+  return first ? Json{{"key", first->Key}, {"reply", first->Reply}} : Json(nullptr);
+}
+
+Json CommandsJson(const CommandTally& commands) {
+  return {{"commands", commands.Total()},
+          {"commands_sent", commands.Sent},
+          {"commands_accepted", commands.Accepted},
+          {"commands_refused", commands.Refused},
+          {"commands_not_answered", commands.NotAnswered},
+          {"commands_not_sent", commands.NotSent()},
+          {"first_refused", FirstRefusedJson(commands)},
+          {"first_not_answered", OrNull(commands.FirstNotAnswered)},
+          {"save_sent", commands.IsSaveSent},
+          {"save_accepted", commands.IsSaveAccepted}};
+}
+
 Json OperationJson(const ActionResult& result) {
   const auto& happened = result.Happened;
   Json json = HeadJson(result);
-  json["outcome"] = OutcomeOf(happened);
-  json["commands_sent"] = happened.CommandsSent;
-  json["commands_failed"] = happened.CommandsFailed;
-  json["unknown_keys"] = happened.UnknownKeys;
+  json["outcome"] = RowOf(OutcomeOf(happened)).Name;
+  json.update(CommandsJson(happened.Commands));
   json["values_written"] = happened.ValuesWritten;
+  json["values_changed"] = happened.ValuesChanged;
   json["writes_failed"] = happened.WritesFailed;
   json["file"] = OrNull(happened.ChosenFile);
   json["messages"] = MessagesJson(happened.Messages);
   return json;
 }
 
-// A page alone is printed as it is; among others it says first that it is a page.
-Json ResultJson(const ActionResult& result, bool isRun) {
+Json ResultJson(const ActionResult& result) {
+  Json json = result.Page || result.Script ? HeadJson(result) : OperationJson(result);
   if (result.Page) {
-    Json json = isRun ? HeadJson(result) : Json::object();
     json.update(PageJson(*result.Page));
-    return json;
   }
   if (result.Script) {
-    Json json = HeadJson(result);
     json["lines"] = *result.Script;
-    return json;
   }
-  return OperationJson(result);
+  return json;
+}
+
+// In UTC, to the second: "2026-03-01T07:05:09Z".
+std::string IsoTime(std::chrono::system_clock::time_point time) {
+  const auto day = std::chrono::floor<std::chrono::days>(time);
+  const std::chrono::year_month_day date{day};
+  const std::chrono::hh_mm_ss clock{std::chrono::floor<std::chrono::seconds>(time - day)};
+  const auto twoDigits = [](auto number) {
+    const auto digits = std::to_string(number);
+    return digits.size() < 2 ? "0" + digits : digits;
+  };
+  return Joined(std::to_string(static_cast<int>(date.year())), "-",
+                twoDigits(static_cast<unsigned>(date.month())), "-",
+                twoDigits(static_cast<unsigned>(date.day())), "T", twoDigits(clock.hours().count()), ":",
+                twoDigits(clock.minutes().count()), ":", twoDigits(clock.seconds().count()), "Z");
 }
 
 // ---- For people ----
@@ -162,27 +167,69 @@ std::string Counted(std::size_t number, std::string_view thing) {
   return Joined(std::to_string(number), " ", thing, number == 1 ? "" : "s");
 }
 
+// A reply as it stands in a sentence. One that goes on and on is no help.
+std::string QuotedReply(std::string_view reply) {
+  constexpr std::size_t mostShown = 60;
+  return reply.size() <= mostShown ? Quoted(reply) : Quoted(reply.substr(0, mostShown)) + "...";
+}
+
+std::string FirstRefused(const CommandTally& commands) {
+  const auto& first = *commands.FirstRefused;
+  return Joined("first ", Printable(first.Key), " with ", QuotedReply(first.Reply));
+}
+
+std::string FirstNotAnswered(const CommandTally& commands) {
+  return Joined("first ", Printable(*commands.FirstNotAnswered));
+}
+
+std::string OfAll(std::size_t number, const CommandTally& commands) {
+  return Joined(std::to_string(number), " of ", Counted(commands.Total(), "command"));
+}
+
+std::string SaveText(const CommandTally& commands) {
+  return Joined("SAVE ", commands.IsSaveAccepted ? "accepted"
+                         : commands.IsSaveSent   ? "not accepted"
+                                                 : "not sent");
+}
+
+// What went over the link.
+std::vector<std::string> CommandTexts(const CommandTally& commands) {
+  if (commands.Total() == 0) {
+    return {};
+  }
+  std::vector<std::string> texts{OfAll(commands.Sent, commands) + " sent",
+                                 std::to_string(commands.Accepted) + " accepted"};
+  if (commands.Refused > 0) {
+    texts.push_back(Joined(std::to_string(commands.Refused), " refused, ", FirstRefused(commands)));
+  }
+  if (commands.NotAnswered > 0) {
+    texts.push_back(
+        Joined(std::to_string(commands.NotAnswered), " not answered, ", FirstNotAnswered(commands)));
+  }
+  if (commands.NotSent() > 0) {
+    texts.push_back(std::to_string(commands.NotSent()) + " not sent");
+  }
+  if (commands.ExpectsSave) {
+    texts.push_back(SaveText(commands));
+  }
+  return texts;
+}
+
 // What went over the link and into the files, as far as anything did.
 std::string Balance(const Happenings& happened) {
-  std::string text;
-  const auto add = [&text](const std::string& part) { text.append(text.empty() ? " (" : ", ").append(part); };
-  if (happened.CommandsSent > 0) {
-    add(Counted(happened.CommandsSent, "command") + " sent");
-  }
-  if (happened.CommandsFailed > 0) {
-    add(std::to_string(happened.CommandsFailed) + " not answered, first " +
-        Quoted(happened.FirstFailedCommand));
-  }
-  if (happened.UnknownKeys > 0) {
-    add(std::to_string(happened.UnknownKeys) + " answered SYNTAX_ERROR");
-  }
+  auto texts = CommandTexts(happened.Commands);
   if (happened.ValuesWritten > 0) {
-    add(Counted(happened.ValuesWritten, "value") + " written");
+    texts.push_back(Joined(Counted(happened.ValuesWritten, "value"), " written, ",
+                           std::to_string(happened.ValuesChanged), " changed"));
   }
   if (happened.WritesFailed > 0) {
-    add(Counted(happened.WritesFailed, "value") + " not written");
+    texts.push_back(Counted(happened.WritesFailed, "value") + " not written");
   }
-  return text.empty() ? text : text + ")";
+  std::string all;
+  for (const auto& text : texts) {
+    all.append(all.empty() ? " (" : "; ").append(text);
+  }
+  return all.empty() ? all : all + ")";
 }
 
 std::string ScriptText(const std::vector<std::string>& lines) {
@@ -202,19 +249,79 @@ std::string ResultText(const ActionResult& result) {
   if (result.Script) {
     return ScriptText(*result.Script);
   }
-  return Joined(Printable(result.Request.Command), ": ", OutcomeOf(result.Happened), Balance(result.Happened),
-                "\n");
+  return Joined(Printable(result.Request.Command), ": ", RowOf(OutcomeOf(result.Happened)).Name,
+                Balance(result.Happened), "\n");
 }
 
-Json ResultsJson(const std::vector<ActionResult>& results, bool isRun) {
-  if (!isRun && results.size() == 1) {
-    return ResultJson(results.front(), isRun);
+std::vector<std::string> ReasonsOf(const Happenings& happened) {
+  const auto& commands = happened.Commands;
+  std::vector<std::string> reasons;
+  if (commands.NotAnswered > 0) {
+    reasons.push_back(
+        Joined(OfAll(commands.NotAnswered, commands), " not answered, ", FirstNotAnswered(commands)));
   }
-  Json list = Json::array();
-  for (const auto& result : results) {
-    list.push_back(ResultJson(result, isRun));
+  if (commands.IsFailedByReplies()) {
+    reasons.push_back(Joined(OfAll(commands.Refused, commands), " refused, ", FirstRefused(commands)));
   }
-  return list;
+  if (happened.WasStopped) {
+    reasons.push_back(Joined("stopped, ", OfAll(commands.NotSent(), commands), " not sent"));
+  }
+  return reasons;
+}
+
+std::string NotBegunText(std::string_view why, std::span<const Action> notBegun, std::size_t all) {
+  constexpr std::size_t mostNamed = 50;
+  std::string text =
+      Joined(why, ": ", std::to_string(notBegun.size()), " of ", Counted(all, "command"), " not begun: ");
+  const auto named = notBegun.first(std::min(notBegun.size(), mostNamed));
+  for (const auto& action : named) {
+    text.append(&action == named.data() ? "" : "; ").append(Printable(action.Command));
+  }
+  const auto more = notBegun.size() - named.size();
+  return more == 0 ? text : Joined(text, "; and ", std::to_string(more), " more");
+}
+
+Json PageJson(const ShownPage& shown) {
+  Json lists;
+  for (std::size_t row = 0; row < listRows.size(); ++row) {
+    lists[listRows[row].Name] = ListJson(shown.Page.Lists[row]);
+  }
+  Json checks;
+  for (std::size_t row = 0; row < checkRows.size(); ++row) {
+    checks[checkRows[row].Name] = {{"value", shown.Page.Checks[row].Value},
+                                   {"enabled", shown.Page.Checks[row].Enabled}};
+  }
+  Json buttons = Json::array();
+  for (std::size_t row = 0; row < buttonRows.size(); ++row) {
+    buttons.push_back({{"caption", buttonRows[row].Caption}, {"enabled", shown.Page.ButtonsEnabled[row]}});
+  }
+  return {{"caption", shown.Caption},
+          {"lists", lists},
+          {"checks", checks},
+          {"labels", {{titleLabel.Name, titleLabel.Caption}, {pumpLabel.Name, shown.Page.PumpText}}},
+          {"buttons", buttons},
+          {"status", shown.Status},
+          {"changed", OrNull(shown.Changed)}};
+}
+
+Json ReportJson(const RunReport& report) {
+  if (!report.IsRun && report.Results.size() == 1 && report.Results.front().Page) {
+    return PageJson(*report.Results.front().Page);
+  }
+  constexpr int schema = 1;
+  Json actions = Json::array();
+  for (const auto& result : report.Results) {
+    actions.push_back(ResultJson(result));
+  }
+  return {{"schema", schema},
+          {"version", report.Version},
+          {"folder", report.Folder},
+          {"link", report.Link},
+          {"started", IsoTime(report.Started)},
+          {"duration_ms", report.Duration.count()},
+          {"exit_status", report.ExitStatus},
+          {"actions", actions},
+          {"not_begun", report.NotBegun}};
 }
 
 }  // namespace zolvane

@@ -49,10 +49,10 @@ Session::Session(BenchHost& host, Console& console, TraceLog* trace)
 
 Session::~Session() = default;
 
-int Session::Play(const std::vector<Action>& actions, const Events& events) {
+int Session::Play(std::span<const Action> actions, OnFailure onFailure, const Events& events) {
   Open();
   const int opening = TakeStatus();
-  const int acting = PlayActions(actions, events);
+  const int acting = PlayActions(actions, onFailure, events);
   host_.Begin();
   Close();
   return std::max({opening, acting, TakeStatus()});
@@ -88,19 +88,26 @@ int Session::TakeStatus() {
   return ExitStatusOf(host_.Now());
 }
 
-int Session::PlayActions(const std::vector<Action>& actions, const Events& events) {
+int Session::PlayActions(std::span<const Action> actions, OnFailure onFailure, const Events& events) {
   int worst = exit_status::done;
   for (std::size_t done = 0; done < actions.size(); ++done) {
-    if (events.IsInterrupted()) {
-      console_.Note(Joined("interrupted: ", std::to_string(actions.size() - done), " of ",
-                           std::to_string(actions.size()), " commands not begun"));
+    const bool isInterrupted = events.IsInterrupted();
+    if (isInterrupted || (worst != exit_status::done && onFailure == OnFailure::Stop)) {
+      const auto why =
+          isInterrupted ? "interrupted" : Joined("stopped behind ", Quoted(actions[done - 1].Command));
+      console_.Error(NotBegunText(why, actions.subspan(done), actions.size()));
+      events.NotBegun(actions.subspan(done));
       return std::max(worst, exit_status::notDone);
     }
     const auto result = Do(actions[done]);
     worst = std::max(worst, ExitStatusOf(result.Happened));
     events.Ended(result);
   }
-  return events.IsInterrupted() ? std::max(worst, exit_status::notDone) : worst;
+  if (worst == exit_status::done && events.IsInterrupted()) {
+    console_.Error("interrupted, when all commands had been done");
+    return exit_status::notDone;
+  }
+  return worst;
 }
 
 ActionResult Session::Do(const Action& action) {
@@ -125,6 +132,9 @@ ActionResult Session::Do(const Action& action) {
   }
   TakeStatus();
   result.Happened = host_.Now();
+  for (const auto& reason : ReasonsOf(result.Happened)) {
+    console_.Error(Joined(At(action), Printable(action.Command), ": ", reason));
+  }
   return result;
 }
 
@@ -135,11 +145,14 @@ void Session::Press(const Action& action) {
       !Reacts(action, Joined(buttonRows[index].Name, " (", buttonRows[index].Caption, ")"), enabled[index])) {
     return;
   }
-  if (console_.CountsCommands()) {
-    console_.ExpectCommands(CountCommands(host_.Process().ProgramFolder(), action.Button));
-  }
+  const auto expected = CountCommands(host_.Process().ProgramFolder(), action.Button);
+  console_.ExpectCommands(expected);
   form_->PressButton(action.Button);
   console_.ExpectCommands(0);
+  if (!host_.Now().WasCancelled) {
+    host_.Now().Commands.Expected = expected;
+    host_.Now().Commands.ExpectsSave = action.Button == uploadButton;
+  }
 }
 
 void Session::Select(const Action& action) {

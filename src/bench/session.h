@@ -2,10 +2,14 @@
 // page, hand over window and host object, load the page, let the user act, save, detach, release.
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "bench/actions.h"
@@ -19,6 +23,9 @@
 
 namespace zolvane {
 
+// What a session does behind an action whose exit status is not 0.
+enum class OnFailure : std::uint8_t { Stop, GoOn };
+
 class Session {
  public:
   struct Events {
@@ -27,6 +34,9 @@ class Session {
 
     // Called when an action has ended.
     std::function<void(const ActionResult& result)> Ended;
+
+    // Called when the session ends before its last action.
+    std::function<void(std::span<const Action> actions)> NotBegun;
   };
 
   // All outlive the session. Without a trace `trace` is null.
@@ -37,13 +47,13 @@ class Session {
   Session& operator=(const Session&) = delete;
 
   // Plays the session from its beginning to its end; to be called once. The exit status is the worst of all
-  // that happened.
-  int Play(const std::vector<Action>& actions, const Events& events);
+  // that happened. Why it is not 0 has been told by then.
+  int Play(std::span<const Action> actions, OnFailure onFailure, const Events& events);
 
  private:
   void Open();
   void Close();
-  int PlayActions(const std::vector<Action>& actions, const Events& events);
+  int PlayActions(std::span<const Action> actions, OnFailure onFailure, const Events& events);
 
   ActionResult Do(const Action& action);
   void Press(const Action& action);

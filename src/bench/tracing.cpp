@@ -43,7 +43,12 @@ class TracingSettings final : public IniFileService {
   Status WriteValue(std::string_view section, std::string_view key, std::string_view file,
                     std::string_view value) override {
     const Status status = inner_->WriteValue(section, key, file, value);
-    log_.Write({{"event", "write"}, {"section", section}, {"key", key}, {"file", file}, {"value", value}});
+    log_.Write({{"event", "write"},
+                {"section", section},
+                {"key", key},
+                {"file", file},
+                {"value", value},
+                {"ok", status.Ok()}});
     return status;
   }
 

@@ -72,6 +72,9 @@ class Bench : public ::testing::Test {
     return RunProgram(ZOLVANE_BENCH_PATH, arguments, setup);
   }
 
+  // What each command of a run did, out of the JSON document.
+  static Json ActionsOf(const ProcessResult& result) { return Json::parse(result.Output).at("actions"); }
+
   // The events of the trace that a run writes, of the given kinds, in order.
   std::vector<Json> TraceOf(Arguments arguments, const std::vector<std::string>& kinds) const {
     arguments.insert(arguments.begin(), {"--quiet", "--trace", "trace.jsonl"});
@@ -437,7 +440,7 @@ TEST_F(Bench, TheTraceHoldsTheWholeSession) {
   const auto config = R"("file":")" + Folder.Path() + R"(/Zolvane.ini")";
   const auto installed = [&config](const std::string& section, const std::string& value) {
     return R"({"event":"write","section":")" + section + R"(","key":"Installed",)" + config +
-           R"(,"value":")" + value + R"("})";
+           R"(,"value":")" + value + R"(","ok":true})";
   };
   EXPECT_EQ(result.Status, 0);
   EXPECT_EQ(
@@ -477,7 +480,7 @@ TEST_F(Bench, TheTraceHoldsTheWholeSession) {
           R"({"event":"control","name":"chkTipSensor","property":"value","value":1})",
           R"({"event":"changed","value":false})",
           R"({"event":"write","section":"DeviceType","key":"SensorEnableTipsInstalled",)" + config +
-              R"(,"value":"1"})",
+              R"(,"value":"1","ok":true})",
           R"({"event":"changed","value":false})",
           R"({"event":"link","flag":"hold","op":"set","value":false})",
       }));
@@ -528,18 +531,18 @@ TEST_F(Bench, TheScriptIsWhatAnUploadSendsAndSendsNothing) {
   EXPECT_EQ(events[0].dump(), R"({"event":"changed","value":false})");
   EXPECT_EQ(events[1].dump(), R"({"event":"link","flag":"hold","op":"set","value":false})");
 
-  const auto document = Json::parse(Run({"script", "--json"}).Output);
-  EXPECT_EQ(document["lines"].get<std::vector<std::string>>(), sent);
-  EXPECT_EQ(document["exit_status"], 0);
+  const auto actions = ActionsOf(Run({"script", "--json"}));
+  EXPECT_EQ(actions[0]["lines"].get<std::vector<std::string>>(), sent);
+  EXPECT_EQ(actions[0]["exit_status"], 0);
 }
 
 // ---- Answers ----
 
 TEST_F(Bench, WithoutAnAnswerAnUploadIsCancelledAndItsControlsStayDisabled) {
   Folder.Put("job.txt", "upload\npage\nquery\nselect cboCageType #0\ntick chkRFID 1\npress 4\n");
-  const auto result = Run({"--json", "run", "job.txt"});
+  const auto result = Run({"--json", "--keep-going", "run", "job.txt"});
   EXPECT_EQ(result.Status, 1);
-  const auto document = Json::parse(result.Output);
+  const auto document = ActionsOf(result);
   EXPECT_EQ(document[0]["outcome"], "cancelled");
   EXPECT_EQ(document[0]["messages"][0]["answer"], "Cancel");
   EXPECT_EQ(document[1]["status"], "Uploading Data to Zolvane");
@@ -561,7 +564,8 @@ TEST_F(Bench, WithoutAnAnswerAnUploadIsCancelledAndItsControlsStayDisabled) {
 TEST_F(Bench, ListedAnswersAreTakenInTheirOrderAndInAnyCase) {
   Folder.Put("backup.bak", "[CageType]\r\nItem1=\"Other\",MICROTITER\r\n");
   Folder.Put("job.txt", "import backup.bak\nimport backup.bak\nimport backup.bak\n");
-  const auto boxes = TraceOf({"--answer", "No,cancel", "--answer", "YES", "run", "job.txt"}, {"message_box"});
+  const auto boxes = TraceOf({"--keep-going", "--answer", "No,cancel", "--answer", "YES", "run", "job.txt"},
+                             {"message_box"});
   ASSERT_EQ(boxes.size(), 4U);
   EXPECT_EQ(boxes[0]["answer"], 7);
   EXPECT_EQ(boxes[1]["answer"], 2);
@@ -573,8 +577,8 @@ TEST_F(Bench, ListedAnswersAreTakenInTheirOrderAndInAnyCase) {
 
 TEST_F(Bench, ABoxWithOneButtonTakesNoListedAnswer) {
   Folder.Put("job.txt", "query\nupload\n");
-  const auto boxes =
-      TraceOf({"--link", "none", "--answer", "cancel,ok", "run", "job.txt"}, {"message_box", "send"});
+  const auto boxes = TraceOf({"--keep-going", "--link", "none", "--answer", "cancel,ok", "run", "job.txt"},
+                             {"message_box", "send"});
   ASSERT_EQ(boxes.size(), 9U);
   for (const auto index : {1U, 3U, 5U, 7U}) {
     EXPECT_EQ(boxes[index]["title"], "Communication Error");
@@ -587,9 +591,9 @@ TEST_F(Bench, ABoxWithOneButtonTakesNoListedAnswer) {
 TEST_F(Bench, AListedAnswerThatDoesNotFitIsUsedUpAndTheRunEndsAsBadUse) {
   Folder.Put("backup.bak", "[CageType]\r\nItem1=\"Other\",MICROTITER\r\n");
   Folder.Put("job.txt", "import backup.bak\nupload\n");
-  const auto result = Run({"--json", "--answer", "ok,cancel", "--yes", "run", "job.txt"});
+  const auto result = Run({"--json", "--keep-going", "--answer", "ok,cancel", "--yes", "run", "job.txt"});
   EXPECT_EQ(result.Status, 2);
-  const auto document = Json::parse(result.Output);
+  const auto document = ActionsOf(result);
   EXPECT_EQ(document[0]["messages"][0]["answer"], "Yes");
   EXPECT_EQ(document[0]["exit_status"], 2);
   EXPECT_EQ(document[1]["messages"][0]["answer"], "Cancel");
@@ -629,8 +633,8 @@ TEST_F(Bench, TheHostsOwnDialogueIsAnsweredByTheSameRules) {
 
 TEST_F(Bench, AnExportAndAnImportGoThroughTheFileDialogue) {
   Folder.Put("job.txt", "import\nexport backup.bak\nimport ./backup.bak\nexport\n");
-  const auto events =
-      TraceOf({"--yes", "run", "job.txt"}, {"file_dialog", "append_blank_line", "yield", "message_box"});
+  const auto events = TraceOf({"--yes", "--keep-going", "run", "job.txt"},
+                              {"file_dialog", "append_blank_line", "yield", "message_box"});
   const auto backup = Folder.Path("backup.bak");
   const std::string filter =
       R"("filter":"Backup files (*.bak)|*.bak|Configuration Files (*.ini)|*.ini|All files (*.*)|*.*",)"
@@ -670,7 +674,7 @@ TEST_F(Bench, AnExportToTheConfigurationFileIsRefusedHoweverItIsSpelled) {
   }
   const auto result = Run({"--yes", "--json", "import", "Zolvane.ini"});
   EXPECT_EQ(result.Status, 1);
-  EXPECT_EQ(Json::parse(result.Output)["outcome"], "refused");
+  EXPECT_EQ(ActionsOf(result)[0]["outcome"], "refused");
   EXPECT_EQ(Folder.Read("Zolvane.ini"), configText);
 }
 
@@ -685,10 +689,10 @@ TEST_F(Bench, AFileThatIsGoneWhenItsDialogueOpensIsNotLoaded) {
   Folder.Put("job.txt", "export backup.bak\nimport backup.bak\n");
   SetKey("ExportCalibrationData", "0");
   const auto before = Folder.Read("Zolvane.ini");
-  const auto result = Run({"--yes", "--json", "run", "job.txt"});
+  const auto result = Run({"--yes", "--json", "--keep-going", "run", "job.txt"});
   EXPECT_EQ(result.Status, 2);
-  EXPECT_EQ(Json::parse(result.Output)[0]["outcome"], "disabled");
-  EXPECT_EQ(Json::parse(result.Output)[1]["outcome"], "unusable");
+  EXPECT_EQ(ActionsOf(result)[0]["outcome"], "disabled");
+  EXPECT_EQ(ActionsOf(result)[1]["outcome"], "unusable");
   EXPECT_EQ(Folder.Read("Zolvane.ini"), before);
 }
 
@@ -767,7 +771,7 @@ TEST_F(Bench, ARunIsOneSessionAndItsResultsAreAList) {
       "page";
   const auto result = Run({"--json", "run", "-"}, {.Input = job});
   EXPECT_EQ(result.Status, 0);
-  const auto document = Json::parse(result.Output);
+  const auto document = ActionsOf(result);
   ASSERT_EQ(document.size(), 4U);
   EXPECT_EQ(document[0]["command"], "page");
   EXPECT_EQ(document[0]["changed"], nullptr);
@@ -779,20 +783,57 @@ TEST_F(Bench, ARunIsOneSessionAndItsResultsAreAList) {
   EXPECT_EQ(document[3]["checks"]["chkRFID"]["value"], 1);
 }
 
-TEST_F(Bench, TheWorstOfAllCommandsCountsAndTheRunGoesOn) {
-  Folder.Put("job.txt", "export\nselect cboDeviceType Gamma\ntick chkRFID 1\n");
+TEST_F(Bench, ARunStopsBehindTheFirstCommandThatFailsAndSaysWhatWasNotBegun) {
+  Folder.Put("job.txt", "tick chkHeadSensor 1\nexport\nselect cboDeviceType Gamma\ntick chkRFID 1\n");
   const auto result = Run({"run", "job.txt"});
+  EXPECT_EQ(result.Status, 1);
+  EXPECT_EQ(result.Output,
+            "tick chkHeadSensor 1: done (1 value written, 1 changed)\n"
+            "export: cancelled\n");
+  EXPECT_EQ(
+      LinesOf(result.Errors).back(),
+      "zolvane-bench: stopped behind \"export\": 2 of 4 commands not begun: select cboDeviceType Gamma; "
+      "tick chkRFID 1");
+  EXPECT_EQ(Folder.Read("Zolvane.ini").find("SensorEnableRFID=1"), std::string::npos);
+}
+
+TEST_F(Bench, ARunThatStopsExitsWithTheStatusOfTheCommandThatFailed) {
+  Folder.Put("job.txt", "select cboDeviceType Gamma\nexport\n");
+  const auto result = Run({"--json", "run", "job.txt"});
+  EXPECT_EQ(result.Status, 2);
+  const auto document = Json::parse(result.Output);
+  EXPECT_EQ(document["exit_status"], 2);
+  EXPECT_EQ(document["actions"].size(), 1U);
+  EXPECT_EQ(document["not_begun"].dump(), R"(["export"])");
+}
+
+TEST_F(Bench, AnUploadThatFailsIsNotFollowedByTheDownloadBehindIt) {
+  Folder.Put("link.json", R"({"default": "OK", "replies": {"SET_CALIBRATION STAGE1_Y 2487": null}})");
+  Folder.Put("job.txt", "upload\ndownload\n");
+  const auto sends = TraceOf({"--yes", "--link", "script:link.json", "run", "job.txt"}, {"send"});
+  EXPECT_EQ(sends.size(), 2U);
+}
+
+TEST_F(Bench, ARunThatStopsTellsSoAlsoWhenItIsQuiet) {
+  Folder.Put("job.txt", "export\npage\n");
+  EXPECT_EQ(LinesOf(Run({"--quiet", "run", "job.txt"}).Errors).back(),
+            "zolvane-bench: stopped behind \"export\": 1 of 2 commands not begun: page");
+}
+
+TEST_F(Bench, ARunThatKeepsGoingDoesAllAndTheWorstCounts) {
+  Folder.Put("job.txt", "export\nselect cboDeviceType Gamma\ntick chkRFID 1\n");
+  const auto result = Run({"--keep-going", "run", "job.txt"});
   EXPECT_EQ(result.Status, 2);
   EXPECT_EQ(result.Output,
             "export: cancelled\n"
             "select cboDeviceType Gamma: unusable\n"
-            "tick chkRFID 1: done (1 value written)\n");
+            "tick chkRFID 1: done (1 value written, 1 changed)\n");
 }
 
 TEST_F(Bench, ARunWithoutCommandsIsASessionOfItsOwn) {
   const auto result = Run({"--json", "run", "-"});
   EXPECT_EQ(result.Status, 0);
-  EXPECT_EQ(result.Output, "[]\n");
+  EXPECT_EQ(ActionsOf(result).dump(), "[]");
 }
 
 TEST_F(Bench, APressInARunFileBringsItsOwnFile) {
@@ -814,7 +855,7 @@ TEST_F(Bench, TheSampleJobRunsOnTheSampleConfiguration) {
 TEST_F(Bench, AnUploadTellsItsProgressAndItsResult) {
   const auto result = Run({"--yes", "upload"});
   EXPECT_EQ(result.Status, 0);
-  EXPECT_EQ(result.Output, "upload: done (36 commands sent)\n");
+  EXPECT_EQ(result.Output, "upload: done (36 of 36 commands sent; 36 accepted; SAVE accepted)\n");
   EXPECT_EQ(LinesOf(result.Errors),
             (std::vector<std::string>{
                 "Uploading Data to Zolvane",
@@ -840,21 +881,127 @@ TEST_F(Bench, QuietPrintsErrorsOnly) {
   EXPECT_EQ(failed.Output, "");
   EXPECT_EQ(failed.Errors,
             "zolvane-bench: Communication Error: Uploading Data to Zolvane Please ensure that the Zolvane is "
-            "switched on and in 'Remote Mode'\n");
+            "switched on and in 'Remote Mode'\n"
+            "zolvane-bench: upload: 1 of 36 commands not answered, first STAGE1_X\n");
 }
 
-TEST_F(Bench, AJsonDocumentTellsWhatAnOperationDid) {
+TEST_F(Bench, TheJsonDocumentTellsOfTheRun) {
+  const auto result = Run({"--json", "tick", "chkRFID", "1"});
+  const auto document = Json::parse(result.Output);
+  std::vector<std::string> members;
+  for (const auto& member : document.items()) {
+    members.push_back(member.key());
+  }
+  EXPECT_EQ(members, (std::vector<std::string>{"schema", "version", "folder", "link", "started",
+                                               "duration_ms", "exit_status", "actions", "not_begun"}));
+  EXPECT_EQ(document["version"], LinesOf(Run({"--version"}).Output).front());
+  EXPECT_EQ(document["folder"], Folder.Path());
+  EXPECT_EQ(document["link"], "sim");
+  EXPECT_EQ(document["exit_status"], 0);
+  EXPECT_EQ(document["actions"].size(), 1U);
+}
+
+TEST_F(Bench, TheJsonDocumentTellsWhatAnOperationDid) {
   const auto result = Run({"--json", "--quiet", "--yes", "--link", "none", "upload"});
   EXPECT_EQ(result.Status, 1);
   EXPECT_EQ(
-      Json::parse(result.Output).dump(),
-      R"({"command":"upload","exit_status":1,"outcome":"failed","commands_sent":1,"commands_failed":1,)"
-      R"("unknown_keys":0,"values_written":0,"writes_failed":0,"file":null,"messages":[)"
+      ActionsOf(result).at(0).dump(),
+      R"({"command":"upload","exit_status":1,"outcome":"failed","commands":36,"commands_sent":1,)"
+      R"("commands_accepted":0,"commands_refused":0,"commands_not_answered":1,"commands_not_sent":35,)"
+      R"("first_refused":null,"first_not_answered":"STAGE1_X","save_sent":false,"save_accepted":false,)"
+      R"("values_written":0,"values_changed":0,"writes_failed":0,"file":null,"messages":[)"
       R"({"title":"Upload Calibration Data to Zolvane","text":"The calibration data stored on this computer )"
       R"(will be transferred\r\nto the Zolvane overwriting any existing data.\r\n\r\n)"
       R"(Click [OK] to upload this information.","answer":"OK"},)"
       R"({"title":"Communication Error","text":"Uploading Data to Zolvane\r\n\r\nPlease ensure that the )"
       R"(Zolvane is switched on\r\nand in 'Remote Mode'","answer":"OK"}]})");
+}
+
+TEST_F(Bench, AnUploadWhoseLinesAreAllRefusedIsNotDone) {
+  for (const auto* reply : {"SYNTAX_ERROR", "ERROR 42", "", "ok", "OK OK"}) {
+    Folder.Put("link.json", Json{{"default", reply}}.dump());
+    const auto result = Run({"--json", "--yes", "--link", "script:link.json", "upload"});
+    EXPECT_EQ(result.Status, 1) << reply;
+    const auto action = ActionsOf(result)[0];
+    EXPECT_EQ(action["outcome"], "failed") << reply;
+    EXPECT_EQ(action["commands_refused"], 36) << reply;
+    EXPECT_EQ(action["commands_accepted"], 0) << reply;
+    EXPECT_EQ(action["save_sent"], true) << reply;
+    EXPECT_EQ(action["save_accepted"], false) << reply;
+    EXPECT_EQ(action["first_refused"]["key"], "STAGE1_X") << reply;
+    EXPECT_EQ(action["first_refused"]["reply"], reply);
+  }
+}
+
+TEST_F(Bench, AnUploadAcceptsAnOkWithBlanksAndALineEnd) {
+  Folder.Put("link.json", R"({"default": " OK \r\n"})");
+  EXPECT_EQ(Run({"--quiet", "--yes", "--link", "script:link.json", "upload"}).Status, 0);
+}
+
+TEST_F(Bench, AnUploadWithOneRefusedLineIsNotDoneAndSaysWhichWasRefused) {
+  Folder.Put("link.json",
+             R"({"default": "OK", "replies": {"SET_CALIBRATION STAGE1_Y 2487": "ERROR 42\r\n"}})");
+  const auto result = Run({"--yes", "--link", "script:link.json", "upload"});
+  EXPECT_EQ(result.Status, 1);
+  EXPECT_EQ(
+      result.Output,
+      "upload: failed (36 of 36 commands sent; 35 accepted; 1 refused, first STAGE1_Y with \"ERROR 42\"; "
+      "SAVE accepted)\n");
+  EXPECT_EQ(LinesOf(result.Errors).back(),
+            "zolvane-bench: upload: 1 of 36 commands refused, first STAGE1_Y with \"ERROR 42\"");
+}
+
+TEST_F(Bench, ADownloadAnsweredWithNothingButSyntaxErrorIsNotDone) {
+  Folder.Put("link.json", R"({"default": "SYNTAX_ERROR"})");
+  const auto result = Run({"--quiet", "--yes", "--link", "script:link.json", "download"});
+  EXPECT_EQ(result.Status, 1);
+  EXPECT_EQ(result.Errors,
+            "zolvane-bench: download: 35 of 35 commands refused, first STAGE1_X with \"SYNTAX_ERROR\"\n");
+}
+
+TEST_F(Bench, ADownloadWithUnknownKeysAmongValuesIsDone) {
+  Folder.Put("link.json",
+             R"({"default": "SYNTAX_ERROR", "replies": {"GET_CALIBRATION Delta_Z": "Delta_Z=3"}})");
+  const auto result = Run({"--json", "--yes", "--link", "script:link.json", "download"});
+  EXPECT_EQ(result.Status, 0);
+  const auto action = ActionsOf(result)[0];
+  EXPECT_EQ(action["outcome"], "done");
+  EXPECT_EQ(action["commands_accepted"], 1);
+  EXPECT_EQ(action["commands_refused"], 34);
+}
+
+TEST_F(Bench, ADownloadWithAReplyThatIsNoValueIsNotDone) {
+  for (const auto* reply : {"OK", "", "250"}) {
+    Folder.Put("link.json",
+               Json{{"default", "X=1"}, {"replies", {{"GET_CALIBRATION Delta_Z", reply}}}}.dump());
+    const auto result = Run({"--json", "--yes", "--link", "script:link.json", "download"});
+    EXPECT_EQ(result.Status, 1) << reply;
+    EXPECT_EQ(ActionsOf(result)[0]["first_refused"]["key"], "Delta_Z") << reply;
+  }
+}
+
+TEST_F(Bench, AValueThatWasThereAlreadyIsWrittenAndNotChanged) {
+  const auto action = ActionsOf(Run({"--json", "tick", "chkRFID", "0"}))[0];
+  EXPECT_EQ(action["values_written"], 1);
+  EXPECT_EQ(action["values_changed"], 0);
+}
+
+TEST_F(Bench, QuietSaysWhyABoxDeclinedTheOperation) {
+  const auto result = Run({"--quiet", "--answer", "cancel", "upload"});
+  EXPECT_EQ(result.Status, 1);
+  EXPECT_EQ(
+      result.Errors,
+      "zolvane-bench: Upload Calibration Data to Zolvane: The calibration data stored on this computer will "
+      "be "
+      "transferred to the Zolvane overwriting any existing data. Click [OK] to upload this information. "
+      "(--answer: Cancel)\n");
+}
+
+TEST_F(Bench, QuietSaysThatAnOperationWasStopped) {
+  Folder.Put("link.json", R"({"default": "OK", "stop_after": ["STATUS_STAGE"]})");
+  const auto result = Run({"--quiet", "--link", "script:link.json", "query"});
+  EXPECT_EQ(result.Status, 1);
+  EXPECT_EQ(result.Errors, "zolvane-bench: query: stopped, 3 of 4 commands not sent\n");
 }
 
 TEST_F(Bench, ATraceOnStandardOutputStaysFreeOfOtherText) {
@@ -863,7 +1010,7 @@ TEST_F(Bench, ATraceOnStandardOutputStaysFreeOfOtherText) {
   for (const auto& line : LinesOf(people.Output)) {
     EXPECT_TRUE(Json::accept(line)) << line;
   }
-  EXPECT_NE(people.Errors.find("upload: done (36 commands sent)"), std::string::npos);
+  EXPECT_NE(people.Errors.find("upload: done (36 of 36 commands sent; "), std::string::npos);
 
   const auto programs = Run({"--trace", "-", "--json", "page"});
   const auto lines = LinesOf(programs.Output);
@@ -939,9 +1086,9 @@ TEST_F(Bench, AnInstrumentOverTcpAndOnATerminalIsTheSame) {
     const auto result = Run({"--json", "--quiet", "--yes", "--link", simulator.Link(), "run", "-"},
                             {.Input = "query\nupload\ndownload\n"});
     EXPECT_EQ(result.Status, 0) << simulator.Link();
-    const auto document = Json::parse(result.Output);
-    EXPECT_EQ(document[1]["commands_sent"], 36);
-    EXPECT_EQ(document[2]["commands_failed"], 0);
+    const auto document = ActionsOf(result);
+    EXPECT_EQ(document[1]["commands_accepted"], 36);
+    EXPECT_EQ(document[2]["commands_not_answered"], 0);
     EXPECT_EQ(simulator.End(), 0);
   }
 }
@@ -951,29 +1098,32 @@ TEST_F(Bench, ARepliesFateDecidesTheUpload) {
     std::string Fault;
     int Status;
     std::size_t Sent;
+    std::size_t NotAnswered;
   };
   // The fifth command goes wrong: it is the last one sent, or the upload goes on as if nothing had been.
-  for (const auto& [fault, status, sent] :
-       {Case{"close", 1, 5}, Case{"silent", 1, 5}, Case{"late", 1, 5}, Case{"no-newline", 1, 5},
-        Case{"overlong", 1, 5}, Case{"empty", 0, 36}, Case{"garbage", 0, 36}, Case{"split", 0, 36}}) {
+  for (const auto& [fault, status, sent, notAnswered] :
+       {Case{"close", 1, 5, 1}, Case{"silent", 1, 5, 1}, Case{"late", 1, 5, 1}, Case{"no-newline", 1, 5, 1},
+        Case{"overlong", 1, 5, 1}, Case{"empty", 1, 36, 0}, Case{"garbage", 1, 36, 0},
+        Case{"split", 0, 36, 0}}) {
     SimulatorProcess simulator{{"--fault", fault + "@5"}};
     const auto result =
         Run({"--json", "--quiet", "--yes", "--timeout", "0.7", "--link", simulator.Link(), "upload"});
     EXPECT_EQ(result.Status, status) << fault;
-    const auto document = Json::parse(result.Output);
-    EXPECT_EQ(document["commands_sent"], sent) << fault;
-    EXPECT_EQ(document["commands_failed"], status) << fault;
+    const auto action = ActionsOf(result)[0];
+    EXPECT_EQ(action["commands_sent"], sent) << fault;
+    EXPECT_EQ(action["commands_not_answered"], notAnswered) << fault;
+    EXPECT_EQ(action["commands_accepted"], status == 0 ? sent : sent - 1) << fault;
   }
 }
 
 TEST_F(Bench, ALinkThatWasCutIsOpenedAgainForTheNextCommand) {
   SimulatorProcess simulator{{"--stage", "BE2", "--fault", "close@1"}};
-  const auto result =
-      Run({"--json", "--quiet", "--link", simulator.Link(), "run", "-"}, {.Input = "query\nquery\n"});
+  const auto result = Run({"--json", "--quiet", "--keep-going", "--link", simulator.Link(), "run", "-"},
+                          {.Input = "query\nquery\n"});
   EXPECT_EQ(result.Status, 1);
-  const auto document = Json::parse(result.Output);
-  EXPECT_EQ(document[0]["commands_failed"], 1);
-  EXPECT_EQ(document[1]["commands_failed"], 0);
+  const auto document = ActionsOf(result);
+  EXPECT_EQ(document[0]["commands_not_answered"], 1);
+  EXPECT_EQ(document[1]["commands_not_answered"], 0);
   EXPECT_NE(Folder.Read("Zolvane.ini").find("[DeviceType]\r\nInstalled=2\r\n"), std::string::npos);
 }
 
@@ -991,7 +1141,7 @@ TEST_F(Bench, AnInstrumentThatIsNotThereFailsEveryCommand) {
   for (const auto* link : {"tcp:127.0.0.1:1", "serial:/nowhere/tty", "none"}) {
     const auto result = Run({"--json", "--quiet", "--timeout", "0.5", "--link", link, "query"});
     EXPECT_EQ(result.Status, 1) << link;
-    EXPECT_EQ(Json::parse(result.Output)["commands_failed"], 4) << link;
+    EXPECT_EQ(ActionsOf(result)[0]["commands_not_answered"], 4) << link;
   }
 }
 
@@ -1018,7 +1168,7 @@ TEST_F(Bench, ScriptedRepliesFailAndStopAsWritten) {
                    }));
   const auto result = Run({"--json", "--quiet", "--link", "script:link.json", "query"});
   EXPECT_EQ(result.Status, 1);
-  EXPECT_EQ(Json::parse(result.Output)["outcome"], "stopped");
+  EXPECT_EQ(ActionsOf(result)[0]["outcome"], "stopped");
 }
 
 // ---- On a terminal ----
@@ -1060,7 +1210,8 @@ TEST_F(OnTerminal, ABoxAsksTheUser) {
       << Terminal.Shown();
   Terminal.Type("ok\n");
   EXPECT_EQ(End(), 0);
-  EXPECT_NE(Terminal.Shown().find("upload: done (36 commands sent)\r\n"), std::string::npos);
+  EXPECT_NE(Terminal.Shown().find("upload: done (36 of 36 commands sent; 36 accepted; SAVE accepted)\r\n"),
+            std::string::npos);
 }
 
 TEST_F(OnTerminal, AnAnswerThatIsNoneIsAskedForAgain) {
@@ -1101,7 +1252,8 @@ TEST_F(OnTerminal, AnInterruptAtAQuestionCancelsAndEndsTheRun) {
   ASSERT_TRUE(Terminal.WaitFor("OK / Cancel? "));
   Terminal.Type("\x03");
   EXPECT_EQ(End(), 1);
-  EXPECT_NE(Terminal.Shown().find("interrupted: 1 of 2 commands not begun"), std::string::npos)
+  EXPECT_NE(Terminal.Shown().find("interrupted: 1 of 2 commands not begun: tick chkRFID 1"),
+            std::string::npos)
       << Terminal.Shown();
   EXPECT_EQ(Folder.Read("Zolvane.ini"), configText);
   const auto last = EventsOf(Folder.Read("trace.jsonl"), {"changed", "link"});

@@ -21,10 +21,18 @@ TEST(Rehearsal, CountsTheCommandsAndChangesNothing) {
   EXPECT_EQ(folder.Names().size(), 1U);
 }
 
+TEST(Rehearsal, CountsTheQuerysCommandsWithAndWithoutItsTagReader) {
+  const TemporaryFolder folder;
+  folder.Put("Zolvane.ini", rehearsedConfiguration);
+  EXPECT_EQ(CountCommands(folder.Path(), 2), 5U);
+  folder.Put("Zolvane.ini", "[DeviceType]\nSensorEnableRFID=0\n");
+  EXPECT_EQ(CountCommands(folder.Path(), 2), 4U);
+}
+
 TEST(Rehearsal, OtherButtonsCountNothing) {
   const TemporaryFolder folder;
   folder.Put("Zolvane.ini", rehearsedConfiguration);
-  for (const int button : {-1, 2, 3, 4, 5}) {
+  for (const int button : {-1, 3, 4, 5}) {
     EXPECT_EQ(CountCommands(folder.Path(), button), 0U);
   }
 }

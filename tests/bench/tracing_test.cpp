@@ -41,15 +41,26 @@ TEST(Trace, HoldsWritesAndReadsWhenAskedTo) {
   EXPECT_EQ(service->ReadValue("S", "Other", "/add-in/Zolvane.ini", "none"), "none");
   EXPECT_TRUE(service->WriteValue("S", "Key", "/add-in/Zolvane.ini", "\"new\"").Ok());
   EXPECT_EQ(service->SplitText(",", "a,b"), (std::vector<std::string>{"a", "b"}));
+  EXPECT_EQ(
+      host.Text.str(),
+      R"({"event":"read","section":"S","key":"Key","file":"/add-in/Zolvane.ini","default":"none",)"
+      R"("value":"value"})"
+      "\n"
+      R"({"event":"read","section":"S","key":"Other","file":"/add-in/Zolvane.ini","default":"none",)"
+      R"("value":"none"})"
+      "\n"
+      R"({"event":"write","section":"S","key":"Key","file":"/add-in/Zolvane.ini","value":"\"new\"","ok":true})"
+      "\n");
+}
+
+TEST(Trace, TellsOfAWriteWhetherItHeld) {
+  TracedHost host;
+  host.Calls.FailEverythingThatStartsWith("write");
+  const auto service = Traced(host.Process, host.Log)->CreateIniFileService();
+  EXPECT_EQ(service->WriteValue("S", "Key", "/x.bak", "1").Code(), Journal::failureCode);
   EXPECT_EQ(host.Text.str(),
-            R"({"event":"read","section":"S","key":"Key","file":"/add-in/Zolvane.ini","default":"none",)"
-            R"("value":"value"})"
-            "\n"
-            R"({"event":"read","section":"S","key":"Other","file":"/add-in/Zolvane.ini","default":"none",)"
-            R"("value":"none"})"
-            "\n"
-            R"({"event":"write","section":"S","key":"Key","file":"/add-in/Zolvane.ini","value":"\"new\""})"
-            "\n");
+            "{\"event\":\"write\",\"section\":\"S\",\"key\":\"Key\",\"file\":\"/"
+            "x.bak\",\"value\":\"1\",\"ok\":false}\n");
 }
 
 TEST(Trace, HoldsNoReadsUnlessAskedTo) {

@@ -70,9 +70,11 @@ TEST_F(BenchPrograms, TheMainJobDoesAndPrintsWhatTheDocumentsSay) {
   const auto played = PlayAsProcess("sim");
   EXPECT_EQ(played.Status, 0);
   for (const auto* const line :
-       {"query: done (5 commands sent, 7 values written)", "upload: done (178 commands sent)",
-        "download: done (174 commands sent, 4 answered SYNTAX_ERROR, 62 values written)",
-        "done (149 values written)"}) {
+       {"query: done (5 of 5 commands sent; 5 accepted; 7 values written, 3 changed)",
+        "upload: done (178 of 178 commands sent; 178 accepted; SAVE accepted)",
+        "download: done (174 of 174 commands sent; 170 accepted; 4 refused, first PickUp_1CHSHORT_Z with "
+        "\"SYNTAX_ERROR\"; 62 values written, 26 changed)",
+        ": done (149 values written, 104 changed)"}) {
     EXPECT_NE(played.Output.find(line), std::string::npos) << line << "\n" << played.Output;
   }
 }

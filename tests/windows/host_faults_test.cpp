@@ -45,7 +45,7 @@ struct Failure {
   FailureWay Way = FailureWay::Refusal;
 };
 
-struct Outcome {
+struct RunOutcome {
   std::vector<HostCall> Calls;     // that count, whether they reach the host or not
   std::vector<std::string> Trace;  // what reached the host, with its values
   std::vector<HRESULT> Members;    // what the page's members returned
@@ -183,7 +183,7 @@ class FaultyRun {
     }
   }
 
-  void Take(Outcome& outcome) {
+  void Take(RunOutcome& outcome) {
     outcome.Calls = Faults.Calls();
     for (std::string line; std::getline(Trace, line);) {
       if (IsHeard(line)) {
@@ -196,8 +196,8 @@ class FaultyRun {
   }
 };
 
-Outcome PlayOnParts(const Operation& operation, const Failure& failure) {
-  Outcome outcome;
+RunOutcome PlayOnParts(const Operation& operation, const Failure& failure) {
+  RunOutcome outcome;
   FaultyRun run{operation};
   {
     const auto process = Failing(*run.Process, run.Faults);
@@ -245,8 +245,8 @@ HWND FrameOf(IAddInForm& form) {
   return handle ? reinterpret_cast<HWND>(static_cast<LONG_PTR>(V_I4(&handle->Get()))) : nullptr;
 }
 
-Outcome PlayOnModule(const Operation& operation, const Failure& failure) {
-  Outcome outcome;
+RunOutcome PlayOnModule(const Operation& operation, const Failure& failure) {
+  RunOutcome outcome;
   FaultyRun run{operation};
   const auto& module = ProgramFolder::OfThisRun().Module();
   UnshownDialogues dialogues{operation};
@@ -334,7 +334,7 @@ void ExpectSameLines(const std::vector<std::string>& module, const std::vector<s
   EXPECT_EQ(module.size(), parts.size());
 }
 
-void ExpectSame(const Outcome& module, const Outcome& parts) {
+void ExpectSame(const RunOutcome& module, const RunOutcome& parts) {
   ExpectSameLines(NamesOf(module.Calls), NamesOf(parts.Calls));
   ExpectSameLines(module.Trace, parts.Trace);
   EXPECT_EQ(module.Page, parts.Page);

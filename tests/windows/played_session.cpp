@@ -61,8 +61,9 @@ void TakeFiles(PlayedSession& played) {
 
 std::vector<std::string> BenchArguments(const SessionPlan& plan) {
   const auto& folder = ProgramFolder::OfThisRun();
-  std::vector<std::string> arguments{"--folder", folder.Text(),   "--link",  plan.Link,
-                                     "--json",   "--trace-reads", "--trace", folder.FileText(traceFile)};
+  std::vector<std::string> arguments{"--folder",      folder.Text(), "--link",
+                                     plan.Link,       "--json",      "--keep-going",
+                                     "--trace-reads", "--trace",     folder.FileText(traceFile)};
   for (const auto& answer : plan.Answers) {
     arguments.insert(arguments.end(), {"--answer", answer});
   }
@@ -124,7 +125,7 @@ PlayedSession PlayOnBench(const SessionPlan& plan) {
   PlayedSession played;
   std::istringstream trace{ContentOf(ProgramFolder::OfThisRun().Path() / traceFile)};
   played.Calls = HostCalls(trace);
-  played.Page = Visible(nlohmann::json::parse(output.str()).back());
+  played.Page = Visible(nlohmann::json::parse(output.str())["actions"].back());
   TakeFiles(played);
   return played;
 }
@@ -155,12 +156,11 @@ PlayedSession PlayOnModule(const SessionPlan& plan) {
       unshown.File = action.File;
       player.Play(action, page);
     }
-    ActionResult last{.Request = {}, .Happened = {}};
-    last.Page = ShownPage{.Caption = session.Caption(),
-                          .Page = page.Shown(),
-                          .Status = host.StatusText(),
-                          .Changed = host.Changed()};
-    played.Page = Visible(nlohmann::json::parse(ResultsJson({last}, true).dump()).back());
+    played.Page = Visible(nlohmann::json::parse(PageJson({.Caption = session.Caption(),
+                                                          .Page = page.Shown(),
+                                                          .Status = host.StatusText(),
+                                                          .Changed = host.Changed()})
+                                                    .dump()));
   }
   played.Calls = HostCalls(trace);
   TakeFiles(played);

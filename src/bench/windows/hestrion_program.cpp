@@ -10,6 +10,7 @@
 #include <iostream>
 #include <memory>
 #include <optional>
+#include <span>
 #include <sstream>
 #include <stdexcept>
 
@@ -20,6 +21,7 @@
 #include "bench/options.h"
 #include "bench/paths.h"
 #include "bench/preparation.h"
+#include "bench/report.h"
 #include "bench/tracing.h"
 #include "bench/usage_error.h"
 #include "bench/windows/add_in_class.h"
@@ -50,6 +52,7 @@ struct WindowOptions {
   bool TracesReads = false;
   std::string Play;
   std::string Screenshot;
+  bool KeepsGoing = false;
   bool ShowsPage = false;
   bool Quits = false;
 
@@ -70,6 +73,7 @@ void Describe(CLI::App& app, WindowOptions& options) {
       ->type_name("A,B,...");
   app.add_flag("--yes", options.AffirmsRest,
                "with --play: answer every box with OK or Yes once they run out");
+  app.add_flag("--keep-going", options.KeepsGoing, "with --play: go on behind a command that failed");
   app.add_option("--trace", options.Trace, "write every interaction as JSON Lines to FILE")
       ->type_name("FILE");
   app.add_flag("--trace-reads", options.TracesReads, "let the trace hold the reads of settings too");
@@ -143,6 +147,7 @@ class HestrionBench {
   void ShowHelp();
   void Quit();
   void PlayActions();
+  int PlayAction(const Action& action);
   void TakePicture();
   int Status();
   void Complain(const std::string& text);
@@ -157,6 +162,7 @@ class HestrionBench {
   MainWindow window_;
   DialogueSpectator spectator_;  // the user answers boxes and dialogues on the screen
   std::optional<Player> player_;
+  int playedStatus_ = exit_status::done;  // the worst of all that was played
   InterruptFlag interrupt_;
   std::ostringstream unread_;
   Console console_;
@@ -301,12 +307,30 @@ void HestrionBench::Complain(const std::string& text) {
 
 // The user may close the page or the window between two commands.
 void HestrionBench::PlayActions() {
-  for (const auto& action : job_.Actions) {
-    player_->Play(action, PageDriver{session_->Frame()});
+  const std::span<const Action> actions{job_.Actions};
+  for (std::size_t done = 0; done < actions.size(); ++done) {
+    const bool hasFailed = PlayAction(actions[done]) != exit_status::done;
     if (!window_.PumpMessages() || !session_) {
       return;
     }
+    if (hasFailed && !options_.KeepsGoing && done + 1 < actions.size()) {
+      Complain(NotBegunText(Joined("stopped behind ", Quoted(actions[done].Command)),
+                            actions.subspan(done + 1), actions.size()));
+      return;
+    }
   }
+}
+
+// The exit status as far as this command goes.
+int HestrionBench::PlayAction(const Action& action) {
+  host_.Begin();
+  player_->Play(action, PageDriver{session_->Frame()});
+  for (const auto& reason : ReasonsOf(host_.Now())) {
+    Complain(Joined(Printable(action.Command), ": ", reason));
+  }
+  const int status = std::max(ExitStatusOf(host_.Now()), ExitStatusOf(player_->Happened()));
+  playedStatus_ = std::max(playedStatus_, status);
+  return status;
 }
 
 void HestrionBench::TakePicture() {
@@ -321,10 +345,7 @@ void HestrionBench::TakePicture() {
 
 // A trace that is not complete is no trace.
 int HestrionBench::Status() {
-  int status = ExitStatusOf(host_.Now());
-  if (player_) {
-    status = std::max(status, ExitStatusOf(player_->Happened()));
-  }
+  const int status = std::max(playedStatus_, ExitStatusOf(host_.Now()));
   if (trace_ && !trace_->Flush()) {
     Complain("the trace is not complete");
     return exit_status::unusable;

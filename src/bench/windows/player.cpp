@@ -60,6 +60,7 @@ void Player::Misuse(const std::string& text) {
 }
 
 bool Player::Play(const Action& action, const PageDriver& page) {
+  happened_ = {};
   file_ = action.File;
   const PageModel shown = page.Shown();
   switch (action.Kind) {
@@ -116,8 +117,14 @@ bool Player::Reacts(const Action& action, std::string_view control, bool isEnabl
 
 void Player::Answer(const Question& question) {
   const auto answer = desk_.AnswerTo(question).Button;
-  happened_.WasCancelled |= IsRefusal(answer);
-  happened_.WasRefused |= (question.Style & iconMask) == message_style::stopIcon;
+  if (IsRefusal(answer)) {
+    happened_.WasCancelled = true;
+    complain_(Joined(Printable(question.Title), ": answered ", ButtonName(answer)));
+  }
+  if ((question.Style & iconMask) == message_style::stopIcon) {
+    happened_.WasRefused = true;
+    complain_(Joined(Printable(question.Title), ": ", OneLine(question.Text)));
+  }
   answerer_.PressButton(answer);
 }
 
@@ -134,7 +141,10 @@ void Player::FileDialogueOpens(FileDialogueKind, const FileDialogue&) {
 }
 
 void Player::FileDialogueClosed(const std::optional<std::string>& chosen) {
-  happened_.WasCancelled |= !chosen;
+  if (!chosen) {
+    happened_.WasCancelled = true;
+    complain_("the file dialogue was cancelled");
+  }
   answerer_.Closed();
 }
 

@@ -29,7 +29,7 @@ class Player final : public DialogueListener {
   // Answers a message of the host's own dialogue that has just been opened.
   void Answer(const Question& question);
 
-  // What has happened at the page, of all that was played.
+  // What has happened at the page since the last action began.
   const Happenings& Happened() const { return happened_; }
 
   void BoxOpens(const MessageBoxRequest& request) override;

@@ -1,0 +1,42 @@
+// The commands of one operation: how many there were, and what became of each.
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace zolvane {
+
+struct RefusedCommand {
+  std::string Key;    // or the whole command, if it names no calibration key
+  std::string Reply;  // without line ends and blanks at its ends
+};
+
+struct CommandTally {
+  std::size_t Expected = 0;  // what a run with every send answered would send; 0: not known
+  std::size_t Sent = 0;
+  std::size_t Accepted = 0;     // answered "OK", or with a value
+  std::size_t Refused = 0;      // answered otherwise
+  std::size_t UnknownKeys = 0;  // of those refused: questions for keys that the instrument does not hold
+  std::size_t Unexpected = 0;   // of those refused: answers that the operation cannot have asked for
+  std::size_t NotAnswered = 0;
+  std::optional<RefusedCommand> FirstRefused;
+  std::optional<std::string> FirstNotAnswered;  // its key, or the whole command
+  bool ExpectsSave = false;
+  bool IsSaveSent = false;
+  bool IsSaveAccepted = false;
+
+  // Takes a command and its reply; the reply of a command that was not answered means nothing.
+  void Count(std::string_view command, bool isAnswered, std::string_view reply);
+
+  std::size_t Total() const { return std::max(Expected, Sent); }
+  std::size_t NotSent() const { return Total() - Sent; }
+
+  // The replies alone make a failure of the operation: a line of an upload was not accepted, a question was answered
+  // with what is neither a value nor SYNTAX_ERROR, or none was answered with a value.
+  bool IsFailedByReplies() const { return Unexpected > 0 || (UnknownKeys > 0 && Accepted == 0); }
+};
+
+}  // namespace zolvane
