@@ -13,9 +13,11 @@ namespace zolvane {
 // What the host's objects share.
 struct HostState {
   HostState(const BenchHost::Setup& setup, Questioner* terminal, Console& out)
-      : Host{setup}, Out{out}, Desk{setup.Answers, terminal, [this](const std::string& text) {
-                                      Misuse(text);
-                                    }} {}
+      : Host{setup},
+        Out{out},
+        Desk{setup.Answers, terminal, [this](const std::string& text) { Misuse(text); }},
+        Files{std::make_shared<FileSettingsService>(FileSettingsService::OpenFile,
+                                                    Waiting{.IsUnwanted = setup.WantsToStop})} {}
 
   void Complain(std::string_view text) { Out.Error(Joined(Place, text)); }
 
@@ -27,7 +29,7 @@ struct HostState {
   BenchHost::Setup Host;
   Console& Out;
   AnswerDesk Desk;
-  std::shared_ptr<FileSettingsService> Files = std::make_shared<FileSettingsService>();
+  std::shared_ptr<FileSettingsService> Files;
   Happenings Now;
   std::string Place;  // of the command, in front of a complaint
   std::optional<std::string> DialogueFile;
@@ -123,10 +125,17 @@ Status CountWrite(HostState& state, const Status& status, std::string_view what,
   if (status.Ok()) {
     ++state.Now.ValuesWritten;
   } else if (++state.Now.WritesFailed == 1) {
-    state.Complain(Joined(Printable(what), " could not be written to ", Quoted(file),
-                          "; is the disk full, or the file not writable?"));
+    state.Complain(Joined(Printable(what), " could not be written to ", Quoted(file), ": ",
+                          state.Files->FailureReason()));
   }
   return status;
+}
+
+// The first failure of a command is told, the others are counted.
+void CountFailedRead(HostState& state, std::string_view file) {
+  if (++state.Now.ReadsFailed == 1) {
+    state.Complain(Joined(Quoted(file), " could not be read: ", state.Files->FailureReason()));
+  }
 }
 
 class WatchedSettings final : public IniFileService {
@@ -135,7 +144,11 @@ class WatchedSettings final : public IniFileService {
 
   std::optional<std::string> ReadValue(std::string_view section, std::string_view key, std::string_view file,
                                        std::string_view fallback) override {
-    return state_.Files->ReadValue(section, key, file, fallback);
+    auto value = state_.Files->ReadValue(section, key, file, fallback);
+    if (!value) {
+      CountFailedRead(state_, file);
+    }
+    return value;
   }
 
   Status WriteValue(std::string_view section, std::string_view key, std::string_view file,
@@ -312,6 +325,12 @@ void BenchHost::FlushSettings() {
   if (!state_->Files->Flush().Ok()) {
     ++state_->Now.WritesFailed;
     state_->Complain("what was written may not survive a power cut: a settings file could not be flushed");
+  }
+  for (const auto& file : state_->Files->TakeRescued()) {
+    ++state_->Now.WritesFailed;
+    state_->Complain(
+        Joined("another program wrote into a settings file while it was replaced; what it wrote is in ",
+               Quoted(file)));
   }
 }
 

@@ -2,6 +2,7 @@
 // It carries out what the add-in asks, tells the user about it, and keeps the record of what happened.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -23,6 +24,7 @@ class BenchHost {
     std::string Folder;  // the program folder, absolute
     bool OffersDialog = false;
     AnswerDesk::Setup Answers{};
+    std::function<bool()> WantsToStop = [] { return false; };  // the user; ends the wait for another program
   };
 
   // The link is not null. The terminal, which may be null, and the console outlive the host.

@@ -139,6 +139,7 @@ int PlayJob(const Options& options, const Job& job, const std::shared_ptr<Instru
       .Folder = options.Folder,
       .OffersDialog = options.OffersHostDialog,
       .Answers = {.Listed = options.Answers, .AffirmsRest = options.AffirmsRest},
+      .WantsToStop = [] { return Interrupt().IsRaised(); },
   };
   BenchHost host{setup, link, terminal.get(), console};
   Results results{options, job, console};

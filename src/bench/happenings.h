@@ -25,6 +25,7 @@ struct Happenings {
   std::size_t ValuesWritten = 0;
   std::size_t ValuesChanged = 0;  // of those written; the others were there already
   std::size_t WritesFailed = 0;
+  std::size_t ReadsFailed = 0;  // of settings
   std::vector<ShownMessage> Messages;
   std::optional<std::string> ChosenFile;
   bool WasStopped = false;    // the add-in read a raised stop flag
@@ -59,7 +60,7 @@ inline const OutcomeRow& RowOf(Outcome outcome) {
 
 inline bool HasFailed(const Happenings& happened) {
   return happened.Commands.NotAnswered > 0 || happened.Commands.IsFailedByReplies() ||
-         happened.WritesFailed > 0;
+         happened.WritesFailed > 0 || happened.ReadsFailed > 0;
 }
 
 // The weightiest thing that happened.

@@ -2,7 +2,8 @@
 // finds a state between two changes, and so does everybody after a crash, a power cut or on a full disk.
 // Changes that other programs make to the file are noticed and are never overwritten.
 //
-// This is the seam to the operating system; each system has an implementation of its own.
+// This is the seam to the operating system; each system has an implementation of its own. None of the calls
+// waits for another program: what stands in the way is returned, and the caller decides how long to try again.
 #pragma once
 
 #include <cstdint>
@@ -10,6 +11,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "bench/settings/splice.h"
 #include "host/status.h"
@@ -20,15 +22,22 @@ namespace zolvane {
 inline constexpr std::uintmax_t largestSettingsFile = std::uintmax_t{256} * 1024 * 1024;
 
 struct FileContent {
-  enum class State { Present, Missing, Unreadable };
+  enum class State {
+    Present,
+    Missing,    // the system says that there is no such file
+    Unreadable  // anything else that went wrong; says nothing about what the file holds
+  };
 
   State Is = State::Unreadable;
-  std::string Bytes;  // empty unless it is present
+  std::string Bytes;            // empty unless it is present
+  bool IsBeingWritten = false;  // another program has it open for writing, as far as the system can tell
 };
 
 enum class WriteOutcome {
   Done,
   Changed,  // another program changed the file first: its change stands, this one is not made
+  InUse,    // another program has the file open for writing: the change is not made, the file is as it was
+  Locked,   // another writer of this kind is at work in the folder: the same
   Failed    // the file is as it was
 };
 
@@ -43,11 +52,16 @@ class ExchangedFile {
   virtual FileContent Read() = 0;
 
   // Makes the change to `text`, which is what was last read or written; a missing file is created. When it
-  // returns Done, everybody who opens the file finds the change.
+  // returns Done, everybody who opens the file finds the change. Owner, permissions, access lists and extended
+  // attributes are kept, or it fails.
   virtual WriteOutcome Write(std::string_view text, const Splice& change) = 0;
 
   // When it returns without failure, all that was written survives a power cut.
   virtual Status Flush() = 0;
+
+  // Programs that had the file open while it was exchanged may write into the state that was replaced. What they
+  // wrote is never removed: it is kept in a file of its own. Returns these files, each once.
+  virtual std::vector<std::string> TakeRescued() { return {}; }
 };
 
 enum class Durability {

@@ -2,15 +2,19 @@
 // copy, which is then made durable and exchanged with the visible file in one step of the file system. So a
 // change costs what it changes, not what the file holds, and the name always leads to a whole file.
 //
-// Three things could break that, and each has its guard:
+// Four things could break that, and each has its guard:
 //
-// Another program changes the visible file between our look at it and the exchange. What came out of the
-// exchange is therefore compared with what was expected, and put back if it is something else.
+// Another program changes the visible file between our look at it and the exchange. Nothing is therefore
+// exchanged while another program has the file open for writing, which a lease tells; a program that opens it
+// meanwhile has to wait, and is let go first. What came out of the exchange is compared with what was expected,
+// and put back if it is something else, or if somebody waits.
+//
+// Where the system grants no leases a program may write into a state that has been replaced. Such a state is not
+// removed but kept for the user.
 //
 // A program that opened the file before an exchange reads on in what has become the hidden copy. A copy is
 // therefore changed only under a lease, which the system grants when nobody else has the file open; otherwise
-// that file is left to its reader and a new copy is made. (Who writes on into a file that was exchanged
-// meanwhile writes into nowhere, as with every file that is replaced.)
+// that file is left to its reader and a new copy is made.
 //
 // A power cut may undo an exchange that is not durable yet, and so make the hidden copy the visible file
 // again. The folder is therefore made durable before the copy is touched again.
@@ -27,6 +31,7 @@
 #include <utility>
 
 #include "bench/settings/exchanged_file.h"
+#include "bench/settings/file_attributes_posix.h"
 #include "bench/settings/file_handle_posix.h"
 #include "bench/settings/file_state_posix.h"
 #include "bench/settings/hidden_copy_posix.h"
@@ -58,10 +63,6 @@ class SizeLimitSignalHeldOff {
   sigset_t before_{};
 };
 
-bool IsUnsupported(int error) {
-  return error == EINVAL || error == ENOSYS || error == ENOTSUP;
-}
-
 bool MayAccess(const std::string& path, int access) {
   return ::faccessat(AT_FDCWD, path.c_str(), access, AT_EACCESS) == 0;
 }
@@ -79,15 +80,35 @@ std::optional<std::string> ReasonAgainstReading(const std::string& path, const F
   return MayAccess(path, R_OK) ? std::nullopt : std::optional<std::string>{"cannot be read"};
 }
 
+// In a folder where everybody may only replace what is his own.
+bool IsProtectedFromUs(const FileState& folder, const FileState& file) {
+  const auto user = ::geteuid();
+  return (folder.Mode & S_ISVTX) != 0 && user != 0 && folder.Owner != user && file.Owner != user;
+}
+
+// Tried out on a file without a name. A file system that has no such files is believed.
+bool AttributesCanBeKept(const std::string& file, const std::string& folder) {
+  const FileHandle visible = OpenAt(AT_FDCWD, file, O_RDONLY | O_NONBLOCK);
+  const FileHandle trial = OpenAt(AT_FDCWD, folder, O_TMPFILE | O_RDWR, 0600);
+  return !visible.IsOpen() || !trial.IsOpen() || GiveAttributes(visible, trial);
+}
+
 std::optional<std::string> ReasonAgainstWriting(const std::string& path, const FileState& state) {
   if (state.Exists && !MayAccess(path, W_OK)) {
     return "cannot be written";
   }
   const auto file = WithoutLinks(path);
-  if (MayAccess(file ? FolderOf(*file) : ".", R_OK | W_OK | X_OK)) {
-    return std::nullopt;
+  const std::string folder = file ? FolderOf(*file) : ".";
+  if (!MayAccess(folder, R_OK | W_OK | X_OK)) {
+    return errno == ENOENT ? "is in a folder that does not exist" : "is in a folder that cannot be written";
   }
-  return errno == ENOENT ? "is in a folder that does not exist" : "is in a folder that cannot be written";
+  if (state.Exists && IsProtectedFromUs(StateOfPath(folder), state)) {
+    return "belongs to somebody else, in a folder where only the owner may replace it";
+  }
+  if (state.Exists && !AttributesCanBeKept(path, folder)) {
+    return "has a group, an access list or an attribute that would be lost";
+  }
+  return std::nullopt;
 }
 
 class PosixExchangedFile final : public ExchangedFile {
@@ -102,25 +123,25 @@ class PosixExchangedFile final : public ExchangedFile {
   FileContent Read() override;
   WriteOutcome Write(std::string_view text, const Splice& change) override;
   Status Flush() override;
+  std::vector<std::string> TakeRescued() override { return copy_.TakeRescued(); }
 
  private:
   FileContent ReadFrom(const FileHandle& file);
   void LetGo();
 
   bool OpenFolder();
+  WriteOutcome WriteLocked(std::string_view text, const SplicedText& next);
   WriteOutcome OpenVisible();
   WriteOutcome Create(const SplicedText& next);
   WriteOutcome Replace(std::string_view text, const SplicedText& next);
 
-  int Rename(unsigned int flags) const;
-  int Exchange() const { return Rename(RENAME_EXCHANGE); }
+  int Exchange() const;
   WriteOutcome ExchangeIn(std::string_view text, const SplicedText& next);
   WriteOutcome RenameIn(std::string_view text);
-  WriteOutcome RenameToFreeName();
-  bool ExpectedCameOut(std::string_view text) const;
   bool VisibleHolds(std::string_view text) const;
-  void GiveBack() const;
-  void BecomeVisible(ByteRange changed);
+  bool SomebodyWaits() const { return isLeased_ && !HoldsLease(visible_); }
+  void GiveBack();
+  void BecomeVisible(const FileState& formerState, ByteRange changed);
   void MakeNamesDurable();
 
   std::string path_;
@@ -130,7 +151,8 @@ class PosixExchangedFile final : public ExchangedFile {
   bool isSettled_ = false;  // a later change cannot look like `known_`
 
   FilePlace place_;
-  FileHandle visible_;  // open only from the first write on; is the file that `known_` tells of
+  FileHandle visible_;  // open during a write only; is the file that `known_` tells of
+  bool isLeased_ = false;
   HiddenCopy copy_{place_, options_.Survives};
   bool namesAreDurable_ = true;
 };
@@ -170,6 +192,7 @@ FileContent PosixExchangedFile::ReadFrom(const FileHandle& file) {
       isSettled_ = IsOldEnough(before);
     }
   }
+  content.IsBeingWritten = TryLeaseAgainstWriters(file) == LeaseAnswer::Refused;
   return content;
 }
 
@@ -184,22 +207,28 @@ WriteOutcome PosixExchangedFile::Write(std::string_view text, const Splice& chan
   if (!OpenFolder()) {
     return WriteOutcome::Failed;
   }
-  WriteOutcome outcome = WriteOutcome::Changed;
-  {
-    const FolderLock lock{place_.Folder};
-    if (StateOfPath(path_) == known_) {
-      const SplicedText next{text, change};
-      outcome = known_.Exists ? Replace(text, next) : Create(next);
-    }
-  }
-  if (outcome != WriteOutcome::Done) {
+  const WriteOutcome outcome = WriteLocked(text, SplicedText{text, change});
+  visible_.Close();
+  if (outcome == WriteOutcome::Changed || outcome == WriteOutcome::Failed) {
     LetGo();
     isSettled_ = isSettled_ && outcome != WriteOutcome::Changed;
   }
   return outcome;
 }
 
+WriteOutcome PosixExchangedFile::WriteLocked(std::string_view text, const SplicedText& next) {
+  const FolderLock lock{place_.Folder};
+  if (lock.IsRefused()) {
+    return WriteOutcome::Locked;
+  }
+  if (StateOfPath(path_) != known_) {
+    return WriteOutcome::Changed;
+  }
+  return known_.Exists ? Replace(text, next) : Create(next);
+}
+
 Status PosixExchangedFile::Flush() {
+  copy_.RescueChanges();
   if (namesAreDurable_) {
     return Status::Success();
   }
@@ -220,19 +249,26 @@ bool PosixExchangedFile::OpenFolder() {
     return false;
   }
   place_ = {.Folder = OpenAt(AT_FDCWD, FolderOf(*file), O_RDONLY | O_DIRECTORY),
+            .FolderPath = FolderOf(*file),
             .Name = file->filename().string()};
   return place_.Folder.IsOpen();
 }
 
-// For writing, because it is the hidden copy after the next exchange. A file that we may not write fails
-// here.
+// With the lease, if there is one. The permission to write needs to be looked at only once: a change of it is a
+// change of the file.
 WriteOutcome PosixExchangedFile::OpenVisible() {
-  if (visible_.IsOpen()) {
-    return WriteOutcome::Done;
-  }
-  visible_ = OpenAt(place_.Folder.Number(), place_.Name, O_RDWR | O_NOFOLLOW);
+  const int folder = place_.Folder.Number();
+  visible_ = OpenAt(folder, place_.Name, O_RDONLY | O_NOFOLLOW | O_NONBLOCK);
   if (!visible_.IsOpen()) {
     return errno == ENOENT || errno == ELOOP ? WriteOutcome::Changed : WriteOutcome::Failed;
+  }
+  if (!copy_.Exists() && ::faccessat(folder, place_.Name.c_str(), W_OK, AT_EACCESS) != 0) {
+    return WriteOutcome::Failed;
+  }
+  const LeaseAnswer lease = TryLeaseAgainstWriters(visible_);
+  isLeased_ = lease == LeaseAnswer::Granted;
+  if (lease == LeaseAnswer::Refused) {
+    return WriteOutcome::InUse;
   }
   return StateOf(visible_) == known_ ? WriteOutcome::Done : WriteOutcome::Changed;
 }
@@ -241,11 +277,11 @@ WriteOutcome PosixExchangedFile::Create(const SplicedText& next) {
   if (!copy_.Create(next)) {
     return WriteOutcome::Failed;
   }
-  const WriteOutcome outcome = RenameToFreeName();
-  if (outcome == WriteOutcome::Done) {
-    BecomeVisible({});
+  if (!RenameToFree(place_.Folder.Number(), copy_.Name(), place_.Name)) {
+    return errno == EEXIST ? WriteOutcome::Changed : WriteOutcome::Failed;
   }
-  return outcome;
+  BecomeVisible({}, {});
+  return WriteOutcome::Done;
 }
 
 WriteOutcome PosixExchangedFile::Replace(std::string_view text, const SplicedText& next) {
@@ -255,16 +291,23 @@ WriteOutcome PosixExchangedFile::Replace(std::string_view text, const SplicedTex
   if (!copy_.Follow(next, visible_, known_)) {
     return WriteOutcome::Failed;
   }
-  return options_.KeepsCopy ? ExchangeIn(text, next) : RenameIn(text);
+  const WriteOutcome outcome = options_.KeepsCopy ? ExchangeIn(text, next) : RenameIn(text);
+  if (outcome == WriteOutcome::InUse) {
+    copy_.Drop();
+  }
+  return outcome;
 }
 
-int PosixExchangedFile::Rename(unsigned int flags) const {
+int PosixExchangedFile::Exchange() const {
   const int folder = place_.Folder.Number();
-  return ::renameat2(folder, copy_.Name().c_str(), folder, place_.Name.c_str(), flags);
+  return ::renameat2(folder, copy_.Name().c_str(), folder, place_.Name.c_str(), RENAME_EXCHANGE);
 }
 
 WriteOutcome PosixExchangedFile::ExchangeIn(std::string_view text, const SplicedText& next) {
   TryLock(visible_);  // under the copy's name it must be locked from the first moment
+  if (SomebodyWaits()) {
+    return WriteOutcome::InUse;
+  }
   if (Exchange() != 0) {
     if (IsUnsupported(errno)) {
       options_.KeepsCopy = false;
@@ -272,17 +315,25 @@ WriteOutcome PosixExchangedFile::ExchangeIn(std::string_view text, const Spliced
     }
     return errno == ENOENT ? WriteOutcome::Changed : WriteOutcome::Failed;
   }
-  if (!ExpectedCameOut(text)) {
+  const FileState cameOut = StateOfName(place_.Folder, copy_.Name());
+  if (SomebodyWaits()) {
+    GiveBack();
+    return WriteOutcome::InUse;
+  }
+  if (!cameOut.IsSameAcrossExchange(known_) || !VisibleHolds(text)) {
     GiveBack();
     return WriteOutcome::Changed;
   }
-  BecomeVisible(next.Changed());
+  BecomeVisible(cameOut, next.Changed());
   return WriteOutcome::Done;
 }
 
 // Between the look and the renaming another program's change can be lost: such a file system offers nothing
 // better.
 WriteOutcome PosixExchangedFile::RenameIn(std::string_view text) {
+  if (SomebodyWaits()) {
+    return WriteOutcome::InUse;
+  }
   if (StateOfPath(path_) != known_ || !VisibleHolds(text)) {
     return WriteOutcome::Changed;
   }
@@ -291,27 +342,8 @@ WriteOutcome PosixExchangedFile::RenameIn(std::string_view text) {
     return WriteOutcome::Failed;
   }
   visible_.Close();
-  BecomeVisible({});
+  BecomeVisible({}, {});
   return WriteOutcome::Done;
-}
-
-WriteOutcome PosixExchangedFile::RenameToFreeName() {
-  int result = Rename(RENAME_NOREPLACE);
-  if (result != 0 && IsUnsupported(errno)) {
-    const int folder = place_.Folder.Number();
-    result = ::linkat(folder, copy_.Name().c_str(), folder, place_.Name.c_str(), 0);
-    if (result == 0) {
-      ::unlinkat(folder, copy_.Name().c_str(), 0);
-    }
-  }
-  if (result != 0) {
-    return errno == EEXIST ? WriteOutcome::Changed : WriteOutcome::Failed;
-  }
-  return WriteOutcome::Done;
-}
-
-bool PosixExchangedFile::ExpectedCameOut(std::string_view text) const {
-  return StateOfName(place_.Folder, copy_.Name()).IsSameAcrossExchange(known_) && VisibleHolds(text);
 }
 
 // The file that looks as it did when it was read also has the bytes that it had then.
@@ -321,22 +353,30 @@ bool PosixExchangedFile::VisibleHolds(std::string_view text) const {
 
 // Another program's state is under the copy's name and has to be the visible one again. Should yet another
 // one come out when it is put back, then that is the newer one, and so on until the one comes out that was
-// put in last.
-void PosixExchangedFile::GiveBack() const {
+// put in last. A visible file that is moved away meanwhile is given back, too.
+void PosixExchangedFile::GiveBack() {
+  constexpr int mostAttempts = 1000;
   FileState putIn = copy_.Whole();
   FileState cameOut = StateOfName(place_.Folder, copy_.Name());
   bool isDone = false;
-  while (!isDone && Exchange() == 0) {
-    const FileState expected = std::exchange(putIn, cameOut);
-    cameOut = StateOfName(place_.Folder, copy_.Name());
-    isDone = cameOut.IsSameAcrossExchange(expected);
+  for (int attempt = 0; attempt < mostAttempts && !isDone; ++attempt) {
+    if (Exchange() == 0) {
+      const FileState expected = std::exchange(putIn, cameOut);
+      cameOut = StateOfName(place_.Folder, copy_.Name());
+      isDone = cameOut.IsSameAcrossExchange(expected);
+    } else {
+      isDone = errno != ENOENT || RenameToFree(place_.Folder.Number(), copy_.Name(), place_.Name);
+    }
   }
+  copy_.CameBack(cameOut);
 }
 
 // The copy bears the visible name now. What was visible, if it is still open, is the copy, and `changed` behind.
-void PosixExchangedFile::BecomeVisible(ByteRange changed) {
-  visible_ = copy_.ChangePlaces(std::move(visible_), isSettled_ ? known_ : FileState{}, changed);
-  const FileState now = StateOf(visible_);
+void PosixExchangedFile::BecomeVisible(const FileState& formerState, ByteRange changed) {
+  if (isLeased_ && visible_.IsOpen()) {
+    EndLease(visible_);
+  }
+  const FileState now = copy_.ChangePlaces(std::move(visible_), formerState, isSettled_, changed);
   const bool isOurs = now.IsSameAcrossExchange(copy_.Whole());
   known_ = isOurs ? now : copy_.Whole();
   isSettled_ = isOurs && copy_.WholeIsUnique();

@@ -2,10 +2,14 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
-#include <sys/stat.h>
+#include <sys/vfs.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <array>
 #include <csignal>
+#include <cstdint>
+#include <cstdio>
 
 #include "bench/settings/exchanged_file.h"
 
@@ -15,6 +19,23 @@ namespace {
 bool Control(const FileHandle& file, int command, int argument) {
   // NOLINTNEXTLINE(cppcoreguidelines-pro-type-vararg): the system call is declared so
   return ::fcntl(file.Number(), command, argument) == 0;
+}
+
+// On these a refusal only says that the server has not handed out its own lease.
+bool IsOnAnotherComputer(const FileHandle& file) {
+  constexpr std::array<std::uint32_t, 4> kinds{0x6969, 0x517B, 0xFF534D42,
+                                               0xFE534D42};  // NFS, and three of SMB
+  struct statfs system {};
+  return ::fstatfs(file.Number(), &system) == 0 &&
+         std::ranges::find(kinds, static_cast<std::uint32_t>(system.f_type)) != kinds.end();
+}
+
+// The system announces a visitor by a signal; it gets one that is ignored unless asked for.
+LeaseAnswer TryLease(const FileHandle& file, int kind) {
+  if (Control(file, F_SETSIG, SIGURG) && Control(file, F_SETLEASE, kind)) {
+    return LeaseAnswer::Granted;
+  }
+  return errno == EAGAIN && !IsOnAnotherComputer(file) ? LeaseAnswer::Refused : LeaseAnswer::Unavailable;
 }
 
 }  // namespace
@@ -67,43 +88,42 @@ bool MakeDurable(const FileHandle& file) {
   return Retried([&] { return ::fsync(file.Number()); }) == 0;
 }
 
-bool GiveAttributes(const FileHandle& from, const FileHandle& to) {
-  struct stat wanted {};
-  struct stat present {};
-  if (::fstat(from.Number(), &wanted) != 0 || ::fstat(to.Number(), &present) != 0) {
-    return false;
+bool IsUnsupported(int error) {
+  return error == EINVAL || error == ENOSYS || error == ENOTSUP;
+}
+
+bool RenameToFree(int folder, const std::string& name, const std::string& freeName) {
+  if (::renameat2(folder, name.c_str(), folder, freeName.c_str(), RENAME_NOREPLACE) == 0) {
+    return true;
   }
-  const bool hasOwner = wanted.st_uid == present.st_uid && wanted.st_gid == present.st_gid;
-  if (!hasOwner && ::fchown(to.Number(), wanted.st_uid, wanted.st_gid) != 0 &&
-      ::fchown(to.Number(), static_cast<uid_t>(-1), wanted.st_gid) != 0 && errno != EPERM) {
-    return false;
-  }
-  constexpr mode_t permissions = 07777;
-  const mode_t mode = wanted.st_mode & permissions;
-  // A change of owner may have taken permissions away.
-  const bool hasMode = ::fstat(to.Number(), &present) == 0 && present.st_mode == wanted.st_mode;
-  return hasMode || ::fchmod(to.Number(), mode) == 0;
+  return IsUnsupported(errno) && ::linkat(folder, name.c_str(), folder, freeName.c_str(), 0) == 0 &&
+         ::unlinkat(folder, name.c_str(), 0) == 0;
 }
 
 bool TryLock(const FileHandle& file) {
   return Retried([&] { return ::flock(file.Number(), LOCK_EX | LOCK_NB); }) == 0;
 }
 
-void Unlock(const FileHandle& file) {
-  ::flock(file.Number(), LOCK_UN);
-}
-
-FolderLock::FolderLock(const FileHandle& folder) : folder_{folder.Number()} {
-  Retried([this] { return ::flock(folder_, LOCK_EX); });
-}
+FolderLock::FolderLock(const FileHandle& folder)
+    : folder_{folder.Number()}, isRefused_{!TryLock(folder) && errno == EWOULDBLOCK} {}
 
 FolderLock::~FolderLock() {
-  ::flock(folder_, LOCK_UN);
+  if (!isRefused_) {
+    ::flock(folder_, LOCK_UN);
+  }
 }
 
-// The system announces a visitor by a signal; it gets one that is ignored unless asked for.
-bool TryLease(const FileHandle& file) {
-  return Control(file, F_SETSIG, SIGURG) && Control(file, F_SETLEASE, F_WRLCK);
+LeaseAnswer TryLeaseAgainstWriters(const FileHandle& file) {
+  return TryLease(file, F_RDLCK);
+}
+
+LeaseAnswer TryLeaseAgainstAll(const FileHandle& file) {
+  return TryLease(file, F_WRLCK);
+}
+
+bool HoldsLease(const FileHandle& file) {
+  // NOLINTNEXTLINE(cppcoreguidelines-pro-type-vararg): the system call is declared so
+  return ::fcntl(file.Number(), F_GETLEASE) != F_UNLCK;
 }
 
 void EndLease(const FileHandle& file) {

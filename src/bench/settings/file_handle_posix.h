@@ -51,15 +51,16 @@ bool WriteAll(const FileHandle& file, std::size_t offset, std::string_view bytes
 // What was written survives a power cut; of a folder, the names in it.
 bool MakeDurable(const FileHandle& file);
 
-// Owner and permissions. Only a privileged process can give a file to another owner; for others the group is
-// kept where that is allowed, and the file becomes their own.
-bool GiveAttributes(const FileHandle& from, const FileHandle& to);
+// Never over a file that is there already: then errno is EEXIST.
+bool RenameToFree(int folder, const std::string& name, const std::string& freeName);
 
 // Excludes those who ask for it, too. False when somebody has it, or the file system has no locks.
 bool TryLock(const FileHandle& file);
-void Unlock(const FileHandle& file);
 
-// Waits for other writers of this kind. File systems without such locks are used without.
+// The call is unknown to the system or the file system.
+bool IsUnsupported(int error);
+
+// Excludes other writers of this kind. File systems without such locks are used without.
 class FolderLock {
  public:
   explicit FolderLock(const FileHandle& folder);
@@ -67,14 +68,28 @@ class FolderLock {
   FolderLock& operator=(const FolderLock&) = delete;
   ~FolderLock();
 
+  bool IsRefused() const { return isRefused_; }  // somebody else has it
+
  private:
   int folder_;
+  bool isRefused_;
 };
 
-// True when nobody else has the file open. From then on until the lease is given back, whoever opens it
-// waits: that can only be somebody who looked up the name before the last exchange, or who looks into hidden
-// files.
-bool TryLease(const FileHandle& file);
+// A lease is granted when nobody else has a file open: for writing, or at all. As long as it is held, whoever
+// opens the file so waits for its end. It ends when the handle is closed, at the latest.
+enum class LeaseAnswer {
+  Granted,
+  Refused,     // somebody has the file open
+  Unavailable  // the system does not tell: a file of somebody else, or on a computer elsewhere
+};
+
+// The handle must be for reading only.
+LeaseAnswer TryLeaseAgainstWriters(const FileHandle& file);
+// The handle must be the only one of this process.
+LeaseAnswer TryLeaseAgainstAll(const FileHandle& file);
+
+// Nobody has asked for the file since the lease was granted.
+bool HoldsLease(const FileHandle& file);
 void EndLease(const FileHandle& file);
 
 }  // namespace zolvane

@@ -14,6 +14,7 @@ FileState StateFrom(int result, const struct stat& status) {
   }
   return {true,
           status.st_mode,
+          status.st_uid,
           status.st_dev,
           status.st_ino,
           status.st_nlink,
@@ -59,6 +60,20 @@ FileState StateOfPath(const std::string& path) {
 FileState StateOfName(const FileHandle& folder, const std::string& name) {
   struct stat status {};
   return StateFrom(::fstatat(folder.Number(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW), status);
+}
+
+std::uint64_t IdentityOf(const FileHandle& file) {
+  struct statx status {};
+  if (::statx(file.Number(), "", AT_EMPTY_PATH, STATX_INO | STATX_BTIME, &status) != 0) {
+    return 0;
+  }
+  constexpr std::uint64_t prime = 0x100000001B3;  // as in the hash of Fowler, Noll and Vo
+  std::uint64_t identity = status.stx_ino;
+  for (const auto part : {static_cast<std::uint64_t>(status.stx_btime.tv_sec),
+                          static_cast<std::uint64_t>(status.stx_btime.tv_nsec)}) {
+    identity = identity * prime ^ part;
+  }
+  return identity;
 }
 
 // File systems count in ticks of the system's clock, old ones in steps of two seconds.

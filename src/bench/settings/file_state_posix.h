@@ -25,6 +25,7 @@ std::timespec TimeNow();
 struct FileState {
   bool Exists = false;
   std::uint32_t Mode = 0;  // kind and permissions
+  std::uint32_t Owner = 0;
   std::uint64_t Device = 0;
   std::uint64_t Number = 0;
   std::uint64_t Names = 0;
@@ -44,6 +45,10 @@ FileState StateOf(const FileHandle& file);
 FileState StateOfPath(const std::string& path);
 // Of a link its own.
 FileState StateOfName(const FileHandle& folder, const std::string& name);
+
+// One number for the file, made of its number in the file system and the time of its birth, since numbers are
+// given again. 0 when it is not open.
+std::uint64_t IdentityOf(const FileHandle& file);
 
 // A change so recent that another one could follow under the same time stamp cannot be told from it.
 bool IsOldEnough(const FileState& state);

@@ -1,6 +1,7 @@
 #include "bench/settings/sectioned_text.h"
 
 #include <algorithm>
+#include <array>
 #include <utility>
 
 #include "config/text.h"
@@ -60,7 +61,18 @@ std::string_view FirstLineEndIn(std::string_view bytes) {
 }  // namespace
 
 bool IsUtf16(std::string_view bytes) {
-  return bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF");
+  if (bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF")) {
+    return true;
+  }
+  constexpr std::size_t enough = 4096;
+  const std::string_view start = bytes.substr(0, enough);
+  std::array<std::size_t, 2> zeros{};  // at even and at odd places
+  for (auto zero = start.find('\0'); zero != std::string_view::npos; zero = start.find('\0', zero + 1)) {
+    ++zeros[zero % 2];
+  }
+  // Brackets, equals signs, digits and line ends alone make an eighth of a text in any language.
+  const auto [fewer, more] = std::minmax(zeros[0], zeros[1]);
+  return more >= 2 && more >= start.size() / 16 && more >= 8 * fewer;
 }
 
 SectionedText::SectionedText(std::string bytes)

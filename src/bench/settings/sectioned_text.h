@@ -124,7 +124,7 @@ class SectionedText {
   HashIndex sectionByName_;
 };
 
-// Starts with the mark of a text of 16-bit units, in either byte order.
+// A text of 16-bit units, in either byte order: it starts with their mark, or its zeros stand as in such a text.
 bool IsUtf16(std::string_view bytes);
 
 }  // namespace zolvane

@@ -4,9 +4,15 @@
 #include <gtest/gtest.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
+#include <chrono>
+#include <csignal>
+#include <cstdint>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -36,6 +42,11 @@ class WrittenFile {
   }
   bool Append(std::string_view bytes) {
     return Write(text_.size(), 0, std::string{bytes}) == WriteOutcome::Done;
+  }
+
+  bool Replace(std::size_t offset, std::string inserted) {
+    const std::size_t removed = inserted.size();
+    return Write(offset, removed, std::move(inserted)) == WriteOutcome::Done;
   }
 
   ExchangedFile& File() { return *file_; }
@@ -221,19 +232,128 @@ TEST_P(ExchangedFileBothWays, AReaderThatIsSlowGetsTheStateThatItOpened) {
   }
 }
 
-TEST_P(ExchangedFileBothWays, AProgramThatWritesIntoWhatItOpenedBeforeDoesNotSpoilTheFile) {
+TEST_P(ExchangedFileBothWays, AFileThatIsOpenForWritingElsewhereIsNotExchanged) {
   const TemporaryFolder folder;
   const std::string path = folder.Put("file", "0123456789");
   WrittenFile file{path, Options()};
-  ASSERT_EQ(file.Write(0, 1, "a"), WriteOutcome::Done);
-  {
-    const int late = ::open(path.c_str(), O_RDWR);
-    ASSERT_EQ(file.Write(1, 1, "b"), WriteOutcome::Done);
-    ASSERT_EQ(::pwrite(late, "LATE", 4, 3), 4);
-    ::close(late);
+  ASSERT_TRUE(file.Replace(0, "a"));
+  const auto before = StatusOf(path).st_ino;
+  for (const int flags : {O_WRONLY, O_RDWR}) {
+    const int other = ::open(path.c_str(), flags);
+    EXPECT_EQ(file.Write(1, 1, "b"), WriteOutcome::InUse);
+    EXPECT_EQ(BytesOf(path), "a123456789");
+    EXPECT_EQ(StatusOf(path).st_ino, before);
+    ::close(other);
   }
-  ASSERT_EQ(file.Write(2, 1, "c"), WriteOutcome::Done);
-  EXPECT_EQ(BytesOf(path), "abc3456789");
+  EXPECT_TRUE(file.Replace(1, "b"));
+  EXPECT_EQ(BytesOf(path), "ab23456789");
+}
+
+TEST_P(ExchangedFileBothWays, WhatAnotherProgramWritesInPlaceIsTheFile) {
+  const TemporaryFolder folder;
+  const std::string path = folder.Put("file", "0123456789");
+  WrittenFile file{path, Options()};
+  ASSERT_TRUE(file.Replace(0, "a"));
+  const int late = ::open(path.c_str(), O_RDWR);
+  ASSERT_EQ(file.Write(1, 1, "b"), WriteOutcome::InUse);
+  ASSERT_EQ(::pwrite(late, "LATE", 4, 3), 4);
+  EXPECT_TRUE(file.File().Read().IsBeingWritten);
+  ::close(late);
+  EXPECT_EQ(file.Write(1, 1, "b"), WriteOutcome::Changed);
+  const FileContent content = file.File().Read();
+  EXPECT_EQ(content.Bytes, "a12LATE789");
+  EXPECT_FALSE(content.IsBeingWritten);
+}
+
+TEST_P(ExchangedFileBothWays, AProgramThatOnlyReadsTheFileIsNotInTheWay) {
+  const TemporaryFolder folder;
+  const std::string path = folder.Put("file", "text");
+  WrittenFile file{path, Options()};
+  const OpenReader reader{path};
+  EXPECT_TRUE(file.Append("+"));
+  EXPECT_TRUE(file.Append("+"));
+  EXPECT_EQ(BytesOf(path), "text++");
+}
+
+TEST_P(ExchangedFileBothWays, AFolderThatIsLockedElsewhereIsNotWaitedFor) {
+  const TemporaryFolder folder;
+  const std::string path = folder.Put("file", "text");
+  WrittenFile file{path, Options()};
+  const int other = ::open(folder.Path().c_str(), O_RDONLY | O_DIRECTORY);
+  ASSERT_EQ(::flock(other, LOCK_EX), 0);
+  EXPECT_EQ(file.Write(4, 0, "+"), WriteOutcome::Locked);
+  EXPECT_EQ(BytesOf(path), "text");
+  ::close(other);
+  EXPECT_TRUE(file.Append("+"));
+}
+
+constexpr const char* accessListName = "system.posix_acl_access";
+
+// Of owner rw, user 4242 rw, group r, mask rw, others none, as the system stores it.
+std::string AccessList() {
+  std::string list{"\2\0\0\0", 4};
+  const auto add = [&list](std::uint16_t tag, std::uint16_t rights, std::uint32_t id) {
+    list.append(reinterpret_cast<const char*>(&tag), sizeof tag);
+    list.append(reinterpret_cast<const char*>(&rights), sizeof rights);
+    list.append(reinterpret_cast<const char*>(&id), sizeof id);
+  };
+  constexpr std::uint32_t nobody = 0xFFFFFFFF;
+  add(0x01, 6, nobody);
+  add(0x02, 6, 4242);
+  add(0x04, 4, nobody);
+  add(0x10, 6, nobody);
+  add(0x20, 0, nobody);
+  return list;
+}
+
+std::string AttributeOf(const std::string& path, const char* name) {
+  std::string value(1000, '\0');
+  const auto size = ::getxattr(path.c_str(), name, value.data(), value.size());
+  value.resize(size < 0 ? 0 : static_cast<std::size_t>(size));
+  return size < 0 ? "none" : value;
+}
+
+bool SetAttribute(const std::string& path, const char* name, const std::string& value) {
+  return ::setxattr(path.c_str(), name, value.data(), value.size(), 0) == 0;
+}
+
+TEST_P(ExchangedFileBothWays, AccessListsAndExtendedAttributesAreKept) {
+  const TemporaryFolder folder;
+  const std::string path = folder.Put("file", "text");
+  ASSERT_TRUE(SetAttribute(path, accessListName, AccessList())) << "needs a file system with access lists";
+  ASSERT_TRUE(SetAttribute(path, "user.checked by", "Ada")) << "needs a file system with attributes";
+  const auto mode = StatusOf(path).st_mode;
+  WrittenFile file{path, Options()};
+  for (int round = 0; round < 3; ++round) {
+    ASSERT_TRUE(file.Append("+"));
+    EXPECT_EQ(AttributeOf(path, accessListName), AccessList());
+    EXPECT_EQ(AttributeOf(path, "user.checked by"), "Ada");
+    EXPECT_EQ(StatusOf(path).st_mode, mode);
+  }
+}
+
+TEST_P(ExchangedFileBothWays, AnAccessListOfTheFolderGivesNobodyMoreRights) {
+  const TemporaryFolder folder;
+  const std::string path = folder.Put("file", "text");
+  ::chmod(path.c_str(), 0640);
+  ASSERT_TRUE(SetAttribute(folder.Path(), "system.posix_acl_default", AccessList()));
+  WrittenFile file{path, Options()};
+  ASSERT_TRUE(file.Append("+"));
+  EXPECT_EQ(AttributeOf(path, accessListName), "none");
+  EXPECT_EQ(StatusOf(path).st_mode & 07777U, 0640U);
+}
+
+TEST_P(ExchangedFileBothWays, AttributesThatAreChangedInBetweenAreKept) {
+  const TemporaryFolder folder;
+  const std::string path = folder.Put("file", "text");
+  WrittenFile file{path, Options()};
+  ASSERT_TRUE(file.Append("+"));
+  ASSERT_TRUE(SetAttribute(path, accessListName, AccessList()));
+  ASSERT_EQ(file.Write(0, 0, "-"), WriteOutcome::Changed);
+  ASSERT_EQ(file.File().Read().Bytes, "text+");
+  ASSERT_TRUE(file.Append("+"));
+  ASSERT_TRUE(file.Append("+"));
+  EXPECT_EQ(AttributeOf(path, accessListName), AccessList());
 }
 
 TEST_P(ExchangedFileBothWays, AMissingFileIsNoReasonToOverwriteOneThatAppears) {
@@ -271,14 +391,52 @@ TEST(ExchangedFile, FlushesWhatWasNotMadeDurableAtOnce) {
   EXPECT_FALSE(file.File().Flush().Ok());
 }
 
+// The names of the hidden copies in a folder.
+Names CopiesIn(const TemporaryFolder& folder) {
+  Names names = folder.Names();
+  std::erase_if(names, [](const std::string& name) { return name.find(".bench-copy") == std::string::npos; });
+  return names;
+}
+
+// A program that is killed when it has written into the file.
+class KilledWriter {
+ public:
+  explicit KilledWriter(const std::string& path) {
+    std::array<int, 2> ends{};
+    EXPECT_EQ(::pipe(ends.data()), 0);
+    child_ = ::fork();
+    if (child_ == 0) {
+      WrittenFile file{path};
+      const bool isWritten = file.Append("+") && ::write(ends[1], "+", 1) == 1;
+      ::pause();
+      ::_exit(isWritten ? 0 : 1);
+    }
+    ::close(ends[1]);
+    char byte = 0;
+    EXPECT_EQ(::read(ends[0], &byte, 1), 1);
+    ::close(ends[0]);
+  }
+  KilledWriter(const KilledWriter&) = delete;
+  KilledWriter& operator=(const KilledWriter&) = delete;
+  ~KilledWriter() {
+    ::kill(child_, SIGKILL);
+    ::waitpid(child_, nullptr, 0);
+  }
+
+ private:
+  pid_t child_ = -1;
+};
+
 TEST(SecondCopy, IsHiddenAndOneChangeBehind) {
   const TemporaryFolder folder;
   const std::string path = folder.Put("Zolvane.ini", "0");
   WrittenFile file{path};
   ASSERT_TRUE(file.Append("1"));
   ASSERT_TRUE(file.Append("2"));
-  EXPECT_EQ(folder.Names(), (Names{".Zolvane.ini.bench-copy", "Zolvane.ini"}));
-  EXPECT_EQ(BytesOf(folder.Path(".Zolvane.ini.bench-copy")), "01");
+  ASSERT_EQ(CopiesIn(folder).size(), 1U);
+  EXPECT_EQ(folder.Names(), (Names{CopiesIn(folder).front(), "Zolvane.ini"}));
+  EXPECT_TRUE(CopiesIn(folder).front().starts_with(".Zolvane.ini.bench-copy-"));
+  EXPECT_EQ(folder.Read(CopiesIn(folder).front()), "01");
 }
 
 TEST(SecondCopy, IsTheSameFileAgainAndAgainUnlessSomebodyReadsIt) {
@@ -297,43 +455,69 @@ TEST(SecondCopy, IsTheSameFileAgainAndAgainUnlessSomebodyReadsIt) {
   EXPECT_EQ(BytesOf(path), "012345");
 }
 
-TEST(SecondCopy, ThatWasLeftBehindIsReplaced) {
+TEST(SecondCopy, ThatWasLeftBehindIsRemovedHoweverManyThereAre) {
   const TemporaryFolder folder;
   const std::string path = folder.Put("file", "text");
-  folder.Put(".file.bench-copy", "of a program that was killed");
-  folder.Put(".file.bench-copy2", "of another one");
-  folder.Put(".file.bench-copy3", "of a third one");
+  {
+    std::vector<std::unique_ptr<KilledWriter>> writers;
+    for (int count = 0; count < 40; ++count) {
+      writers.push_back(std::make_unique<KilledWriter>(path));
+    }
+  }
+  EXPECT_EQ(CopiesIn(folder).size(), 40U);
   {
     WrittenFile file{path};
-    ASSERT_TRUE(file.Append("+"));
-    EXPECT_EQ(folder.Names(), (Names{".file.bench-copy", "file"}));
+    ASSERT_TRUE(file.Append("!"));
+    EXPECT_EQ(CopiesIn(folder).size(), 1U);
   }
-  EXPECT_EQ(BytesOf(path), "text+");
+  EXPECT_EQ(BytesOf(path), "text" + std::string(40, '+') + "!");
   EXPECT_EQ(folder.Names(), Names{"file"});
 }
 
 TEST(SecondCopy, OfALivingProgramIsNotTouched) {
   const TemporaryFolder folder;
   const std::string path = folder.Put("file", "text");
-  const int living = ::open(folder.Put(".file.bench-copy", "in use").c_str(), O_RDWR);
-  ASSERT_EQ(::flock(living, LOCK_EX), 0);
+  WrittenFile living{path};
+  ASSERT_TRUE(living.Append("+"));
+  const Names copies = CopiesIn(folder);
   {
     WrittenFile file{path};
     ASSERT_TRUE(file.Append("+"));
     ASSERT_TRUE(file.Append("+"));
-    EXPECT_EQ(folder.Names(), (Names{".file.bench-copy", ".file.bench-copy2", "file"}));
+    EXPECT_EQ(CopiesIn(folder).size(), 2U);
   }
-  ::close(living);
-  EXPECT_EQ(BytesOf(folder.Path(".file.bench-copy")), "in use");
-  EXPECT_EQ(BytesOf(path), "text++");
-  EXPECT_EQ(folder.Names(), (Names{".file.bench-copy", "file"}));
+  EXPECT_EQ(CopiesIn(folder), copies);
+  EXPECT_EQ(folder.Read(copies.front()), "text");
+  EXPECT_EQ(BytesOf(path), "text+++");
+}
+
+TEST(SecondCopy, AnOrdinaryFileUnderTheNameOfOneIsNotRemoved) {
+  const TemporaryFolder folder;
+  const std::string path = folder.Put("file", "text");
+  { const KilledWriter writer{path}; }
+  ASSERT_EQ(CopiesIn(folder).size(), 1U);
+  const std::string name = CopiesIn(folder).front();
+  std::filesystem::remove(folder.Path(name));
+  folder.Put(name, "somebody's");
+  std::filesystem::last_write_time(folder.Path(name),
+                                   std::filesystem::file_time_type::clock::now() - std::chrono::hours{24});
+  folder.Put(".file.bench-copy", "somebody else's");
+  folder.Put(".file.bench-copy-", "somebody else's");
+  const Names before = folder.Names();
+  {
+    WrittenFile file{path};
+    ASSERT_TRUE(file.Append("+"));
+    ASSERT_TRUE(file.Append("+"));
+  }
+  EXPECT_EQ(folder.Names(), before);
+  EXPECT_EQ(folder.Read(name), "somebody's");
 }
 
 TEST(SecondCopy, IsLockedAndTheVisibleFileIsNot) {
   const TemporaryFolder folder;
   const std::string path = folder.Put("file", "text");
   const auto isLocked = [](const std::string& name) {
-    const int file = ::open(name.c_str(), O_RDWR);
+    const int file = ::open(name.c_str(), O_RDONLY);
     const bool result = ::flock(file, LOCK_EX | LOCK_NB) != 0;
     ::close(file);
     return result;
@@ -341,7 +525,7 @@ TEST(SecondCopy, IsLockedAndTheVisibleFileIsNot) {
   WrittenFile file{path};
   for (int round = 0; round < 4; ++round) {
     ASSERT_TRUE(file.Append("+"));
-    EXPECT_TRUE(isLocked(folder.Path(".file.bench-copy")));
+    EXPECT_TRUE(isLocked(folder.Path(CopiesIn(folder).at(0))));
     EXPECT_FALSE(isLocked(path));
   }
 }
@@ -351,22 +535,73 @@ TEST(SecondCopy, IsMadeAnewWhenSomebodyRemovesIt) {
   const std::string path = folder.Put("file", "text");
   WrittenFile file{path};
   ASSERT_TRUE(file.Append("+"));
-  std::filesystem::remove(folder.Path(".file.bench-copy"));
+  std::filesystem::remove(folder.Path(CopiesIn(folder).at(0)));
   ASSERT_TRUE(file.Append("+"));
   EXPECT_EQ(BytesOf(path), "text++");
 }
 
-TEST(SecondCopy, ThatSomebodyChangedIsNotUsed) {
+// As a program does that had the file open when it was exchanged, where the system grants no leases.
+TEST(SecondCopy, IsKeptForTheUserIfAnotherProgramHasWrittenIntoIt) {
+  const TemporaryFolder folder;
+  const std::string path = folder.Put("file", "0123456789");
+  {
+    WrittenFile file{path};
+    ASSERT_TRUE(file.Replace(0, "a"));
+    folder.Put(CopiesIn(folder).at(0), "a whole save");
+    ASSERT_TRUE(file.Replace(1, "b"));
+    EXPECT_EQ(BytesOf(path), "ab23456789");
+    EXPECT_EQ(file.File().TakeRescued(), Names{folder.Path("file.kept-1")});
+    EXPECT_EQ(file.File().TakeRescued(), Names{});
+    folder.Put(CopiesIn(folder).at(0), "another one");
+    EXPECT_TRUE(file.File().Flush().Ok());
+    EXPECT_EQ(file.File().TakeRescued(), Names{folder.Path("file.kept-2")});
+    ASSERT_TRUE(file.Replace(2, "c"));
+    folder.Put(CopiesIn(folder).at(0), "the last one");
+  }
+  EXPECT_EQ(BytesOf(path), "abc3456789");
+  EXPECT_EQ(folder.Read("file.kept-1"), "a whole save");
+  EXPECT_EQ(folder.Read("file.kept-2"), "another one");
+  EXPECT_EQ(folder.Read("file.kept-3"), "the last one");
+  EXPECT_EQ(CopiesIn(folder), Names{});
+}
+
+TEST(SecondCopy, OfAKilledProgramIsKeptForTheUserIfAnotherProgramHasWrittenIntoIt) {
+  const TemporaryFolder folder;
+  const std::string path = folder.Put("file", "text");
+  { const KilledWriter writer{path}; }
+  folder.Put(CopiesIn(folder).at(0), "a whole save");
+  WrittenFile file{path};
+  ASSERT_TRUE(file.Append("+"));
+  EXPECT_EQ(file.File().TakeRescued(), Names{folder.Path("file.kept-1")});
+  EXPECT_EQ(folder.Read("file.kept-1"), "a whole save");
+}
+
+TEST(SecondCopy, ThatAnotherProgramHasOpenForWritingIsNotRemoved) {
+  const TemporaryFolder folder;
+  const std::string path = folder.Put("file", "text");
+  int late = -1;
+  {
+    WrittenFile file{path};
+    ASSERT_TRUE(file.Append("+"));
+    late = ::open(folder.Path(CopiesIn(folder).at(0)).c_str(), O_WRONLY);
+  }
+  ASSERT_EQ(::write(late, "late", 4), 4);
+  ::close(late);
+  ASSERT_EQ(CopiesIn(folder).size(), 1U);
+  EXPECT_EQ(folder.Read(CopiesIn(folder).at(0)), "late");
+}
+
+TEST(SecondCopy, ThatSomebodyReplacedIsLeftAlone) {
   const TemporaryFolder folder;
   const std::string path = folder.Put("file", "0123456789");
   WrittenFile file{path};
-  ASSERT_EQ(file.Write(0, 1, "a"), WriteOutcome::Done);
-  folder.Put(".file.bench-copy", "nonsense!!");
-  ASSERT_EQ(file.Write(1, 1, "b"), WriteOutcome::Done);
-  EXPECT_EQ(BytesOf(path), "ab23456789");
-  folder.PutByRename(".file.bench-copy", "nonsense!!");
-  ASSERT_EQ(file.Write(2, 1, "c"), WriteOutcome::Done);
+  ASSERT_TRUE(file.Replace(0, "a"));
+  const std::string name = CopiesIn(folder).at(0);
+  folder.PutByRename(name, "somebody's");
+  ASSERT_TRUE(file.Replace(1, "b"));
+  ASSERT_TRUE(file.Replace(2, "c"));
   EXPECT_EQ(BytesOf(path), "abc3456789");
+  EXPECT_EQ(folder.Read(name), "somebody's");
 }
 
 }  // namespace

@@ -1,11 +1,14 @@
 #include "bench/settings/file_settings_service.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/file.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <csignal>
 #include <filesystem>
 #include <functional>
@@ -101,7 +104,7 @@ TEST(FileSettingsService, AMissingFileGivesTheFallback) {
   EXPECT_EQ(service.ReadValue("A", "x", folder.Path("missing.ini"), "fallback"), "fallback");
   EXPECT_EQ(service.ReadValue("A", "x", folder.Path("missing/missing.ini"), "fallback"), "fallback");
   EXPECT_EQ(service.ReadValue("A", "x", "", "fallback"), "fallback");
-  EXPECT_EQ(service.ReadValue("A", "x", std::string_view{"a\0b", 3}, "fallback"), "fallback");
+  EXPECT_EQ(service.ReadValue("A", "x", std::string_view{"a\0b", 3}, "fallback"), std::nullopt);
   EXPECT_TRUE(folder.Names().empty());
 }
 
@@ -137,7 +140,7 @@ TEST(FileSettingsService, AFolderOrAPipeIsNoFile) {
   std::filesystem::create_directory(folder.Path("folder"));
   FileSettingsService service;
   for (const char* name : {"pipe", "folder"}) {
-    EXPECT_EQ(service.ReadValue("A", "x", folder.Path(name), "fallback"), "fallback");
+    EXPECT_EQ(service.ReadValue("A", "x", folder.Path(name), "fallback"), std::nullopt);
     EXPECT_FALSE(service.WriteValue("A", "x", folder.Path(name), "1").Ok());
     EXPECT_FALSE(service.AppendBlankLine(folder.Path(name)).Ok());
   }
@@ -225,8 +228,6 @@ TEST(ChangesByOtherPrograms, AreSeenByTheNextCall) {
   EXPECT_EQ(Read(service, path, "x"), "22");
   folder.PutByRename("Zolvane.ini", "[A]\nx=33\n");
   EXPECT_EQ(Read(service, path, "x"), "33");
-  std::filesystem::remove(path);
-  EXPECT_EQ(Read(service, path, "x"), "none");
   folder.Put("Zolvane.ini", "[A]\nx=44\n");
   EXPECT_EQ(Read(service, path, "x"), "44");
 }
@@ -242,9 +243,6 @@ TEST(ChangesByOtherPrograms, AreNotOverwrittenByTheNextWrite) {
   folder.PutByRename("Zolvane.ini", "; new\n[A]\nmine=2\n");
   EXPECT_TRUE(service.WriteValue("A", "x", path, "4").Ok());
   EXPECT_EQ(BytesOf(path), "; new\n[A]\nmine=2\nx=4\n");
-  std::filesystem::remove(path);
-  EXPECT_TRUE(service.WriteValue("A", "x", path, "5").Ok());
-  EXPECT_EQ(BytesOf(path), "[A]\r\nx=5\r\n");
 }
 
 TEST(ChangesByOtherPrograms, OfTheSameSizeAreSeenEvenRightAfterOurOwn) {
@@ -286,9 +284,6 @@ TEST(ChangesByOtherPrograms, BetweenTheLookAtTheFileAndTheWriteSurvive) {
   interrupt = [&] { folder.PutByRename("Zolvane.ini", "[A]\nmine=3\nx=1\n"); };
   EXPECT_TRUE(service.WriteValue("A", "x", path, "3").Ok());
   EXPECT_EQ(BytesOf(path), "[A]\nmine=3\nx=3\n");
-  interrupt = [&] { std::filesystem::remove(path); };
-  EXPECT_TRUE(service.WriteValue("A", "x", path, "4").Ok());
-  EXPECT_EQ(BytesOf(path), "[A]\r\nx=4\r\n");
   interrupt = [&] { folder.PutByRename("Zolvane.ini", "[A]\nx=5\n"); };
   EXPECT_TRUE(service.WriteValue("A", "x", path, "5").Ok());
   EXPECT_EQ(BytesOf(path), "[A]\nx=5\n");
@@ -321,6 +316,236 @@ TEST(ChangesByOtherPrograms, TwoServicesOnOneFileSeeEachOther) {
   }
   EXPECT_EQ(BytesOf(path), "[A]\nx=20\ny=20\n");
   EXPECT_EQ(folder.Names(), Pieces{"Zolvane.ini"});
+}
+
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+
+// Time that passes only while somebody waits, and what happens meanwhile.
+class TestTime {
+ public:
+  Waiting Rules() {
+    return {.Now = [this] { return now_; },
+            .Rest =
+                [this](Waiting::Clock::duration time) {
+                  now_ += time;
+                  if (atRest_) {
+                    atRest_();
+                  }
+                },
+            .IsUnwanted = [this] { return IsInterrupted; }};
+  }
+  milliseconds Passed() const { return std::chrono::duration_cast<milliseconds>(now_.time_since_epoch()); }
+  void AtRest(std::function<void()> event) { atRest_ = std::move(event); }
+  void After(milliseconds time, std::function<void()> event) {
+    atRest_ = [this, end = now_ + time, event = std::move(event)]() mutable {
+      if (event && now_ >= end) {
+        std::exchange(event, nullptr)();
+      }
+    };
+  }
+
+  bool IsInterrupted = false;
+
+ private:
+  Waiting::Clock::time_point now_;
+  std::function<void()> atRest_;
+};
+
+struct WaitingService {
+  TestTime Time;
+  FileSettingsService Service{FileSettingsService::OpenFile, Time.Rules()};
+};
+
+TEST(AFileThatHadContent, IsWaitedForWhenItIsGone) {
+  const TemporaryFolder folder;
+  const std::string path = folder.Put("Zolvane.ini", "[A]\nx=1\n");
+  WaitingService waiting;
+  ASSERT_EQ(Read(waiting.Service, path, "x"), "1");
+  std::filesystem::rename(path, folder.Path("Zolvane.ini~"));
+  waiting.Time.After(milliseconds{500}, [&] { folder.Put("Zolvane.ini", "[A]\nx=2\n"); });
+  EXPECT_EQ(Read(waiting.Service, path, "x"), "2");
+  folder.Put("Zolvane.ini", "");
+  waiting.Time.After(milliseconds{500}, [&] { folder.Put("Zolvane.ini", "[A]\nx=3\n"); });
+  EXPECT_EQ(Read(waiting.Service, path, "x"), "3");
+  EXPECT_LT(waiting.Time.Passed(), seconds{2});
+}
+
+TEST(AFileThatHadContent, IsAFailedReadWhenItStaysAway) {
+  const TemporaryFolder folder;
+  const std::string path = folder.Put("Zolvane.ini", "[A]\nx=1\n");
+  WaitingService waiting;
+  FileSettingsService& service = waiting.Service;
+  ASSERT_EQ(Read(service, path, "x"), "1");
+  std::filesystem::remove(path);
+  EXPECT_EQ(service.ReadValue("A", "x", path, "none"), std::nullopt);
+  EXPECT_EQ(service.FailureReason(), "it is missing, and had content before");
+  EXPECT_EQ(waiting.Time.Passed(), longestAbsence);
+  EXPECT_EQ(service.ReadValue("A", "y", path, "none"), std::nullopt);
+  EXPECT_FALSE(service.WriteValue("A", "x", path, "2").Ok());
+  EXPECT_FALSE(service.AppendBlankLine(path).Ok());
+  EXPECT_EQ(waiting.Time.Passed(), longestAbsence) << "the operation waits once";
+  EXPECT_TRUE(folder.Names().empty());
+  EXPECT_TRUE(service.Flush().Ok());
+  EXPECT_EQ(service.ReadValue("A", "x", path, "none"), std::nullopt);
+  EXPECT_EQ(waiting.Time.Passed(), 2 * longestAbsence) << "the next operation waits again";
+  folder.Put("Zolvane.ini", "");
+  EXPECT_EQ(service.ReadValue("A", "x", path, "none"), std::nullopt);
+  EXPECT_EQ(service.FailureReason(), "it is empty, and had content before");
+  EXPECT_FALSE(service.WriteValue("A", "x", path, "2").Ok());
+  EXPECT_EQ(BytesOf(path), "");
+  folder.Put("Zolvane.ini", "[A]\nx=3\n");
+  EXPECT_TRUE(service.WriteValue("A", "y", path, "4").Ok());
+  EXPECT_EQ(BytesOf(path), "[A]\nx=3\ny=4\n");
+}
+
+TEST(AFileThatHadContent, IsKnownToEveryServiceOfTheProcess) {
+  const TemporaryFolder folder;
+  const std::string path = folder.Put("Zolvane.ini", "[A]\nx=1\n");
+  ASSERT_EQ(CheckUsable(path), std::nullopt);
+  std::filesystem::remove(path);
+  WaitingService waiting;
+  EXPECT_EQ(waiting.Service.ReadValue("A", "x", path, "none"), std::nullopt);
+  EXPECT_FALSE(waiting.Service.WriteValue("A", "x", path, "2").Ok());
+  EXPECT_TRUE(folder.Names().empty());
+}
+
+TEST(AFileThatHadContent, IsNotTakenForTheTextThatItHasWhenItIsSavedAsUtf16) {
+  const TemporaryFolder folder;
+  const std::string path = folder.Put("Zolvane.ini", "[A]\nx=1\n");
+  const std::string_view utf16{"[\0A\0]\0\n\0x\0=\0", 12};
+  WaitingService waiting;
+  ASSERT_EQ(Read(waiting.Service, path, "x"), "1");
+  folder.Put("Zolvane.ini", utf16);
+  EXPECT_EQ(waiting.Service.ReadValue("A", "x", path, "none"), std::nullopt);
+  EXPECT_FALSE(waiting.Service.WriteValue("A", "x", path, "2").Ok());
+  EXPECT_EQ(BytesOf(path), utf16);
+}
+
+// An open file that looks as if a call had failed once.
+class FailingFile : public ExchangedFile {
+ public:
+  FailingFile(const std::string& path, int& failures) : file_{OpenExchangedFile(path)}, failures_{failures} {}
+
+  bool IsCurrent() override { return failures_ == 0 && file_->IsCurrent(); }
+  FileContent Read() override { return failures_ > 0 && failures_-- > 0 ? FileContent{} : file_->Read(); }
+  WriteOutcome Write(std::string_view text, const Splice& change) override {
+    return file_->Write(text, change);
+  }
+  Status Flush() override { return file_->Flush(); }
+
+ private:
+  std::unique_ptr<ExchangedFile> file_;
+  int& failures_;
+};
+
+TEST(AFileThatHadContent, IsNotEmptyBecauseACallFails) {
+  const TemporaryFolder folder;
+  const std::string path = folder.Put("Zolvane.ini", "[A]\nx=1\n");
+  TestTime time;
+  int failures = 0;
+  FileSettingsService service{
+      [&failures](const std::string& file) { return std::make_unique<FailingFile>(file, failures); },
+      time.Rules()};
+  ASSERT_EQ(Read(service, path, "x"), "1");
+  failures = 1;
+  EXPECT_EQ(Read(service, path, "x"), "1");
+  failures = 3;
+  EXPECT_TRUE(service.WriteValue("A", "y", path, "2").Ok());
+  EXPECT_EQ(BytesOf(path), "[A]\nx=1\ny=2\n");
+  failures = 1'000'000;
+  EXPECT_EQ(service.ReadValue("A", "x", path, "none"), std::nullopt);
+  EXPECT_EQ(service.FailureReason(), "it cannot be read");
+}
+
+// Somebody else's handle on a file or folder.
+class OtherHandle {
+ public:
+  OtherHandle(const std::string& path, int flags) : handle_{::open(path.c_str(), flags | O_CLOEXEC)} {}
+  OtherHandle(const OtherHandle&) = delete;
+  OtherHandle& operator=(const OtherHandle&) = delete;
+  ~OtherHandle() { Close(); }
+
+  int Number() const { return handle_; }
+  void Close() {
+    if (handle_ >= 0) {
+      ::close(std::exchange(handle_, -1));
+    }
+  }
+
+ private:
+  int handle_;
+};
+
+TEST(AFileThatIsOpenForWritingElsewhere, IsWaitedForAndNotExchanged) {
+  const TemporaryFolder folder;
+  const std::string path = folder.Put("Zolvane.ini", "[A]\nx=1\n");
+  WaitingService waiting;
+  ASSERT_EQ(Read(waiting.Service, path, "x"), "1");
+  OtherHandle editor{path, O_WRONLY | O_TRUNC};
+  waiting.Time.After(milliseconds{10}, [&] {
+    EXPECT_EQ(::write(editor.Number(), "[A]\nx=5\nmine=1\n", 15), 15);
+    editor.Close();
+  });
+  EXPECT_TRUE(waiting.Service.WriteValue("A", "x", path, "2").Ok());
+  EXPECT_EQ(BytesOf(path), "[A]\nx=2\nmine=1\n");
+}
+
+TEST(AFileThatIsOpenForWritingElsewhere, FailsTheWriteWhenItStaysSo) {
+  const TemporaryFolder folder;
+  const std::string path = folder.Put("Zolvane.ini", "[A]\nx=1\n");
+  WaitingService waiting;
+  ASSERT_EQ(Read(waiting.Service, path, "x"), "1");
+  const OtherHandle editor{path, O_RDWR};
+  EXPECT_FALSE(waiting.Service.WriteValue("A", "x", path, "2").Ok());
+  EXPECT_EQ(waiting.Service.FailureReason(), "another program has it open for writing");
+  EXPECT_GE(waiting.Time.Passed(), longestUse);
+  EXPECT_LE(waiting.Time.Passed(), longestAbsence + longestUse);
+  EXPECT_EQ(Read(waiting.Service, path, "x"), "1");
+  EXPECT_EQ(BytesOf(path), "[A]\nx=1\n");
+  EXPECT_EQ(folder.Names(), Pieces{"Zolvane.ini"});
+}
+
+TEST(AFileThatIsOpenForWritingElsewhere, IsReadWhenItIsWhole) {
+  const TemporaryFolder folder;
+  const std::string path = folder.Path("Zolvane.ini");
+  OtherHandle editor{path, O_WRONLY | O_CREAT};
+  ::fchmod(editor.Number(), 0600);
+  WaitingService waiting;
+  waiting.Time.After(milliseconds{10}, [&] {
+    EXPECT_EQ(::write(editor.Number(), "[A]\nx=5\n", 8), 8);
+    editor.Close();
+  });
+  EXPECT_EQ(Read(waiting.Service, path, "x"), "5");
+}
+
+TEST(ALockOfAnotherProgram, IsWaitedForTenSeconds) {
+  const TemporaryFolder folder;
+  const std::string path = folder.Put("Zolvane.ini", "[A]\nx=1\n");
+  WaitingService waiting;
+  OtherHandle other{folder.Path(), O_RDONLY | O_DIRECTORY};
+  ASSERT_EQ(::flock(other.Number(), LOCK_EX), 0);
+  EXPECT_EQ(Read(waiting.Service, path, "x"), "1");
+  EXPECT_FALSE(waiting.Service.WriteValue("A", "x", path, "2").Ok());
+  EXPECT_EQ(waiting.Service.FailureReason(),
+            "another program has been holding the lock of its folder for ten seconds");
+  EXPECT_EQ(waiting.Time.Passed(), seconds{10});
+  EXPECT_EQ(BytesOf(path), "[A]\nx=1\n");
+  waiting.Time.After(seconds{9}, [&] { other.Close(); });
+  EXPECT_TRUE(waiting.Service.WriteValue("A", "x", path, "2").Ok());
+  EXPECT_EQ(BytesOf(path), "[A]\nx=2\n");
+}
+
+TEST(ALockOfAnotherProgram, IsNotWaitedForByAUserWhoWantsToStop) {
+  const TemporaryFolder folder;
+  const std::string path = folder.Put("Zolvane.ini", "[A]\nx=1\n");
+  WaitingService waiting;
+  const OtherHandle other{folder.Path(), O_RDONLY | O_DIRECTORY};
+  ASSERT_EQ(::flock(other.Number(), LOCK_EX), 0);
+  waiting.Time.After(milliseconds{300}, [&] { waiting.Time.IsInterrupted = true; });
+  EXPECT_FALSE(waiting.Service.WriteValue("A", "x", path, "2").Ok());
+  EXPECT_EQ(waiting.Service.FailureReason(), "the wait for another program was interrupted");
+  EXPECT_LT(waiting.Time.Passed(), milliseconds{400});
 }
 
 // Writes a value that makes the file grow on a disk where files may not be larger than `limit`.
@@ -384,11 +609,14 @@ TEST(CheckUsable, AMissingFileIsWhereItCanBeCreated) {
 TEST(CheckUsable, AFolderAPipeAndATextOf16BitUnitsAreNot) {
   const TemporaryFolder folder;
   ::mkfifo(folder.Path("pipe").c_str(), 0600);
-  const std::string utf16 = "is a UTF-16 text; it has to be saved as UTF-8 or Windows-1252";
+  const std::string utf16 =
+      "cannot be used: it is a UTF-16 text; it has to be saved as UTF-8 or Windows-1252";
   EXPECT_EQ(CheckUsable(folder.Path("")), "is a folder");
   EXPECT_EQ(CheckUsable(folder.Path("pipe")), "is not an ordinary file");
   EXPECT_EQ(CheckUsable(folder.Put("little.ini", "\xFF\xFE[")), utf16);
   EXPECT_EQ(CheckUsable(folder.Put("big.ini", "\xFE\xFF[")), utf16);
+  EXPECT_EQ(CheckUsable(folder.Put("little without mark.ini", std::string_view{"[\0A\0]\0", 6})), utf16);
+  EXPECT_EQ(CheckUsable(folder.Put("big without mark.ini", std::string_view{"\0[\0A\0]", 6})), utf16);
 }
 
 TEST(CheckUsable, AFileThatTheUserMayNotUseIsNot) {
@@ -416,13 +644,44 @@ TEST(AccessRights, AFileThatMayNotBeReadIsNeitherReadNorReplaced) {
     ::chmod(path.c_str(), mode);
     EXPECT_TRUE(HoldsForOrdinaryUser([&] {
       FileSettingsService service;
-      const std::string expected = mode == 0 ? "none" : "1";
-      return Read(service, path, "x") == expected && !service.WriteValue("A", "x", path, "2").Ok();
+      const auto expected = mode == 0 ? std::nullopt : std::optional<std::string>{"1"};
+      return service.ReadValue("A", "x", path, "none") == expected &&
+             !service.WriteValue("A", "x", path, "2").Ok();
     }));
     EXPECT_EQ(folder.Names(), Pieces{"Zolvane.ini"});
   }
   ::chmod(path.c_str(), 0600);
   EXPECT_EQ(BytesOf(path), "[A]\nx=1\n");
+}
+
+// Somebody who belongs to none of the file's groups, and may write it all the same.
+TEST(AccessRights, AGroupThatCannotBeKeptIsNotReplacedByOneThatGetsItsRights) {
+  const TemporaryFolder folder;
+  ::chmod(folder.Path("").c_str(), 0777);
+  for (const auto& [mode, isWritten] : {std::pair{0676U, false}, std::pair{0646U, true}}) {
+    const std::string path = folder.Put("Zolvane.ini", "[A]\nx=1\n");
+    ::chmod(path.c_str(), mode);
+    EXPECT_TRUE(HoldsForOrdinaryUser([&, expected = isWritten] {
+      FileSettingsService service;
+      return !CheckUsable(path) == expected && service.WriteValue("A", "x", path, "2").Ok() == expected;
+    })) << mode;
+    EXPECT_EQ(BytesOf(path), isWritten ? "[A]\nx=2\n" : "[A]\nx=1\n");
+    EXPECT_EQ(folder.Names(), Pieces{"Zolvane.ini"});
+  }
+}
+
+TEST(AccessRights, AFileOfSomebodyElseInAFolderThatKeepsItIsToldAboutBefore) {
+  const TemporaryFolder folder;
+  const std::string path = folder.Put("Zolvane.ini", "[A]\nx=1\n");
+  ::chmod(path.c_str(), 0666);
+  ::chmod(folder.Path("").c_str(), 01777);
+  EXPECT_TRUE(HoldsForOrdinaryUser([&] {
+    FileSettingsService service;
+    return CheckUsable(path) == "belongs to somebody else, in a folder where only the owner may replace it" &&
+           !CheckUsable(path, FileUse::ReadOnly) && !service.WriteValue("A", "x", path, "2").Ok();
+  }));
+  EXPECT_EQ(BytesOf(path), "[A]\nx=1\n");
+  EXPECT_EQ(folder.Names(), Pieces{"Zolvane.ini"});
 }
 
 TEST(AccessRights, AnOrdinaryUserWritesAFileOfSomebodyElseThatIsOpenToAll) {

@@ -206,8 +206,9 @@ class FileUnderRandomUse {
   }
 
  private:
+  // Never to nothing: a file that had content is not empty, but cannot be read.
   void ChangeByAnotherProgram() {
-    reference_.Replace(random_.FileBytes());
+    reference_.Replace(random_.FileBytes() + ";");
     if (random_.Below(2) == 0) {
       folder_.Put("file.ini", reference_.Bytes());
     } else {
