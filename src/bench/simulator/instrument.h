@@ -2,10 +2,12 @@
 #pragma once
 
 #include <cstddef>
-#include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+
+#include "bench/simulator/instrument_memory.h"
 
 namespace zolvane {
 
@@ -18,7 +20,7 @@ class SimulatedInstrument {
     std::string Tag = "5A4C0150AA7F2032";
     std::string Pumps = "PUMPS CLOSED";
 
-    // The file that keeps the calibration memory; empty for a memory that ends with the process.
+    // The file that keeps what was saved of the calibration memory; empty for a memory that ends with the process.
     std::string StateFile{};
 
     // After so many answers the instrument falls silent.
@@ -26,7 +28,7 @@ class SimulatedInstrument {
   };
 
   // Takes over what the state file holds, and creates nothing yet. Throws UsageError when the file cannot be
-  // used.
+  // used, or another instrument uses it.
   explicit SimulatedInstrument(Setup setup);
 
   // Creates a missing state file. Throws UsageError when that fails.
@@ -35,17 +37,13 @@ class SimulatedInstrument {
   // The reply to one command, or nothing when the instrument keeps silent. Keys are taken to the letter.
   std::optional<std::string> Answer(std::string_view command);
 
-  // Writes the calibration memory into the state file, whole or not at all. False when that failed.
-  bool KeepState() const;
-
  private:
-  bool HasStateFile() const;
   std::optional<std::string> Reply(std::string_view command);
   std::string Set(std::string_view keyAndValue);
   std::string Get(std::string_view key) const;
 
   Setup setup_;
-  std::map<std::string, std::string, std::less<>> memory_;
+  std::unique_ptr<InstrumentMemory> memory_;
   std::size_t answers_ = 0;
 };
 

@@ -1,6 +1,8 @@
 #include "bench/simulator/instrument_server.h"
 
+#include <deque>
 #include <system_error>
+#include <utility>
 
 #include "bench/links/host_and_port.h"
 #include "bench/simulator/stream_service.h"
@@ -29,18 +31,64 @@ std::string NameOf(const tcp::endpoint& place) {
 
 }  // namespace
 
-std::string InstrumentServer::ServeTcp(asio::io_context& io, const std::string& place) {
-  try {
-    tcp::acceptor acceptor{io, EndpointOf(io, place)};
-    auto name = NameOf(acceptor.local_endpoint());
-    asio::co_spawn(io, AcceptClients(std::move(acceptor)), asio::detached);
-    return name;
-  } catch (const std::system_error& error) {
-    throw UsageError{"cannot listen on " + place + ": " + error.code().message()};
-  }
-}
+// Those who want to be served, in the order in which they came; the first of them is being served.
+class ClientQueue final : public ClientWatch {
+ public:
+  ClientQueue(asio::io_context& io, std::chrono::milliseconds patience)
+      : patience_{patience}, arrival_{io}, end_{io}, current_{io} {}
 
-asio::awaitable<void> InstrumentServer::AcceptClients(tcp::acceptor acceptor) {
+  void Join(tcp::socket client) {
+    waiting_.push_back(std::move(client));
+    arrival_.cancel();
+    if (waiting_.size() == 1) {
+      Await(isAwaited_);
+    }
+  }
+
+  // Waits for the next one and lets go of the one before.
+  asio::awaitable<tcp::socket*> Next() {
+    Await(false);
+    current_.close(ignored_);
+    while (waiting_.empty()) {
+      arrival_.expires_at(asio::steady_timer::time_point::max());
+      co_await arrival_.async_wait(asio::redirect_error(asio::use_awaitable, ignored_));
+    }
+    current_ = std::move(waiting_.front());
+    waiting_.pop_front();
+    co_return &current_;
+  }
+
+  void Begin() override { Await(true); }
+  void End() override { Await(false); }
+
+ private:
+  // Patience begins anew with each line and each reply, and when the first other client comes.
+  void Await(bool isAwaited) {
+    isAwaited_ = isAwaited;
+    end_.cancel();
+    if (!isAwaited_ || waiting_.empty()) {
+      return;
+    }
+    end_.expires_after(patience_);
+    end_.async_wait([this](std::error_code error) {
+      if (!error && isAwaited_ && end_.expiry() <= std::chrono::steady_clock::now()) {
+        current_.close(ignored_);
+      }
+    });
+  }
+
+  std::chrono::milliseconds patience_;
+  asio::steady_timer arrival_;
+  asio::steady_timer end_;
+  tcp::socket current_;
+  std::deque<tcp::socket> waiting_;
+  std::error_code ignored_;
+  bool isAwaited_ = false;
+};
+
+namespace {
+
+asio::awaitable<void> AcceptClients(tcp::acceptor acceptor, std::shared_ptr<ClientQueue> clients) {
   constexpr std::chrono::milliseconds pauseAfterFailure{100};
   for (;;) {
     std::error_code error;
@@ -50,8 +98,30 @@ asio::awaitable<void> InstrumentServer::AcceptClients(tcp::acceptor acceptor) {
       continue;
     }
     client.set_option(tcp::no_delay{true}, error);
+    clients->Join(std::move(client));
+  }
+}
+
+}  // namespace
+
+std::string InstrumentServer::ServeTcp(asio::io_context& io, const std::string& place) {
+  try {
+    tcp::acceptor acceptor{io, EndpointOf(io, place)};
+    auto name = NameOf(acceptor.local_endpoint());
+    const auto clients = std::make_shared<ClientQueue>(io, setup_.Patience);
+    asio::co_spawn(io, AcceptClients(std::move(acceptor), clients), asio::detached);
+    asio::co_spawn(io, ServeClients(clients), asio::detached);
+    return name;
+  } catch (const std::system_error& error) {
+    throw UsageError{"cannot listen on " + place + ": " + error.code().message()};
+  }
+}
+
+asio::awaitable<void> InstrumentServer::ServeClients(std::shared_ptr<ClientQueue> clients) {
+  for (;;) {
+    auto* const client = co_await clients->Next();
     try {
-      co_await ServeStream(client);
+      co_await ServeStream(*client, *clients);
     } catch (const std::system_error&) {
       // This client has gone; the next one may come.
     }

@@ -70,7 +70,8 @@ std::string InstrumentServer::ServePseudoTerminal(asio::io_context& io) {
   const auto serve = [this, terminal]() -> asio::awaitable<void> {
     for (;;) {
       try {
-        co_await ServeStream(terminal->Master);
+        ClientWatch nobodyElseWaits;
+        co_await ServeStream(terminal->Master, nobodyElseWaits);
       } catch (const std::system_error&) {
         // A line that cannot be closed for one client only: whatever was cut short, the next command starts
         // afresh.

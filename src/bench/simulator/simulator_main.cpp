@@ -8,10 +8,10 @@
 #include <utility>
 #include <vector>
 
-#include "bench/printable.h"
 #include "bench/empty_values.h"
 #include "bench/joined.h"
 #include "bench/links/whole_number.h"
+#include "bench/printable.h"
 #include "bench/simulator/instrument_server.h"
 #include "bench/terminal.h"
 #include "bench/usage_error.h"
@@ -117,9 +117,6 @@ void Serve(const SimulatorOptions& options) {
   instrument.SwitchOn();
   std::cout << place << std::endl;
   io.run();
-  if (!instrument.KeepState()) {
-    throw UsageError{Quoted(*options.State) + ": the calibration memory could not be kept"};
-  }
 }
 
 int RunSimulator(std::vector<std::string> arguments) {

@@ -15,62 +15,87 @@ asio::awaitable<void> Wait(Stream& stream, std::chrono::milliseconds duration) {
   co_await timer.async_wait(asio::use_awaitable);
 }
 
+// One client's lines and replies. Everything ends by an exception when the stream ends.
 template <class Stream>
-asio::awaitable<void> Write(Stream& stream, std::string_view text) {
-  co_await asio::async_write(stream, asio::buffer(text), asio::use_awaitable);
-}
+class Conversation {
+ public:
+  // Both outlive it.
+  Conversation(Stream& stream, ClientWatch& watch) : stream_{stream}, watch_{watch} {}
+
+  // Without its line end.
+  asio::awaitable<std::string> ReadLine() {
+    constexpr std::size_t longestLine = 1U << 20;
+    watch_.Begin();
+    const auto size = co_await asio::async_read_until(stream_, asio::dynamic_buffer(input_, longestLine),
+                                                      '\n', asio::use_awaitable);
+    watch_.End();
+    auto line = input_.substr(0, size - 1);
+    input_.erase(0, size);
+    if (line.ends_with('\r')) {
+      line.pop_back();
+    }
+    co_return line;
+  }
+
+  asio::awaitable<void> Write(std::string_view text) {
+    watch_.Begin();
+    co_await asio::async_write(stream_, asio::buffer(text), asio::use_awaitable);
+    watch_.End();
+  }
+
+  asio::awaitable<void> Pause(std::chrono::milliseconds duration) { co_await Wait(stream_, duration); }
+
+ private:
+  Stream& stream_;
+  ClientWatch& watch_;
+  std::string input_;
+};
 
 // Ends by an exception when the stream ends.
 template <class Stream>
-asio::awaitable<void> InstrumentServer::ServeStream(Stream& stream) {
-  constexpr std::size_t longestCommand = 1U << 20;
-  std::string input;
+asio::awaitable<void> InstrumentServer::ServeStream(Stream& stream, ClientWatch& watch) {
+  Conversation<Stream> client{stream, watch};
   for (;;) {
-    const auto size = co_await asio::async_read_until(stream, asio::dynamic_buffer(input, longestCommand),
-                                                      '\n', asio::use_awaitable);
-    auto command = input.substr(0, size - 1);
-    input.erase(0, size);
-    if (command.ends_with('\r')) {
-      command.pop_back();
-    }
+    const auto command = co_await client.ReadLine();
     const auto* const fault = NextFault();
     auto reply = instrument_.Answer(command);
     if (setup_.Latency.count() > 0) {
-      co_await Wait(stream, setup_.Latency);
+      co_await client.Pause(setup_.Latency);
     }
     if (reply) {
-      co_await Reply(stream, *std::move(reply) + "\r\n", fault);
+      co_await Reply(client, *std::move(reply) + "\r\n", fault);
     }
   }
 }
 
 template <class Stream>
-asio::awaitable<void> InstrumentServer::Reply(Stream& stream, std::string reply, const Fault* fault) {
+asio::awaitable<void> InstrumentServer::Reply(Conversation<Stream>& client, std::string reply,
+                                              const Fault* fault) {
   constexpr std::chrono::milliseconds pause{100};
   constexpr std::size_t overlong = 2'000'000;
   if (fault == nullptr) {
-    co_return co_await Write(stream, reply);
+    co_return co_await client.Write(reply);
   }
   switch (*fault) {
     case Fault::Late:
-      co_await Wait(stream, setup_.Lateness);
-      co_return co_await Write(stream, reply);
+      co_await client.Pause(setup_.Lateness);
+      co_return co_await client.Write(reply);
     case Fault::Silent:
       co_return;
     case Fault::Close:
       throw std::system_error{asio::error::make_error_code(asio::error::connection_aborted)};
     case Fault::Garbage:
-      co_return co_await Write(stream, std::string{"\x00\xFF\xFE=\x80\x01\r\n", 8});
+      co_return co_await client.Write(std::string{"\x00\xFF\xFE=\x80\x01\r\n", 8});
     case Fault::Overlong:
-      co_return co_await Write(stream, std::string(overlong, 'x') + "\r\n");
+      co_return co_await client.Write(std::string(overlong, 'x') + "\r\n");
     case Fault::Empty:
-      co_return co_await Write(stream, "\r\n");
+      co_return co_await client.Write("\r\n");
     case Fault::Split:
-      co_await Write(stream, std::string_view{reply}.substr(0, reply.size() / 2));
-      co_await Wait(stream, pause);
-      co_return co_await Write(stream, std::string_view{reply}.substr(reply.size() / 2));
+      co_await client.Write(std::string_view{reply}.substr(0, reply.size() / 2));
+      co_await client.Pause(pause);
+      co_return co_await client.Write(std::string_view{reply}.substr(reply.size() / 2));
     case Fault::NoNewline:
-      co_return co_await Write(stream, std::string_view{reply}.substr(0, reply.size() - 2));
+      co_return co_await client.Write(std::string_view{reply}.substr(0, reply.size() - 2));
   }
 }
 

@@ -150,7 +150,7 @@ TEST(SimulatedLink, AFileThatCannotBeCreatedWhenItBeginsIsRefused) {
   const TemporaryFolder folder;
   std::filesystem::create_directory(folder.Path("sub"));
   const auto link = CreateLink("sim:" + folder.Path("sub/state.json"), 1.0, quietInterrupt);
-  std::filesystem::remove(folder.Path("sub"));
+  std::filesystem::remove_all(folder.Path("sub"));
   EXPECT_THROW(link->Begin(), UsageError);
 }
 

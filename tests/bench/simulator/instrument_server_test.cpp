@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <thread>
+
 #include "bench/links/running_instrument.h"
 #include "bench/usage_error.h"
 
@@ -83,6 +86,50 @@ TEST(InstrumentServer, ASecondClientIsServedWhenTheFirstHasGone) {
   second.Send("STATUS_MECH\r\n");
   EXPECT_EQ(first->Send("STATUS_STAGE\r\n").Line(), "ZV400\r\n");
   first.reset();
+  EXPECT_EQ(second.Line(), "SD\r\n");
+}
+
+TEST(InstrumentServer, ASilentClientIsLetGoOfWhenAnotherWaits) {
+  using std::chrono::milliseconds;
+  const RunningInstrument instrument{{.Patience = milliseconds{100}}};
+  Client silent{instrument};
+  EXPECT_EQ(silent.Send("STATUS_STAGE\r\n").Line(), "ZV400\r\n");
+  Client dribbling{instrument};
+  dribbling.Send("STATUS");
+  Client third{instrument};
+  EXPECT_EQ(third.Send("STATUS_MECH\r\n").Line(), "SD\r\n");
+  EXPECT_EQ(silent.Line(), "closed");
+  EXPECT_EQ(dribbling.Line(), "closed");
+}
+
+TEST(InstrumentServer, AClientThatTakesNoRepliesIsLetGoOfToo) {
+  const RunningInstrument instrument{{.Patience = std::chrono::milliseconds{100}}};
+  Client greedy{instrument};
+  greedy.Send("SET_CALIBRATION A " + std::string(1'000'000, 'x') + "\r\n");
+  EXPECT_EQ(greedy.Line(), "OK\r\n");
+  for (int line = 0; line < 100; ++line) {
+    greedy.Send("GET_CALIBRATION A\r\n");
+  }
+  EXPECT_EQ(Client{instrument}.Send("STATUS_MECH\r\n").Line(), "SD\r\n");
+}
+
+TEST(InstrumentServer, AClientThatIsAloneMayBeSilentForLong) {
+  const RunningInstrument instrument{{.Patience = std::chrono::milliseconds{1}}};
+  Client client{instrument};
+  EXPECT_EQ(client.Send("STATUS_STAGE\r\n").Line(), "ZV400\r\n");
+  std::this_thread::sleep_for(
+      std::chrono::milliseconds{50});  // there is no event to wait for: nothing happens
+  EXPECT_EQ(client.Send("STATUS_STAGE\r\n").Line(), "ZV400\r\n");
+}
+
+TEST(InstrumentServer, AClientThatWaitsForASlowReplyIsNotSilent) {
+  using std::chrono::milliseconds;
+  const RunningInstrument instrument{{.Latency = milliseconds{150}, .Patience = milliseconds{50}}};
+  Client first{instrument};
+  first.Send("STATUS_STAGE\r\n");
+  Client second{instrument};
+  second.Send("STATUS_MECH\r\n");
+  EXPECT_EQ(first.Line(), "ZV400\r\n");
   EXPECT_EQ(second.Line(), "SD\r\n");
 }
 

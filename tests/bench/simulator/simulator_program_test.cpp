@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "bench/links/sent_command.h"
+#include "bench/usage_error.h"
 #include "support/temporary_folder.h"
 
 namespace zolvane {
@@ -48,6 +49,8 @@ class Simulator {
   }
   Simulator(const Simulator&) = delete;
   Simulator& operator=(const Simulator&) = delete;
+
+  ::pid_t Number() const { return process_; }
 
   // The next line of its output, without the line end.
   std::string Line() const {
@@ -123,18 +126,36 @@ TEST(SimulatorProgram, TheInstrumentIsSetUpByTheOptions) {
   EXPECT_EQ(Send(*link, "STATUS_STAGE"), "failed");
 }
 
-TEST(SimulatorProgram, ASignalEndsItWithItsStateKept) {
+TEST(SimulatorProgram, ASignalEndsItAndWhatWasNeverSavedIsGone) {
   const TemporaryFolder folder;
   const auto file = folder.Path("state.json");
-  for (const auto& [signal, value] : {std::pair{SIGTERM, "1612"}, std::pair{SIGINT, "1613"}}) {
+  for (const int signal : {SIGTERM, SIGINT}) {
     Simulator simulator{{"--state", file}};
     const auto link = CreateLink(simulator.Line(), 5.0, quietInterrupt);
-    EXPECT_EQ(Send(*link, std::string{"SET_CALIBRATION STAGE1_X "} + value), "OK");
+    EXPECT_EQ(Send(*link, "SET_CALIBRATION STAGE1_X 1612"), "OK");
+    EXPECT_EQ(Send(*link, "SET_CALIBRATION SAVE"), "OK");
+    EXPECT_EQ(Send(*link, "SET_CALIBRATION STAGE1_X 7"), "OK");
     EXPECT_EQ(simulator.End(signal), 0);
     EXPECT_EQ(simulator.Errors(), "");
-    EXPECT_EQ(BytesOf(file), std::string{"{\n  \"STAGE1_X\": \""} + value + "\"\n}\n");
+    EXPECT_EQ(BytesOf(file), "{\n  \"STAGE1_X\": \"1612\"\n}\n");
   }
   EXPECT_EQ(folder.Names(), std::vector<std::string>{"state.json"});
+}
+
+TEST(SimulatorProgram, ASecondOneOnTheSameMemoryIsRefusedUntilTheFirstHasGone) {
+  const TemporaryFolder folder;
+  const auto file = folder.Path("state.json");
+  Simulator first{{"--state", file}};
+  first.Line();
+  Simulator second{{"--state", file}};
+  EXPECT_EQ(second.Wait(), 2);
+  EXPECT_EQ(second.Errors(), "zolvane-sim: \"" + file +
+                                 "\" is in use by another simulated instrument (process " +
+                                 std::to_string(first.Number()) + ")\n");
+  EXPECT_THROW(CreateLink("sim:" + file, 1.0, quietInterrupt), UsageError);
+  first.End(SIGKILL);
+  const Simulator third{{"--state", file}};
+  EXPECT_TRUE(third.Line().starts_with("tcp:"));
 }
 
 TEST(SimulatorProgram, WhatWasSavedSurvivesAnEndWithoutWarning) {
