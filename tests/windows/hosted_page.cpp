@@ -4,6 +4,7 @@
 #include <optional>
 #include <stdexcept>
 
+#include "bench/settings/file_settings_service.h"
 #include "shell/windows/text.h"
 
 namespace zolvane {
@@ -71,6 +72,21 @@ class ShownWindow final : public HostWindow {
   std::shared_ptr<PageHost> host_;
 };
 
+class CountedSettings final : public FileSettingsService {
+ public:
+  explicit CountedSettings(std::shared_ptr<PageHost> host) : host_{std::move(host)} {}
+
+  Status WriteValue(std::string_view section, std::string_view key, std::string_view file,
+                    std::string_view value) override {
+    ++host_->Writes;
+    return host_->RefusesWrites ? Status::Failure()
+                                : FileSettingsService::WriteValue(section, key, file, value);
+  }
+
+ private:
+  std::shared_ptr<PageHost> host_;
+};
+
 const ProgramFolder& FolderWith(const std::string& configuration) {
   const auto& folder = ProgramFolder::OfThisRun();
   Store(folder.Configuration(), configuration);
@@ -81,6 +97,7 @@ const ProgramFolder& FolderWith(const std::string& configuration) {
 
 HostedPage::HostedPage(const std::string& configuration)
     : folder_{FolderWith(configuration)},
+      settings_{[host = host_] { return std::make_shared<CountedSettings>(host); }},
       window_{CreateWindowExW(WS_EX_CONTROLPARENT, L"STATIC", L"host", WS_POPUP | WS_VISIBLE, 0, 0, 800, 600,
                               nullptr, nullptr, GetModuleHandleW(nullptr), nullptr)},
       session_{std::make_unique<ComSession>(folder_.Module().Create(),

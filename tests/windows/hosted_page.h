@@ -8,7 +8,6 @@
 #include <string>
 #include <utility>
 
-#include "bench/settings/file_settings_service.h"
 #include "bench/windows/com_session.h"
 #include "bench/windows/offered_host.h"
 #include "bench/windows/offered_settings.h"
@@ -20,6 +19,8 @@ namespace zolvane {
 // A host that hears what the page asks for. Each command to the instrument is shown to the test while it is under way.
 struct PageHost {
   int FocusRequests = 0;
+  int Writes = 0;              // to settings files
+  bool RefusesWrites = false;  // which then fail and change nothing
   std::string Status;
   std::function<void(const std::string& command)> OnCommand = [](const std::string&) {};
 };
@@ -43,7 +44,7 @@ class HostedPage {
  private:
   const ProgramFolder& folder_;  // brings COM along
   std::shared_ptr<PageHost> host_ = std::make_shared<PageHost>();
-  OfferedSettings settings_{[] { return std::make_shared<FileSettingsService>(); }};
+  OfferedSettings settings_;
   const HWND window_;
   std::unique_ptr<ComSession> session_;
   const HWND frame_;

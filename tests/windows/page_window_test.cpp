@@ -61,10 +61,10 @@ TEST(PageWindow, HasEveryControlOfItsKindWithItsCaption) {
       ExpectedControl{firstListLabelId + 2, L"Static", "Pipette Head", 0},
       ExpectedControl{firstListLabelId + 3, L"Static", "Pipette Head Nest", 0},
       ExpectedControl{firstListLabelId + 4, L"Static", "Tip Type", 0},
-      ExpectedControl{rfidBox, L"Button", "Enable RFID", BS_AUTO3STATE},
-      ExpectedControl{headBox, L"Button", "Enable 96/384 Head Sensor", BS_AUTO3STATE},
-      ExpectedControl{tipBox, L"Button", "Enable 96/384 Tip Sensor", BS_AUTO3STATE},
-      ExpectedControl{encoderBox, L"Button", "Enable 1/8/12 Module Encoders", BS_AUTO3STATE},
+      ExpectedControl{rfidBox, L"Button", "Enable RFID", BS_AUTOCHECKBOX},
+      ExpectedControl{headBox, L"Button", "Enable 96/384 Head Sensor", BS_AUTOCHECKBOX},
+      ExpectedControl{tipBox, L"Button", "Enable 96/384 Tip Sensor", BS_AUTOCHECKBOX},
+      ExpectedControl{encoderBox, L"Button", "Enable 1/8/12 Module Encoders", BS_AUTOCHECKBOX},
       ExpectedControl{upload, L"Button", "Save To Zolvane", BS_PUSHBUTTON},
       ExpectedControl{download, L"Button", "Load From Zolvane", BS_PUSHBUTTON},
       ExpectedControl{query, L"Button", "Query Zolvane", BS_PUSHBUTTON},
@@ -130,6 +130,42 @@ TEST(PageWindow, StaysInsideOfTheHostAndIsNotMovedByTheAddIn) {
 
 // ---- The keyboard ----
 
+// Counts how often a window is asked for its menu by the keyboard, and opens none.
+class MenuRequests {
+ public:
+  explicit MenuRequests(HWND window)
+      : window_{window},
+        before_{reinterpret_cast<WNDPROC>(GetWindowLongPtrW(window, GWLP_WNDPROC))},
+        userData_{GetWindowLongPtrW(window, GWLP_USERDATA)} {
+    SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
+    SetWindowLongPtrW(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(Procedure));
+  }
+  ~MenuRequests() {
+    SetWindowLongPtrW(window_, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(before_));
+    SetWindowLongPtrW(window_, GWLP_USERDATA, userData_);
+  }
+  MenuRequests(const MenuRequests&) = delete;
+  MenuRequests& operator=(const MenuRequests&) = delete;
+
+  int Count() const { return count_; }
+
+ private:
+  static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    constexpr WPARAM commandBits = 0xFFF0;
+    auto& self = *reinterpret_cast<MenuRequests*>(GetWindowLongPtrW(window, GWLP_USERDATA));
+    if (message == WM_SYSCOMMAND && (wParam & commandBits) == SC_KEYMENU) {
+      ++self.count_;
+      return 0;
+    }
+    return CallWindowProcW(self.before_, window, message, wParam, lParam);
+  }
+
+  HWND window_;
+  WNDPROC before_;
+  LONG_PTR userData_;
+  int count_ = 0;
+};
+
 // Two kinds of host: one whose loop knows dialogue keys, and one whose loop does not.
 class Keyboard : public testing::TestWithParam<bool> {
  protected:
@@ -166,6 +202,31 @@ class Keyboard : public testing::TestWithParam<bool> {
     PostMessageW(GetFocus(), WM_SYSKEYDOWN, static_cast<WPARAM>(letter), withAlt);
     PostMessageW(GetFocus(), WM_SYSCHAR, static_cast<WPARAM>(letter) - 'A' + 'a', withAlt);
     Pump();
+  }
+
+  // One message of a keyboard, for whatever has the focus by then.
+  void Key(UINT message, WPARAM key, LPARAM flags) const {
+    PostMessageW(GetFocus(), message, key, flags);
+    Pump();
+  }
+
+  static constexpr LPARAM downWithAlt = 0x20000001;
+  static constexpr LPARAM upWithAlt = static_cast<LPARAM>(0xE0000001);
+  static constexpr LPARAM up = static_cast<LPARAM>(0xC0000001);
+
+  // Alt, the letter, and Alt let go before the letter.
+  void PressWithAltLetGoFirst(char letter) const {
+    Key(WM_SYSKEYDOWN, VK_MENU, downWithAlt);
+    PressWithAlt(letter);
+    Key(WM_SYSKEYUP, VK_MENU, up);
+    Key(WM_KEYUP, static_cast<WPARAM>(letter), up);
+  }
+
+  void PressWithAltLetGoLast(char letter) const {
+    Key(WM_SYSKEYDOWN, VK_MENU, downWithAlt);
+    PressWithAlt(letter);
+    Key(WM_SYSKEYUP, static_cast<WPARAM>(letter), upWithAlt);
+    Key(WM_KEYUP, VK_MENU, up);
   }
 
   void Focus(int id) const { SetFocus(page_.Control(id)); }
@@ -244,6 +305,17 @@ TEST_P(Keyboard, SpaceChangesABoxAndStoresIt) {
   EXPECT_EQ(Focused(), tipBox);
 }
 
+TEST_P(Keyboard, SpaceAndAccessKeyUntickATickedBox) {
+  ASSERT_EQ(Value(rfidBox), 1);
+  Focus(rfidBox);
+  Press(VK_SPACE);
+  EXPECT_EQ(Value(rfidBox), 0);
+  Press(VK_SPACE);
+  PressWithAlt('R');
+  EXPECT_EQ(Value(rfidBox), 0);
+  EXPECT_EQ(page_.Stored("DeviceType", "SensorEnableRFID"), "0");
+}
+
 TEST_P(Keyboard, SpaceAndEnterPressTheButtonThatHasTheFocus) {
   int queries = 0;
   page_.Host().OnCommand = [&](const std::string& command) { queries += command == "STATUS_STAGE" ? 1 : 0; };
@@ -277,6 +349,46 @@ TEST_P(Keyboard, TheAccessKeyOfADisabledControlDoesNothing) {
   EXPECT_EQ(Value(tipBox), 0);
 }
 
+TEST_P(Keyboard, AnAccessKeyLeavesTheHostsMenuClosedWhenAltIsLetGoFirst) {
+  const MenuRequests menu{page_.Window()};
+  for (const int from : {rfidBox, headBox, query, save, deviceList}) {
+    for (const char letter : {'Z', 'M', 'P', 'N', 'T', 'R', 'D', 'Q'}) {
+      Focus(from);
+      PressWithAltLetGoFirst(letter);
+      EXPECT_EQ(menu.Count(), 0) << letter << " from " << from;
+    }
+  }
+}
+
+TEST_P(Keyboard, AnAccessKeyLeavesTheHostsMenuClosedWhenAltIsLetGoLast) {
+  const MenuRequests menu{page_.Window()};
+  for (const char letter : {'Z', 'M', 'P', 'N', 'T', 'R', 'D', 'Q'}) {
+    Focus(encoderBox);
+    PressWithAltLetGoLast(letter);
+    EXPECT_EQ(menu.Count(), 0) << letter;
+  }
+}
+
+TEST_P(Keyboard, DownAfterAnAccessKeyChoosesTheNextEntryOfTheListThatItReached) {
+  const MenuRequests menu{page_.Window()};
+  SendMessageW(Control(tipList), CB_SETCURSEL, 0, 0);
+  Focus(rfidBox);
+  PressWithAltLetGoFirst('T');
+  EXPECT_EQ(Focused(), tipList);
+  Press(VK_DOWN);
+  EXPECT_EQ(Selected(tipList), 1);
+  EXPECT_EQ(page_.Stored("TipType", "Installed"), "2");
+  EXPECT_EQ(menu.Count(), 0);
+}
+
+TEST_P(Keyboard, AltByItselfIsLeftToTheHostsMenu) {
+  const MenuRequests menu{page_.Window()};
+  Focus(rfidBox);
+  Key(WM_SYSKEYDOWN, VK_MENU, downWithAlt);
+  Key(WM_SYSKEYUP, VK_MENU, up);
+  EXPECT_EQ(menu.Count(), 1);
+}
+
 TEST(PageWindow, GivesEachAccessKeyOnce) {
   const HostedPage page;
   std::string keys;
@@ -305,20 +417,56 @@ void Click(HWND control) {
   SendMessageW(control, WM_LBUTTONUP, 0, inside);
 }
 
-TEST(PageWindow, ClicksTakeABoxThroughItsThreeStatesAndGreyIsStoredAsTicked) {
-  const HostedPage page;
+LRESULT ValueOf(HWND box) {
+  return SendMessageW(box, BM_GETCHECK, 0, 0);
+}
+
+TEST(PageWindow, AClickUnticksATickedBoxAndTicksAnUntickedOneWithOneWriteEach) {
+  HostedPage page;
   const HWND box = page.Control(rfidBox);
-  ASSERT_EQ(SendMessageW(box, BM_GETCHECK, 0, 0), BST_CHECKED);
+  ASSERT_EQ(ValueOf(box), BST_CHECKED);
   struct Step {
     LRESULT Value;
     std::string_view Stored;
   };
   for (const auto& [value, stored] :
-       {Step{BST_INDETERMINATE, "1"}, Step{BST_UNCHECKED, "0"}, Step{BST_CHECKED, "1"}}) {
+       {Step{BST_UNCHECKED, "0"}, Step{BST_CHECKED, "1"}, Step{BST_UNCHECKED, "0"}}) {
+    page.Host().Writes = 0;
     Click(box);
-    EXPECT_EQ(SendMessageW(box, BM_GETCHECK, 0, 0), value);
+    EXPECT_EQ(ValueOf(box), value);
     EXPECT_EQ(page.Stored("DeviceType", "SensorEnableRFID"), stored);
+    EXPECT_EQ(page.Host().Writes, 1);
   }
+}
+
+// As a program does that works the page by its windows.
+void SetByProgram(const HostedPage& page, int id, WPARAM value) {
+  SendMessageW(page.Control(id), BM_SETCHECK, value, 0);
+  SendMessageW(page.Frame(), WM_COMMAND, MAKEWPARAM(id, BN_CLICKED),
+               reinterpret_cast<LPARAM>(page.Control(id)));
+}
+
+TEST(PageWindow, AProgramCanSetABoxGreyWhichIsStoredAsTicked) {
+  const HostedPage page;
+  for (const int before : {0, 1}) {
+    SetByProgram(page, tipBox, static_cast<WPARAM>(before));
+    SetByProgram(page, tipBox, greyValue);
+    EXPECT_EQ(ValueOf(page.Control(tipBox)), BST_INDETERMINATE) << before;
+    EXPECT_EQ(page.Stored("DeviceType", "SensorEnableTipsInstalled"), "1") << before;
+  }
+}
+
+TEST(PageWindow, AClickOnAGreyBoxUnticksItAndTheNextOneTicksIt) {
+  HostedPage page;
+  SetByProgram(page, tipBox, greyValue);
+  page.Host().Writes = 0;
+  Click(page.Control(tipBox));
+  EXPECT_EQ(ValueOf(page.Control(tipBox)), BST_UNCHECKED);
+  EXPECT_EQ(page.Stored("DeviceType", "SensorEnableTipsInstalled"), "0");
+  Click(page.Control(tipBox));
+  EXPECT_EQ(ValueOf(page.Control(tipBox)), BST_CHECKED);
+  EXPECT_EQ(page.Stored("DeviceType", "SensorEnableTipsInstalled"), "1");
+  EXPECT_EQ(page.Host().Writes, 2);
 }
 
 // The point of the frame over the middle of a control.

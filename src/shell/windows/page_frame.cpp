@@ -8,10 +8,10 @@
 #include <vector>
 
 #include "page/page_model.h"
-#include "shell/windows/control_keys.h"
 #include "shell/windows/guarded.h"
 #include "shell/windows/message_queue.h"
 #include "shell/windows/module_instance.h"
+#include "shell/windows/page_control.h"
 #include "shell/windows/page_layout.h"
 #include "shell/windows/text.h"
 #include "shell/windows/window_class.h"
@@ -32,7 +32,7 @@ constexpr std::array<KindRow, 7> kindRows{{
     {L"STATIC", SS_LEFT | SS_CENTERIMAGE, false},
     {L"STATIC", SS_LEFT | SS_CENTERIMAGE | SS_NOPREFIX, false},
     {L"COMBOBOX", CBS_DROPDOWNLIST | CBS_HASSTRINGS | WS_VSCROLL, true},
-    {L"BUTTON", BS_AUTO3STATE, true},
+    {L"BUTTON", BS_AUTOCHECKBOX, true},
     {L"BUTTON", BS_PUSHBUTTON, true},
 }};
 
@@ -62,7 +62,7 @@ bool CreateControl(HWND frame, const ControlRow& row) {
       CreateWindowExW(0, kind.ClassName, Wide(MarkedCaption(row)).c_str(), style, 0, 0, 0, 0, frame,
                       reinterpret_cast<HMENU>(static_cast<LONG_PTR>(row.Id)), ThisModule(), nullptr);
   if (control != nullptr && kind.TakesFocus) {
-    AnswerDialogueKeys(control);
+    MakePageControl(control);
   }
   return control != nullptr;
 }

@@ -1,4 +1,4 @@
-#include "shell/windows/control_keys.h"
+#include "shell/windows/page_control.h"
 
 #include <cwctype>
 
@@ -104,6 +104,24 @@ bool AnswersAccessKey(HWND control, WPARAM letter, bool isRepeated) {
   return true;
 }
 
+// The system hears of the letter too, and first: Alt let go with no other key since it went down asks the host for
+// its menu.
+LRESULT AnswerLetterWithAlt(HWND control, WPARAM letter, LPARAM lParam, bool isRepeated) {
+  const LRESULT result = LeaveToSystem(control, WM_SYSKEYDOWN, letter, lParam);
+  return AnswersAccessKey(control, letter, isRepeated) ? 0 : result;
+}
+
+// ---- Check boxes ----
+
+// The system's boxes of two states refuse grey, and those of three have it between ticked and unticked, where
+// a click would only write the same once more. So a box has the third state as long as it shows it.
+void AllowGreyFor(HWND box, WPARAM value) {
+  const LONG_PTR kind = value == BST_INDETERMINATE ? BS_AUTO3STATE : BS_AUTOCHECKBOX;
+  if ((GetWindowLongPtrW(box, GWL_STYLE) & BS_TYPEMASK) != kind) {
+    SendMessageW(box, BM_SETSTYLE, static_cast<WPARAM>(kind), FALSE);
+  }
+}
+
 // ---- The controls' window procedure ----
 
 bool IsArrow(WPARAM key) {
@@ -142,14 +160,17 @@ LRESULT Answer(HWND control, UINT message, WPARAM wParam, LPARAM lParam) {
       break;
     case WM_SYSKEYDOWN:
       // Not left to a host that knows dialogue keys: some reach their own lists only.
-      if (IsLetterKey(wParam) && AnswersAccessKey(control, wParam, isRepeated)) {
-        return 0;
+      if (IsLetterKey(wParam)) {
+        return AnswerLetterWithAlt(control, wParam, lParam, isRepeated);
       }
       break;
     case WM_SYSCHAR:
       if (AnswersAccessKey(control, wParam, isRepeated)) {
         return 0;
       }
+      break;
+    case BM_SETCHECK:
+      AllowGreyFor(control, wParam);
       break;
     default:
       break;
@@ -163,7 +184,7 @@ LRESULT CALLBACK ControlProcedure(HWND control, UINT message, WPARAM wParam, LPA
 
 }  // namespace
 
-void AnswerDialogueKeys(HWND control) {
+void MakePageControl(HWND control) {
   SetWindowLongPtrW(control, GWLP_USERDATA, GetWindowLongPtrW(control, GWLP_WNDPROC));
   SetWindowLongPtrW(control, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(ControlProcedure));
 }
