@@ -121,13 +121,13 @@ void Place(HWND control, const ControlRow& row, const DialogueUnits& units, cons
 
 // ---- Making and ending ----
 
-std::shared_ptr<PageFrame> PageFrame::Create(PageEvents& events, std::weak_ptr<const void> owner,
+std::shared_ptr<PageFrame> PageFrame::Create(PageEvents& events, std::weak_ptr<PageOwner> owner,
                                              ScaleOf scaleOf) {
   std::shared_ptr<PageFrame> made{new PageFrame{events, std::move(owner), scaleOf}};
   return made->CreateWindows() ? made : nullptr;
 }
 
-PageFrame::PageFrame(PageEvents& events, std::weak_ptr<const void> owner, ScaleOf scaleOf)
+PageFrame::PageFrame(PageEvents& events, std::weak_ptr<PageOwner> owner, ScaleOf scaleOf)
     : events_{&events}, owner_{std::move(owner)}, scaleOf_{scaleOf} {
   colours_.fill(COLOR_WINDOW);
   selected_.fill(noSelection);
@@ -265,7 +265,7 @@ void PageFrame::OnCommand(int id, int notification) {
     OnList(static_cast<ListControl>(id - firstListId), notification);
   } else if (IsAmong(id, firstCheckId, checkRows.size()) && notification == BN_CLICKED) {
     const auto value = static_cast<int>(SendMessageW(Control(id), BM_GETCHECK, 0, 0));
-    PassOver(events_->UserSetsCheck(static_cast<CheckControl>(id - firstCheckId), value));
+    TellIfNotStored(events_->UserSetsCheck(static_cast<CheckControl>(id - firstCheckId), value));
   } else if (IsAmong(id, firstButtonId, buttonRows.size()) && notification == BN_CLICKED) {
     OnButton(id - firstButtonId);
   }
@@ -291,7 +291,14 @@ void PageFrame::OnDropDownClosed(ListControl list) {
 void PageFrame::Report(ListControl list) {
   const auto index = static_cast<int>(SendMessageW(Control(IdOf(list)), CB_GETCURSEL, 0, 0));
   if (events_ != nullptr && index != CB_ERR) {
-    PassOver(events_->UserSelects(list, index));
+    TellIfNotStored(events_->UserSelects(list, index));
+  }
+}
+
+// The host cannot: the event has come from the page's own window.
+void PageFrame::TellIfNotStored(const Status& status) const {
+  if (const auto owner = owner_.lock(); owner && !status.Ok()) {
+    owner->TellNotStored();
   }
 }
 

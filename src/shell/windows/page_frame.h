@@ -10,14 +10,23 @@
 
 namespace zolvane {
 
+// What has to live while the page handles what the user does.
+class PageOwner {
+ public:
+  virtual ~PageOwner() = default;
+
+  // A choice that the user made could not be stored. Returns when the user has been told.
+  virtual void TellNotStored() = 0;
+};
+
 class PageFrame final : public std::enable_shared_from_this<PageFrame> {
  public:
   // The scale that a window is drawn at, in dots per inch.
   using ScaleOf = UINT (*)(HWND window);
 
-  // Null when the system refuses a window. `events` hears of the user until Close. `owner` stays alive while
-  // it does.
-  static std::shared_ptr<PageFrame> Create(PageEvents& events, std::weak_ptr<const void> owner,
+  // Null when the system refuses a window. `events` hears of the user until Close. `owner` stays alive while it does,
+  // and is told what could not be stored.
+  static std::shared_ptr<PageFrame> Create(PageEvents& events, std::weak_ptr<PageOwner> owner,
                                            ScaleOf scaleOf = DpiOf);
 
   ~PageFrame();
@@ -46,7 +55,7 @@ class PageFrame final : public std::enable_shared_from_this<PageFrame> {
  private:
   using MessageHandler = LRESULT (PageFrame::*)(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
-  PageFrame(PageEvents& events, std::weak_ptr<const void> owner, ScaleOf scaleOf);
+  PageFrame(PageEvents& events, std::weak_ptr<PageOwner> owner, ScaleOf scaleOf);
 
   static LRESULT CALLBACK PageProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
   static LRESULT CALLBACK FrameProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
@@ -60,6 +69,7 @@ class PageFrame final : public std::enable_shared_from_this<PageFrame> {
   void OnList(ListControl list, int notification);
   void OnDropDownClosed(ListControl list);
   void Report(ListControl list);
+  void TellIfNotStored(const Status& status) const;
   void OnButton(int button);
   void StoreShownChoices();
   void DiscardInput() const;
@@ -72,7 +82,7 @@ class PageFrame final : public std::enable_shared_from_this<PageFrame> {
   bool HasLostFocus() const;
 
   PageEvents* events_;
-  const std::weak_ptr<const void> owner_;
+  const std::weak_ptr<PageOwner> owner_;
   const ScaleOf scaleOf_;
   HWND page_ = nullptr;
   HWND frame_ = nullptr;

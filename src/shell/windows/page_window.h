@@ -33,8 +33,8 @@ class PageWindow final : public PageView {
 
 class PageWindowFactory final : public PageViewFactory {
  public:
-  // `owner` gives what has to live while the page handles what the user does; asked when a page is made.
-  explicit PageWindowFactory(std::function<std::weak_ptr<const void>()> owner) : owner_{std::move(owner)} {}
+  // `owner` is asked when a page is made.
+  explicit PageWindowFactory(std::function<std::weak_ptr<PageOwner>()> owner) : owner_{std::move(owner)} {}
 
   std::unique_ptr<PageView> CreatePageView(PageEvents& events) override;
 
@@ -43,7 +43,7 @@ class PageWindowFactory final : public PageViewFactory {
   HWND OwnerWindow() const;
 
  private:
-  std::function<std::weak_ptr<const void>()> owner_;
+  std::function<std::weak_ptr<PageOwner>()> owner_;
   std::weak_ptr<PageFrame> latest_;
 };
 

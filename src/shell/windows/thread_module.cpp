@@ -1,5 +1,7 @@
 #include "shell/windows/thread_module.h"
 
+#include <string>
+
 #include "shell/windows/com_form.h"
 
 namespace zolvane {
@@ -59,6 +61,16 @@ void ThreadModule::Forget(const ComForm& form) {
   if (form_ == &form) {
     form_ = nullptr;
   }
+}
+
+void ThreadModule::TellNotStored() {
+  PassOver(environment_.ShowMessageBox(
+      {.Text =
+           "Your choice could not be stored in\r\n" + addIn_.Config().Settings.ConfigFilePath() +
+           "\r\n\r\nThe page shows it, but the file does not hold it. Please see to it that the file can be "
+           "written, and choose again.",
+       .Style = message_style::okOnly + message_style::stopIcon,
+       .Title = std::string{pageCaption}}));
 }
 
 }  // namespace zolvane

@@ -15,12 +15,12 @@ class ComForm;
 
 // Lives as long as an object of that thread refers to it, so that the host's objects are released while the
 // host still runs, and neither at the thread's end nor when the module is unloaded.
-class ThreadModule final : public std::enable_shared_from_this<ThreadModule> {
+class ThreadModule final : public PageOwner, public std::enable_shared_from_this<ThreadModule> {
  public:
   // The calling thread's; made when there is none.
   static std::shared_ptr<ThreadModule> OfThisThread();
 
-  ~ThreadModule();
+  ~ThreadModule() override;
   ThreadModule(const ThreadModule&) = delete;
   ThreadModule& operator=(const ThreadModule&) = delete;
 
@@ -31,6 +31,9 @@ class ThreadModule final : public std::enable_shared_from_this<ThreadModule> {
 
   // The object is gone.
   void Forget(const ComForm& form);
+
+  // In a box over the window that the page sits in.
+  void TellNotStored() override;
 
  private:
   ThreadModule();

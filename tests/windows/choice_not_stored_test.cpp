@@ -1,0 +1,164 @@
+// What the page's window says when a choice of the user could not be stored.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "bench/windows/dialogue_answerer.h"
+#include "bench/windows/dialogue_hooks.h"
+#include "bench/windows/player.h"
+#include "hosted_page.h"
+#include "page/page_controls.h"
+
+namespace zolvane {
+namespace {
+
+constexpr int tipList = IdOf(ListControl::TipType);
+constexpr int rfidBox = IdOf(CheckControl::RFID);
+
+// Collects the boxes, which do not appear.
+class CollectedBoxes final : public DialogueSpectator {
+ public:
+  std::vector<MessageBoxRequest> Boxes;
+
+  bool ShowsDialogues() const override { return false; }
+  std::optional<std::int32_t> AnswerUnshown(const MessageBoxRequest& request) override {
+    Boxes.push_back(request);
+    return message_answer::ok;
+  }
+};
+
+class ChoiceNotStored : public testing::Test {
+ protected:
+  ChoiceNotStored() { page_.Host().RefusesWrites = true; }
+
+  HWND Control(int id) const { return page_.Control(id); }
+
+  void Notify(int id, int notification) const {
+    SendMessageW(page_.Frame(), WM_COMMAND, MAKEWPARAM(id, notification),
+                 reinterpret_cast<LPARAM>(Control(id)));
+  }
+
+  void Choose(int position) const {
+    SendMessageW(Control(tipList), CB_SETCURSEL, static_cast<WPARAM>(position), 0);
+    Notify(tipList, CBN_SELCHANGE);
+  }
+
+  static void Pump() {
+    MSG message{};
+    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != FALSE) {
+      TranslateMessage(&message);
+      DispatchMessageW(&message);
+    }
+  }
+
+  HostedPage page_;
+  CollectedBoxes shown_;
+  DialogueHooks hooks_{ProgramFolder::OfThisRun().Module().Module(), nullptr, shown_};
+};
+
+TEST_F(ChoiceNotStored, OfAListIsToldInAStopBoxThatNamesTheFile) {
+  Choose(1);
+  ASSERT_EQ(shown_.Boxes.size(), 1U);
+  const auto& box = shown_.Boxes.front();
+  EXPECT_EQ(box.Title, "Zolvane Setup");
+  EXPECT_EQ(box.Style, 16) << "the stop sign over OK";
+  EXPECT_EQ(box.Text,
+            "Your choice could not be stored in\r\n" + ProgramFolder::OfThisRun().FileText("Zolvane.ini") +
+                "\r\n\r\nThe page shows it, but the file does not hold it. Please see to it that the "
+                "file can be written, and choose again.");
+}
+
+TEST_F(ChoiceNotStored, OfAListStaysOnThePageAsTheUserMadeIt) {
+  const auto stored = HostedPage::Stored("TipType", "Installed");
+  Choose(1);
+  EXPECT_EQ(SendMessageW(Control(tipList), CB_GETCURSEL, 0, 0), 1);
+  EXPECT_EQ(HostedPage::Stored("TipType", "Installed"), stored);
+}
+
+TEST_F(ChoiceNotStored, OfABoxIsToldOnceAndStaysOnThePage) {
+  ASSERT_EQ(SendMessageW(Control(rfidBox), BM_GETCHECK, 0, 0), BST_CHECKED);
+  SendMessageW(Control(rfidBox), BM_CLICK, 0, 0);
+  EXPECT_EQ(shown_.Boxes.size(), 1U);
+  EXPECT_EQ(SendMessageW(Control(rfidBox), BM_GETCHECK, 0, 0), BST_UNCHECKED);
+  EXPECT_EQ(HostedPage::Stored("DeviceType", "SensorEnableRFID"), "1");
+}
+
+TEST_F(ChoiceNotStored, IsToldForEachOfTheUsersActions) {
+  Choose(1);
+  Choose(0);
+  SendMessageW(Control(rfidBox), BM_CLICK, 0, 0);
+  EXPECT_EQ(shown_.Boxes.size(), 3U);
+}
+
+TEST_F(ChoiceNotStored, InAListThatClosesIsToldOnce) {
+  SendMessageW(Control(tipList), CB_SHOWDROPDOWN, TRUE, 0);
+  SendMessageW(Control(tipList), CB_SETCURSEL, 1, 0);
+  Notify(tipList, CBN_SELCHANGE);
+  SendMessageW(Control(tipList), CB_SHOWDROPDOWN, FALSE, 0);
+  Pump();
+  EXPECT_EQ(shown_.Boxes.size(), 1U);
+}
+
+TEST_F(ChoiceNotStored, IsNotToldOfWhatThePageItselfSelects) {
+  page_.Form()->LoadDefaults();
+  EXPECT_TRUE(shown_.Boxes.empty());
+}
+
+TEST_F(ChoiceNotStored, IsNotToldWhenItWasStored) {
+  page_.Host().RefusesWrites = false;
+  Choose(1);
+  SendMessageW(Control(rfidBox), BM_CLICK, 0, 0);
+  EXPECT_TRUE(shown_.Boxes.empty());
+}
+
+// The real box, over the host that it belongs to.
+class OverTheHost final : public DialogueSpectator {
+ public:
+  explicit OverTheHost(HWND host) : host_{host} {}
+
+  void BoxOpens(const MessageBoxRequest&) override { answerer_.PressButton(message_answer::ok); }
+  void BoxClosed(const MessageBoxRequest&, std::optional<std::int32_t> answer) override {
+    answerer_.Closed();
+    Answer = answer;
+    IsHostBack = IsWindowEnabled(host_) != FALSE;
+  }
+
+  std::optional<std::int32_t> Answer;
+  bool IsHostBack = false;
+  std::optional<std::string> Text() const { return answerer_.LastBoxText(); }
+
+ private:
+  HWND host_;
+  DialogueAnswerer answerer_;
+};
+
+TEST(AChoiceThatCouldNotBeStored, IsToldInABoxThatAppearsAndGivesTheHostBack) {
+  HostedPage page;
+  OverTheHost user{page.Window()};
+  const DialogueHooks hooks{ProgramFolder::OfThisRun().Module().Module(), nullptr, user};
+  page.Host().RefusesWrites = true;
+  SendMessageW(page.Control(rfidBox), BM_CLICK, 0, 0);
+  EXPECT_EQ(user.Answer, message_answer::ok);
+  EXPECT_TRUE(user.IsHostBack);
+  EXPECT_NE(user.Text().value_or("").find(ProgramFolder::OfThisRun().FileText("Zolvane.ini")),
+            std::string::npos);
+}
+
+TEST(AChoiceThatCouldNotBeStored, DoesNotHoldUpARunFileAndCountsAsFailed) {
+  HostedPage page;
+  Player player{{.Listed = {}, .AffirmsRest = false}, [](const std::string&) {}};
+  const DialogueHooks hooks{ProgramFolder::OfThisRun().Module().Module(), nullptr, player};
+  page.Host().RefusesWrites = true;
+  const PageDriver user{page.Frame()};
+  EXPECT_TRUE(
+      player.Play({.Kind = ActionKind::SelectEntry, .List = ListControl::TipType, .Entry = "#1"}, user));
+  EXPECT_EQ(ExitStatusOf(player.Happened()), 1);
+  EXPECT_TRUE(player.Play({.Kind = ActionKind::SetCheck, .Box = CheckControl::RFID, .Value = 2}, user));
+  EXPECT_EQ(ExitStatusOf(player.Happened()), 1);
+  EXPECT_EQ(user.Shown().Of(ListControl::TipType).Selected, 1);
+  EXPECT_EQ(user.Shown().Of(CheckControl::RFID).Value, 2);
+}
+
+}  // namespace
+}  // namespace zolvane
