@@ -155,6 +155,7 @@ class WatchedSettings final : public IniFileService {
                     std::string_view value) override {
     const auto before = Stored(section, key, file);
     const Status status = state_.Files->WriteValue(section, key, file, value);
+    state_.Now.CharactersLost += state_.Files->TakeLostCharacters();
     state_.Now.ValuesChanged += status.Ok() && Stored(section, key, file) != before ? 1 : 0;
     return CountWrite(state_, status, Joined("[", section, "] ", key), file);
   }
@@ -213,10 +214,20 @@ class BenchEnvironment final : public Environment {
       return std::nullopt;
     }
     state_.Now.ChosenFile = state_.DialogueFile;
-    return state_.DialogueFile;
+    return LedBack(*state_.DialogueFile);
   }
 
  private:
+  // The add-in knows its own file by the name alone. Another name of it, a link, is told by the one it knows.
+  std::string LedBack(const std::string& file) const {
+    const std::string configFile = ConfigFileIn(state_.Host.Folder);
+    if (file == configFile || !IsSameFile(file, configFile)) {
+      return file;
+    }
+    state_.Out.Note(Joined(Quoted(file), " leads to ", Quoted(configFile)));
+    return configFile;
+  }
+
   HostState& state_;
 };
 
@@ -325,6 +336,10 @@ void BenchHost::FlushSettings() {
   if (!state_->Files->Flush().Ok()) {
     ++state_->Now.WritesFailed;
     state_->Complain("what was written may not survive a power cut: a settings file could not be flushed");
+  }
+  if (state_->Now.CharactersLost > 0) {
+    state_->Complain(Joined("characters that the encoding of a settings file lacks were written as \"?\": ",
+                            std::to_string(state_->Now.CharactersLost)));
   }
   for (const auto& file : state_->Files->TakeRescued()) {
     ++state_->Now.WritesFailed;

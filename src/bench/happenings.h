@@ -25,7 +25,8 @@ struct Happenings {
   std::size_t ValuesWritten = 0;
   std::size_t ValuesChanged = 0;  // of those written; the others were there already
   std::size_t WritesFailed = 0;
-  std::size_t ReadsFailed = 0;  // of settings
+  std::size_t ReadsFailed = 0;     // of settings
+  std::size_t CharactersLost = 0;  // written as "?", because a file's encoding lacks them
   std::vector<ShownMessage> Messages;
   std::optional<std::string> ChosenFile;
   bool WasStopped = false;    // the add-in read a raised stop flag

@@ -33,6 +33,10 @@ bool NamesFolder(std::string_view text) {
   return name.empty() || name == "." || name == "..";
 }
 
+std::string ConfigFileIn(const std::string& folder) {
+  return TextOf(PathOf(folder) / "Zolvane.ini");
+}
+
 bool IsSameFile(const std::string& left, const std::string& right) {
   std::error_code failure;
   return left == right || std::filesystem::equivalent(PathOf(left), PathOf(right), failure);

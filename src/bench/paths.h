@@ -18,6 +18,8 @@ std::string AbsolutePath(std::string_view text);
 // Ends as only the name of a folder does: in a separator, "." or "..".
 bool NamesFolder(std::string_view text);
 
+std::string ConfigFileIn(const std::string& folder);
+
 // The same file, by name or on the disk.
 bool IsSameFile(const std::string& left, const std::string& right);
 

@@ -6,9 +6,9 @@
 #include <string_view>
 #include <vector>
 
-#include "bench/printable.h"
 #include "bench/joined.h"
 #include "bench/paths.h"
+#include "bench/printable.h"
 #include "bench/settings/file_settings_service.h"
 #include "bench/usage_error.h"
 #include "page/page_controls.h"
@@ -24,10 +24,6 @@ void Demand(const std::string& file, FileUse use, const std::string& at, const s
   if (const auto reason = CheckUsable(file, use)) {
     throw UsageError{Joined(at, Quoted(file), " ", *reason, advice)};
   }
-}
-
-std::string ConfigFileIn(const std::string& folder) {
-  return TextOf(PathOf(folder) / "Zolvane.ini");
 }
 
 void CheckConfigFile(const std::string& folder) {

@@ -72,6 +72,8 @@ Json OperationJson(const ActionResult& result) {
   json["values_written"] = happened.ValuesWritten;
   json["values_changed"] = happened.ValuesChanged;
   json["writes_failed"] = happened.WritesFailed;
+  json["reads_failed"] = happened.ReadsFailed;
+  json["characters_lost"] = happened.CharactersLost;
   json["file"] = OrNull(happened.ChosenFile);
   json["messages"] = MessagesJson(happened.Messages);
   return json;
@@ -224,6 +226,12 @@ std::string Balance(const Happenings& happened) {
   }
   if (happened.WritesFailed > 0) {
     texts.push_back(Counted(happened.WritesFailed, "value") + " not written");
+  }
+  if (happened.ReadsFailed > 0) {
+    texts.push_back(Counted(happened.ReadsFailed, "value") + " not read");
+  }
+  if (happened.CharactersLost > 0) {
+    texts.push_back(Counted(happened.CharactersLost, "character") + " written as \"?\"");
   }
   std::string all;
   for (const auto& text : texts) {

@@ -139,6 +139,22 @@ class Process {
     }
   }
 
+  // Waits until it has a handler for the signal, which would end it before.
+  bool WaitUntilCatches(int signal) const {
+    const auto deadline = std::chrono::steady_clock::now() + processDeadline;
+    while (child_ && std::chrono::steady_clock::now() < deadline) {
+      std::ifstream status{"/proc/" + std::to_string(*child_) + "/status"};
+      for (std::string line; std::getline(status, line);) {
+        if (line.starts_with("SigCgt:") &&
+            (std::stoull(line.substr(line.find('\t') + 1), nullptr, 16) >> (signal - 1) & 1) != 0) {
+          return true;
+        }
+      }
+      ::usleep(1000);
+    }
+    return false;
+  }
+
   // The exit status, or minus the signal that ended it.
   int Wait() {
     int status = 0;

@@ -1,11 +1,18 @@
 // The bench as scripts and people meet it: as a process, with its arguments, streams and exit status.
 
 #include <gtest/gtest.h>
+#include <sys/file.h>
 
 #include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <csignal>
+#include <filesystem>
+#include <functional>
 #include <nlohmann/json.hpp>
 #include <sstream>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "bench/joined.h"
@@ -631,6 +638,168 @@ TEST_F(Bench, TheHostsOwnDialogueIsAnsweredByTheSameRules) {
 
 // ---- Files ----
 
+TEST_F(Bench, ALinkToTheConfigurationIsTheConfiguration) {
+  std::filesystem::create_symlink("Zolvane.ini", Folder.Path("symbolic.bak"));
+  std::filesystem::create_hard_link(Folder.Path("Zolvane.ini"), Folder.Path("hard.bak"));
+  for (const std::string file : {"symbolic.bak", "hard.bak"}) {
+    for (const std::string command : {"import", "export"}) {
+      const auto result = Run({"--yes", "--json", command, file});
+      EXPECT_EQ(result.Status, 1) << command << ' ' << file;
+      EXPECT_EQ(ActionsOf(result)[0]["outcome"], "refused") << command << ' ' << file;
+      EXPECT_EQ(Folder.Read("Zolvane.ini"), configText) << command << ' ' << file;
+    }
+  }
+}
+
+TEST_F(Bench, ATraceUnderTheNameOfAHiddenCopyIsNotLost) {
+  for (const std::string name : {".Zolvane.ini.bench-copy", ".Zolvane.ini.bench-copy-1-2"}) {
+    EXPECT_EQ(Run({"--trace", name, "select", "cboDeviceType", "Beta"}).Status, 0);
+    EXPECT_EQ(Run({"select", "cboDeviceType", "Alpha"}).Status, 0);
+    EXPECT_NE(Folder.Read(name).find("\"Installed\""), std::string::npos) << name;
+  }
+}
+
+TEST_F(Bench, CharactersThatTheFileCannotHoldAreCountedAndSaid) {
+  Folder.Put("Zolvane.ini", std::string{configText} + "; f\xFCr alle\r\n");
+  Folder.Put("backup.bak", "[CageType]\r\nItem1=\"\xCE\xA9 \xE6\xB0\xB4?\",MICROTITER\r\n");
+  const auto result = Run({"--yes", "--json", "import", "backup.bak"});
+  EXPECT_EQ(result.Status, 0);
+  EXPECT_EQ(ActionsOf(result)[0]["characters_lost"], 2);
+  EXPECT_NE(
+      result.Errors.find("characters that the encoding of a settings file lacks were written as \"?\": 2"),
+      std::string::npos);
+  EXPECT_NE(Folder.Read("Zolvane.ini").find("Item1=\"? ??\",MICROTITER"), std::string::npos);
+  EXPECT_NE(Run({"--yes", "import", "backup.bak"}).Output.find("2 characters written as \"?\""),
+            std::string::npos);
+}
+
+TEST_F(Bench, AUtf16FileIsRefusedAndLeftAlone) {
+  std::string utf16;
+  for (const char unit : std::string{configText}) {
+    utf16.append({unit, '\0'});
+  }
+  Folder.Put("backup.bak", utf16);
+  EXPECT_EQ(Run({"--yes", "import", "backup.bak"}).Status, 2);
+  EXPECT_EQ(Run({"--yes", "export", "backup.bak"}).Status, 2);
+  EXPECT_EQ(Folder.Read("backup.bak"), utf16);
+  Folder.Put("Zolvane.ini", utf16);
+  EXPECT_EQ(Run({"select", "cboDeviceType", "Beta"}).Status, 2);
+  EXPECT_EQ(Folder.Read("Zolvane.ini"), utf16);
+}
+
+TEST_F(Bench, AConfigurationThatIsOpenForWritingElsewhereIsNotWritten) {
+  const Descriptor other{::open(Folder.Path("Zolvane.ini").c_str(), O_RDWR | O_CLOEXEC)};
+  const auto result = Run({"--quiet", "select", "cboDeviceType", "Beta"});
+  EXPECT_EQ(result.Status, 1);
+  EXPECT_NE(result.Errors.find("another program has it open for writing"), std::string::npos)
+      << result.Errors;
+  EXPECT_EQ(Folder.Read("Zolvane.ini"), configText);
+}
+
+// The lock of a writer that was stopped.
+class StoppedWriter {
+ public:
+  explicit StoppedWriter(const std::string& folder)
+      : folder_{::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)} {
+    EXPECT_EQ(::flock(folder_.Number(), LOCK_EX), 0);
+  }
+
+ private:
+  Descriptor folder_;
+};
+
+TEST_F(Bench, ALockOfAStoppedWriterIsWaitedForTenSeconds) {
+  const StoppedWriter stopped{Folder.Path()};
+  const auto begin = std::chrono::steady_clock::now();
+  const auto result = Run({"--quiet", "select", "cboDeviceType", "Beta"});
+  EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::seconds{10});
+  EXPECT_EQ(result.Status, 1);
+  EXPECT_NE(result.Errors.find("the lock of its folder for ten seconds"), std::string::npos) << result.Errors;
+  EXPECT_EQ(Folder.Read("Zolvane.ini"), configText);
+}
+
+TEST_F(Bench, AnInterruptEndsTheWaitForALock) {
+  const StoppedWriter stopped{Folder.Path()};
+  const auto begin = std::chrono::steady_clock::now();
+  const Descriptor nothing{::open("/dev/null", O_RDWR | O_CLOEXEC)};
+  Process bench{ZOLVANE_BENCH_PATH,
+                {"--folder", Folder.Path(), "select", "cboDeviceType", "Beta"},
+                {.Input = nothing.Number(), .Output = nothing.Number(), .Errors = nothing.Number()}};
+  ASSERT_TRUE(bench.WaitUntilCatches(SIGINT));
+  bench.Signal(SIGINT);
+  EXPECT_EQ(bench.WaitUntil(begin + processDeadline), 1);
+  EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds{9});
+  EXPECT_EQ(Folder.Read("Zolvane.ini"), configText);
+}
+
+// An editor that saves the configuration again and again while the bench runs, always the same.
+class Editor {
+ public:
+  explicit Editor(std::function<void()> save)
+      : thread_{[this, save = std::move(save)] {
+          while (!isStopped_) {
+            save();
+            ++saves_;
+          }
+        }} {}
+  ~Editor() {
+    isStopped_ = true;
+    thread_.join();
+  }
+
+  int Saves() const { return saves_; }
+
+ private:
+  std::atomic<bool> isStopped_ = false;
+  std::atomic<int> saves_ = 0;
+  std::thread thread_;
+};
+
+constexpr std::chrono::milliseconds editorsPace{10};
+
+TEST_F(Bench, AnEditorThatEmptiesTheFileBeforeItSavesLosesNothing) {
+  ASSERT_EQ(Run({"--quiet", "page"}).Status, 0);  // what the page stores by itself is there from now on
+  const auto text = Folder.Read("Zolvane.ini");
+  constexpr int runs = 20;
+  {
+    const Editor editor{[&] {
+      Descriptor file{::open(Folder.Path("Zolvane.ini").c_str(), O_WRONLY | O_TRUNC | O_CLOEXEC)};
+      std::this_thread::sleep_for(editorsPace);
+      EXPECT_EQ(::write(file.Number(), text.data(), text.size()), static_cast<ssize_t>(text.size()));
+      file.Close();
+      std::this_thread::sleep_for(editorsPace);
+    }};
+    for (int run = 0; run < runs; ++run) {
+      const auto result = Run({"--quiet", "page"});
+      EXPECT_EQ(result.Status, 0) << result.Errors;
+    }
+    EXPECT_GT(editor.Saves(), runs / 4);
+  }
+  EXPECT_EQ(Folder.Read("Zolvane.ini"), text);
+}
+
+TEST_F(Bench, AnEditorThatMovesTheFileAwayBeforeItSavesLosesNothing) {
+  ASSERT_EQ(Run({"--quiet", "page"}).Status, 0);
+  const auto text = Folder.Read("Zolvane.ini");
+  constexpr int runs = 20;
+  {
+    const Editor editor{[&] {
+      std::filesystem::rename(Folder.Path("Zolvane.ini"), Folder.Path("Zolvane.ini~"));
+      std::this_thread::sleep_for(editorsPace);
+      Folder.PutByRename("Zolvane.ini", text);
+      std::this_thread::sleep_for(editorsPace);
+    }};
+    for (int run = 0; run < runs; ++run) {
+      const auto result = Run({"--quiet", "page"});
+      const bool wasMissingAtFirst =
+          result.Status == 2 && result.Errors.find("does not exist") != std::string::npos;
+      EXPECT_TRUE(result.Status == 0 || wasMissingAtFirst) << result.Errors;
+    }
+    EXPECT_GT(editor.Saves(), runs / 4);
+  }
+  EXPECT_EQ(Folder.Read("Zolvane.ini"), text);
+}
+
 TEST_F(Bench, AnExportAndAnImportGoThroughTheFileDialogue) {
   Folder.Put("job.txt", "import\nexport backup.bak\nimport ./backup.bak\nexport\n");
   const auto events = TraceOf({"--yes", "--keep-going", "run", "job.txt"},
@@ -909,7 +1078,7 @@ TEST_F(Bench, TheJsonDocumentTellsWhatAnOperationDid) {
       R"({"command":"upload","exit_status":1,"outcome":"failed","commands":36,"commands_sent":1,)"
       R"("commands_accepted":0,"commands_refused":0,"commands_not_answered":1,"commands_not_sent":35,)"
       R"("first_refused":null,"first_not_answered":"STAGE1_X","save_sent":false,"save_accepted":false,)"
-      R"("values_written":0,"values_changed":0,"writes_failed":0,"file":null,"messages":[)"
+      R"("values_written":0,"values_changed":0,"writes_failed":0,"reads_failed":0,"characters_lost":0,"file":null,"messages":[)"
       R"({"title":"Upload Calibration Data to Zolvane","text":"The calibration data stored on this computer )"
       R"(will be transferred\r\nto the Zolvane overwriting any existing data.\r\n\r\n)"
       R"(Click [OK] to upload this information.","answer":"OK"},)"

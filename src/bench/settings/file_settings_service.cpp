@@ -171,11 +171,13 @@ Status FileSettingsService::Change(std::string_view path, const Plan& plan) {
       return Fail("such a text cannot stand in a settings file");
     }
     if (edit->Change.ChangesNothing()) {
+      lostCharacters_ += edit->LostCharacters;
       return Status::Success();
     }
     switch (file.Disk->Write(file.Text.Bytes(), edit->Change)) {
       case WriteOutcome::Done:
         file.Text.Apply(*edit);
+        lostCharacters_ += edit->LostCharacters;
         SeenFiles::Add(std::string{path});
         return Status::Success();
       case WriteOutcome::Changed:

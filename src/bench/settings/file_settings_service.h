@@ -19,6 +19,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "bench/settings/exchanged_file.h"
@@ -66,6 +67,9 @@ class FileSettingsService : public IniFileService {
   // Why the last call that failed did, as a clause ("another program has it open for writing").
   const std::string& FailureReason() const { return failureReason_; }
 
+  // How many characters were written as "?" since the last call, because the encoding of a file lacks them.
+  std::size_t TakeLostCharacters() { return std::exchange(lostCharacters_, 0); }
+
   // See ExchangedFile::TakeRescued.
   std::vector<std::string> TakeRescued();
 
@@ -89,6 +93,7 @@ class FileSettingsService : public IniFileService {
   Waiting waiting_;
   std::map<std::string, HeldFile, std::less<>> files_;
   std::string failureReason_;
+  std::size_t lostCharacters_ = 0;
 };
 
 // Why the file cannot serve as a settings file, as the end of a sentence about it ("is a folder"). Nothing

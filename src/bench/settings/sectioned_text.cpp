@@ -58,6 +58,10 @@ std::string_view FirstLineEndIn(std::string_view bytes) {
   return isBare ? lineFeed : carriageReturnLineFeed;
 }
 
+std::size_t QuestionMarksIn(std::string_view text) {
+  return static_cast<std::size_t>(std::ranges::count(text, '?'));
+}
+
 }  // namespace
 
 bool IsUtf16(std::string_view bytes) {
@@ -100,13 +104,21 @@ std::optional<SectionedText::Edit> SectionedText::PlanValue(std::string_view sec
   if (!fits || IsUtf16(bytes_)) {
     return std::nullopt;
   }
-  const auto keyLine = [&] { return WholeLine(Encoded(key) + '=' + Encoded(value)); };
+  std::size_t lost = 0;
+  const auto encoded = [this, &lost](std::string_view text) {
+    std::string bytes = Encoded(text);
+    lost += QuestionMarksIn(bytes) - QuestionMarksIn(text);
+    return bytes;
+  };
+  const auto keyLine = [&] { return WholeLine(encoded(key) + '=' + encoded(value)); };
   const Place place = PlaceOf(section, key);
-  if (!place.Section) {
-    return PlanSection(section, keyLine());
+  std::optional<Edit> edit = !place.Section ? PlanSection(encoded(section), keyLine())
+                             : place.Key    ? PlanReplacement(*place.Section, *place.Key, encoded(value))
+                                            : PlanKey(*place.Section, keyLine());
+  if (edit) {
+    edit->LostCharacters = lost;
   }
-  return place.Key ? PlanReplacement(*place.Section, *place.Key, Encoded(value))
-                   : PlanKey(*place.Section, keyLine());
+  return edit;
 }
 
 std::optional<SectionedText::Edit> SectionedText::PlanBlankLine() const {
@@ -145,9 +157,9 @@ SectionedText::Edit SectionedText::PlanKey(std::size_t section, const std::strin
           .Closing = closing.size()};
 }
 
-SectionedText::Edit SectionedText::PlanSection(std::string_view section, const std::string& keyLine) const {
+SectionedText::Edit SectionedText::PlanSection(const std::string& section, const std::string& keyLine) const {
   const std::string closing = ClosingLineEnd();
-  return {.Change = {bytes_.size(), 0, closing + WholeLine('[' + Encoded(section) + ']') + keyLine},
+  return {.Change = {bytes_.size(), 0, closing + WholeLine('[' + section + ']') + keyLine},
           .Means = Edit::Kind::AddsSection,
           .Closing = closing.size()};
 }

@@ -31,6 +31,7 @@ class SectionedText {
     std::size_t Section = 0;  // of ReplacesValue and AddsKey
     std::size_t Key = 0;      // of ReplacesValue
     std::size_t Closing = 0;  // bytes at the start of the insertion that end a line which had no line end
+    std::size_t LostCharacters = 0;  // stand as "?" in the text
   };
 
   explicit SectionedText(std::string bytes = {});
@@ -105,7 +106,7 @@ class SectionedText {
 
   std::optional<Edit> PlanReplacement(std::size_t section, std::size_t key, const std::string& value) const;
   Edit PlanKey(std::size_t section, const std::string& keyLine) const;
-  Edit PlanSection(std::string_view section, const std::string& keyLine) const;
+  Edit PlanSection(const std::string& section, const std::string& keyLine) const;
 
   void Reindex();
   void IndexLinesFrom(std::size_t begin);

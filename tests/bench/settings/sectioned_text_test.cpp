@@ -248,6 +248,16 @@ TEST(SectionedTextWriting, AFileOf16BitUnitsIsLeftAlone) {
   EXPECT_FALSE(SectionedText{"\xFF\xFE"}.PlanBlankLine().has_value());
 }
 
+TEST(SectionedTextEncoding, CharactersThatAreLostAreCounted) {
+  const SectionedText text{"[A]\nx=?\n;\xFC\n"};
+  EXPECT_EQ(text.PlanValue("A", "x", "\u03A9?\u00FC").value().LostCharacters, 1U);
+  EXPECT_EQ(text.PlanValue("A", "x", "\u03A9").value().LostCharacters, 1U) << "stands there already";
+  EXPECT_EQ(text.PlanValue("A", "\u03A9", "\u03A9\u03A9").value().LostCharacters, 3U);
+  EXPECT_EQ(text.PlanValue("\u03A9", "x", "1").value().LostCharacters, 1U);
+  EXPECT_EQ(text.PlanValue("A", "x", "??").value().LostCharacters, 0U);
+  EXPECT_EQ(SectionedText{"[A]\n"}.PlanValue("A", "x", "\u03A9").value().LostCharacters, 0U);
+}
+
 TEST(SectionedTextEncoding, AFileKeepsItsEncoding) {
   EXPECT_EQ(Written("[A]\nx=\xC3\xA4\n", "A", "y", "ö"), "[A]\nx=\xC3\xA4\ny=\xC3\xB6\n");
   EXPECT_EQ(Written("[A]\nx=\xE4\n", "A", "y", "ö"), "[A]\nx=\xE4\ny=\xF6\n");

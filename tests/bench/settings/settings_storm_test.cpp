@@ -1,4 +1,5 @@
 // Many writes while something else happens: the writer is killed, somebody reads, several programs write.
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/mman.h>
 #include <sys/wait.h>
@@ -8,6 +9,7 @@
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <functional>
 #include <new>
@@ -73,6 +75,14 @@ class ChildProcess {
   pid_t child_;
 };
 
+bool WaitUntil(const std::function<bool()>& isTrue) {
+  const auto end = steady_clock::now() + std::chrono::seconds{60};
+  while (!isTrue() && steady_clock::now() < end) {
+    std::this_thread::sleep_for(std::chrono::microseconds{100});
+  }
+  return isTrue();
+}
+
 FileSettingsService ServiceWithout(Durability durability) {
   return FileSettingsService{
       [durability](const std::string& path) { return OpenExchangedFile(path, {.Survives = durability}); }};
@@ -127,15 +137,19 @@ TEST(WriteStorm, AKilledWriterLeavesTheFileAfterItsLastWriteOrTheNext) {
   constexpr int plenty = 1'000'000;
   for (int round = 0; round < 120; ++round) {
     const Durability durability = round % 2 == 0 ? Durability::EachWrite : Durability::OnFlush;
+    const int before = *done;
     ChildProcess writer{[&] { return WriteUntil(path, durability, *done, plenty); }};
-    std::this_thread::sleep_for(std::chrono::microseconds{1000 + random() % 6000});
+    ASSERT_TRUE(WaitUntil([&] { return *done > before; }));
+    std::this_thread::sleep_for(std::chrono::microseconds{random() % 6000});
     writer.Kill();
     const auto writes = WritesIn(BytesOf(path));
     ASSERT_TRUE(writes.has_value()) << "round " << round << ": " << BytesOf(path);
     ASSERT_TRUE(*writes == *done || *writes == *done + 1) << *writes << " but " << *done << " had returned";
     *done = *writes;
   }
-  EXPECT_GT(*done, 120);
+  EXPECT_GE(*done, 120);
+  EXPECT_TRUE(WriteUntil(path, Durability::OnFlush, *done, *done + 1));
+  EXPECT_EQ(folder.Names(), std::vector<std::string>{"file.ini"}) << "nothing is left behind for ever";
 }
 
 TEST(WriteStorm, WhatAKilledWriterLeavesBehindGoesAwayWithTheNextOne) {
@@ -144,9 +158,7 @@ TEST(WriteStorm, WhatAKilledWriterLeavesBehindGoesAwayWithTheNextOne) {
   const SharedNumber done;
   for (int round = 1; round <= 100 && folder.Names().size() < 2; ++round) {
     ChildProcess writer{[&] { return WriteUntil(path, Durability::OnFlush, *done, 1'000'000); }};
-    while (*done < 10 * round) {
-      std::this_thread::sleep_for(std::chrono::milliseconds{1});
-    }
+    ASSERT_TRUE(WaitUntil([&] { return *done >= 10 * round; }));
     writer.Kill();
   }
   *done = WritesIn(BytesOf(path)).value();
@@ -242,6 +254,72 @@ TEST(WriteStorm, ReplacementsByAnotherProgramAreNeverOverwritten) {
   EXPECT_TRUE(other.Succeeded());
   ASSERT_TRUE(service.WriteValue("S", "ours", path, "last").Ok());
   EXPECT_EQ(BytesOf(path), "[S]\ntheirs=500\nours=last\n");
+  EXPECT_GT(writes, 20);
+}
+
+std::string SavedText(int number) {
+  return "[S]\ntheirs=" + std::to_string(number) + "\npadding=" + Padding() + "\n";
+}
+
+// Other programs that save the file in their own ways, each with its pauses.
+void SaveInPlace(const std::string& path, const std::string& text, std::mt19937& random) {
+  const int file = ::open(path.c_str(), O_WRONLY | O_TRUNC | O_CLOEXEC);
+  std::this_thread::sleep_for(std::chrono::microseconds{random() % 10'000});
+  const std::size_t half = text.size() / 2;
+  const bool isBegun = ::write(file, text.data(), half) == static_cast<ssize_t>(half);
+  std::this_thread::sleep_for(std::chrono::microseconds{random() % 1000});
+  const bool isDone = ::write(file, text.data() + half, text.size() - half) > 0;
+  ::close(file);
+  if (!isBegun || !isDone) {
+    std::abort();
+  }
+}
+
+void MoveAwayAndSave(const std::string& path, const std::string& text, std::mt19937& random) {
+  std::filesystem::rename(path, path + "~");
+  std::this_thread::sleep_for(std::chrono::microseconds{random() % 5000});
+  std::ofstream{path + ".new", std::ios::binary} << text;
+  std::filesystem::rename(path + ".new", path);
+}
+
+using Save = void (*)(const std::string&, const std::string&, std::mt19937&);
+
+bool SaveAgainAndAgain(Save save, const std::string& path, std::atomic<int>& done, int end) {
+  std::mt19937 random{11};
+  while (done < end) {
+    save(path, SavedText(done + 1), random);
+    ++done;
+    std::this_thread::sleep_for(std::chrono::microseconds{random() % 3000});
+  }
+  return true;
+}
+
+class SavingStorm : public testing::TestWithParam<Save> {};
+
+INSTANTIATE_TEST_SUITE_P(WriteStorm, SavingStorm, testing::Values(&SaveInPlace, &MoveAwayAndSave),
+                         [](const auto& way) { return way.index == 0 ? "InPlace" : "ByMovingAway"; });
+
+TEST_P(SavingStorm, WhatAnotherProgramSavesIsNeverLostAndNeverTakenForAnEmptyFile) {
+  const TemporaryFolder folder;
+  const std::string path = folder.Put("file.ini", SavedText(0));
+  const SharedNumber done;
+  constexpr int saves = 300;
+  FileSettingsService service;
+  ASSERT_EQ(service.ReadValue("S", "theirs", path, "none"), "0");
+  ChildProcess other{[&] { return SaveAgainAndAgain(GetParam(), path, *done, saves); }};
+  int writes = 0;
+  while (*done < saves) {
+    const int before = *done;
+    ASSERT_TRUE(service.WriteValue("S", "ours", path, std::to_string(++writes)).Ok())
+        << service.FailureReason();
+    const auto theirs = service.ReadValue("S", "theirs", path, "none");
+    ASSERT_TRUE(theirs.has_value()) << service.FailureReason();
+    ASSERT_GE(std::atoi(theirs->c_str()), before) << *theirs;
+  }
+  EXPECT_TRUE(other.Succeeded());
+  ASSERT_TRUE(service.WriteValue("S", "ours", path, "last").Ok());
+  EXPECT_EQ(BytesOf(path), SavedText(saves) + "ours=last\n");
+  EXPECT_EQ(service.TakeRescued(), std::vector<std::string>{});
   EXPECT_GT(writes, 20);
 }
 
