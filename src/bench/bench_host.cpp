@@ -1,5 +1,6 @@
 #include "bench/bench_host.h"
 
+#include <set>
 #include <utility>
 
 #include "bench/joined.h"
@@ -235,8 +236,7 @@ class BenchEnvironment final : public Environment {
 
 class WatchedLink final : public InstrumentLink {
  public:
-  WatchedLink(std::shared_ptr<InstrumentLink> inner, HostState& state)
-      : inner_{std::move(inner)}, state_{state} {}
+  WatchedLink(std::shared_ptr<BenchLink> inner, HostState& state) : inner_{std::move(inner)}, state_{state} {}
 
   std::optional<bool> Stop() override {
     const auto stop = inner_->Stop();
@@ -249,19 +249,33 @@ class WatchedLink final : public InstrumentLink {
 
   std::optional<bool> SendCommand(std::string& command, std::string& reply, std::int32_t number) override {
     const auto ok = inner_->SendCommand(command, reply, number);
-    state_.Now.Commands.Count(command, MetOnlyIf(ok), reply);
+    const auto& delivery = inner_->LastDelivery();
+    if (delivery.HasLeft || !MetOnlyIf(inner_->Stop())) {
+      state_.Now.Commands.Count(command, MetOnlyIf(ok), reply);
+    } else {
+      state_.Now.WasStopped = true;  // the user has interrupted, and nothing leaves any more
+    }
     state_.Out.CountCommand();
+    TellProblem(delivery.Problem);
     return ok;
   }
 
  private:
-  std::shared_ptr<InstrumentLink> inner_;
+  // Once, and not for each command that it keeps from the instrument.
+  void TellProblem(const std::string& problem) {
+    if (!problem.empty() && told_.insert(problem).second) {
+      state_.Complain(Printable(problem));
+    }
+  }
+
+  std::shared_ptr<BenchLink> inner_;
   HostState& state_;
+  std::set<std::string> told_;
 };
 
 class BenchObject final : public HostObject {
  public:
-  BenchObject(std::shared_ptr<InstrumentLink> link, HostState& state)
+  BenchObject(std::shared_ptr<BenchLink> link, HostState& state)
       : link_{std::make_shared<WatchedLink>(std::move(link), state)}, state_{state} {}
 
   std::shared_ptr<InstrumentLink> Link() override { return link_; }
@@ -313,7 +327,7 @@ class BenchWindow final : public HostWindow {
 
 }  // namespace
 
-BenchHost::BenchHost(const Setup& setup, std::shared_ptr<InstrumentLink> link, Questioner* terminal,
+BenchHost::BenchHost(const Setup& setup, std::shared_ptr<BenchLink> link, Questioner* terminal,
                      Console& console)
     : state_{std::make_unique<HostState>(setup, terminal, console)},
       process_{std::make_unique<BenchEnvironment>(*state_)},

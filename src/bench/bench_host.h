@@ -10,6 +10,7 @@
 #include "bench/answers.h"
 #include "bench/console.h"
 #include "bench/happenings.h"
+#include "bench/links/bench_link.h"
 #include "host/environment.h"
 #include "host/host_object.h"
 #include "host/host_window.h"
@@ -28,7 +29,7 @@ class BenchHost {
   };
 
   // The link is not null. The terminal, which may be null, and the console outlive the host.
-  BenchHost(const Setup& setup, std::shared_ptr<InstrumentLink> link, Questioner* terminal, Console& console);
+  BenchHost(const Setup& setup, std::shared_ptr<BenchLink> link, Questioner* terminal, Console& console);
   ~BenchHost();
 
   BenchHost(const BenchHost&) = delete;

@@ -132,7 +132,7 @@ class Results {
   Clock::time_point started_ = Clock::now();
 };
 
-int PlayJob(const Options& options, const Job& job, const std::shared_ptr<InstrumentLink>& link,
+int PlayJob(const Options& options, const Job& job, const std::shared_ptr<BenchLink>& link,
             TraceOutput& trace, Console& console) {
   const auto terminal = OpenTerminal();
   const BenchHost::Setup setup{

@@ -1297,8 +1297,11 @@ TEST_F(Bench, ALinkThatWasCutIsOpenedAgainForTheNextCommand) {
 }
 
 TEST_F(Bench, ALateReplyIsNeverTakenForTheNextOne) {
-  for (const auto& kind : {Arguments{"--fault", "late@1"}, Arguments{"--fault", "late@1", "--pty"}}) {
-    SimulatorProcess simulator{kind};
+  Folder.Put("memory.json", R"({"STAGE1_X": "2016"})");
+  for (const auto& kind : {Arguments{}, Arguments{"--pty"}}) {
+    Arguments arguments{"--fault", "late@1", "--state", Folder.Path("memory.json")};
+    arguments.insert(arguments.end(), kind.begin(), kind.end());
+    SimulatorProcess simulator{arguments};
     const auto sends = TraceOf({"--timeout", "0.7", "--link", simulator.Link(), "query"}, {"send"});
     ASSERT_EQ(sends.size(), 4U);
     EXPECT_EQ(sends[0].dump(), R"({"event":"send","command":"STATUS_STAGE","ok":false,"reply":""})");
@@ -1312,6 +1315,15 @@ TEST_F(Bench, AnInstrumentThatIsNotThereFailsEveryCommand) {
     EXPECT_EQ(result.Status, 1) << link;
     EXPECT_EQ(ActionsOf(result)[0]["commands_not_answered"], 4) << link;
   }
+}
+
+TEST_F(Bench, WhyALinkDoesNotOpenIsSaidOnce) {
+  const auto result = Run({"--quiet", "--link", "tcp:127.0.0.1:1", "query"});
+  EXPECT_EQ(result.Status, 1);
+  const auto start = result.Errors.find(
+      "zolvane-bench: tcp:127.0.0.1:1 cannot be opened: the connection was refused; nobody listens there\n");
+  ASSERT_NE(start, std::string::npos) << result.Errors;
+  EXPECT_EQ(result.Errors.find("refused", start + 80), std::string::npos) << result.Errors;
 }
 
 TEST_F(Bench, ScriptedRepliesFailAndStopAsWritten) {
@@ -1461,7 +1473,7 @@ TEST_F(OnTerminal, CtrlCFinishesTheCommandInHandAndEndsTheSessionInOrder) {
   SimulatorProcess simulator{{"--latency", "50"}};
   Start({"--yes", "--trace", Folder.Path("trace.jsonl"), "--link", simulator.Link(), "upload"});
   ASSERT_TRUE(Terminal.WaitFor(" of 36"));
-  Terminal.Type("\x03\x03");
+  Terminal.Type("\x03");
   EXPECT_EQ(End(), 1);
   const auto trace = Folder.Read("trace.jsonl");
   const auto sends = EventsOf(trace, {"send"});

@@ -16,10 +16,12 @@ Status BenchLink::SetHold(bool hold) {
 
 std::optional<bool> BenchLink::SendCommand(std::string& command, std::string& reply,
                                            std::int32_t /*number*/) {
-  if (command.find_first_of("\r\n") != std::string::npos) {
+  delivery_ = {};
+  if (command.find_first_of("\r\n") != std::string::npos || interrupt_.IsRaised()) {
     return false;
   }
-  auto answer = Exchange(command);
+  delivery_.HasLeft = true;
+  auto answer = Exchange(command, delivery_);
   if (!answer) {
     return false;
   }

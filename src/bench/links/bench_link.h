@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 
+#include "bench/links/delivery.h"
 #include "bench/links/interrupt_flag.h"
 #include "host/instrument_link.h"
 
@@ -24,17 +25,24 @@ class BenchLink : public InstrumentLink {
   Status SetStop(bool stop) final;
   Status SetHold(bool hold) final;
 
-  // A command with a line end in it cannot be sent as one line and is not sent at all.
+  // A command with a line end in it cannot be sent as one line and is not sent at all; nor is any once the user has
+  // asked to stop.
   std::optional<bool> SendCommand(std::string& command, std::string& reply, std::int32_t number) final;
 
+  // What became of the last command.
+  const Delivery& LastDelivery() const { return delivery_; }
+
  protected:
-  // The instrument's reply, without its line end; nothing when it did not answer.
-  virtual std::optional<std::string> Exchange(const std::string& command) = 0;
+  // The instrument's reply, without its line end; nothing when it did not answer. `delivery` is that of a command that
+  // has left; what else there is to say of it is put there.
+  virtual std::optional<std::string> Exchange(const std::string& command, Delivery& delivery) = 0;
 
   void RaiseStop() { stop_ = true; }
+  const InterruptFlag& Interrupt() const { return interrupt_; }
 
  private:
   const InterruptFlag& interrupt_;
+  Delivery delivery_;
   bool stop_ = false;
   bool hold_ = false;
 };

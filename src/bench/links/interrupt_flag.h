@@ -8,12 +8,17 @@ namespace zolvane {
 // May be raised from a signal handler. Stays raised.
 class InterruptFlag {
  public:
-  void Raise() { isRaised_.store(true, std::memory_order_relaxed); }
-  bool IsRaised() const { return isRaised_.load(std::memory_order_relaxed); }
+  void Raise() { timesRaised_.fetch_add(1, std::memory_order_relaxed); }
+
+  // No further command leaves.
+  bool IsRaised() const { return timesRaised_.load(std::memory_order_relaxed) > 0; }
+
+  // Raised more than once: nothing is waited for any more.
+  bool IsUrgent() const { return timesRaised_.load(std::memory_order_relaxed) > 1; }
 
  private:
-  static_assert(std::atomic<bool>::is_always_lock_free);
-  std::atomic<bool> isRaised_ = false;
+  static_assert(std::atomic<unsigned>::is_always_lock_free);
+  std::atomic<unsigned> timesRaised_ = 0;
 };
 
 }  // namespace zolvane

@@ -39,14 +39,14 @@ LinkPointer CreateTcp(const std::string& place, double timeout, const InterruptF
 
 LinkPointer CreateSerial(const std::string& place, double timeout, const InterruptFlag& interrupt) {
   const auto comma = place.rfind(',');
-  auto device = place.substr(0, comma);
+  const auto device = place.substr(0, comma);
   const auto baud = comma == std::string::npos ? std::optional{defaultBaud}
                                                : WholeNumberIn(std::string_view{place}.substr(comma + 1), 1U,
                                                                std::numeric_limits<unsigned>::max());
   if (device.empty() || !baud || !IsBaudRate(*baud)) {
     Refuse("serial takes DEVICE or DEVICE,BAUD with a baud rate such as 9600", "serial:" + place);
   }
-  return std::make_shared<SerialLink>(std::move(device), *baud, LinkTimeout{timeout}, interrupt);
+  return std::make_shared<SerialLink>(device, *baud, LinkTimeout{timeout}, interrupt);
 }
 
 LinkPointer CreateScripted(const std::string& file, const InterruptFlag& interrupt) {

@@ -10,7 +10,10 @@ class NoLink final : public BenchLink {
   using BenchLink::BenchLink;
 
  private:
-  std::optional<std::string> Exchange(const std::string& /*command*/) override { return std::nullopt; }
+  std::optional<std::string> Exchange(const std::string& /*command*/, Delivery& delivery) override {
+    delivery.HasLeft = false;
+    return std::nullopt;
+  }
 };
 
 }  // namespace zolvane

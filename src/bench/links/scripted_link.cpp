@@ -106,7 +106,7 @@ LinkScript ParseLinkScript(std::string_view text, const std::string& file) {
 ScriptedLink::ScriptedLink(LinkScript script, const InterruptFlag& interrupt)
     : BenchLink{interrupt}, script_{std::move(script)} {}
 
-std::optional<std::string> ScriptedLink::Exchange(const std::string& command) {
+std::optional<std::string> ScriptedLink::Exchange(const std::string& command, Delivery& /*delivery*/) {
   auto reply = NextReply(command);
   if (reply && script_.StopAfter.contains(command)) {
     RaiseStop();

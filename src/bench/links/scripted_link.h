@@ -38,7 +38,7 @@ class ScriptedLink final : public BenchLink {
   ScriptedLink(LinkScript script, const InterruptFlag& interrupt);
 
  private:
-  std::optional<std::string> Exchange(const std::string& command) override;
+  std::optional<std::string> Exchange(const std::string& command, Delivery& /*delivery*/) override;
   ScriptedReply NextReply(const std::string& command);
 
   LinkScript script_;

@@ -1,16 +1,10 @@
 #include "bench/links/serial_link.h"
 
-#include <utility>
+#include "bench/links/open_failure.h"
+#include "bench/links/serial_claim.h"
 
 namespace zolvane {
 namespace {
-
-template <class Option>
-bool SetOption(asio::serial_port& port, Option option) {
-  std::error_code error;
-  port.set_option(option, error);
-  return !error;
-}
 
 // Each system keeps the settings of a port in a structure of its own.
 template <class Result, class Settings>
@@ -28,24 +22,33 @@ bool IsBaudRate(unsigned baud) {
   return baud > 0 && CanStore(&asio::serial_port::baud_rate::store, baud);
 }
 
-SerialLink::SerialLink(std::string device, unsigned baud, LinkTimeout timeout, const InterruptFlag& interrupt,
-                       LinkTimeout quiet)
-    : StreamLink{timeout, quiet, interrupt}, device_{std::move(device)}, baud_{baud} {}
+SerialLink::SerialLink(const std::string& device, unsigned baud, LinkTimeout timeout,
+                       const InterruptFlag& interrupt)
+    : StreamLink{"serial:" + device, timeout, AfterTimeout::Keep, interrupt}, device_{device}, baud_{baud} {}
 
-bool SerialLink::Open(Clock::time_point /*deadline*/) {
+std::optional<std::string> SerialLink::Open(Clock::time_point /*deadline*/) {
   using Settings = asio::serial_port;
   std::error_code error;
   Port.emplace(Io);
   Port->open(device_, error);
-  const bool isOpen = !error && SetOption(*Port, Settings::baud_rate{baud_}) &&
-                      SetOption(*Port, Settings::character_size{8}) &&
-                      SetOption(*Port, Settings::parity{Settings::parity::none}) &&
-                      SetOption(*Port, Settings::stop_bits{Settings::stop_bits::one}) &&
-                      SetOption(*Port, Settings::flow_control{Settings::flow_control::none});
-  if (!isOpen) {
-    Port.reset();
+  if (!error) {
+    error = ClaimSerialPort(*Port);
   }
-  return isOpen;
+  const auto set = [this, &error](auto option) {
+    if (!error) {
+      Port->set_option(option, error);
+    }
+  };
+  set(Settings::baud_rate{baud_});
+  set(Settings::character_size{8});
+  set(Settings::parity{Settings::parity::none});
+  set(Settings::stop_bits{Settings::stop_bits::one});
+  set(Settings::flow_control{Settings::flow_control::none});
+  if (!error) {
+    return std::nullopt;
+  }
+  Port.reset();
+  return ReasonOf(error);
 }
 
 }  // namespace zolvane

@@ -16,7 +16,7 @@ class SimulatedLink final : public BenchLink {
   void Begin() override { instrument_.SwitchOn(); }
 
  private:
-  std::optional<std::string> Exchange(const std::string& command) override {
+  std::optional<std::string> Exchange(const std::string& command, Delivery& /*delivery*/) override {
     return instrument_.Answer(command);
   }
 

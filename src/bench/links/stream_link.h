@@ -1,8 +1,6 @@
-// An instrument behind a stream of bytes: a command is its text and CR LF, the reply one line.
-//
-// The derived class opens the stream; what came over it and when it counts is decided here. A read is always
-// pending while the stream is open, so a connection that the other side has closed is noticed before the next
-// command.
+// An instrument behind a stream of bytes: a command is its text and CR LF, a reply one line. The derived class opens the
+// stream, wire_rules.h says which line answers which command, and this class sends and waits. A read is always pending
+// while the stream is open, so a connection that the other side has closed is noticed before the next command.
 #pragma once
 
 #include <algorithm>
@@ -10,11 +8,16 @@
 #include <asio.hpp>
 #include <chrono>
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
+#include "bench/joined.h"
 #include "bench/links/bench_link.h"
+#include "bench/links/line_reader.h"
+#include "bench/links/wire_rules.h"
 #include "bench/settings/text_encoding.h"
 
 namespace zolvane {
@@ -33,26 +36,46 @@ class StreamLink : public BenchLink {
  protected:
   using Clock = std::chrono::steady_clock;
 
-  // A reply that has not come in time may still come, and must never be taken for the answer to the next
-  // command. Either it ends with its connection, and the next command opens another one; or, where all
-  // commands share one line, that line has to be quiet before the next command: for `shortestQuiet`, but at
-  // least as long as a reply may take.
-  StreamLink(LinkTimeout timeout, std::optional<LinkTimeout> shortestQuiet, const InterruptFlag& interrupt)
-      : BenchLink{interrupt}, timeout_{std::min(timeout, longestTimeout)}, shortestQuiet_{shortestQuiet} {}
+  // What to do with the stream after a missing reply: a connection may be dead without anybody having been told, and is
+  // opened anew; a line is the same however often it is opened.
+  enum class AfterTimeout : std::uint8_t { OpenAnew, Keep };
 
-  // Opens `Port`; false, with `Port` empty, when that is not done by the deadline.
-  virtual bool Open(Clock::time_point deadline) = 0;
+  // `name` is how the user calls the place.
+  StreamLink(std::string name, LinkTimeout timeout, AfterTimeout afterTimeout, const InterruptFlag& interrupt)
+      : BenchLink{interrupt},
+        name_{std::move(name)},
+        timeout_{std::min(timeout, longestTimeout)},
+        afterTimeout_{afterTimeout} {}
+
+  // Opens `Port`. When that is not done by the deadline: the reason for people, with `Port` empty.
+  virtual std::optional<std::string> Open(Clock::time_point deadline) = 0;
 
   // Writes as much as the stream takes without waiting; the number of bytes. The rest is written later.
   virtual std::size_t WriteAtOnce(std::string_view /*bytes*/) { return 0; }
 
-  // Lets pending work run until `isDone`; false when the deadline comes first.
+  // The user waits no longer: for a command that has left after the second interrupt, for anything else after the first.
+  bool IsCutShort() const { return isCommandOut_ ? Interrupt().IsUrgent() : Interrupt().IsRaised(); }
+
+  // Calls `wait` with moments to wait until, one after the other, until `isDone`; false when the deadline comes or the
+  // user cuts it short before that. A signal does not end a wait by itself, so each is short.
+  template <class IsDone, class Wait>
+  bool WaitUntil(Clock::time_point deadline, IsDone isDone, Wait wait) const {
+    constexpr std::chrono::milliseconds glance{20};
+    while (!isDone()) {
+      const auto now = Clock::now();
+      if (now >= deadline || IsCutShort()) {
+        return false;
+      }
+      wait(std::min(deadline, now + glance));
+    }
+    return true;
+  }
+
+  // Lets pending work run until `isDone`, which it has to be when no work is left.
   template <class IsDone>
   bool RunUntil(Clock::time_point deadline, IsDone isDone) {
     Io.restart();
-    while (!isDone() && Io.run_one_until(deadline) > 0) {
-    }
-    return isDone();
+    return WaitUntil(deadline, isDone, [this](Clock::time_point moment) { Io.run_one_until(moment); });
   }
 
   asio::io_context Io{ASIO_CONCURRENCY_HINT_UNSAFE};  // of one thread
@@ -60,26 +83,23 @@ class StreamLink : public BenchLink {
 
  private:
   static constexpr LinkTimeout longestTimeout{1e6};
-  static constexpr int longestUnrest = 3;  // in times of the quiet that is waited for
 
-  std::optional<std::string> Exchange(const std::string& command) final {
-    auto deadline = DeadlineIn(timeout_);
-    if (!MakeReady(deadline)) {
+  std::optional<std::string> Exchange(const std::string& command, Delivery& delivery) final {
+    const bool knowsPlace = !rules_.IsLost() || FindPlace(delivery);
+    const auto deadline = DeadlineIn(timeout_);
+    delivery.HasLeft = knowsPlace && MakeReady(deadline, delivery) && !IsCutShort();
+    if (!delivery.HasLeft) {
+      if (IsCutShort()) {
+        delivery.Problem.clear();
+      }
       return std::nullopt;
     }
-    if (mayComeLate_) {
-      if (!WaitForQuiet()) {
-        return std::nullopt;
-      }
-      deadline = DeadlineIn(timeout_);
-    }
-    std::optional<std::string> reply;
-    if (Send(command, deadline)) {
-      RunUntil(deadline, [this] { return HasLine() || !isReading_; });
-      reply = TakeLine();
-    }
+    isCommandOut_ = true;
+    rules_.Ask(command);
+    auto reply = Converse(command, deadline, delivery);
+    isCommandOut_ = false;
     if (!reply) {
-      GiveUp();
+      delivery.SkippedLine = rules_.SkippedLine();
     }
     return reply;
   }
@@ -88,42 +108,77 @@ class StreamLink : public BenchLink {
     return Clock::now() + std::chrono::duration_cast<Clock::duration>(duration);
   }
 
-  // Sees to it that the stream is open and that nothing lies in it: bytes that nobody asked for are no reply.
-  bool MakeReady(Clock::time_point deadline) {
-    if (Port && !DiscardInput(deadline)) {
+  // After a missing reply.
+  bool FindPlace(Delivery& delivery) {
+    const auto deadline = DeadlineIn(timeout_);
+    if (afterTimeout_ == AfterTimeout::OpenAnew && rules_.HasQuestionForPlace()) {
+      Close();
+    }
+    if (!MakeReady(deadline, delivery) || IsCutShort()) {
+      return false;
+    }
+    const auto question = rules_.AskForPlace();
+    if (Converse(question, deadline, delivery)) {
+      return true;
+    }
+    delivery.Problem = Joined("a reply did not come in time, and until the instrument answers ",
+                              question.value_or("what it was asked last"),
+                              ", no other command can be told from it and leave");
+    return false;
+  }
+
+  // Sends what there is to send, and waits for the line that answers the command in hand.
+  std::optional<std::string> Converse(const std::optional<std::string>& line, Clock::time_point deadline,
+                                      Delivery& delivery) {
+    bool goesOn = !line || Send(*line, deadline);
+    while (goesOn && RunUntil(deadline, [this] { return input_.HasLine() || !isReading_; })) {
+      auto heard = TakeLine();
+      if (!heard) {
+        break;
+      }
+      const auto verdict = rules_.Hear(*heard);
+      if (verdict == WireRules::Verdict::Answer) {
+        return heard;
+      }
+      if (verdict == WireRules::Verdict::AskAgain) {
+        goesOn = !Interrupt().IsRaised() && DropInput(deadline) && Send(*line, deadline);
+      }
+    }
+    GiveUp(delivery);
+    return std::nullopt;
+  }
+
+  // Sees to it that the stream is open and that nothing lies in it.
+  bool MakeReady(Clock::time_point deadline, Delivery& delivery) {
+    if (Port && !DropInput(deadline)) {
       Close();  // the other side has closed it, or talks without end
     }
-    if (!Port && Open(deadline)) {
+    if (!Port) {
+      if (const auto reason = Open(deadline)) {
+        delivery.Problem = Joined(name_, " cannot be opened: ", *reason);
+        return false;
+      }
+      rules_.Connect();
       Read();
-      if (!DiscardInput(deadline)) {
+      if (!DropInput(deadline)) {
         Close();
+        delivery.Problem = Joined(name_, " was closed by the other side, or talks without end");
       }
     }
     return Port.has_value();
   }
 
-  // Does not wait. False when the stream has ended, or has more to discard at the deadline.
-  bool DiscardInput(Clock::time_point deadline) {
+  // Bytes that lie there before a command is sent are no reply to it. Does not wait. False when the stream has ended,
+  // or has more to drop at the deadline.
+  bool DropInput(Clock::time_point deadline) {
     Io.restart();
-    while (Io.poll_one() > 0) {
-      input_.clear();
-      if (Clock::now() >= deadline) {
-        return false;
+    do {
+      while (input_.HasLine()) {
+        rules_.Overhear(TakeLine().value_or(""));
       }
-    }
-    input_.clear();
-    return isReading_;
-  }
-
-  // False on a line that does not fall silent.
-  bool WaitForQuiet() {
-    const auto quiet = std::max(timeout_, shortestQuiet_.value_or(timeout_));
-    const auto end = DeadlineIn(quiet * longestUnrest);
-    while (mayComeLate_ && isReading_ && Clock::now() < end) {
-      input_.clear();
-      mayComeLate_ = RunUntil(DeadlineIn(quiet), [this] { return !input_.empty() || !isReading_; });
-    }
-    return !mayComeLate_;
+      input_.DropBegunLine();
+    } while (Clock::now() < deadline && Io.poll_one() > 0);
+    return isReading_ && Clock::now() < deadline;
   }
 
   bool Send(const std::string& command, Clock::time_point deadline) {
@@ -141,37 +196,38 @@ class StreamLink : public BenchLink {
     return RunUntil(deadline, [this] { return !isWriting_ || !isReading_; }) && hasWritten_;
   }
 
-  // Goes on until the stream ends, or until more has come than a reply can be.
+  // Goes on until the stream ends, or until more has come than a line can be.
   void Read() {
     isReading_ = true;
+    hasEnded_ = false;
     Port->async_read_some(asio::buffer(chunk_), [this](std::error_code error, std::size_t size) {
-      input_.append(chunk_.data(), size);
-      isReading_ = !error && input_.size() <= longestReply + chunk_.size();
+      input_.Append({chunk_.data(), size});
+      hasEnded_ = static_cast<bool>(error);
+      isReading_ = !hasEnded_ && input_.Begun() <= longestReply + chunk_.size();
       if (isReading_) {
         Read();
       }
     });
   }
 
-  bool HasLine() const { return input_.find('\n') != std::string::npos; }
-
   // Bytes that are not UTF-8 are the Windows-1252 that older instruments speak.
-  std::optional<std::string> TakeLine() const {
-    const auto end = input_.find('\n');
-    auto line = input_.substr(0, end);
-    if (line.ends_with('\r')) {
-      line.pop_back();
-    }
-    if (end == std::string::npos || line.size() > longestReply) {
+  std::optional<std::string> TakeLine() {
+    auto line = input_.Take();
+    if (!line || line->size() > longestReply) {
       return std::nullopt;
     }
-    return IsUtf8(line) ? line : Utf8FromWindows1252(line);
+    return IsUtf8(*line) ? *std::move(line) : Utf8FromWindows1252(*line);
   }
 
-  // The command may have arrived, and its reply may still come.
-  void GiveUp() {
-    mayComeLate_ = shortestQuiet_.has_value();
-    if (!mayComeLate_ || !isReading_ || isWriting_) {
+  // The command in hand may have arrived, and its reply may still come.
+  void GiveUp(Delivery& delivery) {
+    if (hasEnded_) {
+      rules_.Disconnect();
+      delivery.Problem = Joined(name_, " was closed by the other side");
+    } else {
+      rules_.TimeOut();
+    }
+    if (!isReading_ || isWriting_) {
       Close();
     }
   }
@@ -184,19 +240,22 @@ class StreamLink : public BenchLink {
       Io.run();  // the pending handlers end with the stream
       Port.reset();
     }
-    input_.clear();
+    input_.Clear();
     isReading_ = false;
   }
 
+  std::string name_;
   LinkTimeout timeout_;
-  std::optional<LinkTimeout> shortestQuiet_;
+  AfterTimeout afterTimeout_;
+  WireRules rules_;
   std::array<char, 4096> chunk_{};
-  std::string input_;
+  LineReader input_;
   std::string output_;
+  bool isCommandOut_ = false;
   bool isReading_ = false;
   bool isWriting_ = false;
   bool hasWritten_ = false;
-  bool mayComeLate_ = false;  // a reply to an earlier command
+  bool hasEnded_ = false;  // by the other side
 };
 
 }  // namespace zolvane

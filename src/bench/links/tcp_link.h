@@ -3,7 +3,10 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
+#include <string>
 #include <string_view>
+#include <vector>
 
 #include "bench/links/host_and_port.h"
 #include "bench/links/stream_link.h"
@@ -15,8 +18,17 @@ class TcpLink final : public StreamLink<asio::ip::tcp::socket> {
   TcpLink(HostAndPort place, LinkTimeout timeout, const InterruptFlag& interrupt);
 
  private:
-  bool Open(Clock::time_point deadline) override;
+  struct Addresses {
+    std::error_code Error;
+    std::vector<asio::ip::tcp::endpoint> Found;
+  };
+
+  std::optional<std::string> Open(Clock::time_point deadline) override;
   std::size_t WriteAtOnce(std::string_view bytes) override;
+
+  static Addresses LookUp(const HostAndPort& place);
+  Addresses LookUpUntil(Clock::time_point deadline) const;
+  std::error_code Connect(const Addresses& addresses, Clock::time_point deadline);
 
   HostAndPort place_;
 };

@@ -10,7 +10,6 @@
 #include <utility>
 
 #include "bench/links/link_factory.h"
-#include "bench/links/serial_link.h"
 #include "bench/simulator/instrument_server.h"
 
 namespace zolvane {
@@ -35,18 +34,16 @@ class RunningInstrument {
   // The text for --link.
   const std::string& Link() const { return place_; }
 
-  // A link that waits for a quiet line no longer than these tests need.
-  std::shared_ptr<BenchLink> Connect(double timeout, const InterruptFlag& interrupt) const {
-    constexpr std::string_view serial = "serial:";
-    if (!place_.starts_with(serial)) {
-      return CreateLink(place_, timeout, interrupt);
-    }
-    return std::make_shared<SerialLink>(place_.substr(serial.size()), defaultBaud, LinkTimeout{timeout},
-                                        interrupt, LinkTimeout{0.5});
+ private:
+  // By these keys a link finds its place after a missing reply.
+  static SimulatedInstrument Calibrated() {
+    SimulatedInstrument instrument{{}};
+    instrument.Answer("SET_CALIBRATION STAGE1_X 1");
+    instrument.Answer("SET_CALIBRATION STAGE2_X 2");
+    return instrument;
   }
 
- private:
-  SimulatedInstrument instrument_{{}};
+  SimulatedInstrument instrument_{Calibrated()};
   InstrumentServer server_;
   asio::io_context io_;
   std::string place_;

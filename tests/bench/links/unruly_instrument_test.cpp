@@ -10,6 +10,7 @@
 #include <atomic>
 #include <chrono>
 #include <filesystem>
+#include <latch>
 #include <optional>
 #include <random>
 
@@ -59,6 +60,8 @@ TEST(UnrulyTcp, TheLateReplyGoesToTheOldConnectionAndTheNextCommandHasAnotherOne
     ReadLine(first, input);
     auto second = acceptor.accept();  // the link has given the first one up
     ReadLine(second, input);
+    asio::write(second, asio::buffer(std::string_view{"STAGE1_X=1\r\n"}));
+    ReadLine(second, input);
     std::error_code ignored;
     asio::write(first, asio::buffer(std::string_view{"late\r\n"}), ignored);
     asio::write(second, asio::buffer(std::string_view{"in time\r\n"}));
@@ -106,27 +109,15 @@ TEST(UnrulyTcp, AnInstrumentThatTalksWithoutEndDoesNotHoldASendBeyondItsTimeout)
 }
 
 TEST(UnrulyTcp, AnInstrumentThatReadsNothingFailsALongCommandInTime) {
-  const HandmadeServer server{[](tcp::acceptor& acceptor) {
+  std::latch isOver{1};
+  const HandmadeServer server{[&isOver](tcp::acceptor& acceptor) {
     auto client = acceptor.accept();
-    std::this_thread::sleep_for(milliseconds{400});
+    isOver.wait();
   }};
   const auto link = CreateLink(server.Link(), 0.2, quietInterrupt);
   EXPECT_LT(TimeOf([&] { EXPECT_EQ(Send(*link, std::string(std::size_t{32} << 20, 'x')), "failed"); }),
             milliseconds{5'000});
-}
-
-TEST(UnrulyTcp, AConnectionThatIsNeverTakenUpFailsInTime) {
-  asio::io_context io;
-  tcp::acceptor acceptor{io};
-  acceptor.open(tcp::v4());
-  acceptor.bind({asio::ip::address_v4::loopback(), 0});
-  acceptor.listen(0);  // the system completes a few connections by itself, then no more
-  const auto place = "tcp:127.0.0.1:" + std::to_string(acceptor.local_endpoint().port());
-  std::vector<std::shared_ptr<BenchLink>> links;
-  for (int count = 0; count < 4; ++count) {
-    links.push_back(CreateLink(place, 0.1, quietInterrupt));
-    EXPECT_LT(TimeOf([&] { EXPECT_EQ(Send(*links.back(), "A"), "failed"); }), milliseconds{5'000});
-  }
+  isOver.count_down();
 }
 
 TEST(UnrulyTcp, NulAndOtherControlCharactersPassInBothDirections) {
@@ -155,6 +146,133 @@ TEST(UnrulyTcp, AnInterruptWhileACommandWaitsLetsItFinish) {
   EXPECT_EQ(link->Stop(), true);
   PassOver(link->SetStop(false));
   EXPECT_EQ(link->Stop(), true);
+}
+
+TEST(UnrulyTcp, AfterAnInterruptNoCommandLeavesWhateverIsTried) {
+  for (const auto* place : {"sim", "none", "tcp:127.0.0.1:1", "serial:/dev/no-such-port"}) {
+    InterruptFlag interrupt;
+    const auto link = CreateLink(place, 5.0, interrupt);
+    interrupt.Raise();
+    PassOver(link->SetStop(false));
+    EXPECT_EQ(Send(*link, "STATUS_STAGE"), "failed") << place;
+    EXPECT_FALSE(link->LastDelivery().HasLeft) << place;
+    EXPECT_EQ(link->LastDelivery().Problem, "") << place;
+  }
+}
+
+// Far beyond what any of these tests takes.
+constexpr double longTimeout = 600.0;
+
+TEST(UnrulyTcp, ASecondInterruptEndsTheWait) {
+  InterruptFlag interrupt;
+  const HandmadeServer server{Answering([&interrupt](int) {
+    interrupt.Raise();
+    interrupt.Raise();
+    return std::string{};
+  })};
+  const auto link = CreateLink(server.Link(), longTimeout, interrupt);
+  EXPECT_LT(TimeOf([&] { EXPECT_EQ(Send(*link, "A"), "failed"); }), milliseconds{30'000});
+  EXPECT_TRUE(link->LastDelivery().HasLeft);
+}
+
+// What has not left will not leave any more, so nothing is worth waiting for.
+TEST(UnrulyTcp, AnInterruptEndsTheSearchForThePlaceAndTheCommandDoesNotLeave) {
+  InterruptFlag interrupt;
+  std::string second;
+  {
+    const HandmadeServer server{[&](tcp::acceptor& acceptor) {
+      auto client = acceptor.accept();
+      std::string input;
+      ReadLine(client, input);
+      std::error_code error;
+      asio::write(client, asio::buffer(std::string(std::size_t{2} << 20, 'x')),
+                  error);  // not the way a reply looks
+      client = acceptor.accept();
+      asio::read_until(client, asio::dynamic_buffer(second), '\n', error);
+      interrupt.Raise();
+      asio::read_until(client, asio::dynamic_buffer(second), "no more", error);
+    }};
+    const auto link = CreateLink(server.Link(), longTimeout, interrupt);
+    EXPECT_EQ(Send(*link, "A"), "failed");
+    EXPECT_LT(TimeOf([&] { EXPECT_EQ(Send(*link, "B"), "failed"); }), milliseconds{30'000});
+    EXPECT_FALSE(link->LastDelivery().HasLeft);
+  }
+  EXPECT_EQ(second, "GET_CALIBRATION STAGE1_X\r\n");
+}
+
+// Completes no connection beyond the few that the system completes by itself.
+class DeafServer {
+ public:
+  DeafServer() : acceptor_{io_} {
+    acceptor_.open(tcp::v4());
+    acceptor_.bind({asio::ip::address_v4::loopback(), 0});
+    acceptor_.listen(0);
+    for (auto& client : clients_) {
+      client.async_connect(acceptor_.local_endpoint(), [](std::error_code) {});  // begins at once
+    }
+  }
+
+  std::string Link() const { return "tcp:127.0.0.1:" + std::to_string(acceptor_.local_endpoint().port()); }
+
+ private:
+  asio::io_context io_;
+  tcp::acceptor acceptor_;
+  std::array<tcp::socket, 4> clients_{tcp::socket{io_}, tcp::socket{io_}, tcp::socket{io_}, tcp::socket{io_}};
+};
+
+TEST(UnrulyTcp, AConnectionThatIsNeverTakenUpFailsInTime) {
+  const DeafServer server;
+  const auto link = CreateLink(server.Link(), 0.1, quietInterrupt);
+  EXPECT_LT(TimeOf([&] { EXPECT_EQ(Send(*link, "A"), "failed"); }), milliseconds{5'000});
+}
+
+TEST(UnrulyTcp, AnInterruptEndsAConnectionThatIsNotTakenUp) {
+  const DeafServer server;
+  InterruptFlag interrupt;
+  const auto link = CreateLink(server.Link(), longTimeout, interrupt);
+  std::thread user{[&interrupt] {
+    std::this_thread::sleep_for(milliseconds{100});  // nothing tells that the link is connecting
+    interrupt.Raise();
+  }};
+  EXPECT_LT(TimeOf([&] { EXPECT_EQ(Send(*link, "A"), "failed"); }), milliseconds{30'000});
+  user.join();
+}
+
+// ---- Why a link does not open
+
+std::string ProblemOf(const std::string& place) {
+  const auto link = CreateLink(place, 0.2, quietInterrupt);
+  EXPECT_EQ(Send(*link, "A"), "failed");
+  EXPECT_FALSE(link->LastDelivery().HasLeft);
+  return link->LastDelivery().Problem;
+}
+
+TEST(LinkProblem, SaysWhyThePortDoesNotOpen) {
+  EXPECT_EQ(ProblemOf("tcp:127.0.0.1:1"),
+            "tcp:127.0.0.1:1 cannot be opened: the connection was refused; nobody listens there");
+  EXPECT_EQ(ProblemOf("tcp:[::1]:1").substr(0, 11), "tcp:[::1]:1");
+  EXPECT_EQ(ProblemOf("serial:/dev/no-such-port"),
+            "serial:/dev/no-such-port cannot be opened: there is no such device");
+  EXPECT_EQ(ProblemOf("serial:/dev/null"), "serial:/dev/null cannot be opened: it is no serial port");
+  const DeafServer deaf;
+  EXPECT_EQ(ProblemOf(deaf.Link()), deaf.Link() + " cannot be opened: it timed out");
+}
+
+TEST(LinkProblem, IsForgottenWhenACommandIsAnswered) {
+  const RunningInstrument instrument{{.Latency = {}, .Faults = {{1, Fault::Close}}}};
+  const auto link = CreateLink(instrument.Link(), 5.0, quietInterrupt);
+  EXPECT_EQ(Send(*link, "STATUS_STAGE"), "failed");
+  EXPECT_TRUE(link->LastDelivery().HasLeft);
+  EXPECT_EQ(link->LastDelivery().Problem, instrument.Link() + " was closed by the other side");
+  EXPECT_EQ(Send(*link, "STATUS_STAGE"), "ZV400");
+  EXPECT_EQ(link->LastDelivery().Problem, "");
+}
+
+TEST(LinkProblem, QuotesTheBareLineThatAnsweredNothing) {
+  const HandmadeServer server{Answering([](int) { return std::string{"HELLO\r\n"}; })};
+  const auto link = CreateLink(server.Link(), 0.2, quietInterrupt);
+  EXPECT_EQ(Send(*link, "GET_CALIBRATION A"), "failed");
+  EXPECT_EQ(link->LastDelivery().SkippedLine, "HELLO");
 }
 
 TEST(UnrulyTcp, AnyBytesAsCommandGetTheirOwnReplyOrAreNotSent) {
@@ -233,29 +351,52 @@ TEST(UnrulySerial, WhatLayOnTheLineBeforeItWasOpenedIsNoReply) {
   instrument.join();
 }
 
+TEST(UnrulySerial, ALineThatBeganBeforeTheCommandIsNoReply) {
+  const HandmadeLine line;
+  const auto link = CreateLink("serial:" + line.Path(), 5.0, quietInterrupt);
+  std::thread instrument{[&line] {
+    line.ReadLine();
+    line.Write("RACK_STAGE1_X=1\r\nRACK_");  // as bytes trickle in
+    line.ReadLine();
+    line.Write("STAGE1_X=77\r\nSTAGE1_X=5\r\n");
+  }};
+  EXPECT_EQ(Send(*link, "GET_CALIBRATION RACK_STAGE1_X"), "RACK_STAGE1_X=1");
+  EXPECT_EQ(Send(*link, "GET_CALIBRATION STAGE1_X"), "STAGE1_X=5");
+  instrument.join();
+}
+
+TEST(UnrulySerial, APortServesOneProgramAtATime) {
+  const HandmadeLine line;
+  const auto place = "serial:" + line.Path();
+  const auto link = CreateLink(place, 0.2, quietInterrupt);
+  EXPECT_EQ(Send(*link, "A"), "failed");
+  EXPECT_TRUE(link->LastDelivery().HasLeft);
+  EXPECT_EQ(ProblemOf(place), place + " cannot be opened: it is busy: another program has it open");
+}
+
 TEST(UnrulySerial, TheRestOfALineThatIsTooLongIsNoReplyToTheNextCommand) {
   const HandmadeLine line;
-  SerialLink link{line.Path(), defaultBaud, LinkTimeout{0.8}, quietInterrupt, LinkTimeout{0.3}};
+  const auto link = CreateLink("serial:" + line.Path(), 5.0, quietInterrupt);
   std::thread instrument{[&line] {
     line.ReadLine();
     for (int part = 0; part < 40; ++part) {
       line.Write(std::string(32768, 'x'));
     }
-    std::this_thread::sleep_for(milliseconds{100});
     line.Write("the rest\r\n");
+    line.ReadLine();
+    line.Write("STAGE1_X=1\r\n");
     line.ReadLine();
     line.Write("answer\r\n");
   }};
-  EXPECT_EQ(Send(link, "A"), "failed");
-  EXPECT_EQ(Send(link, "B"), "answer");
+  EXPECT_EQ(Send(*link, "A"), "failed");
+  EXPECT_EQ(Send(*link, "B"), "answer");
   instrument.join();
 }
 
 TEST(UnrulySerial, APortThatVanishesFailsTheSendAndWorksAgainWhenItIsBack) {
   const TemporaryFolder folder;
   const auto port = folder.Path("port");
-  SerialLink serial{port, defaultBaud, LinkTimeout{0.3}, quietInterrupt, LinkTimeout{0.3}};
-  InstrumentLink* const link = &serial;
+  const auto link = CreateLink("serial:" + port, 0.3, quietInterrupt);
   EXPECT_EQ(Send(*link, "A"), "failed");
   for (const auto* reply : {"one", "two"}) {
     HandmadeLine line;
@@ -274,10 +415,9 @@ TEST(UnrulySerial, APortThatVanishesFailsTheSendAndWorksAgainWhenItIsBack) {
   }
 }
 
-TEST(UnrulySerial, ALineThatDoesNotFallSilentAfterATimeoutFailsTheNextSendInTime) {
+TEST(UnrulySerial, ALineThatTalksAfterATimeoutWithoutNamingAKeyFailsTheNextSendInTime) {
   const HandmadeLine line;
-  SerialLink serial{line.Path(), 115200, LinkTimeout{0.1}, quietInterrupt, LinkTimeout{0.3}};
-  InstrumentLink* const link = &serial;
+  const auto link = CreateLink("serial:" + line.Path() + ",115200", 0.1, quietInterrupt);
   EXPECT_EQ(Send(*link, "A"), "failed");
   std::atomic<bool> isDone = false;
   std::thread instrument{[&] {
