@@ -252,10 +252,10 @@ class WatchedLink final : public InstrumentLink {
     const auto& delivery = inner_->LastDelivery();
     if (delivery.HasLeft || !MetOnlyIf(inner_->Stop())) {
       state_.Now.Commands.Count(command, MetOnlyIf(ok), reply);
+      state_.Out.CountCommand();
     } else {
       state_.Now.WasStopped = true;  // the user has interrupted, and nothing leaves any more
     }
-    state_.Out.CountCommand();
     TellProblem(delivery.Problem);
     return ok;
   }

@@ -34,8 +34,8 @@ std::vector<std::string> ProgramArguments(int count, char** arguments);
 // was started without: otherwise the first files that it opens would be taken for them.
 void KeepStandardStreams();
 
-// From now on Ctrl-C, and a polite request to end, call `interrupt` instead of ending the program. `interrupt` must be
-// safe in a signal handler.
+// From now on Ctrl-C, and a polite request to end, call `interrupt` instead of ending the program, each time. `interrupt`
+// must be safe in a signal handler, and in a thread of its own.
 void TakeInterrupts(void (*interrupt)());
 
 }  // namespace zolvane

@@ -15,9 +15,16 @@ namespace {
 
 std::atomic<void (*)()> interruptCall{nullptr};
 
-BOOL WINAPI OnControlEvent(DWORD) {
-  if (const auto call = interruptCall.load()) {
+// Windows ends the program as soon as this returns, unless it was Ctrl-C or Ctrl-Break; it ends it after some seconds
+// anyway. Until then the session comes to its end, which nobody may hold up by waiting for an instrument.
+BOOL WINAPI OnControlEvent(DWORD event) {
+  const bool isTheEnd = event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT;
+  const auto call = interruptCall.load();
+  for (int times = isTheEnd ? 2 : 1; call != nullptr && times > 0; --times) {
     call();
+  }
+  if (isTheEnd) {
+    ::Sleep(INFINITE);
   }
   return TRUE;
 }

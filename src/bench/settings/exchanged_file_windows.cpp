@@ -61,12 +61,12 @@ std::wstring WidePath(const std::string& path) {
   return wide;
 }
 
-constexpr std::uint64_t Joined(DWORD high, DWORD low) {
+constexpr std::uint64_t Number64(DWORD high, DWORD low) {
   return (static_cast<std::uint64_t>(high) << 32) | low;
 }
 
-constexpr std::uint64_t Joined(const FILETIME& time) {
-  return Joined(time.dwHighDateTime, time.dwLowDateTime);
+constexpr std::uint64_t Number64(const FILETIME& time) {
+  return Number64(time.dwHighDateTime, time.dwLowDateTime);
 }
 
 // The two descriptions of a file that the system has call these parts the same.
@@ -74,9 +74,9 @@ template <class Description>
 FileLook LookOf(const Description& file) {
   return {.Exists = true,
           .IsFolder = (file.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0,
-          .Size = Joined(file.nFileSizeHigh, file.nFileSizeLow),
-          .Created = Joined(file.ftCreationTime),
-          .Modified = Joined(file.ftLastWriteTime)};
+          .Size = Number64(file.nFileSizeHigh, file.nFileSizeLow),
+          .Created = Number64(file.ftCreationTime),
+          .Modified = Number64(file.ftLastWriteTime)};
 }
 
 // A link is told of by itself and not by its file, so that it never looks like what was read through it.
@@ -92,7 +92,7 @@ FileState StateOf(const FileHandle& file) {
   }
   return {.Look = LookOf(information),
           .Volume = information.dwVolumeSerialNumber,
-          .Number = Joined(information.nFileIndexHigh, information.nFileIndexLow)};
+          .Number = Number64(information.nFileIndexHigh, information.nFileIndexLow)};
 }
 
 FileState StateOfPath(const std::wstring& path) {
@@ -106,7 +106,7 @@ bool IsOldEnough(const FileLook& look) {
   FILETIME now{};
   ::GetSystemTimeAsFileTime(&now);
   constexpr std::uint64_t hundredMilliseconds = 1'000'000;
-  return Joined(now) > look.Modified + hundredMilliseconds;
+  return Number64(now) > look.Modified + hundredMilliseconds;
 }
 
 bool WriteAll(HANDLE file, std::string_view bytes) {
