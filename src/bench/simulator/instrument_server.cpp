@@ -94,7 +94,7 @@ asio::awaitable<void> AcceptClients(tcp::acceptor acceptor, std::shared_ptr<Clie
     std::error_code error;
     auto client = co_await acceptor.async_accept(asio::redirect_error(asio::use_awaitable, error));
     if (error) {  // most likely the process may not open any more files for now
-      co_await Wait(acceptor, pauseAfterFailure);
+      co_await WaitOn(acceptor, pauseAfterFailure);
       continue;
     }
     client.set_option(tcp::no_delay{true}, error);

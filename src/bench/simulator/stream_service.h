@@ -10,7 +10,7 @@
 namespace zolvane {
 
 template <class Stream>
-asio::awaitable<void> Wait(Stream& stream, std::chrono::milliseconds duration) {
+asio::awaitable<void> WaitOn(Stream& stream, std::chrono::milliseconds duration) {
   asio::steady_timer timer{stream.get_executor(), duration};
   co_await timer.async_wait(asio::use_awaitable);
 }
@@ -43,7 +43,7 @@ class Conversation {
     watch_.End();
   }
 
-  asio::awaitable<void> Pause(std::chrono::milliseconds duration) { co_await Wait(stream_, duration); }
+  asio::awaitable<void> Pause(std::chrono::milliseconds duration) { co_await WaitOn(stream_, duration); }
 
  private:
   Stream& stream_;
