@@ -22,7 +22,7 @@ install_packages() {
 }
 
 build_packages=(g++ cmake ninja-build libcli11-dev nlohmann-json3-dev libasio-dev)
-test_packages=(libgtest-dev gcovr)
+test_packages=(libgtest-dev gcovr python3)
 benchmark_packages=(libbenchmark-dev libsimpleini-dev libglib2.0-dev pkg-config)
 
 # Configures and builds a preset, and shows what the tools said only when they failed. What follows the preset goes to
