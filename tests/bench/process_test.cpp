@@ -4,6 +4,7 @@
 #include <sys/file.h>
 
 #include <algorithm>
+#include <asio.hpp>
 #include <atomic>
 #include <chrono>
 #include <csignal>
@@ -1468,6 +1469,72 @@ TEST_F(OnTerminal, AnInterruptBeforeTheSessionEndsTheProgram) {
 }
 
 // ---- Interrupts ----
+
+// An instrument that takes one client's lines and never answers.
+class SilentInstrument {
+ public:
+  std::string Link() const { return "tcp:127.0.0.1:" + std::to_string(acceptor_.local_endpoint().port()); }
+
+  // The next line that comes; empty when the client has gone.
+  std::string NextLine() {
+    if (!client_.is_open()) {
+      client_ = acceptor_.accept();
+    }
+    std::error_code ended;
+    const auto size = asio::read_until(client_, asio::dynamic_buffer(input_), '\n', ended);
+    const auto line = input_.substr(0, size);
+    input_.erase(0, size);
+    return line;
+  }
+
+ private:
+  asio::io_context io_;
+  asio::ip::tcp::acceptor acceptor_{io_, {asio::ip::address_v4::loopback(), 0}};
+  asio::ip::tcp::socket client_{io_};
+  std::string input_;
+};
+
+class Interrupted : public Bench {
+ protected:
+  // A download that waits for the answer to its first command, for `timeout` seconds.
+  void StartDownload(const std::string& timeout) {
+    program_.emplace(
+        ZOLVANE_BENCH_PATH,
+        Arguments{"--folder", Folder.Path(), "--yes", "--quiet", "--timeout", timeout, "--trace",
+                  Folder.Path("trace.jsonl"), "--link", Instrument.Link(), "download"},
+        Process::Streams{
+            .Input = nothing_.Number(), .Output = nothing_.Number(), .Errors = nothing_.Number()});
+    ASSERT_EQ(Instrument.NextLine(), "GET_CALIBRATION STAGE1_X\r\n");
+  }
+
+  void Signal(int signal) const { program_->Signal(signal); }
+  int End() { return program_->WaitUntil(std::chrono::steady_clock::now() + processDeadline); }
+
+  SilentInstrument Instrument;
+
+ private:
+  Descriptor nothing_{::open("/dev/null", O_RDWR | O_CLOEXEC)};
+  std::optional<Process> program_;
+};
+
+TEST_F(Interrupted, NoFurtherCommandLeavesWhateverTheAddInTries) {
+  StartDownload("0.5");
+  Signal(SIGINT);
+  EXPECT_EQ(Instrument.NextLine(), "");
+  EXPECT_EQ(End(), 1);
+  EXPECT_EQ(EventsOf(Folder.Read("trace.jsonl"), {"send"}).front()["ok"], false);
+}
+
+TEST_F(Interrupted, ASecondTimeTheWaitEndsAtOnce) {
+  StartDownload("100000");
+  Signal(SIGTERM);
+  Signal(SIGINT);
+  EXPECT_EQ(End(), 1);
+  EXPECT_EQ(Instrument.NextLine(), "");
+  const auto last = EventsOf(Folder.Read("trace.jsonl"), {"changed", "link"});
+  ASSERT_FALSE(last.empty());
+  EXPECT_EQ(last.back().dump(), R"({"event":"link","flag":"hold","op":"set","value":false})");
+}
 
 TEST_F(OnTerminal, CtrlCFinishesTheCommandInHandAndEndsTheSessionInOrder) {
   SimulatorProcess simulator{{"--latency", "50"}};
