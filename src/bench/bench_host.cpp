@@ -221,7 +221,7 @@ class BenchEnvironment final : public Environment {
  private:
   // The add-in knows its own file by the name alone. Another name of it, a link, is told by the one it knows.
   std::string LedBack(const std::string& file) const {
-    const std::string configFile = ConfigFileIn(state_.Host.Folder);
+    std::string configFile = ConfigFileIn(state_.Host.Folder);
     if (file == configFile || !IsSameFile(file, configFile)) {
       return file;
     }

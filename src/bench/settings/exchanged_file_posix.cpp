@@ -21,6 +21,7 @@
 //
 // Writers of this kind exclude each other by a lock on the folder.
 #include <fcntl.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -42,15 +43,17 @@ namespace {
 // Writing beyond the size limit of the process raises a signal that ends it. Here it shall only fail.
 class SizeLimitSignalHeldOff {
  public:
-  SizeLimitSignalHeldOff() {
-    sigemptyset(&signal_);
-    sigaddset(&signal_, SIGXFSZ);
-    ::pthread_sigmask(SIG_BLOCK, &signal_, &before_);
+  SizeLimitSignalHeldOff() : isNeeded_{HasSizeLimit()} {
+    if (isNeeded_) {
+      sigemptyset(&signal_);
+      sigaddset(&signal_, SIGXFSZ);
+      ::pthread_sigmask(SIG_BLOCK, &signal_, &before_);
+    }
   }
   SizeLimitSignalHeldOff(const SizeLimitSignalHeldOff&) = delete;
   SizeLimitSignalHeldOff& operator=(const SizeLimitSignalHeldOff&) = delete;
   ~SizeLimitSignalHeldOff() {
-    if (sigismember(&before_, SIGXFSZ) == 1) {
+    if (!isNeeded_ || sigismember(&before_, SIGXFSZ) == 1) {
       return;
     }
     constexpr timespec noWait{};
@@ -59,6 +62,12 @@ class SizeLimitSignalHeldOff {
   }
 
  private:
+  static bool HasSizeLimit() {
+    rlimit limit{};
+    return ::getrlimit(RLIMIT_FSIZE, &limit) != 0 || limit.rlim_cur != RLIM_INFINITY;
+  }
+
+  bool isNeeded_;
   sigset_t signal_{};
   sigset_t before_{};
 };
