@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Fetches a 32-bit Wine into a folder (default: build/wine32), which runs 32-bit programs beside the 64-bit Wine of the
-# system:  wine32.sh [FOLDER]
+# system and is of the same release of Debian:  wine32.sh [FOLDER]
 #
 # The system's package manager is left alone: 32-bit packages as a foreign architecture drag dozens of installed
 # packages along, and fail altogether while the two architectures of a mirror differ. So apt works here on a state of
@@ -12,13 +12,15 @@ stamp="$folder/complete"
 state="$folder/apt"
 keyring=/usr/share/keyrings/debian-archive-keyring.gpg
 mirror=${ZOLVANE_DEBIAN_MIRROR:-http://deb.debian.org/debian}
+# shellcheck source=/dev/null
+release=$(source /etc/os-release && echo "$VERSION_CODENAME")
 
 # The same X client libraries and fonts as the 64-bit Wine uses, so that both draw the same picture.
 packages=(wine32 libwine fonts-wine fonts-liberation
   libxcomposite1 libxcursor1 libxfixes3 libxi6 libxinerama1 libxrandr2 libxrender1)
 
 # The interpreter's path is written into the programs: a folder that was moved has to be made anew.
-wanted="$folder $(cksum <"${BASH_SOURCE[0]}")"
+wanted="$folder $release $(cksum <"${BASH_SOURCE[0]}")"
 
 is_complete() { [[ -f $stamp && $(<"$stamp") == "$wanted" ]]; }
 
@@ -47,7 +49,7 @@ fetch() {
   mkdir -p "$state/lists/partial" "$state/cache/archives/partial"
   : >"$state/status"
   # Only the release itself: the security archive's two architectures are not always in step.
-  echo "deb [signed-by=$keyring] $mirror bookworm main" >"$state/sources.list"
+  echo "deb [signed-by=$keyring] $mirror $release main" >"$state/sources.list"
   with_retries private_apt update
   with_retries private_apt --download-only -y install "${packages[@]}" >"$state/log"
 }
@@ -59,8 +61,17 @@ unpack() {
   done
 }
 
+# Debian 12 packs it below lib, Debian 13 below usr/lib.
 use_own_interpreter() {
-  patchelf --set-interpreter "$folder/lib/ld-linux.so.2" "$folder/usr/lib/wine/wine" "$folder/usr/lib/wine/wineserver32"
+  local interpreter
+  interpreter=$(find "$folder" -maxdepth 3 -path '*/lib/ld-linux.so.2')
+  patchelf --set-interpreter "${interpreter:?wine32.sh: no ld-linux.so.2 unpacked}" \
+    "$folder/usr/lib/wine/wine" "$folder/usr/lib/wine/wineserver32"
+}
+
+# The packed one is a script that prefers the system's 64-bit server, whatever that one's version.
+use_own_server() {
+  ln -sf wineserver32 "$folder/usr/lib/wine/wineserver"
 }
 
 # Installing the package would make this copy: Wine loads a library of its own only when it carries Wine's mark.
@@ -93,6 +104,7 @@ main() {
   fetch
   unpack
   use_own_interpreter
+  use_own_server
   add_zlib
   find "$state" -mindepth 1 -delete
   echo "$wanted" >"$stamp"
