@@ -17,6 +17,7 @@
 #include "bench/windows/offered_host.h"
 #include "bench/windows/offered_object.h"
 #include "bench/windows/offered_settings.h"
+#include "memory_balance.h"
 #include "program_folder.h"
 #include "shell/windows/com_object.h"
 #include "shell/windows/late_bound.h"
@@ -87,22 +88,6 @@ int DrawingObjects() {
   return count;
 }
 
-// What is allocated in all heaps of the process.
-long long BytesAllocated() {
-  std::array<HANDLE, 64> heaps{};
-  const DWORD count = GetProcessHeaps(static_cast<DWORD>(heaps.size()), heaps.data());
-  long long bytes = 0;
-  for (DWORD heap = 0; heap < std::min<DWORD>(count, static_cast<DWORD>(heaps.size())); ++heap) {
-    HeapLock(heaps[heap]);
-    PROCESS_HEAP_ENTRY entry{};
-    while (HeapWalk(heaps[heap], &entry) != FALSE) {
-      bytes += (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0 ? static_cast<long long>(entry.cbData) : 0;
-    }
-    HeapUnlock(heaps[heap]);
-  }
-  return bytes;
-}
-
 struct Counters {
   int Windows_ = Windows();
   int Handles_ = Handles();
@@ -138,15 +123,47 @@ TEST(Lifetime, TheCountOfMemorySeesSmallAllocations) {
   constexpr int size = 16;
   using Block = std::array<char, size>;
   std::vector<std::unique_ptr<Block>> kept(1000);
-  const auto before = BytesAllocated();
+  const MemoryBalance memory;
   for (auto& block : kept) {
     block = std::make_unique<Block>();
   }
-  EXPECT_GE(BytesAllocated() - before, size * std::ssize(kept));
+  EXPECT_EQ(memory.Bytes(), size * std::ssize(kept));
   kept[0] = nullptr;
-  const auto withoutOne = BytesAllocated();
-  kept[0] = std::make_unique<Block>();
-  EXPECT_GE(BytesAllocated() - withoutOne, size);
+  EXPECT_EQ(memory.Bytes(), size * (std::ssize(kept) - 1));
+  kept.clear();
+  EXPECT_EQ(memory.Bytes(), 0);
+}
+
+TEST(Lifetime, TheCountOfMemorySeesWhicheverWayItIsAllocated) {
+  constexpr int size = 1000;
+  const MemoryBalance memory;
+  const auto growth = [&](const auto& allocate) {
+    const auto before = memory.Bytes();
+    allocate();
+    return memory.Bytes() - before;
+  };
+  void* block = nullptr;
+  EXPECT_EQ(growth([&] { block = HeapAlloc(GetProcessHeap(), 0, size); }), size);
+  EXPECT_EQ(growth([&] { block = HeapReAlloc(GetProcessHeap(), 0, block, 3 * size); }), 2 * size);
+  EXPECT_EQ(growth([&] { HeapFree(GetProcessHeap(), 0, block); }), -3 * size);
+  HLOCAL local = nullptr;
+  EXPECT_GE(growth([&] { local = LocalAlloc(LMEM_FIXED, size); }), size);
+  EXPECT_LE(growth([&] { LocalFree(local); }), -size);
+  void* task = nullptr;
+  EXPECT_GE(growth([&] { task = CoTaskMemAlloc(size); }), size);
+  EXPECT_LE(growth([&] { CoTaskMemFree(task); }), -size);
+  UniqueBstr text;
+  EXPECT_GE(growth([&] { *text.Put() = SysAllocStringByteLen(nullptr, size); }), size);
+  ComPtr<IAddIn> addIn;
+  EXPECT_GT(growth([&] { addIn = Module().Create(); }), 0);
+}
+
+TEST(Lifetime, TheCountOfMemorySeesWhatWasAllocatedBeforeAndIsFreed) {
+  constexpr int size = 1000;
+  void* const block = HeapAlloc(GetProcessHeap(), 0, size);
+  const MemoryBalance memory;
+  HeapFree(GetProcessHeap(), 0, block);
+  EXPECT_EQ(memory.Bytes(), -size);
 }
 
 // What the host has: its object, its window and its settings-file service.
@@ -181,11 +198,11 @@ void ExpectNothingLeftBehind(int count, const Session& session) {
     session();
   }
   const Counters before;
-  const auto bytesBefore = BytesAllocated();
+  const MemoryBalance memory;
   for (int run = 0; run < count; ++run) {
     session();
   }
-  EXPECT_EQ(BytesAllocated() - bytesBefore, 0);
+  EXPECT_EQ(memory.Bytes(), 0);
   EXPECT_EQ(Counters{}, before);
   EXPECT_EQ(OfferedObjectsAlive(), 0);
   EXPECT_EQ(OfferedServicesAlive(), 0);
@@ -357,9 +374,9 @@ TEST(OddHost, RaisesErrorsWhoseTextsAreNotKept) {
     }
   };
   use();
-  const auto before = BytesAllocated();
+  const MemoryBalance memory;
   use();
-  EXPECT_EQ(BytesAllocated(), before);
+  EXPECT_EQ(memory.Bytes(), 0);
 }
 
 TEST(OddHost, DestroysItsWindowWithThePageInIt) {
