@@ -25,13 +25,14 @@ build_packages=(g++ cmake ninja-build libcli11-dev nlohmann-json3-dev libasio-de
 test_packages=(libgtest-dev gcovr python3)
 benchmark_packages=(libbenchmark-dev libsimpleini-dev libglib2.0-dev pkg-config)
 
-# Configures and builds a preset, and shows what the tools said only when they failed. What follows the preset goes to
+# Configures and builds a preset, says so in a line, and shows what the tools said only when they failed. What follows the preset goes to
 # the build: "--target NAME".
 build_preset() {
   local root=$1 preset=$2
   shift 2
   mkdir -p "$root/build"
   local log="$root/build/$preset.log"
+  echo "Building $preset; the log is build/$preset.log" >&2
   if ! (cd "$root" && cmake --preset "$preset" && cmake --build --preset "$preset" "$@") >"$log" 2>&1; then
     cat "$log" >&2
     echo "The build failed; the lines above are in $log." >&2
