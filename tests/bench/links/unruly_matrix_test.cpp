@@ -15,9 +15,9 @@ INSTANTIATE_TEST_SUITE_P(Places, UnrulyMatrix, testing::Values("tcp", "pty", "co
 // As many of its cases as fit into some seconds. They are spread over all; the script by itself runs every one.
 TEST_P(UnrulyMatrix, NoCommandGetsTheReplyOfAnotherAndNoMissingReplyIsSuccess) {
   const std::string script = ZOLVANE_SOURCE_PATH "/tests/bench/links/unruly_instrument.py";
-  const auto result =
-      RunProgram("/usr/bin/env", {"python3", script, "--bench", ZOLVANE_BENCH_PATH, "--folder",
-                                  ZOLVANE_SAMPLES_PATH, "--places", GetParam(), "--seconds", "5"});
+  const auto result = RunProgram(
+      "/usr/bin/env", {"python3", script, "--bench", ZOLVANE_BENCH_PATH, "--folder", ZOLVANE_SAMPLES_PATH,
+                       "--timeout", "0.1", "--places", GetParam(), "--seconds", "5"});
   EXPECT_EQ(result.Status, 0) << result.Output << result.Errors;
 }
 
