@@ -13,7 +13,7 @@ NestTypeRecord Load(ConfigFixture& fixture, std::string item = "", std::string_v
   return LoadNestType(fixture.Config, item, file);
 }
 
-constexpr std::string_view nestTable =
+constexpr std::string_view textOfNests =
     "[NestType]\n"
     "Installed=2\n"
     "Item1=\"8-Channel\",NEST8,\"1A\",1_CH_SHORT,1,10,20,1.50,\"8B\",8_CH,2,-30,40,127.44,\"1C\",1_CH_LONG,-"
@@ -22,7 +22,7 @@ constexpr std::string_view nestTable =
     "Item2=\"12-Channel\",NEST12\n";
 
 TEST(NestTable, LoadsEveryMember) {
-  ConfigFixture fixture{nestTable};
+  ConfigFixture fixture{textOfNests};
   const auto nest = Load(fixture, "1");
   EXPECT_EQ(nest.ID, "1");
   EXPECT_EQ(nest.Name, "8-Channel");
@@ -65,7 +65,7 @@ TEST(NestTable, SavesEveryMemberInTheOrderOfTheLine) {
 }
 
 TEST(NestTable, SavesWhatItLoadedUnchanged) {
-  ConfigFixture fixture{nestTable};
+  ConfigFixture fixture{textOfNests};
   SaveNestType(fixture.Config, Load(fixture, "1"), backup);
   EXPECT_EQ(fixture.Settings.Value("NestType", "Item1", backup), fixture.Settings.Value("NestType", "Item1"));
 }
@@ -83,7 +83,7 @@ TEST(NestTable, ConvertsWithAFactorOfTwoAndAHundredthOfAMillimetrePerStep) {
 }
 
 TEST(NestTable, ReadsTheInstalledItemAndItsLineAlone) {
-  ConfigFixture fixture{nestTable};
+  ConfigFixture fixture{textOfNests};
   std::string item;
   const auto nest = LoadNestType(fixture.Config, item, "");
   EXPECT_EQ(item, "2");
@@ -92,13 +92,13 @@ TEST(NestTable, ReadsTheInstalledItemAndItsLineAlone) {
 }
 
 TEST(NestTable, ReadsTheFileItIsGiven) {
-  ConfigFixture fixture{nestTable};
+  ConfigFixture fixture{textOfNests};
   fixture.Settings.Load("/other.bak", "[NestType]\nInstalled=5\nItem5=\"Five\"\n");
   EXPECT_EQ(Load(fixture, "", "/other.bak").Name, "Five");
 }
 
 TEST(NestTable, ALineOfNameAndCodeHasThreeEmptyPlaces) {
-  ConfigFixture fixture{nestTable};
+  ConfigFixture fixture{textOfNests};
   const auto nest = Load(fixture, "2");
   EXPECT_EQ(nest.Name, "12-Channel");
   EXPECT_EQ(nest.Code, "NEST12");
@@ -142,7 +142,7 @@ TEST(NestTable, RoundsHalfAwayFromZeroOnSaving) {
 }
 
 TEST(NestTable, AFactorOfZeroLeavesXAndYEmptyWithTheirCommas) {
-  ConfigFixture fixture{nestTable};
+  ConfigFixture fixture{textOfNests};
   fixture.SetFactor(0.0);
   const auto nest = Load(fixture, "1");
   EXPECT_EQ(nest.Nests[0].X, 0);
@@ -154,7 +154,7 @@ TEST(NestTable, AFactorOfZeroLeavesXAndYEmptyWithTheirCommas) {
 }
 
 TEST(NestTable, AZAxisOfZeroLeavesZZero) {
-  ConfigFixture fixture{nestTable};
+  ConfigFixture fixture{textOfNests};
   fixture.Config.Current.Axes.Z.UnitsPerStep = 0.0F;
   auto nest = Load(fixture, "1");
   EXPECT_EQ(nest.Nests[1].Z, 0);
@@ -211,7 +211,7 @@ TEST(NestTable, IsNotAnExactInverse) {
 }
 
 TEST(NestTable, PassesEveryFailedReadAndWriteOver) {
-  ExpectEveryFailureToBePassedOver(nestTable, [](ConfigFixture& fixture) {
+  ExpectEveryFailureToBePassedOver(textOfNests, [](ConfigFixture& fixture) {
     Load(fixture, "1");
     SaveNestType(fixture.Config, {}, backup);
   });

@@ -1,26 +1,22 @@
 #include "bench/settings/file_settings_service.h"
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/file.h>
-#include <sys/resource.h>
-#include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <chrono>
-#include <csignal>
 #include <filesystem>
+#include <fstream>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <thread>
 #include <utility>
 #include <vector>
 
 #include "bench/settings/exchanged_file.h"
 #include "support/temporary_folder.h"
+#include "support/writer_lock.h"
 
 namespace zolvane {
 namespace {
@@ -52,35 +48,6 @@ class InterruptedFile : public ExchangedFile {
 std::string Read(FileSettingsService& service, const std::string& path, std::string_view key) {
   return service.ReadValue("A", key, path, "none").value();
 }
-
-// As a user without privileges, in a process of its own. True when `check` is.
-bool HoldsForOrdinaryUser(const std::function<bool()>& check) {
-  const pid_t child = ::fork();
-  if (child == 0) {
-    constexpr unsigned nobody = 65534;
-    const bool isOrdinary = ::geteuid() != 0 || (::setgid(nobody) == 0 && ::setuid(nobody) == 0);
-    ::_exit(isOrdinary && check() ? 0 : 1);
-  }
-  int result = -1;
-  ::waitpid(child, &result, 0);
-  return WIFEXITED(result) && WEXITSTATUS(result) == 0;
-}
-
-// No file of this process can become larger while it lives: a disk that is full to the byte.
-class FullDisk {
- public:
-  explicit FullDisk(rlim_t largestFile) {
-    ::getrlimit(RLIMIT_FSIZE, &before_);
-    const rlimit limited{largestFile, before_.rlim_max};
-    ::setrlimit(RLIMIT_FSIZE, &limited);
-  }
-  FullDisk(const FullDisk&) = delete;
-  FullDisk& operator=(const FullDisk&) = delete;
-  ~FullDisk() { ::setrlimit(RLIMIT_FSIZE, &before_); }
-
- private:
-  rlimit before_{};
-};
 
 TEST(FileSettingsService, ReadsAndWritesAFile) {
   const TemporaryFolder folder;
@@ -134,17 +101,14 @@ TEST(FileSettingsService, AFileThatCannotBeCreatedFailsTheWrite) {
   EXPECT_TRUE(service.WriteValue("A", "x", folder.Path("missing/new.ini"), "1").Ok());
 }
 
-TEST(FileSettingsService, AFolderOrAPipeIsNoFile) {
+TEST(FileSettingsService, AFolderIsNoFile) {
   const TemporaryFolder folder;
-  ::mkfifo(folder.Path("pipe").c_str(), 0600);
   std::filesystem::create_directory(folder.Path("folder"));
   FileSettingsService service;
-  for (const char* name : {"pipe", "folder"}) {
-    EXPECT_EQ(service.ReadValue("A", "x", folder.Path(name), "fallback"), std::nullopt);
-    EXPECT_FALSE(service.WriteValue("A", "x", folder.Path(name), "1").Ok());
-    EXPECT_FALSE(service.AppendBlankLine(folder.Path(name)).Ok());
-  }
-  EXPECT_EQ(folder.Names(), (Pieces{"folder", "pipe"}));
+  EXPECT_EQ(service.ReadValue("A", "x", folder.Path("folder"), "fallback"), std::nullopt);
+  EXPECT_FALSE(service.WriteValue("A", "x", folder.Path("folder"), "1").Ok());
+  EXPECT_FALSE(service.AppendBlankLine(folder.Path("folder")).Ok());
+  EXPECT_EQ(folder.Names(), Pieces{"folder"});
 }
 
 TEST(FileSettingsService, ARefusedWriteChangesNothing) {
@@ -157,21 +121,6 @@ TEST(FileSettingsService, ARefusedWriteChangesNothing) {
   EXPECT_EQ(BytesOf(path), "[A]\nx=1\n");
   EXPECT_FALSE(service.WriteValue("A]", "x", folder.Path("new.ini"), "2").Ok());
   EXPECT_EQ(folder.Names(), Pieces{"Zolvane.ini"});
-}
-
-TEST(FileSettingsService, AValueThatIsThereAlreadyDoesNotTouchTheFile) {
-  const TemporaryFolder folder;
-  const std::string path = folder.Put("Zolvane.ini", "[A]\nx=1\n");
-  FileSettingsService service;
-  ASSERT_TRUE(service.WriteValue("A", "x", path, "2").Ok());
-  struct stat before {};
-  ::stat(path.c_str(), &before);
-  EXPECT_TRUE(service.WriteValue("A", "x", path, "2").Ok());
-  struct stat after {};
-  ::stat(path.c_str(), &after);
-  EXPECT_EQ(after.st_ino, before.st_ino);
-  EXPECT_EQ(after.st_ctim.tv_sec, before.st_ctim.tv_sec);
-  EXPECT_EQ(after.st_ctim.tv_nsec, before.st_ctim.tv_nsec);
 }
 
 TEST(FileSettingsService, SeveralFilesAreInUseAtOnce) {
@@ -318,6 +267,43 @@ TEST(ChangesByOtherPrograms, TwoServicesOnOneFileSeeEachOther) {
   EXPECT_EQ(folder.Names(), Pieces{"Zolvane.ini"});
 }
 
+TEST(ChangesByOtherPrograms, AtTheSameTimeAsOursAreNotLost) {
+  const TemporaryFolder folder;
+  const std::string path = folder.Put("Zolvane.ini", "[A]\nfirst=0\nsecond=0\n");
+  constexpr int writes = 100;
+  const auto writeOwnKey = [&](std::string_view key) {
+    FileSettingsService service;
+    for (int number = 1; number <= writes; ++number) {
+      const bool isWritten = service.WriteValue("A", key, path, std::to_string(number)).Ok();
+      EXPECT_TRUE(isWritten) << service.FailureReason();
+    }
+  };
+  std::thread first{writeOwnKey, "first"};
+  writeOwnKey("second");
+  first.join();
+  EXPECT_EQ(BytesOf(path), "[A]\nfirst=100\nsecond=100\n");
+  EXPECT_EQ(folder.Names(), Pieces{"Zolvane.ini"});
+}
+
+TEST(FilesOfOthers, ThatBearTheNamesOfOursAreNeitherChangedNorRemoved) {
+  const TemporaryFolder folder;
+  const std::string path = folder.Put("Zolvane.ini", "[A]\nx=1\n");
+  const Pieces names{".Zolvane.ini.bench-copy", "Zolvane.ini.bench-copy", "Zolvane.ini.bench-lock"};
+  for (const std::string& name : names) {
+    folder.Put(name, "somebody's");
+  }
+  {
+    FileSettingsService service;
+    EXPECT_TRUE(service.WriteValue("A", "x", path, "2").Ok());
+    EXPECT_TRUE(service.WriteValue("A", "x", path, "33").Ok());
+  }
+  for (const std::string& name : names) {
+    EXPECT_EQ(folder.Read(name), "somebody's");
+  }
+  EXPECT_EQ(folder.Names().size(), names.size() + 1);
+  EXPECT_EQ(BytesOf(path), "[A]\nx=33\n");
+}
+
 using std::chrono::milliseconds;
 using std::chrono::seconds;
 
@@ -458,34 +444,15 @@ TEST(AFileThatHadContent, IsNotEmptyBecauseACallFails) {
   EXPECT_EQ(service.FailureReason(), "it cannot be read");
 }
 
-// Somebody else's handle on a file or folder.
-class OtherHandle {
- public:
-  OtherHandle(const std::string& path, int flags) : handle_{::open(path.c_str(), flags | O_CLOEXEC)} {}
-  OtherHandle(const OtherHandle&) = delete;
-  OtherHandle& operator=(const OtherHandle&) = delete;
-  ~OtherHandle() { Close(); }
-
-  int Number() const { return handle_; }
-  void Close() {
-    if (handle_ >= 0) {
-      ::close(std::exchange(handle_, -1));
-    }
-  }
-
- private:
-  int handle_;
-};
-
 TEST(AFileThatIsOpenForWritingElsewhere, IsWaitedForAndNotExchanged) {
   const TemporaryFolder folder;
   const std::string path = folder.Put("Zolvane.ini", "[A]\nx=1\n");
   WaitingService waiting;
   ASSERT_EQ(Read(waiting.Service, path, "x"), "1");
-  OtherHandle editor{path, O_WRONLY | O_TRUNC};
+  std::ofstream editor{path, std::ios::binary | std::ios::trunc};
   waiting.Time.After(milliseconds{10}, [&] {
-    EXPECT_EQ(::write(editor.Number(), "[A]\nx=5\nmine=1\n", 15), 15);
-    editor.Close();
+    editor << "[A]\nx=5\nmine=1\n";
+    editor.close();
   });
   EXPECT_TRUE(waiting.Service.WriteValue("A", "x", path, "2").Ok());
   EXPECT_EQ(BytesOf(path), "[A]\nx=2\nmine=1\n");
@@ -496,7 +463,7 @@ TEST(AFileThatIsOpenForWritingElsewhere, FailsTheWriteWhenItStaysSo) {
   const std::string path = folder.Put("Zolvane.ini", "[A]\nx=1\n");
   WaitingService waiting;
   ASSERT_EQ(Read(waiting.Service, path, "x"), "1");
-  const OtherHandle editor{path, O_RDWR};
+  const std::fstream editor{path, std::ios::binary | std::ios::in | std::ios::out};
   EXPECT_FALSE(waiting.Service.WriteValue("A", "x", path, "2").Ok());
   EXPECT_EQ(waiting.Service.FailureReason(), "another program has it open for writing");
   EXPECT_GE(waiting.Time.Passed(), longestUse);
@@ -509,12 +476,11 @@ TEST(AFileThatIsOpenForWritingElsewhere, FailsTheWriteWhenItStaysSo) {
 TEST(AFileThatIsOpenForWritingElsewhere, IsReadWhenItIsWhole) {
   const TemporaryFolder folder;
   const std::string path = folder.Path("Zolvane.ini");
-  OtherHandle editor{path, O_WRONLY | O_CREAT};
-  ::fchmod(editor.Number(), 0600);
+  std::ofstream editor{path, std::ios::binary};
   WaitingService waiting;
   waiting.Time.After(milliseconds{10}, [&] {
-    EXPECT_EQ(::write(editor.Number(), "[A]\nx=5\n", 8), 8);
-    editor.Close();
+    editor << "[A]\nx=5\n";
+    editor.close();
   });
   EXPECT_EQ(Read(waiting.Service, path, "x"), "5");
 }
@@ -523,15 +489,15 @@ TEST(ALockOfAnotherProgram, IsWaitedForTenSeconds) {
   const TemporaryFolder folder;
   const std::string path = folder.Put("Zolvane.ini", "[A]\nx=1\n");
   WaitingService waiting;
-  OtherHandle other{folder.Path(), O_RDONLY | O_DIRECTORY};
-  ASSERT_EQ(::flock(other.Number(), LOCK_EX), 0);
+  auto other = std::make_unique<LockOfAnotherWriter>(path);
+  ASSERT_TRUE(other->IsHeld());
   EXPECT_EQ(Read(waiting.Service, path, "x"), "1");
   EXPECT_FALSE(waiting.Service.WriteValue("A", "x", path, "2").Ok());
   EXPECT_EQ(waiting.Service.FailureReason(),
             "another program has been holding the lock of its folder for ten seconds");
   EXPECT_EQ(waiting.Time.Passed(), seconds{10});
   EXPECT_EQ(BytesOf(path), "[A]\nx=1\n");
-  waiting.Time.After(seconds{9}, [&] { other.Close(); });
+  waiting.Time.After(seconds{9}, [&] { other.reset(); });
   EXPECT_TRUE(waiting.Service.WriteValue("A", "x", path, "2").Ok());
   EXPECT_EQ(BytesOf(path), "[A]\nx=2\n");
 }
@@ -540,55 +506,12 @@ TEST(ALockOfAnotherProgram, IsNotWaitedForByAUserWhoWantsToStop) {
   const TemporaryFolder folder;
   const std::string path = folder.Put("Zolvane.ini", "[A]\nx=1\n");
   WaitingService waiting;
-  const OtherHandle other{folder.Path(), O_RDONLY | O_DIRECTORY};
-  ASSERT_EQ(::flock(other.Number(), LOCK_EX), 0);
+  auto other = std::make_unique<LockOfAnotherWriter>(path);
+  ASSERT_TRUE(other->IsHeld());
   waiting.Time.After(milliseconds{300}, [&] { waiting.Time.IsInterrupted = true; });
   EXPECT_FALSE(waiting.Service.WriteValue("A", "x", path, "2").Ok());
   EXPECT_EQ(waiting.Service.FailureReason(), "the wait for another program was interrupted");
   EXPECT_LT(waiting.Time.Passed(), milliseconds{400});
-}
-
-// Writes a value that makes the file grow on a disk where files may not be larger than `limit`.
-bool GrowsOnFullDisk(FileSettingsService& service, const std::string& path, rlim_t limit) {
-  const FullDisk disk{limit};
-  return service.WriteValue("A", "x", path, std::string(200, 'x')).Ok();
-}
-
-TEST(FullDiskHandling, AWriteThatDoesNotFitLeavesTheFileAsItWas) {
-  const TemporaryFolder folder;
-  const std::string before = "[A]\nx=1\ny=" + std::string(5000, 'y') + "\n";
-  for (const rlim_t limit : {0U, 100U, 5010U, 5100U}) {
-    const std::string path = folder.Put("Zolvane.ini", before);
-    FileSettingsService service;
-    EXPECT_FALSE(GrowsOnFullDisk(service, path, limit));
-    EXPECT_EQ(BytesOf(path), before);
-    EXPECT_EQ(folder.Names(), Pieces{"Zolvane.ini"});
-    EXPECT_EQ(Read(service, path, "x"), "1");
-    EXPECT_TRUE(service.WriteValue("A", "x", path, "22").Ok());
-    EXPECT_EQ(BytesOf(path), "[A]\nx=22\ny=" + std::string(5000, 'y') + "\n");
-  }
-}
-
-TEST(FullDiskHandling, AlsoWhenTheSecondCopyIsThereAlready) {
-  const TemporaryFolder folder;
-  const std::string path = folder.Put("Zolvane.ini", "[A]\nx=1\ny=" + std::string(5000, 'y') + "\n");
-  FileSettingsService service;
-  ASSERT_TRUE(service.WriteValue("A", "x", path, "2").Ok());
-  ASSERT_TRUE(service.WriteValue("A", "z", path, "3").Ok());
-  const std::string before = BytesOf(path);
-  EXPECT_FALSE(GrowsOnFullDisk(service, path, 5100));
-  EXPECT_EQ(BytesOf(path), before);
-  EXPECT_TRUE(service.WriteValue("A", "x", path, "4").Ok());
-  EXPECT_EQ(BytesOf(path), "[A]\nx=4\ny=" + std::string(5000, 'y') + "\nz=3\n");
-}
-
-TEST(FullDiskHandling, AFileThatCannotBeWrittenIsNotCreated) {
-  const TemporaryFolder folder;
-  FileSettingsService service;
-  EXPECT_FALSE(GrowsOnFullDisk(service, folder.Path("new.ini"), 100));
-  EXPECT_TRUE(folder.Names().empty());
-  EXPECT_TRUE(service.WriteValue("A", "x", folder.Path("new.ini"), "1").Ok());
-  EXPECT_EQ(BytesOf(folder.Path("new.ini")), "[A]\r\nx=1\r\n");
 }
 
 TEST(CheckUsable, AnOrdinaryFileIs) {
@@ -606,96 +529,15 @@ TEST(CheckUsable, AMissingFileIsWhereItCanBeCreated) {
   EXPECT_EQ(CheckUsable(folder.Put("file", "") + "/new.ini"), "cannot be reached");
 }
 
-TEST(CheckUsable, AFolderAPipeAndATextOf16BitUnitsAreNot) {
+TEST(CheckUsable, AFolderAndATextOf16BitUnitsAreNot) {
   const TemporaryFolder folder;
-  ::mkfifo(folder.Path("pipe").c_str(), 0600);
   const std::string utf16 =
       "cannot be used: it is a UTF-16 text; it has to be saved as UTF-8 or Windows-1252";
   EXPECT_EQ(CheckUsable(folder.Path("")), "is a folder");
-  EXPECT_EQ(CheckUsable(folder.Path("pipe")), "is not an ordinary file");
   EXPECT_EQ(CheckUsable(folder.Put("little.ini", "\xFF\xFE[")), utf16);
   EXPECT_EQ(CheckUsable(folder.Put("big.ini", "\xFE\xFF[")), utf16);
   EXPECT_EQ(CheckUsable(folder.Put("little without mark.ini", std::string_view{"[\0A\0]\0", 6})), utf16);
   EXPECT_EQ(CheckUsable(folder.Put("big without mark.ini", std::string_view{"\0[\0A\0]", 6})), utf16);
-}
-
-TEST(CheckUsable, AFileThatTheUserMayNotUseIsNot) {
-  const TemporaryFolder folder;
-  const std::string path = folder.Put("Zolvane.ini", "[A]\n");
-  ::chmod(folder.Path("").c_str(), 0777);
-  ::chmod(path.c_str(), 0);
-  EXPECT_TRUE(HoldsForOrdinaryUser([&] { return CheckUsable(path) == "cannot be read"; }));
-  ::chmod(path.c_str(), 0444);
-  EXPECT_TRUE(HoldsForOrdinaryUser([&] { return CheckUsable(path) == "cannot be written"; }));
-  EXPECT_TRUE(HoldsForOrdinaryUser([&] { return !CheckUsable(path, FileUse::ReadOnly); }));
-  ::chmod(path.c_str(), 0666);
-  EXPECT_TRUE(HoldsForOrdinaryUser([&] { return !CheckUsable(path); }));
-  ::chmod(folder.Path("").c_str(), 0555);
-  EXPECT_TRUE(
-      HoldsForOrdinaryUser([&] { return CheckUsable(path) == "is in a folder that cannot be written"; }));
-  ::chmod(folder.Path("").c_str(), 0777);
-}
-
-TEST(AccessRights, AFileThatMayNotBeReadIsNeitherReadNorReplaced) {
-  const TemporaryFolder folder;
-  const std::string path = folder.Put("Zolvane.ini", "[A]\nx=1\n");
-  ::chmod(folder.Path("").c_str(), 0777);
-  for (const mode_t mode : {0U, 0444U}) {
-    ::chmod(path.c_str(), mode);
-    EXPECT_TRUE(HoldsForOrdinaryUser([&] {
-      FileSettingsService service;
-      const auto expected = mode == 0 ? std::nullopt : std::optional<std::string>{"1"};
-      return service.ReadValue("A", "x", path, "none") == expected &&
-             !service.WriteValue("A", "x", path, "2").Ok();
-    }));
-    EXPECT_EQ(folder.Names(), Pieces{"Zolvane.ini"});
-  }
-  ::chmod(path.c_str(), 0600);
-  EXPECT_EQ(BytesOf(path), "[A]\nx=1\n");
-}
-
-// Somebody who belongs to none of the file's groups, and may write it all the same.
-TEST(AccessRights, AGroupThatCannotBeKeptIsNotReplacedByOneThatGetsItsRights) {
-  const TemporaryFolder folder;
-  ::chmod(folder.Path("").c_str(), 0777);
-  for (const auto& [mode, isWritten] : {std::pair{0676U, false}, std::pair{0646U, true}}) {
-    const std::string path = folder.Put("Zolvane.ini", "[A]\nx=1\n");
-    ::chmod(path.c_str(), mode);
-    EXPECT_TRUE(HoldsForOrdinaryUser([&, expected = isWritten] {
-      FileSettingsService service;
-      return !CheckUsable(path) == expected && service.WriteValue("A", "x", path, "2").Ok() == expected;
-    })) << mode;
-    EXPECT_EQ(BytesOf(path), isWritten ? "[A]\nx=2\n" : "[A]\nx=1\n");
-    EXPECT_EQ(folder.Names(), Pieces{"Zolvane.ini"});
-  }
-}
-
-TEST(AccessRights, AFileOfSomebodyElseInAFolderThatKeepsItIsToldAboutBefore) {
-  const TemporaryFolder folder;
-  const std::string path = folder.Put("Zolvane.ini", "[A]\nx=1\n");
-  ::chmod(path.c_str(), 0666);
-  ::chmod(folder.Path("").c_str(), 01777);
-  EXPECT_TRUE(HoldsForOrdinaryUser([&] {
-    FileSettingsService service;
-    return CheckUsable(path) == "belongs to somebody else, in a folder where only the owner may replace it" &&
-           !CheckUsable(path, FileUse::ReadOnly) && !service.WriteValue("A", "x", path, "2").Ok();
-  }));
-  EXPECT_EQ(BytesOf(path), "[A]\nx=1\n");
-  EXPECT_EQ(folder.Names(), Pieces{"Zolvane.ini"});
-}
-
-TEST(AccessRights, AnOrdinaryUserWritesAFileOfSomebodyElseThatIsOpenToAll) {
-  const TemporaryFolder folder;
-  const std::string path = folder.Put("Zolvane.ini", "[A]\nx=1\n");
-  ::chmod(folder.Path("").c_str(), 0777);
-  ::chmod(path.c_str(), 0666);
-  EXPECT_TRUE(HoldsForOrdinaryUser([&] {
-    FileSettingsService service;
-    return service.WriteValue("A", "x", path, "2").Ok() && service.WriteValue("A", "x", path, "3").Ok() &&
-           service.WriteValue("A", "x", path, "4").Ok();
-  }));
-  EXPECT_EQ(BytesOf(path), "[A]\nx=4\n");
-  EXPECT_EQ(folder.Names(), Pieces{"Zolvane.ini"});
 }
 
 }  // namespace
