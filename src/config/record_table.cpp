@@ -13,10 +13,11 @@ Status WriteFieldList(const SettingsFiles& settings, std::string_view section, s
   return settings.WriteValue(section, key, file, line);
 }
 
-std::vector<std::string> ReadRecordLine(const SettingsFiles& settings, std::string_view section,
-                                        std::string_view key, std::string_view file) {
+std::optional<std::vector<std::string>> ReadRecordLine(const SettingsFiles& settings,
+                                                       std::string_view section, std::string_view key,
+                                                       std::string_view file) {
   const auto line = settings.ReadValue(section, key, file);
-  return line ? settings.SplitText(",", *line) : std::vector<std::string>{};
+  return line ? std::optional{settings.SplitText(",", *line)} : std::nullopt;
 }
 
 }  // namespace zolvane

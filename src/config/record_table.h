@@ -154,9 +154,10 @@ struct RecordTable {
 Status WriteFieldList(const SettingsFiles& settings, std::string_view section, std::string_view key,
                       std::span<const std::string> fields, std::string_view file);
 
-// The pieces of the record line of an item; none when it is missing.
-std::vector<std::string> ReadRecordLine(const SettingsFiles& settings, std::string_view section,
-                                        std::string_view key, std::string_view file);
+// The pieces of the record line of an item: none when it is missing, nullopt when it cannot be read.
+std::optional<std::vector<std::string>> ReadRecordLine(const SettingsFiles& settings,
+                                                       std::string_view section, std::string_view key,
+                                                       std::string_view file);
 
 // Fills the record from the pieces of its line and from the section's keys. What is missing or does not
 // convert keeps the value that the record came with.
@@ -188,7 +189,9 @@ Record LoadRecord(const RecordTable<Record>& table, const Configuration& configu
   const auto pieces = ReadRecordLine(configuration.Settings, section, ItemKey(item), path);
   Record record;
   record.*table.Identity = item;
-  LoadInto<Record>(record, table.Fields, pieces, configuration, section, path);
+  record.IsUnread = !pieces;
+  LoadInto<Record>(record, table.Fields, pieces.value_or(std::vector<std::string>{}), configuration, section,
+                   path);
   return record;
 }
 
@@ -253,12 +256,16 @@ void ForEachNumberedValue(const SettingsFiles& settings, std::string_view sectio
 
 // Loads item 1, 2, ... and stops at the first record that matches, or else at the first without a name: the
 // record is compared first and tested for the end afterwards, so a nameless record can match. The record
-// where the walk stopped is the result.
+// where the walk stopped is the result. A record whose line cannot be read is left out and the walk goes on: one failed
+// read must not cut the table, nor give its place away as the end. Where the first cannot be read the walk ends.
 template <class Load, class Matches>
 auto FindRecord(Load load, Matches matches) {
   auto record = load(std::string{"1"});
-  for (int item = 2; !matches(std::as_const(record)) && !record.Name.empty() && item <= lastItemNumber;
-       ++item) {
+  const auto isLeftOut = [&record](int item) { return record.IsUnread && item > 1; };
+  for (int item = 1; isLeftOut(item) || (!matches(std::as_const(record)) && !record.Name.empty());) {
+    if (++item > lastItemNumber) {
+      break;
+    }
     record = load(WholeText(item));
   }
   return record;

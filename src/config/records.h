@@ -29,6 +29,7 @@ struct DeviceTypeRecord {
   bool ZCollisionStatus = false;
   bool CollisionDetectEnableSDXY = false;
   bool SDXYCollisionStatus = false;
+  bool IsUnread = false;  // its line could not be read
 };
 
 // Section "CageType": a carrier of pipetting modules.
@@ -45,6 +46,7 @@ struct CageTypeRecord {
   std::int32_t Field6 = 0;
   std::int32_t Field7 = 0;  // tip-change S, steps
   std::int32_t Field8 = 0;
+  bool IsUnread = false;  // its line could not be read
 };
 
 // Section "HeadType": a pipette head. The five offsets are named in millimetres, as their keys are; in memory
@@ -76,6 +78,7 @@ struct HeadTypeRecord {
   double SDPreCollectHeightMM = 0.0;
   double SDRFIDReadHeightMM = 0.0;
   double SDHeadEjectOffsetMM = 0.0;
+  bool IsUnread = false;  // its line could not be read
 };
 
 // Section "TipType": a kind of tip.
@@ -101,6 +104,7 @@ struct TipTypeRecord {
   bool Field17 = false;  // fourth tip-size flag
   std::string Field18;   // name of the tip's volume-correction section
   double TipChuteClearOffset = 0.0;
+  bool IsUnread = false;  // its line could not be read
 };
 
 // One line "Axis1", "Axis2", ... of the section of the current device and cage.
@@ -149,6 +153,7 @@ struct PlateTypeRecord {
   bool Field19 = false;
   bool Field20 = false;
   bool Field21 = false;
+  bool IsUnread = false;  // its line could not be read
 };
 
 // Section "Calibration_" and the device's name: the stage calibration table.
@@ -163,6 +168,7 @@ struct CalibrationRecord {
   std::int32_t Field7 = 0;
   std::int32_t Field8 = 0;
   std::int32_t Field9 = 0;
+  bool IsUnread = false;  // its line could not be read
 };
 
 // Section "Position_" and the device's name: a place on the stage.
@@ -185,6 +191,7 @@ struct PositionRecord {
   std::string Field14;
   bool Flag15 = false;
   bool Flag16 = false;
+  bool IsUnread = false;  // its line could not be read
 };
 
 // Section "Z_Calibration": the heights. The names' irregular capitals are part of the file's format.
@@ -221,6 +228,7 @@ struct NestCalibrationRecord {
   std::int32_t Value4 = 0;
   std::int32_t Value5 = 0;
   std::int32_t Value6 = 0;
+  bool IsUnread = false;  // its line could not be read
 };
 
 // One of the three places of a nest.
@@ -239,6 +247,7 @@ struct NestTypeRecord {
   std::string Name;
   std::string Code;  // "NEST8", "NEST12"
   std::array<NestPosition, 3> Nests;
+  bool IsUnread = false;  // its line could not be read
 };
 
 }  // namespace zolvane

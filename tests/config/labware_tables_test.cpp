@@ -912,12 +912,11 @@ TEST(PositionTable, ANamelessRecordIsFoundByItsPositionName) {
   EXPECT_EQ(end.Field4, 5);
 }
 
-TEST(PositionTable, ALineThatCannotBeReadIsTheEndOfTheLookup) {
+TEST(PositionTable, ALineThatCannotBeReadIsLeftOutOfTheLookup) {
   StageFixture fixture{"[Position_ZV 400]\nItem1=A,a\nItem2=B,b\nItem3=C,c\n"};
   fixture.Calls.FailEverythingThatStartsWith("read [Position_ZV 400] Item2");
-  const auto end = LoadPosition(fixture.Config, "", "C", "");
-  EXPECT_EQ(end.Key, "2");
-  EXPECT_EQ(end.PositionName, "");
+  EXPECT_EQ(LoadPosition(fixture.Config, "", "C", "").Key, "3");
+  EXPECT_EQ(LoadPosition(fixture.Config, "", "B", "").Key, "4");
 }
 
 TEST(PositionTable, WithoutItemAndNameGivesAnEmptyRecordAndReadsNothing) {

@@ -68,11 +68,15 @@ TEST(ReadRecordLine, CutsTheLineAtEveryComma) {
   EXPECT_EQ(pieces, (Texts{"\"A", "b\"", "", " c"}));
 }
 
-TEST(ReadRecordLine, HasNoPiecesWhenTheLineIsMissingOrCannotBeReadOrCut) {
+TEST(ReadRecordLine, TellsALineThatCannotBeReadFromAMissingOne) {
   ConfigFixture fixture{"[S]\nItem1=a,b\n"};
   EXPECT_EQ(ReadRecordLine(fixture.Config.Settings, "S", "Item2", fixture.ConfigFile()), Texts{});
   fixture.Calls.FailEverythingThatStartsWith("read");
-  EXPECT_EQ(ReadRecordLine(fixture.Config.Settings, "S", "Item1", fixture.ConfigFile()), Texts{});
+  EXPECT_EQ(ReadRecordLine(fixture.Config.Settings, "S", "Item1", fixture.ConfigFile()), std::nullopt);
+}
+
+TEST(ReadRecordLine, HasNoPiecesWhenTheLineCannotBeCut) {
+  ConfigFixture fixture{"[S]\nItem1=a,b\n"};
   fixture.Calls.FailEverythingThatStartsWith("split");
   EXPECT_EQ(ReadRecordLine(fixture.Config.Settings, "S", "Item1", fixture.ConfigFile()), Texts{});
 }
@@ -82,6 +86,7 @@ TEST(ReadRecordLine, HasNoPiecesWhenTheLineIsMissingOrCannotBeReadOrCut) {
 struct Box {
   std::string Number;
   std::string Name = "old";
+  bool IsUnread = false;
   double Width = 1.5;
   std::int32_t Far = 40;
   bool Lid = true;
@@ -181,9 +186,10 @@ struct Entry {
   std::string Number;
   std::string Name;
   std::string Code;
+  bool IsUnread = false;
 };
 
-// A table of records with these names, and which numbers were asked for.
+// A table of records with these names, and which numbers were asked for. The record of a name "?" cannot be read.
 struct CountedEntries {
   Texts Names;
   Texts Asked;
@@ -192,7 +198,9 @@ struct CountedEntries {
     return [this](const std::string& number) {
       Asked.push_back(number);
       const auto index = static_cast<std::size_t>(std::stoi(number)) - 1;
-      return Entry{number, index < Names.size() ? Names[index] : "", "c" + number};
+      const auto name = index < Names.size() ? Names[index] : "";
+      return name == "?" ? Entry{.Number = number, .Name = "", .Code = "", .IsUnread = true}
+                         : Entry{.Number = number, .Name = name, .Code = "c" + number};
     };
   }
 };
@@ -216,6 +224,29 @@ TEST(FindRecord, ComparesBeforeItTestsForTheEnd) {
   CountedEntries entries{{"a", "", "b"}, {}};
   const auto found = FindRecord(entries.Loader(), [](const Entry& entry) { return entry.Code == "c2"; });
   EXPECT_EQ(found.Number, "2");
+}
+
+TEST(FindRecord, LeavesOutARecordThatCannotBeReadAndGoesOn) {
+  CountedEntries entries{{"a", "?", "b"}, {}};
+  EXPECT_EQ(FindRecord(entries.Loader(), [](const Entry& entry) { return entry.Code != "c1"; }).Number, "3");
+}
+
+TEST(FindRecord, DoesNotTakeARecordThatCannotBeReadForTheEnd) {
+  CountedEntries entries{{"a", "?", "b"}, {}};
+  EXPECT_EQ(FindRecord(entries.Loader(), [](const Entry&) { return false; }).Number, "4");
+}
+
+TEST(FindRecord, EndsAtOnceWhereTheFirstRecordCannotBeRead) {
+  CountedEntries entries{{"?", "b"}, {}};
+  EXPECT_EQ(FindRecord(entries.Loader(), [](const Entry&) { return false; }).Number, "1");
+  EXPECT_EQ(entries.Asked, Texts{"1"});
+}
+
+TEST(FindRecord, EndsWhere16BitCountersEndAlsoWhenNothingCanBeReadAnyMore) {
+  CountedEntries entries{Texts(40000, "?"), {}};
+  entries.Names.front() = "a";
+  EXPECT_TRUE(FindRecord(entries.Loader(), [](const Entry&) { return false; }).IsUnread);
+  EXPECT_EQ(entries.Asked.size(), 32767U);
 }
 
 TEST(FindRecord, OfAnEmptyTableIsItsEnd) {
@@ -247,6 +278,13 @@ TEST(ForEachRecord, VisitsTheRecordsBeforeTheFirstNamelessOne) {
   ForEachRecord(entries.Loader(), [&visited](const Entry& entry) { visited.push_back(entry.Number); });
   EXPECT_EQ(visited, (Texts{"1", "2"}));
   EXPECT_EQ(entries.Asked, (Texts{"1", "2", "3"}));
+}
+
+TEST(ForEachRecord, LeavesOutWhatCannotBeRead) {
+  CountedEntries entries{{"a", "?", "c", "?", "", "f"}, {}};
+  Texts visited;
+  ForEachRecord(entries.Loader(), [&visited](const Entry& entry) { visited.push_back(entry.Number); });
+  EXPECT_EQ(visited, (Texts{"1", "3"}));
 }
 
 TEST(ForEachRecord, VisitsNothingOfAnEmptyTable) {

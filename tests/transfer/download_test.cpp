@@ -274,6 +274,17 @@ TEST(DownloadPosition, AsksForXLoadsTheRecordAsksForYAndSaves) {
                    "write [Position_D] Item2=TIPCHUTE,\"c\",K,-11,13,3,4,5,6,7,8,1,0,T,1,1"}));
 }
 
+TEST(DownloadPosition, LeavesARecordAloneThatCannotBeRead) {
+  DownloadFixture fixture{
+      "[Position_D]\nItem1=OTHER,\"o\"\nItem2=HIDDEN,\"h\",,7,8\nItem3=STAGE1,\"s\",,1,2\n"};
+  fixture.Calls.FailEverythingThatStartsWith("read [Position_D] Item2");
+  fixture.Reply("STAGE1_X", "=5");
+  fixture.Reply("STAGE1_Y", "=6");
+  DownloadPosition(fixture.Context, "STAGE1", "STAGE1");
+  EXPECT_EQ(fixture.Value("Position_D", "Item2"), "HIDDEN,\"h\",,7,8");
+  EXPECT_EQ(fixture.Value("Position_D", "Item3"), "STAGE1,\"s\",,5,6,0,0,0,0,0,0,0,0,,0,0");
+}
+
 TEST(DownloadPosition, DoesNothingWhenTheStopFlagIsSet) {
   DownloadFixture fixture;
   fixture.Link().StopFlag = true;
