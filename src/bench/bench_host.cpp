@@ -256,11 +256,22 @@ class WatchedLink final : public InstrumentLink {
     } else {
       state_.Now.WasStopped = true;  // the user has interrupted, and nothing leaves any more
     }
+    Keep(delivery);
     TellProblem(delivery.Problem);
     return ok;
   }
 
  private:
+  void Keep(const Delivery& delivery) {
+    auto& commands = state_.Now.Commands;
+    if (!delivery.Problem.empty() && !commands.FirstProblem) {
+      commands.FirstProblem = delivery.Problem;
+    }
+    if (!commands.FirstSkippedLine) {
+      commands.FirstSkippedLine = delivery.SkippedLine;
+    }
+  }
+
   // Once, and not for each command that it keeps from the instrument.
   void TellProblem(const std::string& problem) {
     if (!problem.empty() && told_.insert(problem).second) {

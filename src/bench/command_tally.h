@@ -24,6 +24,8 @@ struct CommandTally {
   std::size_t NotAnswered = 0;
   std::optional<RefusedCommand> FirstRefused;
   std::optional<std::string> FirstNotAnswered;  // its key, or the whole command
+  std::optional<std::string> FirstProblem;      // why the link could not deliver one
+  std::optional<std::string> FirstSkippedLine;  // that came while one waited and did not answer it
   bool ExpectsSave = false;
   bool IsSaveSent = false;
   bool IsSaveAccepted = false;

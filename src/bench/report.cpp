@@ -60,6 +60,8 @@ Json CommandsJson(const CommandTally& commands) {
           {"commands_not_sent", commands.NotSent()},
           {"first_refused", FirstRefusedJson(commands)},
           {"first_not_answered", OrNull(commands.FirstNotAnswered)},
+          {"link_problem", OrNull(commands.FirstProblem)},
+          {"skipped_line", OrNull(commands.FirstSkippedLine)},
           {"save_sent", commands.IsSaveSent},
           {"save_accepted", commands.IsSaveAccepted}};
 }
@@ -184,6 +186,10 @@ std::string FirstNotAnswered(const CommandTally& commands) {
   return Joined("first ", Printable(*commands.FirstNotAnswered));
 }
 
+std::string SkippedText(const CommandTally& commands) {
+  return Joined("skipped the line ", QuotedReply(*commands.FirstSkippedLine));
+}
+
 std::string OfAll(std::size_t number, const CommandTally& commands) {
   return Joined(std::to_string(number), " of ", Counted(commands.Total(), "command"));
 }
@@ -207,6 +213,12 @@ std::vector<std::string> CommandTexts(const CommandTally& commands) {
   if (commands.NotAnswered > 0) {
     texts.push_back(
         Joined(std::to_string(commands.NotAnswered), " not answered, ", FirstNotAnswered(commands)));
+  }
+  if (commands.FirstProblem) {
+    texts.push_back(Printable(*commands.FirstProblem));
+  }
+  if (commands.FirstSkippedLine) {
+    texts.push_back(SkippedText(commands));
   }
   if (commands.NotSent() > 0) {
     texts.push_back(std::to_string(commands.NotSent()) + " not sent");
@@ -267,6 +279,9 @@ std::vector<std::string> ReasonsOf(const Happenings& happened) {
   if (commands.NotAnswered > 0) {
     reasons.push_back(
         Joined(OfAll(commands.NotAnswered, commands), " not answered, ", FirstNotAnswered(commands)));
+  }
+  if (commands.NotAnswered > 0 && commands.FirstSkippedLine) {
+    reasons.push_back(SkippedText(commands));
   }
   if (commands.IsFailedByReplies()) {
     reasons.push_back(Joined(OfAll(commands.Refused, commands), " refused, ", FirstRefused(commands)));

@@ -1078,7 +1078,7 @@ TEST_F(Bench, TheJsonDocumentTellsWhatAnOperationDid) {
       ActionsOf(result).at(0).dump(),
       R"({"command":"upload","exit_status":1,"outcome":"failed","commands":36,"commands_sent":1,)"
       R"("commands_accepted":0,"commands_refused":0,"commands_not_answered":1,"commands_not_sent":35,)"
-      R"("first_refused":null,"first_not_answered":"STAGE1_X","save_sent":false,"save_accepted":false,)"
+      R"("first_refused":null,"first_not_answered":"STAGE1_X","link_problem":null,"skipped_line":null,"save_sent":false,"save_accepted":false,)"
       R"("values_written":0,"values_changed":0,"writes_failed":0,"reads_failed":0,"characters_lost":0,"file":null,"messages":[)"
       R"({"title":"Upload Calibration Data to Zolvane","text":"The calibration data stored on this computer )"
       R"(will be transferred\r\nto the Zolvane overwriting any existing data.\r\n\r\n)"

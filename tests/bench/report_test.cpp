@@ -51,6 +51,26 @@ TEST(Report, ShortensAReplyThatGoesOnAndOn) {
                                                           std::string(60, 'x') + "\"..."});
 }
 
+TEST(Report, TellsWhyTheLinkDidNotDeliver) {
+  ActionResult result{.Request = Named("query"), .Happened = {}};
+  auto& commands = result.Happened.Commands;
+  commands.Count("STATUS_STAGE", false, "");
+  commands.FirstProblem = "tcp:127.0.0.1:1 cannot be opened: Connection refused";
+  commands.FirstSkippedLine = "WELCOME";
+  EXPECT_EQ(
+      ResultText(result),
+      "query: failed (1 of 1 command sent; 0 accepted; 1 not answered, first STATUS_STAGE; tcp:127.0.0.1:1 "
+      "cannot be opened: Connection refused; skipped the line \"WELCOME\")\n");
+  EXPECT_EQ(ReasonsOf(result.Happened),
+            (std::vector<std::string>{"1 of 1 command not answered, first STATUS_STAGE",
+                                      "skipped the line \"WELCOME\""}));
+  RunReport report;
+  report.Results.push_back(result);
+  const auto json = ReportJson(report)["actions"][0];
+  EXPECT_EQ(json["link_problem"], "tcp:127.0.0.1:1 cannot be opened: Connection refused");
+  EXPECT_EQ(json["skipped_line"], "WELCOME");
+}
+
 TEST(Report, NamesTheCommandsThatWereNotBegunAsFarAsAnyoneReadsThem) {
   EXPECT_EQ(NotBegunText("interrupted", std::vector<Action>{Named("page"), Named("query")}, 5),
             "interrupted: 2 of 5 commands not begun: page; query");
