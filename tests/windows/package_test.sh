@@ -21,19 +21,46 @@ fail() {
 [[ ${#archives[@]} == 1 && -f ${archives[0]} ]] || fail "there is one package for $architecture"
 wine start
 
-# The host's folder, and a place of the user's own.
+# The host's folder, with a laboratory's own configuration, and a place of the user's own.
 installed="$ZOLVANE_WINE_FOLDER/$architecture/drive_c/Program Files/Hestrion"
 elsewhere=$ZOLVANE_WINE_FOLDER/elsewhere
+unpacked=$ZOLVANE_WINE_FOLDER/unpacked
+calibrated=$ZOLVANE_WINE_FOLDER/calibrated.ini
 mkdir -p "$installed" "$elsewhere"
-unzip -q "${archives[0]}" -d "$elsewhere"
-mv "$elsewhere"/*/* "$installed/"
+(cat "$root/samples/Zolvane.ini" && echo '; calibrated by this laboratory') >"$calibrated"
+cp "$calibrated" "$installed/Zolvane.ini"
+unzip -q "${archives[0]}" -d "$unpacked"
 
-expected='CHANGELOG.md HZOCalibrateDevice.dll HestrionBench.exe LICENSE README.txt Zolvane.ini docs host.manifest
-main-job.txt register.cmd unregister.cmd zolvane-bench.exe zolvane-sim.exe'
-[[ $(cd "$installed" && LC_ALL=C ls | xargs) == "$(xargs <<<"$expected")" ]] || fail "the package holds what it should"
-for link in $(grep -ohE '\]\(([a-z-]+\.md|pictures/[a-z-]+\.png)' "$installed"/docs/*.md | sed 's/](//' | sort -u); do
-  [[ -f $installed/docs/$link || $link == architecture.md ]] || fail "docs/$link is there"
-done
+expected='CHANGELOG.md HZOCalibrateDevice.dll HestrionBench.exe LICENSE README.txt docs host.manifest register.cmd
+samples unregister.cmd zolvane-bench.exe zolvane-sim.exe'
+[[ $(cd "$unpacked"/* && LC_ALL=C ls | xargs) == "$(xargs <<<"$expected")" ]] || fail "the package holds what it should"
+cp -r "$unpacked"/*/* "$installed/"
+cmp -s "$calibrated" "$installed/Zolvane.ini" || fail "a laboratory's configuration survives the unpacking"
+cmp -s "$root/samples/Zolvane.ini" "$installed/samples/Zolvane.ini" || fail "the sample is in samples"
+
+# As places on the web make them of headings.
+anchors_of() {
+  tr -d '\r' <"$1" | sed -nE 's/^#+ +//p' | tr '[:upper:]' '[:lower:]' | sed -E 's/[^a-z0-9 _-]//g;s/ /-/g'
+}
+
+# Each link into the package or into its own document. What it names is there, and what it names in there too.
+follow_links() {
+  local document=$1 link file anchor
+  while IFS= read -r link; do
+    if [[ $link =~ ^[a-z]+: ]]; then continue; fi
+    file=$document
+    if [[ $link != '#'* ]]; then file=$(dirname "$document")/${link%%#*}; fi
+    [[ -e $file ]] || fail "${document#"$installed/"} links to $link, which is there"
+    if [[ $link == *'#'* ]]; then
+      anchor=${link#*#}
+      anchors_of "$file" | grep -qxF -e "$anchor" || fail "${document#"$installed/"} links to $link, which has this heading"
+    fi
+    ((++links))
+  done < <(grep -oE '\]\([^) ]+' "$document" | sed 's/^](//')
+}
+links=0
+while IFS= read -r document; do follow_links "$document"; done < <(find "$installed" -name '*.md')
+((links >= 5)) || fail "there are links to follow, not $links"
 
 # Beside this copy of the host there is no add-in, so it only works with the registered one.
 cp "$installed/HestrionBench.exe" "$elsewhere/"
@@ -44,6 +71,14 @@ upload() {
 }
 
 if upload >/dev/null 2>&1; then fail "there is no add-in before it is registered"; fi
+# Whoever started the file from a folder's window sees why it failed; a script is not kept waiting.
+cp "$installed/register.cmd" "$elsewhere/"
+answer=$(cd "$elsewhere" && wine cmd /c register.cmd <<<'' && echo well) || true
+[[ $answer == *'could not be registered'*'Press any key'* && $answer != *well ]] ||
+  fail "register.cmd waits for a key after an error: $answer"
+answer=$(cd "$elsewhere" && wine cmd /c register.cmd /quiet </dev/null && echo well) || true
+[[ $answer == *'could not be registered'* && $answer != *'any key'* && $answer != *well ]] ||
+  fail "register.cmd /quiet does not: $answer"
 (cd "$installed" && wine cmd /c register.cmd) || fail "register.cmd ends well"
 upload || fail "an upload with the registered add-in ends well"
 sent=$(grep -c '"event":"send","command":"SET_CALIBRATION .*"ok":true' "$elsewhere/trace.jsonl")
@@ -51,7 +86,7 @@ sent=$(grep -c '"event":"send","command":"SET_CALIBRATION .*"ok":true' "$elsewhe
 tail -n 30 "$elsewhere/trace.jsonl" | grep -q '"command":"SET_CALIBRATION SAVE","ok":true' || fail "the last is SAVE"
 grep -q '"event":"read".*Program Files\\\\Hestrion\\\\Zolvane.ini' "$elsewhere/trace.jsonl" ||
   fail "the configuration is the one beside the add-in"
-(cd "$installed" && wine ./zolvane-bench.exe --yes --quiet run main-job.txt) || fail "the bench does the main job"
+(cd "$installed" && wine ./zolvane-bench.exe --yes --quiet run samples/main-job.txt) || fail "the bench does the main job"
 [[ -f $installed/backup.bak ]] || fail "the main job leaves a backup"
 (cd "$installed" && wine cmd /c unregister.cmd) || fail "unregister.cmd ends well"
 if upload >/dev/null 2>&1; then fail "there is no add-in when its registration is taken back"; fi
