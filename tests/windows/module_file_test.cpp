@@ -13,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "child_process.h"
 #include "manifest_in_force.h"
 #include "program_folder.h"
 #include "shell/windows/text.h"
@@ -132,19 +133,34 @@ TEST(ModuleFile, HoldsNoOtherString) {
   EXPECT_EQ(strings, std::vector<std::size_t>{1102});
 }
 
-TEST(ModuleFile, HasItsVersion) {
-  const auto path = ProgramFolder::OfThisRun().Path() / "HZOCalibrateDevice.dll";
-  std::vector<char> block(GetFileVersionInfoSizeW(path.c_str(), nullptr));
-  ASSERT_FALSE(block.empty());
-  ASSERT_TRUE(GetFileVersionInfoW(path.c_str(), 0, static_cast<DWORD>(block.size()), block.data()));
+std::string VersionText(const std::vector<char>& block, const std::wstring& name) {
   void* value = nullptr;
   UINT length = 0;
-  ASSERT_TRUE(VerQueryValueW(block.data(), L"\\", &value, &length));
-  const auto& version = *static_cast<const VS_FIXEDFILEINFO*>(value);
-  EXPECT_EQ(version.dwFileVersionMS, 0x00010000U);
-  EXPECT_EQ(version.dwFileVersionLS, 135U);
-  ASSERT_TRUE(VerQueryValueW(block.data(), L"\\StringFileInfo\\040904B0\\FileVersion", &value, &length));
-  EXPECT_EQ(Utf8(static_cast<const wchar_t*>(value)), "1.00.0135");
+  const auto place = L"\\StringFileInfo\\040904B0\\" + name;
+  return VerQueryValueW(block.data(), place.c_str(), &value, &length)
+             ? Utf8(static_cast<const wchar_t*>(value))
+             : std::string{};
+}
+
+TEST(ModuleFile, HasItsVersionAsHaveThePrograms) {
+  const auto module = ProgramFolder::OfThisRun().Path() / "HZOCalibrateDevice.dll";
+  for (const auto& path : {module, HestrionBenchPath(), ZolvaneBenchPath(), ZolvaneSimPath()}) {
+    SCOPED_TRACE(path.string());
+    std::vector<char> block(GetFileVersionInfoSizeW(path.c_str(), nullptr));
+    ASSERT_FALSE(block.empty());
+    ASSERT_TRUE(GetFileVersionInfoW(path.c_str(), 0, static_cast<DWORD>(block.size()), block.data()));
+    void* value = nullptr;
+    UINT length = 0;
+    ASSERT_TRUE(VerQueryValueW(block.data(), L"\\", &value, &length));
+    const auto& version = *static_cast<const VS_FIXEDFILEINFO*>(value);
+    EXPECT_EQ(version.dwFileVersionMS, 0x00010000U);
+    EXPECT_EQ(version.dwFileVersionLS, 135U);
+    EXPECT_EQ(version.dwFileType, static_cast<DWORD>(path == module ? VFT_DLL : VFT_APP));
+    EXPECT_EQ(VersionText(block, L"FileVersion"), "1.00.0135");
+    EXPECT_EQ(VersionText(block, L"ProductVersion"), "1.00.0135");
+    EXPECT_EQ(VersionText(block, L"OriginalFilename"), path.filename().string());
+    EXPECT_FALSE(VersionText(block, L"FileDescription").empty());
+  }
 }
 
 // ---- The type library

@@ -1,0 +1,42 @@
+# The version stands in project(VERSION) alone. People read it as the component has always written it: 1.0.0.135 is
+# 1.00.0135.
+function(widen result number width)
+  string(REPEAT "0" ${width} zeros)
+  string(PREPEND number ${zeros})
+  string(LENGTH ${number} length)
+  math(EXPR begin "${length} - ${width}")
+  string(SUBSTRING ${number} ${begin} -1 number)
+  set(${result} ${number} PARENT_SCOPE)
+endfunction()
+widen(minor ${PROJECT_VERSION_MINOR} 2)
+widen(build ${PROJECT_VERSION_TWEAK} 4)
+set(ZOLVANE_VERSION ${PROJECT_VERSION_MAJOR}.${minor}.${build})
+
+# For programs that print it: "bench/version.h".
+set(ZOLVANE_GENERATED_HEADERS ${CMAKE_BINARY_DIR}/generated)
+configure_file(src/bench/version.h.in ${ZOLVANE_GENERATED_HEADERS}/bench/version.h @ONLY)
+
+# For Windows: what the properties of a program's or the module's file show. The resources are compiled by themselves,
+# as the warnings of the compiler mean nothing to the resource compiler.
+if(WIN32)
+  enable_language(RC)
+endif()
+function(add_version_resource target description)
+  if(NOT WIN32)
+    return()
+  endif()
+  set(ZOLVANE_FILE_DESCRIPTION ${description})
+  set(ZOLVANE_FILE_NAME ${target})
+  get_target_property(type ${target} TYPE)
+  if(type STREQUAL EXECUTABLE)
+    set(ZOLVANE_FILE_TYPE VFT_APP)
+    set(ZOLVANE_FILE_EXTENSION exe)
+  else()
+    set(ZOLVANE_FILE_TYPE VFT_DLL)
+    set(ZOLVANE_FILE_EXTENSION dll)
+  endif()
+  string(REPLACE "." ", " ZOLVANE_VERSION_NUMBERS ${PROJECT_VERSION})
+  configure_file(${CMAKE_SOURCE_DIR}/cmake/version.rc.in ${CMAKE_CURRENT_BINARY_DIR}/${target}_version.rc @ONLY)
+  add_library(${target}_version OBJECT ${CMAKE_CURRENT_BINARY_DIR}/${target}_version.rc)
+  target_sources(${target} PRIVATE $<TARGET_OBJECTS:${target}_version>)
+endfunction()
