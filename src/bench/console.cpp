@@ -59,7 +59,7 @@ void Console::Note(std::string_view line) {
 
 void Console::Error(std::string_view line) {
   ClearStatus();
-  notes_ << "zolvane-bench: " << Printable(line) << '\n' << std::flush;
+  notes_ << setup_.Program << (setup_.Program.empty() ? "" : ": ") << Printable(line) << '\n' << std::flush;
 }
 
 void Console::ShowStatus(std::string_view text) {

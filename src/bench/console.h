@@ -16,9 +16,10 @@ namespace zolvane {
 class Console {
  public:
   struct Setup {
-    bool IsQuiet = false;                   // errors only
-    bool ResultsGoToNotes = false;          // standard output holds something else
-    std::optional<std::size_t> NotesWidth;  // in columns; empty: the notes do not go to a terminal
+    std::string_view Program = "zolvane-bench";  // in front of an error; empty: nothing
+    bool IsQuiet = false;                        // errors only
+    bool ResultsGoToNotes = false;               // standard output holds something else
+    std::optional<std::size_t> NotesWidth;       // in columns; empty: the notes do not go to a terminal
   };
 
   // Both streams outlive the console.

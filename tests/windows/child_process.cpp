@@ -35,18 +35,22 @@ std::filesystem::path FileForStream(const char* name) {
 
 }  // namespace
 
-ChildProcess::ChildProcess(const std::filesystem::path& program, const std::vector<std::string>& arguments)
+ChildProcess::ChildProcess(const std::filesystem::path& program, const std::vector<std::string>& arguments,
+                           StartedFrom from)
     : output_{FileForStream(".out")}, errors_{FileForStream(".err")} {
   const UniqueFile output = InheritedFile(output_);
   const UniqueFile errors = InheritedFile(errors_);
   STARTUPINFOW start{};
   start.cb = sizeof(start);
   start.dwFlags = STARTF_USESTDHANDLES;
-  start.hStdOutput = output.Get();
-  start.hStdError = errors.Get();
+  if (from == StartedFrom::Program) {
+    start.hStdOutput = output.Get();
+    start.hStdError = errors.Get();
+  }
+  const DWORD flags = from == StartedFrom::Explorer ? DETACHED_PROCESS : 0;
   PROCESS_INFORMATION made{};
   auto line = CommandLine(program, arguments);
-  if (!CreateProcessW(program.c_str(), line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &start,
+  if (!CreateProcessW(program.c_str(), line.data(), nullptr, nullptr, TRUE, flags, nullptr, nullptr, &start,
                       &made)) {
     throw std::runtime_error{program.string() + " cannot be started"};
   }

@@ -10,9 +10,16 @@
 
 namespace zolvane {
 
+// What a program is started from.
+enum class StartedFrom {
+  Program,   // which reads what it prints
+  Explorer,  // neither streams nor a console
+};
+
 class ChildProcess {
  public:
-  ChildProcess(const std::filesystem::path& program, const std::vector<std::string>& arguments);
+  ChildProcess(const std::filesystem::path& program, const std::vector<std::string>& arguments,
+               StartedFrom from = StartedFrom::Program);
 
   // Ends it when it still runs.
   ~ChildProcess();

@@ -28,7 +28,7 @@ finish() {
     wait "$process" 2>/dev/null || true
   done
   if ((dpi != 96)); then set_scale 96; fi
-  rm -rf "$work"
+  rm -rf "$work" "$WINEPREFIX/drive_c/Hestrion"
 }
 trap finish EXIT
 
@@ -47,6 +47,8 @@ eventually() {
   fail "waited in vain: $*"
 }
 
+# The host's title names folder and link as well.
+host_title='Zolvane Setup - .* - Hestrion bench'
 window() { xdotool search --onlyvisible --name "^$1\$" 2>/dev/null | head -1; }
 is_shown() { [[ -n $(window "$1") ]]; }
 is_gone() { [[ -z $(window "$1") ]]; }
@@ -56,16 +58,16 @@ set_scale() {
 }
 
 open_page() {
-  "$WINELOADER" "$programs/HestrionBench.exe" --folder "$work" --page "$@" >"$work/host.log" 2>&1 &
+  "$WINELOADER" "$programs/HestrionBench.exe" --folder 'C:\Hestrion' --page "$@" >"$work/host.log" 2>&1 &
   host=$!
-  eventually is_shown 'Zolvane Setup - Hestrion bench'
+  eventually is_shown "$host_title"
 }
 
 close_page() {
   kill "$host" 2>/dev/null || true
   wait "$host" 2>/dev/null || true
   host=''
-  eventually is_gone 'Zolvane Setup - Hestrion bench'
+  eventually is_gone "$host_title"
 }
 
 # The screen where the host's window is, once it is painted and no longer changes. A window's empty inside has few
@@ -73,7 +75,7 @@ close_page() {
 take() {
   local before=none now colours attempt
   for ((attempt = 0; attempt < 100; ++attempt)); do
-    eval "$(xdotool getwindowgeometry --shell "$(window 'Zolvane Setup - Hestrion bench')")"
+    eval "$(xdotool getwindowgeometry --shell "$(window "$host_title")")"
     import -window root -crop "${WIDTH}x$HEIGHT+$X+$Y" +repage -strip "$work/now.png"
     read -r now colours < <(identify -format '%# %k\n' "$work/now.png")
     if [[ $now == "$before" ]] && ((colours > 24)); then
@@ -87,7 +89,7 @@ take() {
 }
 
 press_query() {
-  xdotool windowfocus "$(window 'Zolvane Setup - Hestrion bench')" key alt+q
+  xdotool windowfocus "$(window "$host_title")" key alt+q
 }
 
 page_idle_and_in_operation() {
@@ -111,8 +113,11 @@ message() {
 }
 
 mkdir -p "$folder"
-cp "$root/samples/Zolvane.ini" "$work/"
 wine_start
+# The title shows it.
+program_folder=$WINEPREFIX/drive_c/Hestrion
+mkdir -p "$program_folder"
+cp "$root/samples/Zolvane.ini" "$program_folder/"
 if ((dpi != 96)); then set_scale "$dpi"; fi
 page_idle_and_in_operation
 message page-message

@@ -5,10 +5,12 @@
 
 namespace zolvane {
 
-// May be raised from a signal handler. Stays raised.
+// May be raised from a signal handler and by another thread than the link's. Stays raised until it is lowered for a
+// new operation.
 class InterruptFlag {
  public:
   void Raise() { timesRaised_.fetch_add(1, std::memory_order_relaxed); }
+  void Lower() { timesRaised_.store(0, std::memory_order_relaxed); }
 
   // No further command leaves.
   bool IsRaised() const { return timesRaised_.load(std::memory_order_relaxed) > 0; }

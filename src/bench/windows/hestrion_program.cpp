@@ -4,9 +4,9 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <cerrno>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <iostream>
 #include <memory>
 #include <optional>
@@ -24,15 +24,19 @@
 #include "bench/report.h"
 #include "bench/tracing.h"
 #include "bench/usage_error.h"
+#include "bench/version.h"
 #include "bench/windows/add_in_class.h"
+#include "bench/windows/announcement.h"
 #include "bench/windows/com_session.h"
 #include "bench/windows/dialogue_hooks.h"
 #include "bench/windows/main_window.h"
 #include "bench/windows/offered_host.h"
 #include "bench/windows/offered_settings.h"
+#include "bench/windows/operation.h"
 #include "bench/windows/page_driver.h"
 #include "bench/windows/picture.h"
 #include "bench/windows/player.h"
+#include "bench/windows/waiting_link.h"
 #include "bench/windows/windowed_host.h"
 #include "shell/windows/text.h"
 
@@ -61,6 +65,7 @@ struct WindowOptions {
 
 void Describe(CLI::App& app, WindowOptions& options) {
   app.set_help_flag("-h,--help", "print this help");
+  app.set_version_flag("--version", Joined("HestrionBench ", programVersion), "print the version");
   app.add_option("--folder", options.Folder, "the program folder, which holds Zolvane.ini")->type_name("DIR");
   app.add_option("--link", options.Link, "the instrument, as zolvane-bench names it")->type_name("LINK");
   app.add_option("--timeout", options.Timeout, "how long a command waits for its reply")
@@ -83,10 +88,15 @@ void Describe(CLI::App& app, WindowOptions& options) {
   app.add_flag("--quit", options.Quits, "end when all that has been done");
 }
 
-std::string OwnFolder() {
+// Of a loaded module; null is the program.
+std::string FolderOf(HMODULE module) {
   std::wstring path(32768, L'\0');
-  path.resize(GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size())));
+  path.resize(GetModuleFileNameW(module, path.data(), static_cast<DWORD>(path.size())));
   return TextOf(std::filesystem::path{path}.parent_path());
+}
+
+std::string OwnFolder() {
+  return FolderOf(nullptr);
 }
 
 // A program folder has the module in it. One without gets the bench's own for as long as this lives.
@@ -130,7 +140,50 @@ class Apartment {
   Apartment& operator=(const Apartment&) = delete;
 };
 
-class HestrionBench {
+// Lines written to it are handed on one by one.
+class LineStream final : public std::ostream {
+ public:
+  explicit LineStream(std::function<void(const std::string&)> take)
+      : std::ostream{nullptr}, lines_{std::move(take)} {
+    rdbuf(&lines_);
+  }
+
+ private:
+  class Lines final : public std::stringbuf {
+   public:
+    explicit Lines(std::function<void(const std::string&)> take) : take_{std::move(take)} {}
+
+   protected:
+    int sync() override {
+      std::istringstream written{str()};
+      str({});
+      for (std::string line; std::getline(written, line);) {
+        take_(line);
+      }
+      return 0;
+    }
+
+   private:
+    std::function<void(const std::string&)> take_;
+  };
+
+  Lines lines_;
+};
+
+// What the instrument was found to be, as the page shows it.
+std::string FoundText(const PageModel& page) {
+  std::string text = "Found: ";
+  for (std::size_t row = 0; row < listRows.size(); ++row) {
+    const auto& list = page.Lists[row];
+    const bool isSelected =
+        list.Selected >= 0 && static_cast<std::size_t>(list.Selected) < list.Entries.size();
+    text += Joined(listRows[row].Label, " ",
+                   isSelected ? list.Entries[static_cast<std::size_t>(list.Selected)].Text : "-", ", ");
+  }
+  return Joined(text, pumpLabel.Caption, ": ", page.PumpText);
+}
+
+class HestrionBench : private DialogueListener {
  public:
   HestrionBench(const WindowOptions& options, Job job, std::ostream& errors);
   ~HestrionBench() { ClosePage(); }
@@ -140,18 +193,37 @@ class HestrionBench {
   int Run();
 
  private:
+  // ---- What is said while the user or the player has the page
+
+  void BoxOpens(const MessageBoxRequest& request) override;
+  void BoxClosed(const MessageBoxRequest& request, std::optional<std::int32_t> answer) override;
+  void FileDialogueOpens(FileDialogueKind kind, const FileDialogue& dialogue) override;
+  void FileDialogueClosed(const std::optional<std::string>& chosen) override;
+
+  // ---- Operations. One begins with the first that is heard of it, and has ended when what the user did to begin it
+  // has been dealt with.
+
+  Operation& BeginOperation(const std::string& name);
+  void EndOperation();
+  void Rest();
+  void StopOperation();
+  bool MayBeEnded();
+  void ReopenWhenDisabled();
+
   ComPtr<IAddIn> CreateAddIn();
+  std::shared_ptr<BenchLink> MakeWaitingLink();
+  std::string ProgramFolder() const;
   void OpenTrace();
   void OpenPage();
   void ClosePage();
   void ShowHelp();
+  void ShowBox(const std::string& text, const wchar_t* title) const;
   void Quit();
   void PlayActions();
   int PlayAction(const Action& action);
   void TakePicture();
   int Status();
   void Complain(const std::string& text);
-  DialogueListener& Listener() { return player_ ? static_cast<DialogueListener&>(*player_) : spectator_; }
 
   const WindowOptions& options_;
   std::ostream& errors_;
@@ -160,11 +232,10 @@ class HestrionBench {
   std::optional<TraceLog> trace_;
   Apartment apartment_;
   MainWindow window_;
-  DialogueSpectator spectator_;  // the user answers boxes and dialogues on the screen
-  std::optional<Player> player_;
-  int playedStatus_ = exit_status::done;  // the worst of all that was played
+  std::optional<Player> player_;  // without one the user answers boxes and dialogues on the screen
   InterruptFlag interrupt_;
   std::ostringstream unread_;
+  LineStream complaints_{[this](const std::string& line) { Complain(line); }};
   Console console_;
   std::shared_ptr<BenchLink> link_;
   BenchHost host_;  // the link and the settings files; the rest of it has windows here
@@ -174,6 +245,10 @@ class HestrionBench {
   std::optional<AddInFile> file_;
   std::optional<DialogueHooks> hooks_;
   std::unique_ptr<ComSession> session_;
+  std::optional<Operation> operation_;
+  bool isPlaying_ = false;
+  bool isLast_ = false;            // the user ends page or window when it has ended
+  int worst_ = exit_status::done;  // of all that has ended
 };
 
 // Before anything is changed. Where a registered add-in lies is its own business.
@@ -199,10 +274,14 @@ HestrionBench::HestrionBench(const WindowOptions& options, Job job, std::ostream
                .Save = [this] { session_ ? session_->SaveChanges() : void(); },
                .Help = [this] { ShowHelp(); },
                .Quit = [this] { Quit(); },
-               .Rest = [this] { host_.FlushSettings(); }}},
-      console_{unread_, errors, {.IsQuiet = true, .ResultsGoToNotes = false, .NotesWidth = {}}},
+               .Stop = [this] { StopOperation(); },
+               .MayBeEnded = [this] { return MayBeEnded(); },
+               .Rest = [this] { Rest(); }}},
+      console_{unread_,
+               complaints_,
+               {.Program = "", .IsQuiet = true, .ResultsGoToNotes = false, .NotesWidth = {}}},
       link_{CreateLink(options.Link, options.Timeout, interrupt_)},
-      host_{{}, link_, nullptr, console_} {
+      host_{{}, MakeWaitingLink(), nullptr, console_} {
   OpenTrace();
   link_->Begin();
   if (!options_.Play.empty()) {
@@ -220,6 +299,26 @@ HestrionBench::HestrionBench(const WindowOptions& options, Job job, std::ostream
   UniqueBstr caption;
   addIn->get_Caption(caption.Put());
   window_.AddMenuEntry(Utf8FromBstr(caption.Get()));
+  window_.ShowPlace(ProgramFolder(), options_.Link);
+}
+
+std::shared_ptr<BenchLink> HestrionBench::MakeWaitingLink() {
+  return std::make_shared<WaitingLink>(
+      link_, interrupt_,
+      WaitingLink::Events{.Sending =
+                              [this](const std::string& command) {
+                                auto& operation = BeginOperation(command);
+                                operation.Sends(command, ProgramFolder());
+                                host_.Now().Commands.Expected = operation.Expected();
+                                host_.Now().Commands.ExpectsSave = operation.Button() == uploadButton;
+                                window_.ShowProgress(operation.Progress());
+                              },
+                          .Wait = [this](HANDLE event) { window_.PumpUntil(event); }});
+}
+
+// Where the add-in lies, and so its configuration.
+std::string HestrionBench::ProgramFolder() const {
+  return FolderOf(GetModuleHandleW(addInModuleName));
 }
 
 void HestrionBench::OpenTrace() {
@@ -251,7 +350,8 @@ ComPtr<IAddIn> HestrionBench::CreateAddIn() {
     addIn = file_->Create();
   }
   if (!hooks_) {
-    hooks_.emplace(GetModuleHandleW(addInModuleName), trace_ ? &*trace_ : nullptr, Listener());
+    DialogueListener& listener = *this;
+    hooks_.emplace(GetModuleHandleW(addInModuleName), trace_ ? &*trace_ : nullptr, listener);
   }
   return addIn;
 }
@@ -268,7 +368,11 @@ void HestrionBench::OpenPage() {
                                         player_->Answer(question);
                                       }
                                     }});
-  auto window = MakeWindowedWindow(window_);
+  auto window = MakeWindowedWindow(window_, [this](const std::string& status) {
+    if (!status.empty()) {
+      BeginOperation(status);
+    }
+  });
   session_ = std::make_unique<ComSession>(
       CreateAddIn(), OfferHostObject(trace_ ? Traced(std::move(object), *trace_) : std::move(object)),
       OfferHostWindow(trace_ ? Traced(std::move(window), *trace_) : std::move(window)));
@@ -292,7 +396,11 @@ void HestrionBench::ShowHelp() {
   const auto text = session_ ? Joined("Help on \"", session_->Caption(), "\" is topic ",
                                       std::to_string(session_->HelpTopic()), " of the host's help file.")
                              : std::string{"Open an add-in's page from the menu Add-ins."};
-  MessageBoxW(window_.Handle(), Wide(text).c_str(), L"Help", MB_OK | MB_ICONINFORMATION);
+  ShowBox(text, L"Help");
+}
+
+void HestrionBench::ShowBox(const std::string& text, const wchar_t* title) const {
+  MessageBoxW(window_.Handle(), Wide(text).c_str(), title, MB_OK | MB_ICONINFORMATION);
 }
 
 void HestrionBench::Quit() {
@@ -303,6 +411,105 @@ void HestrionBench::Quit() {
 void HestrionBench::Complain(const std::string& text) {
   window_.AppendLog(text);
   errors_ << "HestrionBench: " + text + "\n" << std::flush;
+}
+
+// ---- What is said while the user or the player has the page
+
+void HestrionBench::BoxOpens(const MessageBoxRequest& request) {
+  if (player_) {
+    player_->BoxOpens(request);
+  }
+}
+
+void HestrionBench::BoxClosed(const MessageBoxRequest& request, std::optional<std::int32_t> answer) {
+  NoteAnswer(host_.Now(), request.Style, answer);
+  if (player_) {
+    player_->BoxClosed(request, answer);
+  }
+}
+
+void HestrionBench::FileDialogueOpens(FileDialogueKind kind, const FileDialogue& dialogue) {
+  BeginOperation(dialogue.Title).AsksForFile(kind);
+  if (player_) {
+    player_->FileDialogueOpens(kind, dialogue);
+  }
+}
+
+void HestrionBench::FileDialogueClosed(const std::optional<std::string>& chosen) {
+  host_.Now().WasCancelled |= !chosen;
+  if (player_) {
+    player_->FileDialogueClosed(chosen);
+  }
+}
+
+// ---- Operations
+
+// `name` is what it is called if this begins it.
+Operation& HestrionBench::BeginOperation(const std::string& name) {
+  if (!operation_) {
+    worst_ = std::max(worst_, ExitStatusOf(host_.Now()));
+    host_.Begin();
+    operation_.emplace(name, Operation::Clock::now());
+    window_.ShowOperation(true);
+  }
+  return *operation_;
+}
+
+void HestrionBench::EndOperation() {
+  const auto result = operation_->Result(host_.Now(), Operation::Clock::now());
+  const bool isTold = isPlaying_ || OutcomeOf(host_.Now()) == Outcome::Done;
+  const bool isQuery = operation_->Button() == queryButton;
+  operation_ = std::nullopt;
+  interrupt_.Lower();
+  window_.ShowOperation(false);
+  window_.ShowProgress("");
+  isTold ? window_.AppendLog(result) : Complain(result);
+  if (isQuery && session_) {
+    window_.AppendLog(FoundText(PageDriver{session_->Frame()}.Shown()));
+  }
+  if (std::exchange(isLast_, false)) {
+    ShowBox(result, L"Ended");
+  } else if (!isPlaying_) {
+    ReopenWhenDisabled();
+  }
+}
+
+void HestrionBench::Rest() {
+  host_.FlushSettings();
+  if (operation_) {
+    EndOperation();
+  }
+}
+
+void HestrionBench::StopOperation() {
+  interrupt_.Raise();
+  window_.AppendLog(interrupt_.IsUrgent() ? "Stop: the reply is no longer waited for"
+                                          : "Stop: no further command is sent");
+}
+
+bool HestrionBench::MayBeEnded() {
+  const auto progress = operation_->Progress();
+  const auto text =
+      Joined(operation_->Name(), " is not finished", progress.empty() ? "" : " (command " + progress + ")",
+             ".\r\n\r\nStop it and close?");
+  const int answer = MessageBoxW(window_.Handle(), Wide(text).c_str(), L"An operation is running",
+                                 MB_YESNO | MB_DEFBUTTON2 | MB_ICONWARNING);
+  if (answer == IDYES) {
+    StopOperation();
+    isLast_ = true;
+  }
+  return answer == IDYES;
+}
+
+// An add-in may leave its controls disabled when the user cancels: its page then comes back by being opened again.
+void HestrionBench::ReopenWhenDisabled() {
+  const auto isEnabled = [this] {
+    return std::ranges::any_of(PageDriver{session_->Frame()}.Shown().ButtonsEnabled, std::identity{});
+  };
+  if (session_ && !isEnabled()) {
+    ClosePage();
+    OpenPage();
+  }
 }
 
 // The user may close the page or the window between two commands.
@@ -329,7 +536,7 @@ int HestrionBench::PlayAction(const Action& action) {
     Complain(Joined(Printable(action.Command), ": ", reason));
   }
   const int status = std::max(ExitStatusOf(host_.Now()), ExitStatusOf(player_->Happened()));
-  playedStatus_ = std::max(playedStatus_, status);
+  worst_ = std::max(worst_, status);
   return status;
 }
 
@@ -345,7 +552,7 @@ void HestrionBench::TakePicture() {
 
 // A trace that is not complete is no trace.
 int HestrionBench::Status() {
-  const int status = std::max(playedStatus_, ExitStatusOf(host_.Now()));
+  const int status = std::max(worst_, ExitStatusOf(host_.Now()));
   if (trace_ && !trace_->Flush()) {
     Complain("the trace is not complete");
     return exit_status::unusable;
@@ -357,13 +564,17 @@ int HestrionBench::Run() {
   if (options_.OpensPage()) {
     OpenPage();
     window_.PumpMessages();
+    isPlaying_ = true;
     PlayActions();
+    isPlaying_ = false;
   }
   if (!options_.Screenshot.empty()) {
     TakePicture();
   }
   if (options_.Quits) {
     Quit();
+  } else {
+    ReopenWhenDisabled();
   }
   window_.Run();
   return Status();
@@ -376,22 +587,28 @@ int RunHestrionBench(std::vector<std::string> arguments, std::ostream& output, s
   WindowOptions options;
   Describe(app, options);
   std::ranges::reverse(arguments);
+  const auto complain = [&errors](const std::exception& error) {
+    Announce(Announcement::Error, Joined("HestrionBench: ", error.what(), "\n"), errors);
+  };
   try {
     app.parse(std::move(arguments));
     Job job = options.Play.empty() ? Job{} : ParseJob({"run", options.Play}, std::nullopt, std::cin);
     CheckFilesOf(options, job);
     return HestrionBench{options, std::move(job), errors}.Run();
   } catch (const CLI::CallForHelp&) {
-    output << app.help() << std::flush;
+    Announce(Announcement::Information, app.help(), output);
+    return exit_status::done;
+  } catch (const CLI::CallForVersion& version) {
+    Announce(Announcement::Information, Joined(version.what(), "\n"), output);
     return exit_status::done;
   } catch (const CLI::ParseError& error) {
-    errors << "HestrionBench: " << error.what() << "\n" << std::flush;
+    complain(error);
     return exit_status::unusable;
   } catch (const UsageError& error) {
-    errors << "HestrionBench: " << error.what() << "\n" << std::flush;
+    complain(error);
     return exit_status::unusable;
   } catch (const std::exception& error) {
-    errors << "HestrionBench: " << error.what() << "\n" << std::flush;
+    complain(error);
   }
   return exit_status::notDone;
 }

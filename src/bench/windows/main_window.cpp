@@ -17,7 +17,11 @@ struct ButtonPlan {
   int Id;
   const wchar_t* Caption;
 };
-constexpr std::array<ButtonPlan, 3> buttons{{{saveId, L"Save"}, {closePageId, L"Close"}, {helpId, L"Help"}}};
+constexpr std::array<ButtonPlan, 4> buttons{
+    {{saveId, L"Save"}, {closePageId, L"Close"}, {helpId, L"Help"}, {stopId, L"Stop (Esc)"}}};
+
+// Of the status bar.
+enum Part : int { statusPart, changedPart };
 
 constexpr const wchar_t* title = L"Hestrion bench";
 
@@ -31,6 +35,10 @@ constexpr int emptyWidth = 620;
 constexpr int emptyHeight = 420;
 constexpr int heightWithPage = 600;
 constexpr int changedWidth = 110;
+constexpr int progressHeight = 16;
+constexpr int smallestLog = 50;
+constexpr int smallestWidth = 320;
+constexpr int smallestHeight = 200;
 
 // For a window that is to stand in the middle of the screen when it has a page in it.
 POINT FirstPlace(SIZE size) {
@@ -44,6 +52,19 @@ SIZE SizeOf(HWND window) {
   RECT place{};
   GetWindowRect(window, &place);
   return {place.right - place.left, place.bottom - place.top};
+}
+
+bool IsOneOf(UINT message, UINT first, UINT last) {
+  return message >= first && message <= last;
+}
+
+std::wstring TimeOfDay() {
+  SYSTEMTIME now{};
+  GetLocalTime(&now);
+  std::array<wchar_t, 16> text{};
+  const int length =
+      GetTimeFormatW(LOCALE_INVARIANT, 0, &now, L"HH':'mm':'ss", text.data(), static_cast<int>(text.size()));
+  return {text.data(), static_cast<std::size_t>(std::max(1, length) - 1)};
 }
 
 bool IsShown(HWND window) {
@@ -128,6 +149,8 @@ void MainWindow::CreateParts() {
       L"EDIT", L"",
       WS_VISIBLE | WS_BORDER | WS_VSCROLL | WS_TABSTOP | ES_MULTILINE | ES_READONLY | ES_AUTOVSCROLL, logId);
   SendMessageW(log_, EM_LIMITTEXT, longestLog, 0);
+  ShowOperation(false);
+  progress_ = AddChild(L"STATIC", L"", SS_NOPREFIX, progressId);
   statusBar_ = AddChild(STATUSCLASSNAMEW, L"", WS_VISIBLE | SBARS_SIZEGRIP, statusBarId);
 }
 
@@ -146,16 +169,50 @@ void MainWindow::Embed(HWND frame, bool hasButtons, bool hasStatusBar) {
 }
 
 void MainWindow::ShowTitle(std::string_view page) {
-  const auto text = page.empty() ? std::wstring{title} : Wide(page) + L" - " + title;
-  SetWindowTextW(window_, text.c_str());
+  page_ = page.empty() ? std::wstring{} : Wide(page) + L" - ";
+  UpdateTitle();
+}
+
+void MainWindow::ShowPlace(std::string_view folder, std::string_view link) {
+  place_ = Wide(folder) + L", " + Wide(link) + L" - ";
+  UpdateTitle();
+}
+
+void MainWindow::UpdateTitle() const {
+  SetWindowTextW(window_, (page_ + place_ + title).c_str());
+}
+
+// Of the window, with the page in it and a log of this height.
+SIZE MainWindow::SizeAround(int logPixels) const {
+  const SIZE page = SizeOf(frame_);
+  RECT place{0, 0, page.cx, page.cy + Scaled(buttonHeight + 3 * gap + logPixels) + SizeOf(statusBar_).cy};
+  AdjustWindowRectEx(&place, WS_OVERLAPPEDWINDOW, TRUE, WS_EX_CONTROLPARENT);
+  return {place.right - place.left, place.bottom - place.top};
 }
 
 void MainWindow::FitToPage() {
-  const SIZE page = SizeOf(frame_);
-  RECT place{0, 0, page.cx, page.cy + Scaled(buttonHeight + 3 * gap + logHeight) + SizeOf(statusBar_).cy};
-  AdjustWindowRectEx(&place, WS_OVERLAPPEDWINDOW, TRUE, WS_EX_CONTROLPARENT);
-  SetWindowPos(window_, nullptr, 0, 0, place.right - place.left, place.bottom - place.top,
-               SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+  const SIZE size = SizeAround(logHeight);
+  SetWindowPos(window_, nullptr, 0, 0, size.cx, size.cy, SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+// The page keeps its size, and everything around it stays in sight; on a small screen, as much of it as fits.
+void MainWindow::LimitSize(MINMAXINFO& limits) const {
+  RECT screen{};
+  SystemParametersInfoW(SPI_GETWORKAREA, 0, &screen, 0);
+  const SIZE least =
+      frame_ != nullptr ? SizeAround(smallestLog) : SIZE{Scaled(smallestWidth), Scaled(smallestHeight)};
+  limits.ptMinTrackSize = {std::min(least.cx, screen.right - screen.left),
+                           std::min(least.cy, screen.bottom - screen.top)};
+}
+
+void MainWindow::ShowOperation(bool isRunning) {
+  isRunning_ = isRunning;
+  if (!isRunning && GetFocus() == GetDlgItem(window_, stopId)) {
+    SetFocus(GetNextDlgTabItem(window_, nullptr, FALSE));  // a disabled button would take the keys and do nothing
+  }
+  EnableWindow(GetDlgItem(window_, saveId), isRunning ? FALSE : TRUE);
+  EnableWindow(GetDlgItem(window_, helpId), isRunning ? FALSE : TRUE);
+  EnableWindow(GetDlgItem(window_, stopId), isRunning ? TRUE : FALSE);
 }
 
 void MainWindow::Arrange() {
@@ -184,10 +241,16 @@ void MainWindow::ArrangeButtons(int top) const {
     ShowWindow(control, hasButtons_ ? SW_SHOW : SW_HIDE);
     left += Scaled(buttonWidth + gap);
   }
+  RECT inside{};
+  GetClientRect(window_, &inside);
+  MoveWindow(progress_, left, top + Scaled(buttonHeight - progressHeight) / 2,
+             std::max(0, static_cast<int>(inside.right) - left - Scaled(margin)), Scaled(progressHeight),
+             TRUE);
+  ShowWindow(progress_, hasButtons_ ? SW_SHOW : SW_HIDE);
 }
 
 void MainWindow::AppendLog(std::string_view line) {
-  const auto text = Wide(Printable(line)) + L"\r\n";
+  const auto text = TimeOfDay() + L"  " + Wide(Printable(line)) + L"\r\n";
   const auto end = static_cast<WPARAM>(GetWindowTextLengthW(log_));
   SendMessageW(log_, EM_SETSEL, end, static_cast<LPARAM>(end));
   SendMessageW(log_, EM_REPLACESEL, FALSE, reinterpret_cast<LPARAM>(text.c_str()));
@@ -205,11 +268,16 @@ void MainWindow::ShowPart(int part, std::string_view text) const {
 }
 
 void MainWindow::ShowStatus(std::string_view text) {
-  ShowPart(0, text);
+  ShowPart(statusPart, text);
+}
+
+void MainWindow::ShowProgress(std::string_view text) {
+  SetWindowTextW(progress_, Wide(text).c_str());
+  UpdateWindow(progress_);
 }
 
 void MainWindow::ShowChanged(bool changed) {
-  ShowPart(1, changed ? "changed" : "saved");
+  ShowPart(changedPart, changed ? "changed" : "saved");
 }
 
 // ---- Messages
@@ -241,10 +309,56 @@ void MainWindow::Run() {
   }
 }
 
+// What the page posts to itself comes when it has ended its operation.
+void MainWindow::PumpUntil(HANDLE event) {
+  while (MsgWaitForMultipleObjects(1, &event, FALSE, INFINITE, QS_ALLINPUT) == WAIT_OBJECT_0 + 1) {
+    MSG message{};
+    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != FALSE) {
+      HandleMeanwhile(message);
+    }
+  }
+  for (const auto& message : std::exchange(forLater_, {})) {
+    PostMessageW(message.hwnd, message.message, message.wParam, message.lParam);
+  }
+}
+
+bool MainWindow::IsForPage(const MSG& message) const {
+  return frame_ != nullptr && (message.hwnd == frame_ || IsChild(frame_, message.hwnd) != FALSE);
+}
+
+// A key that the page has the focus for is the window's: Alt+F4, and those of the menu.
+void MainWindow::HandleMeanwhile(MSG& message) {
+  const bool isKey = IsOneOf(message.message, WM_KEYFIRST, WM_KEYLAST);
+  const bool isForPage = IsForPage(message);
+  if (message.message == WM_KEYDOWN && message.wParam == VK_ESCAPE) {
+    return requests_.Stop();
+  }
+  if (isForPage && IsOneOf(message.message, WM_MOUSEFIRST, WM_MOUSELAST)) {
+    return;
+  }
+  if (isForPage && message.message >= WM_USER) {
+    return forLater_.push_back(message);
+  }
+  if (isForPage && isKey) {
+    message.hwnd = window_;
+  }
+  TranslateMessage(&message);
+  DispatchMessageW(&message);
+}
+
 // The empty message wakes a loop that waits for one.
 void MainWindow::Postpone(bool& request) {
   request = true;
   PostMessageW(window_, WM_NULL, 0, 0);
+}
+
+// A box in front of the window has to be answered first.
+void MainWindow::RequestEnd(bool& request) {
+  if (IsWindowEnabled(window_) == FALSE) {
+    MessageBeep(MB_ICONWARNING);
+  } else if (!isRunning_ || requests_.MayBeEnded()) {
+    Postpone(request);
+  }
 }
 
 void MainWindow::DoPostponed() {
@@ -278,7 +392,12 @@ LRESULT MainWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
       Arrange();
       return 0;
     case WM_CLOSE:
-      Postpone(wantsQuit_);
+      RequestEnd(wantsQuit_);
+      return 0;
+    case WM_QUERYENDSESSION:
+      return isRunning_ ? FALSE : TRUE;
+    case WM_GETMINMAXINFO:
+      LimitSize(*reinterpret_cast<MINMAXINFO*>(lParam));
       return 0;
     case WM_NCDESTROY:
       isGone_ = true;
@@ -289,17 +408,22 @@ LRESULT MainWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
 }
 
 void MainWindow::OnCommand(int id) {
+  if (isRunning_ && (id == saveId || id == helpId || id == openPageId)) {
+    return;
+  }
   switch (id) {
     case openPageId:
       return requests_.OpenPage();
     case closePageId:
-      return Postpone(wantsClose_);
+      return RequestEnd(wantsClose_);
     case saveId:
       return requests_.Save();
     case helpId:
       return requests_.Help();
+    case stopId:
+      return requests_.Stop();
     case quitId:
-      return Postpone(wantsQuit_);
+      return RequestEnd(wantsQuit_);
     default:
       return;
   }

@@ -4,6 +4,7 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "shell/windows/window_metrics.h"
 #include "shell/windows/windows_headers.h"
@@ -13,19 +14,30 @@ namespace zolvane {
 inline constexpr const wchar_t* mainWindowClass = L"HestrionBench";
 
 // The numbers of its commands, and of what it shows.
-enum MainWindowId : int { openPageId = 1000, closePageId, saveId, helpId, quitId, logId, statusBarId };
+enum MainWindowId : int {
+  openPageId = 1000,
+  closePageId,
+  saveId,
+  helpId,
+  stopId,
+  progressId,
+  quitId,
+  logId,
+  statusBarId
+};
 
 class MainWindow {
  public:
-  // What the user asks for. An end of the page or of the window is asked for when all else has ended: an operation that
-  // runs its own message loop goes on to its end.
+  // What the user asks for. An end of the page or of the window is asked for when all else has ended.
   struct Requests {
     std::function<void()> OpenPage;
     std::function<void()> ClosePage;
     std::function<void()> Save;
     std::function<void()> Help;
     std::function<void()> Quit;
-    std::function<void()> Rest;  // what the user did last has been dealt with
+    std::function<void()> Stop;        // the running operation
+    std::function<bool()> MayBeEnded;  // the running operation, for the end of the page or of the window
+    std::function<void()> Rest;        // what the user did last has been dealt with
   };
 
   // Throws std::runtime_error.
@@ -42,11 +54,16 @@ class MainWindow {
   // Takes a page's frame in, at the size that it has; the window grows to it. Null takes it out.
   void Embed(HWND frame, bool hasButtons, bool hasStatusBar);
 
-  // Names the page in the window's title; an empty text names none.
+  // What stands in the window's title: the page, none if the text is empty, and what it works on.
   void ShowTitle(std::string_view page);
+  void ShowPlace(std::string_view folder, std::string_view link);
 
-  // Each is on the screen when it returns.
+  // While an operation runs it can be stopped, and of the host's other buttons only those of an end can be pressed.
+  void ShowOperation(bool isRunning);
+
+  // Each is on the screen when it returns. A line of the log begins with the time.
   void AppendLog(std::string_view line);
+  void ShowProgress(std::string_view text);
   void ShowStatus(std::string_view text);
   void ShowChanged(bool changed);
 
@@ -56,11 +73,21 @@ class MainWindow {
   // Handles messages until the window is gone.
   void Run();
 
+  // For an operation that waits: handles messages until the event is set, except those that are meant for the page. Its
+  // controls are disabled, and it does not expect to be called meanwhile. Escape asks for a stop.
+  void PumpUntil(HANDLE event);
+
  private:
   static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
   LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam);
   void OnCommand(int id);
+  void RequestEnd(bool& request);
   void Postpone(bool& request);
+  bool IsForPage(const MSG& message) const;
+  void HandleMeanwhile(MSG& message);
+  void LimitSize(MINMAXINFO& limits) const;
+  SIZE SizeAround(int logHeight) const;
+  void UpdateTitle() const;
   void DoPostponed();
   int Scaled(int pixels) const;
   HWND AddChild(const wchar_t* className, const wchar_t* text, DWORD style, int id);
@@ -75,12 +102,17 @@ class MainWindow {
   Requests requests_;
   HWND window_ = nullptr;
   HWND frame_ = nullptr;
+  HWND progress_ = nullptr;
   HWND log_ = nullptr;
   HWND statusBar_ = nullptr;
   HMENU addIns_ = nullptr;
   UINT dpi_ = 96;
   UniqueFont font_;
+  std::wstring page_;
+  std::wstring place_;
+  std::vector<MSG> forLater_;  // the page's own, that came while an operation waited
   bool hasButtons_ = false;
+  bool isRunning_ = false;  // an operation
   bool isGone_ = false;
   bool wantsClose_ = false;
   bool wantsQuit_ = false;

@@ -47,7 +47,16 @@ bool IsRefusal(std::optional<std::int32_t> answer) {
   return answer && (*answer == message_answer::cancel || *answer == message_answer::no);
 }
 
+bool HasStopSign(std::int32_t style) {
+  return (style & iconMask) == message_style::stopIcon;
+}
+
 }  // namespace
+
+void NoteAnswer(Happenings& happened, std::int32_t style, std::optional<std::int32_t> answer) {
+  happened.WasCancelled |= IsRefusal(answer);
+  happened.WasRefused |= HasStopSign(style);
+}
 
 Player::Player(const AnswerDesk::Setup& answers, Complaint complain)
     : complain_{std::move(complain)}, desk_{answers, nullptr, [this](const std::string& text) {
@@ -117,12 +126,11 @@ bool Player::Reacts(const Action& action, std::string_view control, bool isEnabl
 
 void Player::Answer(const Question& question) {
   const auto answer = desk_.AnswerTo(question).Button;
+  NoteAnswer(happened_, question.Style, answer);
   if (IsRefusal(answer)) {
-    happened_.WasCancelled = true;
     complain_(Joined(Printable(question.Title), ": answered ", ButtonName(answer)));
   }
-  if ((question.Style & iconMask) == message_style::stopIcon) {
-    happened_.WasRefused = true;
+  if (HasStopSign(question.Style)) {
     complain_(Joined(Printable(question.Title), ": ", OneLine(question.Text)));
   }
   answerer_.PressButton(answer);

@@ -15,6 +15,9 @@
 
 namespace zolvane {
 
+// What the answer to a box says about the operation that showed it.
+void NoteAnswer(Happenings& happened, std::int32_t style, std::optional<std::int32_t> answer);
+
 class Player final : public DialogueListener {
  public:
   using Complaint = std::function<void(const std::string& text)>;

@@ -55,25 +55,28 @@ class WindowedObject final : public HostObject {
 
 class WindowedPanel final : public StatusPanel {
  public:
-  explicit WindowedPanel(MainWindow& window) : window_{window} {}
+  WindowedPanel(MainWindow& window, std::function<void(const std::string&)> told)
+      : window_{window}, told_{std::move(told)} {}
 
   std::optional<std::string> Text() override { return text_; }
 
   Status SetText(const std::string& text) override {
     text_ = text;
     window_.ShowStatus(text);
+    told_(text);
     return Status::Success();
   }
 
  private:
   MainWindow& window_;
+  std::function<void(const std::string&)> told_;
   std::string text_;
 };
 
 class WindowedWindow final : public HostWindow {
  public:
-  explicit WindowedWindow(MainWindow& window)
-      : window_{window}, panel_{std::make_shared<WindowedPanel>(window)} {}
+  WindowedWindow(MainWindow& window, std::function<void(const std::string&)> told)
+      : window_{window}, panel_{std::make_shared<WindowedPanel>(window, std::move(told))} {}
 
   Status SetChanged(bool changed) override {
     window_.ShowChanged(changed);
@@ -98,8 +101,9 @@ std::shared_ptr<HostObject> MakeWindowedObject(WindowedHostSetup setup) {
   return std::make_shared<WindowedObject>(std::move(setup));
 }
 
-std::shared_ptr<HostWindow> MakeWindowedWindow(MainWindow& window) {
-  return std::make_shared<WindowedWindow>(window);
+std::shared_ptr<HostWindow> MakeWindowedWindow(MainWindow& window,
+                                               std::function<void(const std::string&)> told) {
+  return std::make_shared<WindowedWindow>(window, std::move(told));
 }
 
 }  // namespace zolvane

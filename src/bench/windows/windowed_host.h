@@ -3,6 +3,7 @@
 
 #include <functional>
 #include <memory>
+#include <string>
 
 #include "bench/answers.h"
 #include "bench/windows/main_window.h"
@@ -21,6 +22,8 @@ struct WindowedHostSetup {
 };
 
 std::shared_ptr<HostObject> MakeWindowedObject(WindowedHostSetup setup);
-std::shared_ptr<HostWindow> MakeWindowedWindow(MainWindow& window);
+// `told` hears of each text of the status panel.
+std::shared_ptr<HostWindow> MakeWindowedWindow(MainWindow& window,
+                                               std::function<void(const std::string&)> told);
 
 }  // namespace zolvane

@@ -64,6 +64,7 @@ class HandmadeServer {
   HandmadeServer& operator=(const HandmadeServer&) = delete;
 
   std::string Link() const { return "tcp:127.0.0.1:" + std::to_string(port_); }
+  unsigned short Port() const { return port_; }
 
  private:
   asio::io_context io_;

@@ -1,0 +1,53 @@
+// An operation of the page, as its host sees it: by what it says in the status panel, sends, and asks of the user.
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "bench/happenings.h"
+#include "host/environment.h"
+
+namespace zolvane {
+
+class Operation {
+ public:
+  using Clock = std::chrono::steady_clock;
+
+  // `name` is what it is called until it is known better.
+  Operation(std::string name, Clock::time_point begin) : name_{std::move(name)}, begin_{begin} {}
+
+  // A command is about to be sent. Of the first one it is told how many there will be, which `folder`, the program
+  // folder, decides.
+  void Sends(std::string_view command, const std::string& folder);
+
+  // A file is about to be chosen.
+  void AsksForFile(FileDialogueKind kind);
+
+  const std::string& Name() const { return name_; }
+
+  // How many commands there will be; 0: not known.
+  std::size_t Expected() const { return expected_; }
+
+  // "17 of 178", or "17" if nobody can know of how many. Empty before the first command.
+  std::string Progress() const;
+
+  // For people, in one line: what became of it, and how long it took.
+  std::string Result(const Happenings& happened, Clock::time_point now) const;
+
+  // The button of the page that began it, if it has become known.
+  std::optional<int> Button() const { return button_; }
+
+ private:
+  void IsThatOf(int button);
+
+  std::string name_;
+  Clock::time_point begin_;
+  std::optional<int> button_;
+  std::size_t sent_ = 0;
+  std::size_t expected_ = 0;
+};
+
+}  // namespace zolvane
