@@ -10,9 +10,10 @@
 #include <limits>
 #include <system_error>
 
-#include "bench/printable.h"
 #include "bench/joined.h"
 #include "bench/paths.h"
+#include "bench/printable.h"
+#include "bench/suggestion.h"
 #include "bench/usage_error.h"
 #include "config/text.h"
 
@@ -42,6 +43,12 @@ int ButtonIndex(std::string_view word) {
   return index;
 }
 
+std::vector<std::string_view> NamesOf(const auto& rows) {
+  std::vector<std::string_view> names;
+  std::ranges::transform(rows, std::back_inserter(names), [](const auto& row) { return row.Name; });
+  return names;
+}
+
 // The position of the row of that name in any case.
 template <class Rows>
 std::size_t RowNamed(const Rows& rows, std::string_view name, std::string_view kind) {
@@ -52,7 +59,8 @@ std::size_t RowNamed(const Rows& rows, std::string_view name, std::string_view k
     }
     names.append(names.empty() ? "" : row + 1 == rows.size() ? " and " : ", ").append(rows[row].Name);
   }
-  throw UsageError{Joined("there is no ", kind, " ", Quoted(name), "; there are ", names)};
+  throw UsageError{Joined("there is no ", kind, " ", Quoted(name), "; there are ", names,
+                          DidYouMean(name, NamesOf(rows)))};
 }
 
 std::string DialogueFile(std::string_view file) {
@@ -115,48 +123,70 @@ struct CommandRow {
   std::string_view Effect;
   std::size_t LeastWords;
   std::size_t MostWords;
-  Action (*Make)(const Words& words);  // null: a run file
+  Action (*Make)(const Words& words);  // null: a run file, or no action
+  std::string_view Example;            // behind the program's name
+  std::string_view Details;            // whole lines
 };
 
 constexpr std::string_view runCommand = "run";
 constexpr std::string_view pressCommand = "press";
 
-constexpr std::array<CommandRow, 10> commandRows{{
-    {"page", "page", "print the page as it is loaded", 1, 1, ShowPage},
+constexpr std::array<CommandRow, 12> commandRows{{
+    {"page", "page", "print the page as it is loaded", 1, 1, ShowPage, "--json page",
+     "Loading the page selects the installed entries, which may write them into Zolvane.ini as in any "
+     "host.\n"},
     {"query", "query", "ask the instrument which hardware is fitted (button 2)", 1, 1,
-     PressOperation<queryButton>},
+     PressOperation<queryButton>, "--link tcp:192.168.0.10:4000 query",
+     "What was found is selected on the page and stored.\n"},
     {"upload", "upload", "send the calibration data to the instrument (button 0)", 1, 1,
-     PressOperation<uploadButton>},
+     PressOperation<uploadButton>, "--link /dev/ttyS0 --yes upload",
+     "The add-in asks first; --yes or --answer ok answers for you. \"script\" prints what would be sent.\n"},
     {"download", "download", "fetch the calibration data from the instrument (button 1)", 1, 1,
-     PressOperation<downloadButton>},
+     PressOperation<downloadButton>, "--link /dev/ttyS0 --yes download",
+     "Overwrites the values in Zolvane.ini: export them to a file first.\n"},
     {"import", "import [FILE]", "load the tables of a backup file (button 3)", 1, 2,
-     PressFileOperation<importButton>},
+     PressFileOperation<importButton>, "--yes import backup.bak",
+     "Without FILE the file dialogue is cancelled. A file without any section of a backup is refused.\n"},
     {"export", "export [FILE]", "save the tables to a backup file (button 4)", 1, 2,
-     PressFileOperation<exportButton>},
+     PressFileOperation<exportButton>, "export backup.bak",
+     "Without FILE the file dialogue is cancelled. Into a file that exists the add-in merges: it replaces "
+     "what it\n"
+     "copies and leaves everything else; that needs --replace.\n"},
     {pressCommand, "press N", "press the button of any number; --file FILE for its file dialogue", 2, 2,
-     PressByIndex},
+     PressByIndex, "press 4 --file backup.bak",
+     "0 upload, 1 download, 2 query, 3 import, 4 export. A number without a button does nothing.\n"},
     {"select", "select LIST ENTRY", "pick an entry of a list by its text, or by position as #0", 3, 3,
-     SelectEntry},
-    {"tick", "tick BOX VALUE", "set a check box to 0, 1 or 2", 3, 3, TickBox},
-    {"script", "script", "print the lines that an upload would send, and send nothing", 1, 1, ShowScript},
+     SelectEntry, "select cboHeadType \"Not installed\"",
+     "LIST is cboDeviceType, cboCageType, cboHeadType, cboNestType or cboTipType; \"page\" prints the "
+     "entries.\n"},
+    {"tick", "tick BOX VALUE", "set a check box to 0, 1 or 2", 3, 3, TickBox, "tick chkRFID 1",
+     "BOX is chkRFID, chkHeadSensor, chkTipSensor or chkEncoders; 0 is off, 1 on, 2 grey.\n"},
+    {"script", "script", "print the lines that an upload would send, and send nothing", 1, 1, ShowScript,
+     "script", "One command of the instrument in each line.\n"},
+    {runCommand, "run FILE", "do the commands in a file, one per line; - is standard input", 2, 2, nullptr,
+     "--yes run main-job.txt",
+     "All of them in one host session. # starts a comment, double quotes group words. It stops behind the "
+     "first\n"
+     "command that fails, unless --keep-going is given.\n"},
+    {helpCommand, "help [COMMAND]", "tell how a command is used", 1, 2, nullptr, "help upload",
+     "The same as COMMAND --help.\n"},
 }};
-
-constexpr CommandRow runRow{
-    runCommand, "run FILE", "do the commands in a file, one per line; - is standard input", 2, 2, nullptr};
 
 const CommandRow& RowOfCommand(std::string_view name) {
   const auto* const found = std::ranges::find(commandRows, name, &CommandRow::Name);
   if (found != commandRows.end()) {
     return *found;
   }
-  if (name == runCommand) {
-    return runRow;
-  }
-  throw UsageError{Joined("there is no command ", Quoted(name), "; see zolvane-bench --help")};
+  const auto suggestion = DidYouMean(name, NamesOf(commandRows));
+  throw UsageError{Joined("there is no command ", Quoted(name),
+                          suggestion.empty() ? std::string{"; see zolvane-bench --help"} : suggestion)};
 }
 
 const CommandRow& CheckedRow(const Words& words) {
   const auto& row = RowOfCommand(words.front());
+  if (row.Name == helpCommand) {
+    throw UsageError{"help stands on the command line and in no run file"};
+  }
   if (words.size() < row.LeastWords || words.size() > row.MostWords) {
     const bool isShort = words.size() < row.LeastWords;
     throw UsageError{
@@ -397,12 +427,16 @@ std::vector<std::string> SplitWords(std::string_view line) {
 
 std::vector<CommandHelp> CommandsHelp() {
   std::vector<CommandHelp> help;
-  help.reserve(commandRows.size() + 1);
-  for (const auto& row : commandRows) {
-    help.push_back({row.Usage, row.Effect});
-  }
-  help.push_back({runRow.Usage, runRow.Effect});
+  std::ranges::transform(commandRows, std::back_inserter(help), [](const auto& row) {
+    return CommandHelp{row.Usage, row.Effect};
+  });
   return help;
+}
+
+std::string CommandHelpText(std::string_view command) {
+  const auto& row = RowOfCommand(command);
+  return Joined("Usage: zolvane-bench [OPTIONS] ", row.Usage, "\n\n  ", row.Effect, "\n\n", row.Details,
+                "\nExample:\n  zolvane-bench ", row.Example, "\n\nThe options: zolvane-bench --help\n");
 }
 
 }  // namespace zolvane

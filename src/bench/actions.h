@@ -52,4 +52,10 @@ struct CommandHelp {
 };
 std::vector<CommandHelp> CommandsHelp();
 
+// The command that asks for help and belongs to no session.
+inline constexpr std::string_view helpCommand = "help";
+
+// How one command is used, with an example. Throws UsageError if there is no such command.
+std::string CommandHelpText(std::string_view command);
+
 }  // namespace zolvane

@@ -17,6 +17,7 @@ struct Options {
   bool AffirmsRest = false;
   bool OffersHostDialog = false;
   std::optional<std::string> Trace;  // "-" is standard output
+  bool Replaces = false;             // an export may write into a file that exists
   bool TracesReads = false;
   bool PrintsJson = false;
   bool KeepsGoing = false;
@@ -31,6 +32,6 @@ struct Information {
 };
 
 // The arguments are those behind the program's name. Throws UsageError.
-std::variant<Options, Information> ParseOptions(std::vector<std::string> arguments);
+std::variant<Options, Information> ParseOptions(const std::vector<std::string>& arguments);
 
 }  // namespace zolvane

@@ -177,7 +177,7 @@ TEST(RunFile, AnEndlessFileIsRefused) {
 
 TEST(RunFile, OddBytesAreJustNoCommand) {
   EXPECT_EQ(Refusal([] { ParsedRun("\x01\xff\n"); }),
-            "standard input, line 1: there is no command \"?\xff\"; see zolvane-bench --help");
+            "standard input, line 1: there is no command \"\\u0001\\xff\"; see zolvane-bench --help");
 }
 
 TEST(RunFile, ZeroBytesAreNoText) {

@@ -2,19 +2,26 @@
 
 #include <algorithm>
 #include <limits>
+#include <vector>
 
+#include "bench/joined.h"
 #include "bench/links/whole_number.h"
+#include "bench/printable.h"
+#include "bench/suggestion.h"
 #include "bench/usage_error.h"
 
 namespace zolvane {
 namespace {
 
-std::string KnownKinds() {
+// The kinds there are, and the one that was probably meant.
+std::string KnownKinds(std::string_view typed) {
   std::string names;
+  std::vector<std::string_view> known;
   for (const auto& row : faultRows) {
     names.append(names.empty() ? "" : ", ").append(row.Name);
+    known.push_back(row.Name);
   }
-  return names;
+  return names + DidYouMean(typed, known);
 }
 
 }  // namespace
@@ -23,12 +30,14 @@ void AddFault(FaultPlan& plan, const std::string& text) {
   const auto mark = text.find('@');
   const auto* const row = std::ranges::find(faultRows, text.substr(0, mark), &FaultRow::Name);
   if (mark == std::string::npos || row == faultRows.end()) {
-    throw UsageError{"a fault is KIND@N with a KIND out of " + KnownKinds() + ": " + text};
+    throw UsageError{Joined("--fault: ", Quoted(text), " is no KIND@N with a KIND out of ",
+                            KnownKinds(text.substr(0, mark)))};
   }
   const auto number = WholeNumberIn(std::string_view{text}.substr(mark + 1), std::size_t{1},
                                     std::numeric_limits<std::size_t>::max());
   if (!number) {
-    throw UsageError{"a fault is KIND@N with the number N of a command, from 1 on: " + text};
+    throw UsageError{
+        Joined("--fault: ", Quoted(text), " is no KIND@N with the number N of a line, from 1 on")};
   }
   plan[*number] = row->Kind;
 }

@@ -1,5 +1,3 @@
-#include <CLI/CLI.hpp>
-#include <algorithm>
 #include <csignal>
 #include <iostream>
 #include <limits>
@@ -8,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "bench/empty_values.h"
+#include "bench/command_line.h"
 #include "bench/joined.h"
 #include "bench/links/whole_number.h"
 #include "bench/printable.h"
@@ -30,32 +28,32 @@ struct SimulatorOptions {
 };
 
 std::string FaultHelp() {
-  std::string text = "Let the N-th command go wrong (can be given more than once); KIND is";
+  constexpr std::size_t width = 13;
+  std::string text = "let the N-th line since the start go wrong (can be given more than once); KIND is";
   for (const auto& row : faultRows) {
-    text.append("\n  ").append(row.Name).append(": ").append(row.Description);
+    text.append("\n").append(row.Name).append(width - row.Name.size(), ' ').append(row.Description);
   }
   return text;
 }
 
-void Describe(CLI::App& app, SimulatorOptions& options) {
+void Describe(CommandLine& line, SimulatorOptions& options) {
   auto& instrument = options.Instrument;
-  app.add_option("--listen", options.Listen, "Where to listen; port 0 takes a free one (127.0.0.1:0)")
-      ->type_name("HOST:PORT");
-  app.add_flag("--pty", options.UsesPseudoTerminal, "Serve a pseudo-terminal instead of TCP");
-  app.add_option("--state", options.State, "Keep the calibration memory in FILE")->type_name("FILE");
-  app.add_option("--stage", instrument.Stage, Joined("The reply to STATUS_STAGE (", instrument.Stage, ")"))
-      ->type_name("CODE");
-  app.add_option("--mech", instrument.Mechanics,
-                 Joined("The reply to STATUS_MECH (", instrument.Mechanics, ")"))
-      ->type_name("TEXT");
-  app.add_option("--rfid", instrument.Tag, Joined("The tag of the fitted head (", instrument.Tag, ")"))
-      ->type_name("TAG");
-  app.add_option("--pumps", instrument.Pumps, Joined("The reply to STATUS PUMPS (", instrument.Pumps, ")"))
-      ->type_name("TEXT");
-  app.add_option("--latency", options.Latency, "How long each reply takes, in milliseconds (0)")
-      ->type_name("MS");
-  app.add_option("--fail-after", options.FailAfter, "Fall silent after N answers")->type_name("N");
-  app.add_option("--fault", options.Faults, FaultHelp())->type_name("KIND@N")->allow_extra_args(false);
+  line.AddOption("--listen", "HOST:PORT", options.Listen,
+                 "where to listen; port 0 takes a free one (default: 127.0.0.1:0)");
+  line.AddFlag("--pty", options.UsesPseudoTerminal, "serve a pseudo-terminal instead of TCP");
+  line.AddOption("--state", "FILE", options.State, "keep what SAVE saves of the calibration memory in FILE");
+  line.AddOption("--stage", "CODE", instrument.Stage,
+                 Joined("the reply to STATUS_STAGE (default: ", instrument.Stage, ")"));
+  line.AddOption("--mech", "TEXT", instrument.Mechanics,
+                 Joined("the reply to STATUS_MECH (default: ", instrument.Mechanics, ")"));
+  line.AddOption("--rfid", "TAG", instrument.Tag,
+                 Joined("the tag of the fitted head (default: ", instrument.Tag, ")"));
+  line.AddOption("--pumps", "TEXT", instrument.Pumps,
+                 Joined("the reply to STATUS PUMPS (default: ", instrument.Pumps, ")"));
+  line.AddOption("--latency", "MS", options.Latency,
+                 "how long each reply takes, in milliseconds (default: 0)");
+  line.AddOption("--fail-after", "N", options.FailAfter, "fall silent after N answers");
+  line.AddOption("--fault", "KIND@N", options.Faults, FaultHelp());
 }
 
 std::size_t NumberBehind(std::string_view option, const std::string& text, std::size_t highest) {
@@ -119,19 +117,33 @@ void Serve(const SimulatorOptions& options) {
   io.run();
 }
 
-int RunSimulator(std::vector<std::string> arguments) {
-  CLI::App app{
-      "Serves a simulated instrument, and prints where as its first line. Ends on SIGTERM and Ctrl-C.",
-      "zolvane-sim"};
-  SimulatorOptions options;
-  Describe(app, options);
-  arguments = WithEmptyValues(arguments);
-  std::ranges::reverse(arguments);
+std::string InformationText(const CommandLine& line, CommandLine::Asked asked) {
+  return asked == CommandLine::Asked::Help ? line.HelpText() : line.VersionText();
+}
+
+void DemandNoWords(const std::vector<std::string>& words) {
+  if (!words.empty()) {
+    throw UsageError{
+        Joined("there is nothing to do with ", Quoted(words.front()), "; see zolvane-sim --help")};
+  }
+}
+
+int RunSimulator(const std::vector<std::string>& arguments) {
   try {
-    app.parse(std::move(arguments));
+    CommandLine line{
+        {.Program = "zolvane-sim",
+         .Usage = "[OPTIONS]",
+         .Purpose = "Serves a simulated instrument, and prints where as its first line: the text to put\n"
+                    "behind --link. Ends on SIGTERM and Ctrl-C.\n"}};
+    SimulatorOptions options;
+    Describe(line, options);
+    const auto asked = line.Parse(arguments);
+    if (asked != CommandLine::Asked::Nothing) {
+      std::cout << InformationText(line, asked) << std::flush;
+      return exit_status::done;
+    }
+    DemandNoWords(line.Words());
     Serve(options);
-  } catch (const CLI::CallForHelp& help) {
-    return app.exit(help);
   } catch (const std::exception& error) {
     std::cerr << "zolvane-sim: " << OneLine(error.what()) << "\n";
     return exit_status::unusable;

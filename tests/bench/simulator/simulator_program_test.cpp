@@ -235,14 +235,27 @@ TEST(SimulatorProgram, AMissingStateFileIsThereWhenItListens) {
   EXPECT_EQ(folder.Read("state.json"), "{}\n");
 }
 
+TEST(SimulatorProgram, ItsVersionIsPrintedWithItsName) {
+  Simulator simulator{{"--version"}};
+  EXPECT_EQ(simulator.Output(), "zolvane-sim 1.00.0135\n");
+  EXPECT_EQ(simulator.Wait(), 0);
+}
+
+TEST(SimulatorProgram, AMisspeltOptionOrFaultIsAnsweredWithTheNearest) {
+  Simulator option{{"--lisen", "127.0.0.1:0"}};
+  EXPECT_EQ(option.Errors(), "zolvane-sim: there is no option \"--lisen\"; did you mean \"--listen\"?\n");
+  Simulator fault{{"--fault", "slient@1"}};
+  EXPECT_TRUE(fault.Errors().ends_with("; did you mean \"silent\"?\n"));
+}
+
 TEST(SimulatorProgram, ItsHelpTellsTheFaults) {
   Simulator simulator{{"--help"}};
   const auto help = simulator.Output();
   EXPECT_EQ(simulator.Wait(), 0);
   for (const auto* text :
        {"--listen HOST:PORT", "--pty", "--state FILE", "--stage CODE", "--mech TEXT", "--rfid TAG",
-        "--pumps TEXT", "--latency MS", "--fail-after N", "--fault KIND@N",
-        "late:", "silent:", "close:", "garbage:", "overlong:", "empty:", "split:", "no-newline:"}) {
+        "--pumps TEXT", "--latency MS", "--fail-after N", "--fault KIND@N", "late    ", "silent  ",
+        "close   ", "garbage ", "overlong", "empty   ", "split   ", "no-newline "}) {
     EXPECT_NE(help.find(text), std::string::npos) << text;
   }
 }
