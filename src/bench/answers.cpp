@@ -4,8 +4,8 @@
 #include <array>
 #include <utility>
 
-#include "bench/printable.h"
 #include "bench/joined.h"
+#include "bench/printable.h"
 #include "bench/usage_error.h"
 #include "config/text.h"
 #include "host/dialogues.h"

@@ -29,6 +29,7 @@
 #include "bench/tracing.h"
 #include "bench/usage_error.h"
 #include "bench/version.h"
+#include "bench/write_failure.h"
 
 namespace zolvane {
 namespace {
@@ -68,7 +69,7 @@ class TraceOutput {
 
   // The exit status as far as the trace goes.
   int Finish(Console& console) {
-    if (!log_ || log_->Flush()) {
+    if (!log_ || log_->Flush() || ReaderHasLeft(log_->Failure())) {
       return exit_status::done;
     }
     console.Error(Joined("the trace is not complete, as ", name_,
@@ -116,7 +117,8 @@ class Results {
       const bool isAlone = options_.Trace != standardOutput;  // else it is the last line of many
       console_.PrintDocument(JsonText(ReportJson(report_), isAlone));
     }
-    if (console_.Flush()) {
+    const auto failure = console_.Flush();
+    if (!failure || ReaderHasLeft(failure)) {
       return status;
     }
     console_.Error("the results are lost, as standard output could not be written");
@@ -153,7 +155,7 @@ int PlayJob(const Options& options, const Job& job, const std::shared_ptr<BenchL
 
 int Run(const Options& options, std::istream& input, std::ostream& output, std::ostream& errors) {
   const Job job = ParseJob(options.Command, options.File, input);
-  CheckFiles(options, job);
+  const auto notes = CheckFiles(options, job);
   const auto link = CreateLink(options.Link, options.TimeoutSeconds, Interrupt());
   TraceOutput trace{options, output};
   link->Begin();
@@ -162,6 +164,7 @@ int Run(const Options& options, std::istream& input, std::ostream& output, std::
                   {.IsQuiet = options.IsQuiet,
                    .ResultsGoToNotes = options.Trace == standardOutput,
                    .NotesWidth = ErrorTerminalWidth()}};
+  std::ranges::for_each(notes, [&](const auto& note) { console.Note(note); });
   // Until here only the trace and an instrument's memory have been begun, and an interrupt may end everything at once.
   TakeInterrupts([] { Interrupt().Raise(); });
   return PlayJob(options, job, link, trace, console);
@@ -175,7 +178,8 @@ int ParseAndRun(const std::vector<std::string>& arguments, std::istream& input, 
                 std::ostream& errors) {
   const auto parsed = ParseOptions(arguments);
   if (const auto* information = std::get_if<Information>(&parsed)) {
-    if (output << information->Text << std::flush) {
+    errno = 0;
+    if (output << information->Text << std::flush || ReaderHasLeft(LastWriteFailure())) {
       return exit_status::done;
     }
     Complain(errors, "standard output could not be written");

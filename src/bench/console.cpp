@@ -4,6 +4,7 @@
 
 #include "bench/joined.h"
 #include "bench/printable.h"
+#include "bench/write_failure.h"
 
 namespace zolvane {
 namespace {
@@ -41,13 +42,16 @@ void Console::Print(std::string_view text) {
   if (setup_.IsQuiet) {
     return;
   }
-  ClearStatus();
-  (setup_.ResultsGoToNotes ? notes_ : results_) << PrintableLines(text) << std::flush;
+  if (setup_.ResultsGoToNotes) {
+    ClearStatus();
+    notes_ << PrintableLines(text) << std::flush;
+  } else {
+    PrintResult(PrintableLines(text));
+  }
 }
 
 void Console::PrintDocument(std::string_view text) {
-  ClearStatus();
-  results_ << text << '\n';
+  PrintResult(Joined(text, "\n"));
 }
 
 void Console::Note(std::string_view line) {
@@ -93,8 +97,17 @@ void Console::ClearStatus() {
   }
 }
 
-bool Console::Flush() {
-  return static_cast<bool>(results_.flush());
+void Console::PrintResult(std::string_view text) {
+  ClearStatus();
+  errno = 0;
+  if (results_ && !(results_ << text << std::flush)) {
+    failure_ = LastWriteFailure();
+  }
+}
+
+std::error_code Console::Flush() {
+  PrintResult("");
+  return failure_;
 }
 
 void Console::Draw() {

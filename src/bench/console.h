@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <system_error>
 
 #include "bench/printable.h"
 
@@ -51,17 +52,20 @@ class Console {
   // Progress is shown on a terminal, so that it is worth knowing how many commands to expect.
   bool CountsCommands() const { return setup_.NotesWidth.has_value() && !setup_.IsQuiet; }
 
-  // Hands over what has been printed. False when some of it was lost: standard output is closed or full.
-  bool Flush();
+  // Hands over the results that have been printed, and says why some of them were lost: standard output is closed or
+  // full, or its reader has left.
+  std::error_code Flush();
 
  private:
   using Clock = std::chrono::steady_clock;
 
+  void PrintResult(std::string_view text);
   void Draw();
 
   std::ostream& results_;
   std::ostream& notes_;
   Setup setup_;
+  std::error_code failure_;  // of the results
   std::string status_;
   std::size_t expected_ = 0;
   std::size_t counted_ = 0;

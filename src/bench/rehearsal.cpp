@@ -2,25 +2,34 @@
 
 #include <algorithm>
 #include <array>
+#include <functional>
 #include <memory>
 #include <utility>
 
+#include "bench/settings/exchanged_file.h"
 #include "bench/settings/file_settings_service.h"
+#include "bench/settings/sectioned_text.h"
 #include "config/configuration.h"
 #include "host/environment.h"
 #include "link/hardware_detection.h"
 #include "link/operation_context.h"
 #include "page/page_controls.h"
 #include "transfer/download.h"
+#include "transfer/file_copy.h"
 #include "transfer/upload.h"
 
 namespace zolvane {
 namespace {
 
+using ReadObserver = std::function<void(std::string_view section, std::string_view file)>;
+
 class ReadOnlySettings final : public IniFileService {
  public:
+  explicit ReadOnlySettings(ReadObserver observe) : observe_{std::move(observe)} {}
+
   std::optional<std::string> ReadValue(std::string_view section, std::string_view key, std::string_view file,
                                        std::string_view fallback) override {
+    observe_(section, file);
     return files_.ReadValue(section, key, file, fallback);
   }
 
@@ -35,15 +44,18 @@ class ReadOnlySettings final : public IniFileService {
 
  private:
   FileSettingsService files_;
+  ReadObserver observe_;
 };
 
 class ConsentingEnvironment final : public Environment {
  public:
-  explicit ConsentingEnvironment(std::string folder) : folder_{std::move(folder)} {}
+  explicit ConsentingEnvironment(
+      std::string folder, ReadObserver observe = [](auto, auto) {})
+      : folder_{std::move(folder)}, observe_{std::move(observe)} {}
 
   std::string ProgramFolder() override { return folder_; }
   std::shared_ptr<IniFileService> CreateIniFileService() override {
-    return std::make_shared<ReadOnlySettings>();
+    return std::make_shared<ReadOnlySettings>(observe_);
   }
   Status AppendBlankLine(const std::string&) override { return Status::Success(); }
   void RunMessageLoopOnce() override {}
@@ -54,6 +66,7 @@ class ConsentingEnvironment final : public Environment {
 
  private:
   std::string folder_;
+  ReadObserver observe_;
 };
 
 // Knows no key, so that nothing is stored.
@@ -123,6 +136,21 @@ std::size_t CountCommands(const std::string& programFolder, int button) {
   const OperationContext context{process, host, configuration, page};
   row->Run(context);
   return link->Count;
+}
+
+// Which sections those are is what the copying of the file asks for.
+bool HoldsBackup(const std::string& programFolder, const std::string& file) {
+  const SectionedText text{OpenExchangedFile(file)->Read().Bytes};
+  bool holdsAny = false;
+  ConsentingEnvironment process{programFolder, [&](std::string_view section, std::string_view asked) {
+                                  holdsAny = holdsAny || (asked == file && text.HasSection(section));
+                                }};
+  Configuration configuration{process};
+  HostAttachment host{};
+  AbsentPage page;
+  CopyAllTables({process, host, configuration, page}, file, configuration.Settings.ConfigFilePath(), false,
+                "");
+  return holdsAny;
 }
 
 }  // namespace zolvane

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "bench/json_text.h"
+#include "bench/write_failure.h"
 
 namespace zolvane {
 namespace {
@@ -374,11 +375,9 @@ bool TraceLog::Flush() {
   return !failure_;
 }
 
-// The stream itself does not keep the system's reason.
 void TraceLog::NoteFailure(bool isGood) {
   if (!isGood) {
-    failure_ = errno != 0 ? std::error_code{errno, std::generic_category()}
-                          : std::make_error_code(std::errc::io_error);
+    failure_ = LastWriteFailure();
   }
 }
 

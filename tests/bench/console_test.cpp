@@ -2,7 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <sstream>
+#include <streambuf>
+#include <system_error>
 
 namespace zolvane {
 namespace {
@@ -78,12 +81,23 @@ TEST(Output, NeverSteersTheTerminal) {
   EXPECT_EQ(screen.Notes.str(), "c\\u009b\nzolvane-bench: d\\u202e\ne\\x9b\n");
 }
 
-TEST(Output, ThatIsLostIsKnown) {
+class FullDisk final : public std::streambuf {
+  int sync() override {
+    errno = ENOSPC;
+    return -1;
+  }
+  int_type overflow(int_type byte) override { return byte; }
+};
+
+TEST(Output, ThatIsLostIsKnownWithItsFirstReason) {
   Screen screen{{}};
-  EXPECT_TRUE(screen.Out.Flush());
-  screen.Results.setstate(std::ios::badbit);
-  screen.Out.Print("result\n");
   EXPECT_FALSE(screen.Out.Flush());
+  FullDisk disk;
+  std::ostream results{&disk};
+  Console out{results, screen.Notes, {}};
+  out.Print("result\n");
+  out.Print("another\n");
+  EXPECT_EQ(out.Flush(), std::errc::no_space_on_device);
 }
 
 }  // namespace

@@ -117,7 +117,7 @@ class Bench : public ::testing::Test {
 TEST_F(Bench, TheVersionIsPrintedAlone) {
   const auto result = Run({"--version"});
   EXPECT_EQ(result.Status, 0);
-  EXPECT_EQ(result.Output, "1.00.0135\n");
+  EXPECT_EQ(result.Output, "zolvane-bench 1.00.0135\n");
   EXPECT_EQ(result.Errors, "");
 }
 
@@ -170,6 +170,7 @@ TEST_F(Bench, BadUseSaysWhatIsWrongAndChangesNothing) {
   Folder.Put("itself.txt", "run itself.txt\n");
   Folder.Put("option.txt", "upload --yes\n");
   Folder.Put("inner.txt", "page\n");
+  Folder.Put("help.txt", "help page\n");
   Folder.Put("outer.txt", "run inner.txt\n");
   Folder.Put("backup.bak", configText);
   Folder.Put("zero.txt", std::string_view{"import backup.bak\0\n", 19});
@@ -187,8 +188,22 @@ TEST_F(Bench, BadUseSaysWhatIsWrongAndChangesNothing) {
       {{"select", "cboNone", "x"},
        "there is no list \"cboNone\"; there are cboDeviceType, cboCageType, cboHeadType, cboNestType and "
        "cboTipType"},
-      {{"page", "--nonsense"},
-       "The following argument was not expected: --nonsense; see zolvane-bench --help"},
+      {{"page", "--nonsense"}, "there is no option \"--nonsense\"; see zolvane-bench --help"},
+      {{"uplaod"}, "there is no command \"uplaod\"; did you mean \"upload\"?"},
+      {{"tick", "chkRFD", "1"},
+       "there is no check box \"chkRFD\"; there are chkRFID, chkHeadSensor, chkTipSensor and chkEncoders; "
+       "did you mean "
+       "\"chkRFID\"?"},
+      {{"export", "backup.bak"},
+       "\"FOLDER/backup.bak\" exists; name another file, or let the export merge into it with --replace"},
+      {{"press", "4", "--file", "inner.txt"},
+       "\"FOLDER/inner.txt\" exists; name another file, or let the export merge into it with --replace"},
+      {{"import", "inner.txt"},
+       "\"FOLDER/inner.txt\" is no backup: it has none of the sections that an import reads"},
+      {{"--trace", "inner.txt", "page"},
+       "--trace replaces an empty file or an earlier trace and nothing else: \"inner.txt\" holds something "
+       "else"},
+      {{"run", "help.txt"}, "help.txt, line 1: help stands on the command line and in no run file"},
       {{"page", "--timeout", "0"}, "--timeout takes a number of seconds greater than 0 (0.5, 10), not \"0\""},
       {{"page", "--timeout", "soon"},
        "--timeout takes a number of seconds greater than 0 (0.5, 10), not \"soon\""},
@@ -833,6 +848,34 @@ TEST_F(Bench, AnExportAndAnImportGoThroughTheFileDialogue) {
   EXPECT_EQ(count("yield"), 2);
 }
 
+TEST_F(Bench, AnExportIntoAFileThatExistsMergesWhenThatIsWanted) {
+  Folder.Put("backup.bak", "[Mine]\r\nKey=1\r\n");
+  const auto result = Run({"--replace", "export", "backup.bak"});
+  EXPECT_EQ(result.Status, 0);
+  EXPECT_NE(result.Errors.find("\"" + Folder.Path("backup.bak") +
+                               "\" exists: the add-in merges, so what it does not "
+                               "export stays in it\n"),
+            std::string::npos)
+      << result.Errors;
+  EXPECT_TRUE(Folder.Read("backup.bak").starts_with("[Mine]\r\nKey=1\r\n"));
+  EXPECT_NE(Folder.Read("backup.bak").find("[DeviceType]"), std::string::npos);
+}
+
+TEST_F(Bench, AnExportIntoAFileThatTheSameRunMadeIsNoMerging) {
+  Folder.Put("job.txt", "export backup.bak\nexport backup.bak\nimport backup.bak\n");
+  EXPECT_EQ(Run({"--yes", "run", "job.txt"}).Status, 0);
+}
+
+TEST_F(Bench, ATraceReplacesAnEmptyFileAndAnEarlierTrace) {
+  Folder.Put("trace.jsonl", "");
+  for (int run = 0; run < 2; ++run) {
+    EXPECT_EQ(Run({"--quiet", "--trace", "trace.jsonl", "page"}).Status, 0);
+    EXPECT_EQ(EventsOf(Folder.Read("trace.jsonl"), {"changed", "control"}).empty(), false);
+  }
+  Folder.Put("trace.jsonl", "{\"event\":\"changed\",\"va");  // a run that was killed
+  EXPECT_EQ(Run({"--quiet", "--trace", "trace.jsonl", "page"}).Status, 0);
+}
+
 TEST_F(Bench, AnExportToTheConfigurationFileIsRefusedHoweverItIsSpelled) {
   for (const auto& file : {std::string{"Zolvane.ini"}, std::string{"./x/../ZOLVANE.INI"}}) {
     const auto result = Run({"--folder", ".", "export", file});
@@ -1064,7 +1107,8 @@ TEST_F(Bench, TheJsonDocumentTellsOfTheRun) {
   }
   EXPECT_EQ(members, (std::vector<std::string>{"schema", "version", "folder", "link", "started",
                                                "duration_ms", "exit_status", "actions", "not_begun"}));
-  EXPECT_EQ(document["version"], LinesOf(Run({"--version"}).Output).front());
+  EXPECT_EQ(LinesOf(Run({"--version"}).Output).front(),
+            "zolvane-bench " + document["version"].get<std::string>());
   EXPECT_EQ(document["folder"], Folder.Path());
   EXPECT_EQ(document["link"], "sim");
   EXPECT_EQ(document["exit_status"], 0);
@@ -1225,14 +1269,20 @@ TEST_F(Bench, ClosedStreamsHarmNoFile) {
   EXPECT_EQ(Run({"--quiet", "page"}, {.InChild = [] { ::close(STDOUT_FILENO); }}).Status, 0);
 }
 
-TEST_F(Bench, AReaderWhoLeavesEndsNothing) {
+TEST_F(Bench, AReaderWhoLeavesEndsNothingAndIsNoFailure) {
   auto output = OpenPipe();
   output.ReadEnd.Close();
-  const auto result = Run({"--trace", "-", "--yes", "tick", "chkRFID", "1"},
-                          {.InChild = [&output] { ::dup2(output.WriteEnd.Number(), STDOUT_FILENO); }});
-  EXPECT_EQ(result.Status, 2);
-  EXPECT_NE(result.Errors.find("standard output could not be written: Broken pipe"), std::string::npos);
+  const auto toNobody = RunSetup{.InChild = [&output] { ::dup2(output.WriteEnd.Number(), STDOUT_FILENO); }};
+  const auto traced = Run({"--quiet", "--trace", "-", "--yes", "tick", "chkRFID", "1"}, toNobody);
+  EXPECT_EQ(traced.Status, 0);
+  EXPECT_EQ(traced.Errors, "");
   EXPECT_NE(Folder.Read("Zolvane.ini").find("\r\nSensorEnableRFID=1\r\n"), std::string::npos);
+  for (const auto& line :
+       {Arguments{"page"}, Arguments{"--json", "page"}, Arguments{"script"}, Arguments{"--help"}}) {
+    const auto result = Run(line, toNobody);
+    EXPECT_EQ(result.Status, 0) << line.back();
+    EXPECT_EQ(result.Errors, "") << line.back();
+  }
 }
 
 // ---- Instruments ----

@@ -37,5 +37,27 @@ TEST(Rehearsal, OtherButtonsCountNothing) {
   }
 }
 
+TEST(Rehearsal, AFileWithoutAnySectionOfABackupHoldsNone) {
+  const TemporaryFolder folder;
+  folder.Put("Zolvane.ini", rehearsedConfiguration);
+  for (const auto* text :
+       {"", "[Other]\nItem1=x\n", "Item1=x\n", "[Calibration_Beta]\n", "[TipType]\nItem1=\"T\"\n"}) {
+    EXPECT_FALSE(HoldsBackup(folder.Path(), folder.Put("backup.bak", text))) << text;
+  }
+  EXPECT_FALSE(HoldsBackup(folder.Path(), folder.Path("none.bak")));
+}
+
+TEST(Rehearsal, AFileWithOneSectionOfABackupHoldsOne) {
+  const TemporaryFolder folder;
+  folder.Put("Zolvane.ini", rehearsedConfiguration);
+  for (const auto* name : {"DeviceType", "CageType", "Z_Calibration", "NestCalibration", "NestType",
+                           "HeadType", "Calibration_Alpha", "Position_Alpha", "PlateType", "platetype"}) {
+    const auto text = "[" + std::string{name} + "]\r\n";
+    EXPECT_TRUE(HoldsBackup(folder.Path(), folder.Put("backup.bak", text))) << name;
+    EXPECT_EQ(folder.Read("backup.bak"), text);
+  }
+  EXPECT_EQ(folder.Read("Zolvane.ini"), rehearsedConfiguration);
+}
+
 }  // namespace
 }  // namespace zolvane

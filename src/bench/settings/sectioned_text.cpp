@@ -97,6 +97,10 @@ std::optional<std::string> SectionedText::Find(std::string_view section, std::st
   return Decoded(Trimmed(content.substr(content.find('=') + 1)));
 }
 
+bool SectionedText::HasSection(std::string_view section) const {
+  return PlaceOf(section, "").Section.has_value();
+}
+
 std::optional<SectionedText::Edit> SectionedText::PlanValue(std::string_view section, std::string_view key,
                                                             std::string_view value) const {
   const bool fits = IsWritableSection(Trimmed(section)) && IsWritableKey(Trimmed(key)) &&

@@ -42,6 +42,8 @@ class SectionedText {
   // at their ends. Nothing when there is no such key.
   std::optional<std::string> Find(std::string_view section, std::string_view key) const;
 
+  bool HasSection(std::string_view section) const;
+
   // Gives the key its value. Nothing when the file could not hold it: a section with "]" or a line break in
   // its name, a key that is empty, has "=" or a line break in it or starts like a comment or a header, a
   // value with a line break in it, a file in UTF-16. Characters that the file's encoding does not have are
