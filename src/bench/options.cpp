@@ -35,18 +35,6 @@ constexpr std::string_view statusHelp =
     "user\n"
     "cancelled, stopped or was refused; 2 the command line, the folder or a file named on it is unusable.\n";
 
-double ParseTimeout(const std::string& text) {
-  constexpr double longest = 1e6;
-  double seconds = 0;
-  const auto parsed = std::from_chars(text.data(), text.data() + text.size(), seconds);
-  const bool isNumber = parsed.ec == std::errc{} && parsed.ptr == text.data() + text.size();
-  if (!isNumber || !(seconds > 0) || seconds > longest) {
-    throw UsageError{
-        Joined("--timeout takes a number of seconds greater than 0 (0.5, 10), not ", Quoted(text))};
-  }
-  return seconds;
-}
-
 std::string ParseFolder(const std::string& text) {
   if (text.empty()) {
     throw UsageError{"--folder: the name of the folder is empty"};
@@ -60,15 +48,6 @@ struct TypedOptions {
   std::string Timeout = "5";
   std::vector<std::string> Answers;
 };
-
-std::string LinkHelp() {
-  constexpr std::size_t width = 23;
-  std::string text = "the instrument (default: sim):";
-  for (const auto& [usage, effect] : LinkKindsHelp()) {
-    text.append("\n").append(usage).append(width - usage.size(), ' ').append(effect);
-  }
-  return text;
-}
 
 void Describe(CommandLine& line, TypedOptions& typed, Options& options) {
   line.AddOption("--folder", "DIR", typed.Folder,
@@ -129,6 +108,27 @@ std::string HelpOn(const CommandLine& line, std::vector<std::string> words) {
 }
 
 }  // namespace
+
+double ParseTimeout(const std::string& text) {
+  constexpr double longest = 1e6;
+  double seconds = 0;
+  const auto parsed = std::from_chars(text.data(), text.data() + text.size(), seconds);
+  const bool isNumber = parsed.ec == std::errc{} && parsed.ptr == text.data() + text.size();
+  if (!isNumber || !(seconds > 0) || seconds > longest) {
+    throw UsageError{
+        Joined("--timeout takes a number of seconds greater than 0 (0.5, 10), not ", Quoted(text))};
+  }
+  return seconds;
+}
+
+std::string LinkHelp() {
+  constexpr std::size_t width = 23;
+  std::string text = "the instrument (default: sim):";
+  for (const auto& [usage, effect] : LinkKindsHelp()) {
+    text.append("\n").append(usage).append(width - usage.size(), ' ').append(effect);
+  }
+  return text;
+}
 
 std::variant<Options, Information> ParseOptions(const std::vector<std::string>& arguments) {
   Options options;

@@ -26,6 +26,12 @@ struct Options {
   std::vector<std::string> Command;  // with its arguments
 };
 
+// The number of seconds behind --timeout. Throws UsageError.
+double ParseTimeout(const std::string& text);
+
+// What can stand behind --link, as the help shows it.
+std::string LinkHelp();
+
 // A text that was asked for instead of a run: the help or the version.
 struct Information {
   std::string Text;

@@ -2,7 +2,6 @@
 
 #include <hestrion_cmds.h>
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
@@ -16,11 +15,13 @@
 
 #include "bench/actions.h"
 #include "bench/bench_host.h"
+#include "bench/command_line.h"
 #include "bench/joined.h"
 #include "bench/links/link_factory.h"
 #include "bench/options.h"
 #include "bench/paths.h"
 #include "bench/preparation.h"
+#include "bench/printable.h"
 #include "bench/report.h"
 #include "bench/tracing.h"
 #include "bench/usage_error.h"
@@ -48,7 +49,7 @@ constexpr const char* moduleFile = "HZOCalibrateDevice.dll";
 struct WindowOptions {
   std::string Folder;  // empty: the registered add-in, else the program's own folder
   std::string Link = "sim";
-  double Timeout = 5;
+  std::string Timeout = "5";
   bool OffersDialog = false;
   bool AffirmsRest = false;
   std::string Answers;
@@ -57,35 +58,33 @@ struct WindowOptions {
   std::string Play;
   std::string Screenshot;
   bool KeepsGoing = false;
+  bool Replaces = false;
   bool ShowsPage = false;
   bool Quits = false;
 
   bool OpensPage() const { return ShowsPage || Quits || !Play.empty() || !Screenshot.empty(); }
 };
 
-void Describe(CLI::App& app, WindowOptions& options) {
-  app.set_help_flag("-h,--help", "print this help");
-  app.set_version_flag("--version", Joined("HestrionBench ", programVersion), "print the version");
-  app.add_option("--folder", options.Folder, "the program folder, which holds Zolvane.ini")->type_name("DIR");
-  app.add_option("--link", options.Link, "the instrument, as zolvane-bench names it")->type_name("LINK");
-  app.add_option("--timeout", options.Timeout, "how long a command waits for its reply")
-      ->type_name("SECONDS")
-      ->check(CLI::PositiveNumber);
-  app.add_flag("--host-dialog", options.OffersDialog, "let the host offer its own message dialogue");
-  app.add_option("--play", options.Play, "do the commands in FILE on the page, one per line")
-      ->type_name("FILE");
-  app.add_option("--answer", options.Answers, "with --play: answers to the boxes, in their order")
-      ->type_name("A,B,...");
-  app.add_flag("--yes", options.AffirmsRest,
-               "with --play: answer every box with OK or Yes once they run out");
-  app.add_flag("--keep-going", options.KeepsGoing, "with --play: go on behind a command that failed");
-  app.add_option("--trace", options.Trace, "write every interaction as JSON Lines to FILE")
-      ->type_name("FILE");
-  app.add_flag("--trace-reads", options.TracesReads, "let the trace hold the reads of settings too");
-  app.add_option("--screenshot", options.Screenshot, "save a picture of the window, .png or .bmp")
-      ->type_name("FILE");
-  app.add_flag("--page", options.ShowsPage, "open the page at once, as --play, --screenshot and --quit do");
-  app.add_flag("--quit", options.Quits, "end when all that has been done");
+void Describe(CommandLine& line, WindowOptions& options) {
+  line.AddOption("--folder", "DIR", options.Folder,
+                 "the program folder, which holds Zolvane.ini (default: that of the registered add-in)");
+  line.AddOption("--link", "LINK", options.Link, LinkHelp());
+  line.AddOption("--timeout", "SECONDS", options.Timeout,
+                 "how long a command waits for its reply (default: 5; a fraction is allowed)");
+  line.AddFlag("--host-dialog", options.OffersDialog, "let the host offer its own message dialogue");
+  line.AddOption("--play", "FILE", options.Play, "do the commands in FILE on the page, one per line");
+  line.AddOption("--answer", "A,B,...", options.Answers,
+                 "with --play: answers to the boxes, in their order: ok, cancel, yes, no");
+  line.AddFlag("--yes", options.AffirmsRest,
+               "with --play: answer every box with OK or Yes once --answer has run out");
+  line.AddFlag("--keep-going", options.KeepsGoing, "with --play: go on behind a command that failed");
+  line.AddFlag("--replace", options.Replaces,
+               "with --play: let export write into a file that exists; the add-in merges");
+  line.AddOption("--trace", "FILE", options.Trace, "write every interaction as JSON Lines to FILE");
+  line.AddFlag("--trace-reads", options.TracesReads, "let the trace hold the reads of settings too");
+  line.AddOption("--screenshot", "FILE", options.Screenshot, "save a picture of the window, .png or .bmp");
+  line.AddFlag("--page", options.ShowsPage, "open the page at once, as --play, --screenshot and --quit do");
+  line.AddFlag("--quit", options.Quits, "end when all that has been done");
 }
 
 // Of a loaded module; null is the program.
@@ -259,6 +258,7 @@ void CheckFilesOf(const WindowOptions& options, const Job& job) {
   Options bench;
   bench.Folder = AbsolutePath(options.Folder);
   bench.Link = options.Link;
+  bench.Replaces = options.Replaces;
   if (!options.Trace.empty()) {
     bench.Trace = options.Trace;
   }
@@ -280,7 +280,7 @@ HestrionBench::HestrionBench(const WindowOptions& options, Job job, std::ostream
       console_{unread_,
                complaints_,
                {.Program = "", .IsQuiet = true, .ResultsGoToNotes = false, .NotesWidth = {}}},
-      link_{CreateLink(options.Link, options.Timeout, interrupt_)},
+      link_{CreateLink(options.Link, ParseTimeout(options.Timeout), interrupt_)},
       host_{{}, MakeWaitingLink(), nullptr, console_} {
   OpenTrace();
   link_->Begin();
@@ -583,27 +583,27 @@ int HestrionBench::Run() {
 }  // namespace
 
 int RunHestrionBench(std::vector<std::string> arguments, std::ostream& output, std::ostream& errors) {
-  CLI::App app{"Hosts the add-in's real module in a window.", "HestrionBench"};
-  WindowOptions options;
-  Describe(app, options);
-  std::ranges::reverse(arguments);
   const auto complain = [&errors](const std::exception& error) {
-    Announce(Announcement::Error, Joined("HestrionBench: ", error.what(), "\n"), errors);
+    Announce(Announcement::Error, Joined("HestrionBench: ", OneLine(error.what()), "\n"), errors);
   };
   try {
-    app.parse(std::move(arguments));
+    CommandLine line{{.Program = "HestrionBench",
+                      .Usage = "[OPTIONS]",
+                      .Purpose = "Hosts the add-in's real module in a window.\n"}};
+    WindowOptions options;
+    Describe(line, options);
+    if (const auto asked = line.Parse(arguments); asked != CommandLine::Asked::Nothing) {
+      Announce(Announcement::Information,
+               asked == CommandLine::Asked::Help ? line.HelpText() : line.VersionText(), output);
+      return exit_status::done;
+    }
+    if (!line.Words().empty()) {
+      throw UsageError{
+          Joined("there is nothing to do with ", Quoted(line.Words().front()), "; see HestrionBench --help")};
+    }
     Job job = options.Play.empty() ? Job{} : ParseJob({"run", options.Play}, std::nullopt, std::cin);
     CheckFilesOf(options, job);
     return HestrionBench{options, std::move(job), errors}.Run();
-  } catch (const CLI::CallForHelp&) {
-    Announce(Announcement::Information, app.help(), output);
-    return exit_status::done;
-  } catch (const CLI::CallForVersion& version) {
-    Announce(Announcement::Information, Joined(version.what(), "\n"), output);
-    return exit_status::done;
-  } catch (const CLI::ParseError& error) {
-    complain(error);
-    return exit_status::unusable;
   } catch (const UsageError& error) {
     complain(error);
     return exit_status::unusable;
