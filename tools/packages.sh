@@ -1,3 +1,4 @@
+# shellcheck shell=bash disable=SC2034  # the lists of packages are for those who source this
 # Sourced by ./run and ./test: installs the Debian packages that are missing, and says nothing when none is.
 
 install_packages() {

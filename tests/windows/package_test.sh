@@ -33,7 +33,8 @@ unzip -q "${archives[0]}" -d "$unpacked"
 
 expected='CHANGELOG.md HZOCalibrateDevice.dll HestrionBench.exe LICENSE README.txt docs host.manifest register.cmd
 samples unregister.cmd zolvane-bench.exe zolvane-sim.exe'
-[[ $(cd "$unpacked"/* && LC_ALL=C ls | xargs) == "$(xargs <<<"$expected")" ]] || fail "the package holds what it should"
+[[ $(find "$unpacked"/* -mindepth 1 -maxdepth 1 -printf '%f\n' | LC_ALL=C sort | xargs) == "$(xargs <<<"$expected")" ]] ||
+  fail "the package holds what it should"
 cp -r "$unpacked"/*/* "$installed/"
 cmp -s "$calibrated" "$installed/Zolvane.ini" || fail "a laboratory's configuration survives the unpacking"
 cmp -s "$root/samples/Zolvane.ini" "$installed/samples/Zolvane.ini" || fail "the sample is in samples"
