@@ -23,7 +23,7 @@ namespace {
 
 using Pieces = std::vector<std::string>;
 
-std::string Read(FileSettingsService& service, const std::string& path, std::string_view key) {
+std::string ValueOf(FileSettingsService& service, const std::string& path, std::string_view key) {
   return service.ReadValue("A", key, path, "none").value();
 }
 
@@ -97,7 +97,7 @@ TEST(FullDiskHandling, AWriteThatDoesNotFitLeavesTheFileAsItWas) {
     EXPECT_FALSE(GrowsOnFullDisk(service, path, limit));
     EXPECT_EQ(BytesOf(path), before);
     EXPECT_EQ(folder.Names(), Pieces{"Zolvane.ini"});
-    EXPECT_EQ(Read(service, path, "x"), "1");
+    EXPECT_EQ(ValueOf(service, path, "x"), "1");
     EXPECT_TRUE(service.WriteValue("A", "x", path, "22").Ok());
     EXPECT_EQ(BytesOf(path), "[A]\nx=22\ny=" + std::string(5000, 'y') + "\n");
   }
