@@ -25,16 +25,18 @@ bool Opens(const Action& action, int button) {
   return action.Kind == ActionKind::PressButton && action.Button == button && action.File.has_value();
 }
 
-void Demand(const std::string& file, FileUse use, const std::string& at, const std::string& advice) {
+void Demand(const std::string& file, FileUse use, const std::string& at) {
   if (const auto reason = CheckUsable(file, use)) {
-    throw UsageError{Joined(at, Quoted(file), " ", *reason, advice)};
+    throw UsageError{Joined(at, Quoted(file), " ", *reason)};
   }
 }
 
 void CheckConfigFile(const std::string& folder) {
   const auto file = ConfigFileIn(folder);
-  Demand(file, FileUse::ReadOnly, "", "; --folder names the folder that holds it");
-  Demand(file, FileUse::ReadAndWrite, "", "");
+  if (const auto reason = ReasonFileIsInaccessible(file, FileUse::ReadOnly)) {
+    throw UsageError{Joined(Quoted(file), " ", *reason, "; --folder names the folder that holds it")};
+  }
+  Demand(file, FileUse::ReadAndWrite, "");
 }
 
 bool IsPresent(const std::string& file) {
@@ -56,7 +58,7 @@ void DemandReplacement(const std::string& file, bool isWanted, const std::string
 }
 
 void DemandBackup(const std::string& file, const std::string& folder, const std::string& at) {
-  Demand(file, FileUse::ReadOnly, at, "");
+  Demand(file, FileUse::ReadOnly, at);
   if (!HoldsBackup(folder, file)) {
     throw UsageError{
         Joined(at, Quoted(file), " is no backup: it has none of the sections that an import reads")};
@@ -72,7 +74,7 @@ std::vector<std::string> CheckDialogueFiles(const Options& options, const Job& j
     const auto at = action.Place.empty() ? std::string{} : action.Place + ": ";
     const bool isSaved = action.File && std::ranges::find(saved, *action.File) != saved.end();
     if (Opens(action, exportButton)) {
-      Demand(*action.File, FileUse::ReadAndWrite, at, "");
+      Demand(*action.File, FileUse::ReadAndWrite, at);
       if (!isSaved && IsMerged(*action.File, options.Folder)) {
         DemandReplacement(*action.File, options.Replaces, at);
         notes.push_back(Joined(at, Quoted(*action.File),

@@ -112,7 +112,8 @@ Status FileSettingsService::AppendBlankLine(std::string_view file) {
 Status FileSettingsService::Flush() {
   Status result = Status::Success();
   for (auto& [path, file] : files_) {
-    file.MayWait = true;
+    file.MayWaitForContent = true;
+    file.MayWaitToWrite = true;
     if (const Status flushed = file.Disk->Flush(); !flushed.Ok()) {
       result = flushed;
     }
@@ -141,7 +142,7 @@ FileSettingsService::HeldFile& FileSettingsService::Held(std::string_view path) 
 
 FileSettingsService::HeldFile& FileSettingsService::Current(std::string_view path) {
   HeldFile& file = Held(path);
-  const bool mayHaveCome = !file.Defect.empty() && file.MayWait;
+  const bool mayHaveCome = !file.Defect.empty() && file.MayWaitForContent;
   if (mayHaveCome || !file.Disk->IsCurrent()) {
     ReadAgain(std::string{path}, file);
   }
@@ -150,8 +151,9 @@ FileSettingsService::HeldFile& FileSettingsService::Current(std::string_view pat
 
 void FileSettingsService::ReadAgain(const std::string& path, HeldFile& file) {
   Wait wait{waiting_, longestAbsence};
-  auto look = LookPatiently(path, *file.Disk, [&] { return file.MayWait && (file.MayWait = wait.GoesOn()); });
-  file.MayWait = file.MayWait || look.Defect.empty();
+  auto look = LookPatiently(
+      path, *file.Disk, [&] { return file.MayWaitForContent && (file.MayWaitForContent = wait.GoesOn()); });
+  file.MayWaitForContent = file.MayWaitForContent || look.Defect.empty();
   file.Defect = std::move(look.Defect);
   if (file.Defect.empty() && look.Bytes != file.Text.Bytes()) {
     file.Text = SectionedText{std::move(look.Bytes)};
@@ -166,6 +168,9 @@ Status FileSettingsService::Change(std::string_view path, const Plan& plan) {
     if (!file.Defect.empty()) {
       return Fail(file.Defect);
     }
+    const auto goesOn = [&file](Wait& wait) {
+      return file.MayWaitToWrite && (file.MayWaitToWrite = wait.GoesOn());
+    };
     const auto edit = plan(file.Text);
     if (!edit) {
       return Fail("such a text cannot stand in a settings file");
@@ -178,26 +183,27 @@ Status FileSettingsService::Change(std::string_view path, const Plan& plan) {
       case WriteOutcome::Done:
         file.Text.Apply(*edit);
         lostCharacters_ += edit->LostCharacters;
+        file.MayWaitToWrite = true;
         SeenFiles::Add(std::string{path});
         return Status::Success();
       case WriteOutcome::Changed:
         ++attempt;
         break;
       case WriteOutcome::InUse:
-        if (!unused.GoesOn()) {
+        if (!goesOn(unused)) {
           return Fail(EndOfWait("another program has it open for writing"));
         }
         break;
       case WriteOutcome::Locked:
-        if (!unlocked.GoesOn()) {
+        if (!goesOn(unlocked)) {
           return Fail(EndOfWait("another program has been holding the lock of its folder for ten seconds"));
         }
         break;
       case WriteOutcome::Failed:
-        return Fail("is the disk full, or the file not writable?");
+        return Fail("the disk may be full, or the file or its folder not writable");
     }
   }
-  return Fail("another program changes it all the time");
+  return Fail("another program keeps changing it");
 }
 
 Status FileSettingsService::Fail(std::string reason) {

@@ -49,7 +49,8 @@ class FileSettingsService : public IniFileService {
 
   // Fails, and changes nothing, when the text cannot stand in such a file (see SectionedText::PlanValue),
   // when the file cannot be read, when other programs stand in the way for too long, or when it cannot be
-  // written. A value that is there already is not written again.
+  // written. Once a file was waited for in vain, no write into it waits again until one succeeds or Flush has
+  // ended the operation. A value that is there already is not written again.
   Status WriteValue(std::string_view section, std::string_view key, std::string_view file,
                     std::string_view value) override;
 
@@ -78,7 +79,8 @@ class FileSettingsService : public IniFileService {
     std::unique_ptr<ExchangedFile> Disk;
     SectionedText Text;
     std::string Defect = "it was never read";  // why it cannot be used; empty when it can
-    bool MayWait = true;                       // for content; once in an operation is enough
+    bool MayWaitForContent = true;             // once in an operation is enough
+    bool MayWaitToWrite = true;                // the same
   };
   using Plan = std::function<std::optional<SectionedText::Edit>(const SectionedText&)>;
 

@@ -468,6 +468,8 @@ TEST(AFileThatIsOpenForWritingElsewhere, FailsTheWriteWhenItStaysSo) {
   EXPECT_EQ(waiting.Service.FailureReason(), "another program has it open for writing");
   EXPECT_GE(waiting.Time.Passed(), longestUse);
   EXPECT_LE(waiting.Time.Passed(), longestAbsence + longestUse);
+  EXPECT_FALSE(waiting.Service.WriteValue("A", "y", path, "2").Ok());
+  EXPECT_LE(waiting.Time.Passed(), 2 * longestAbsence + longestUse) << "only the fresh file is awaited again";
   EXPECT_EQ(Read(waiting.Service, path, "x"), "1");
   EXPECT_EQ(BytesOf(path), "[A]\nx=1\n");
   EXPECT_EQ(folder.Names(), Pieces{"Zolvane.ini"});
@@ -497,6 +499,10 @@ TEST(ALockOfAnotherProgram, IsWaitedForTenSeconds) {
             "another program has been holding the lock of its folder for ten seconds");
   EXPECT_EQ(waiting.Time.Passed(), seconds{10});
   EXPECT_EQ(BytesOf(path), "[A]\nx=1\n");
+  EXPECT_FALSE(waiting.Service.WriteValue("A", "y", path, "2").Ok());
+  EXPECT_FALSE(waiting.Service.AppendBlankLine(path).Ok());
+  EXPECT_EQ(waiting.Time.Passed(), seconds{10}) << "the operation waits once";
+  EXPECT_TRUE(waiting.Service.Flush().Ok());
   waiting.Time.After(seconds{9}, [&] { other.reset(); });
   EXPECT_TRUE(waiting.Service.WriteValue("A", "x", path, "2").Ok());
   EXPECT_EQ(BytesOf(path), "[A]\nx=2\n");
