@@ -13,7 +13,7 @@ namespace {
 
 constexpr mode_t permissions = 07777;
 
-// Of a list with an access list these are the rights of all named users and groups together.
+// In a file with an access list these are the rights of all named users and groups together.
 bool GroupHasMoreThanOthers(mode_t mode) {
   return (((mode & S_IRWXG) >> 3) & ~(mode & S_IRWXO)) != 0;
 }

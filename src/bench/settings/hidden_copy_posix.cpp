@@ -28,9 +28,11 @@ std::string Hexadecimal(std::uint64_t number) {
   return {digits.data(), written.ptr};
 }
 
-// A name to be told apart from other writers' by their processes.
-std::string ProvisionalName(const std::string& start) {
-  return start + "new-" + std::to_string(::getpid());
+// In the name of a copy that is not whole yet and was never visible.
+constexpr std::string_view unfinished = "new-";
+
+std::uint64_t NanosecondsOf(const std::timespec& time) {
+  return static_cast<std::uint64_t>(time.tv_sec) * 1'000'000'000 + static_cast<std::uint64_t>(time.tv_nsec);
 }
 
 std::vector<std::string> NamesThatStartWith(const std::string& start, const std::string& folder) {
@@ -143,20 +145,32 @@ bool HiddenCopy::Make(unsigned int permissions, const FileHandle& visible) {
   if (!std::exchange(leftoversAreRemoved_, true)) {
     RemoveLeftovers();
   }
-  const int folder = visible_.Folder.Number();
   wasVisible_ = false;
-  file_ = OpenAt(folder, ".", O_TMPFILE | O_RDWR, permissions);
-  if (!file_.IsOpen()) {
-    nameBefore_ = ProvisionalName(StartOfNames());
-    file_ = OpenAt(folder, nameBefore_, O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW, permissions);
-  }
-  if (!file_.IsOpen()) {
-    nameBefore_.clear();
+  file_ = OpenAt(visible_.Folder.Number(), ".", O_TMPFILE | O_RDWR, permissions);
+  if (!file_.IsOpen() && !MakeWithName(permissions)) {
     return false;
   }
   TryLock(file_);
   name_ = NameOf(IdentityOf(file_), IdentityOf(visible));
   return true;
+}
+
+// The file has to exist before a name can tell which one it is. It gets that name before anything is written.
+bool HiddenCopy::MakeWithName(unsigned int permissions) {
+  const int folder = visible_.Folder.Number();
+  const std::string start = StartOfNames().append(unfinished);
+  const std::string first = start + Hexadecimal(NanosecondsOf(TimeNow()));
+  file_ = OpenAt(folder, first, O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW, permissions);
+  if (!file_.IsOpen()) {
+    return false;
+  }
+  nameBefore_ = start + Hexadecimal(IdentityOf(file_));
+  if (RenameToFree(folder, first, nameBefore_)) {
+    return true;
+  }
+  nameBefore_ = first;
+  Drop();
+  return false;
 }
 
 bool HiddenCopy::GiveName() {
@@ -186,7 +200,7 @@ void HiddenCopy::RemoveLeftover(const std::string& name) {
   if (!isOurs || !TryLock(file) || TryLeaseAgainstWriters(file) == LeaseAnswer::Refused) {
     return;
   }
-  if (WasWrittenLast(StateOf(file))) {
+  if (WasWrittenLast(StateOf(file)) && !numbers.starts_with(unfinished)) {
     Rescue(name);
   } else {
     Remove(name);

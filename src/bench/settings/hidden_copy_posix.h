@@ -1,8 +1,9 @@
 // The second copy of a file, hidden beside it, in which the next state of the file is made ready.
 //
-// Its name tells which two files change places, so that nothing else under such a name is ever taken for one. It is locked as long as its owner lives; one without lock was left behind and is removed
-// by the next writer. What another program wrote into a copy that had been the visible file is not removed: it
-// gets a name of its own beside the file ("Zolvane.ini.kept-1").
+// Its name tells which two files change places, so that nothing else under such a name is ever taken for one. It
+// is locked as long as its owner lives; one without lock was left behind and is removed by the next writer. What
+// another program wrote into a copy that had been the visible file is not removed: it gets a name of its own
+// beside the file ("Zolvane.ini.kept-1").
 #pragma once
 
 #include <cstdint>
@@ -66,6 +67,7 @@ class HiddenCopy {
   std::string StartOfNames() const;
   std::string NameOf(std::uint64_t ours, std::uint64_t visible) const;
   bool Make(unsigned int permissions, const FileHandle& visible);
+  bool MakeWithName(unsigned int permissions);
   bool GiveName();
   void RemoveLeftovers();
   void RemoveLeftover(const std::string& name);
@@ -84,7 +86,7 @@ class HiddenCopy {
   Durability survives_;
 
   std::string name_;
-  std::string nameBefore_;  // until it is whole; empty where files can do without one
+  std::string nameBefore_;  // until it is whole; empty where a file needs none
   FileHandle file_;
   bool wasVisible_ = false;  // since then others may have it open, and may write into it
   FileState state_;          // as it was when it ceased to be visible

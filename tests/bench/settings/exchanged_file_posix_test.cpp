@@ -2,18 +2,25 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <linux/filter.h>
+#include <linux/seccomp.h>
 #include <sys/file.h>
+#include <sys/prctl.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <sys/xattr.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <chrono>
 #include <csignal>
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -426,6 +433,67 @@ class KilledWriter {
  private:
   pid_t child_ = -1;
 };
+
+// From now on this process finds a file system that has no files without a name. `whenFileGetsTime` is what the
+// system does when a file's time is set, as it is when a copy has its content but not its final name.
+bool LoseNamelessFiles(unsigned int whenFileGetsTime) {
+  constexpr unsigned int nameless =
+      static_cast<unsigned int>(O_TMPFILE) & ~static_cast<unsigned int>(O_DIRECTORY);
+  auto rules = std::to_array<sock_filter>(
+      {BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
+       BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_utimensat, 4, 0),
+       BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_openat, 0, 4),
+       BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, args) + 2 * sizeof(std::uint64_t)),
+       BPF_JUMP(BPF_JMP | BPF_JSET | BPF_K, nameless, 0, 2),
+       BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | EOPNOTSUPP), BPF_STMT(BPF_RET | BPF_K, whenFileGetsTime),
+       BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW)});
+  const sock_fprog program{rules.size(), rules.data()};
+  return ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 &&
+         ::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program, 0, 0) == 0;
+}
+
+// In a process of its own. Returns how it ended.
+int StatusOfProcess(const std::function<bool()>& work) {
+  const pid_t child = ::fork();
+  if (child == 0) {
+    ::_exit(work() ? 0 : 1);
+  }
+  int status = -1;
+  ::waitpid(child, &status, 0);
+  return status;
+}
+
+TEST(SecondCopy, OfAProgramThatIsKilledWhileItMakesOneIsRemovedByTheNext) {
+  const TemporaryFolder folder;
+  const std::string path = folder.Put("file", "text");
+  const int status = StatusOfProcess([&] {
+    WrittenFile file{path};
+    return LoseNamelessFiles(SECCOMP_RET_KILL_PROCESS) && file.Append("+");
+  });
+  ASSERT_TRUE(WIFSIGNALED(status));
+  ASSERT_EQ(CopiesIn(folder).size(), 1U);
+  {
+    WrittenFile file{path};
+    ASSERT_TRUE(file.Append("!"));
+    EXPECT_EQ(file.File().TakeRescued(), Names{});
+  }
+  EXPECT_EQ(BytesOf(path), "text!");
+  EXPECT_EQ(folder.Names(), Names{"file"});
+}
+
+// Numbers of processes are given again: in a container it is the same one each time.
+TEST(SecondCopy, IsMadeWhateverAKilledProgramOfTheSameNumberLeft) {
+  const TemporaryFolder folder;
+  const std::string path = folder.Put("file", "text");
+  const int status = StatusOfProcess([&] {
+    folder.Put(".file.bench-copy-new-" + std::to_string(::getpid()), "te");
+    WrittenFile file{path};
+    return LoseNamelessFiles(SECCOMP_RET_ALLOW) && file.Append("+") && file.Append("+");
+  });
+  EXPECT_EQ(status, 0);
+  EXPECT_EQ(BytesOf(path), "text++");
+  EXPECT_EQ(CopiesIn(folder).size(), 1U) << "a file that is not known to be a copy stays";
+}
 
 TEST(SecondCopy, IsHiddenAndOneChangeBehind) {
   const TemporaryFolder folder;
