@@ -225,7 +225,7 @@ class BenchEnvironment final : public Environment {
     if (file == configFile || !IsSameFile(file, configFile)) {
       return file;
     }
-    state_.Out.Note(Joined(Quoted(file), " leads to ", Quoted(configFile)));
+    state_.Complain(Joined(Quoted(file), " leads to ", Quoted(configFile)));
     return configFile;
   }
 

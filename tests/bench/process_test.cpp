@@ -663,6 +663,11 @@ TEST_F(Bench, ALinkToTheConfigurationIsTheConfiguration) {
       EXPECT_EQ(result.Status, 1) << command << ' ' << file;
       EXPECT_EQ(ActionsOf(result)[0]["outcome"], "refused") << command << ' ' << file;
       EXPECT_EQ(Folder.Read("Zolvane.ini"), configText) << command << ' ' << file;
+      Folder.Put("job", command + ' ' + file + '\n');
+      const auto inRun = Run({"--yes", "--quiet", "run", "job"});
+      EXPECT_EQ(inRun.Status, 1) << command << ' ' << file;
+      EXPECT_NE(inRun.Errors.find(file + "\" leads to \""), std::string::npos) << inRun.Errors;
+      EXPECT_EQ(Folder.Read("Zolvane.ini"), configText) << command << ' ' << file;
     }
   }
 }
