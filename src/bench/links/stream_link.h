@@ -121,9 +121,8 @@ class StreamLink : public BenchLink {
     if (Converse(question, deadline, delivery)) {
       return true;
     }
-    delivery.Problem = Joined("a reply did not come in time, and until the instrument answers ",
-                              question.value_or("what it was asked last"),
-                              ", no other command can be told from it and leave");
+    delivery.Problem = Joined("a reply did not come in time; until the instrument answers ",
+                              question.value_or("what it was asked last"), ", no other command is sent");
     return false;
   }
 
@@ -140,8 +139,8 @@ class StreamLink : public BenchLink {
       if (verdict == WireRules::Verdict::Answer) {
         return heard;
       }
-      if (verdict == WireRules::Verdict::AskAgain) {
-        goesOn = !Interrupt().IsRaised() && DropInput(deadline) && Send(*line, deadline);
+      if (verdict == WireRules::Verdict::AskAgain && !Interrupt().IsRaised()) {
+        goesOn = DropInput(deadline) && Send(*line, deadline);
       }
     }
     GiveUp(delivery);

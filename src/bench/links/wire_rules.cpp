@@ -29,6 +29,14 @@ bool IsKey(std::string_view text) {
   });
 }
 
+bool IsRefusal(std::string_view line) {
+  return line.find(unknownKey) != std::string_view::npos;
+}
+
+bool HoldsInAnyCase(const std::vector<std::string>& keys, std::string_view key) {
+  return std::ranges::any_of(keys, [key](const auto& held) { return EqualIgnoringCase(held, key); });
+}
+
 }  // namespace
 
 void WireRules::Connect() {
@@ -52,7 +60,11 @@ WireRules::Verdict WireRules::Hear(std::string_view line) {
 void WireRules::Overhear(std::string_view line) {
   const auto name = NameIn(line);
   hasNamed_ |= !name.empty();
-  Settle(name);
+  if (NamesTheKeyInHand(name) || (key_ && name.empty() && IsRefusal(line))) {
+    SettleFirstOfTwo();
+  } else {
+    Settle(name);
+  }
 }
 
 // A line that names a key answers the question for that key and nothing else.
@@ -61,7 +73,7 @@ WireRules::Verdict WireRules::HearNamed(std::string_view name, std::string_view 
   if (NamesTheKeyInHand(name)) {
     Remember(*key_);
     isLost_ = false;
-    return Close(Verdict::Answer);
+    return Close();
   }
   if (!Settle(name)) {
     NoteSkipped(line);
@@ -73,8 +85,15 @@ WireRules::Verdict WireRules::HearBare(std::string_view line) {
   if (!command_ || isLost_) {
     return Verdict::Skip;
   }
-  const bool answers = !key_ || line.find(unknownKey) != std::string_view::npos;
-  return answers ? Close(Verdict::Answer) : HearBareValue(line);
+  if (!key_) {
+    return Close();
+  }
+  return IsRefusal(line) ? HearRefusal() : HearBareValue(line);
+}
+
+// Of a question that was sent twice both are refused, and the second refusal is not left for the next question.
+WireRules::Verdict WireRules::HearRefusal() {
+  return SettleFirstOfTwo() ? Verdict::Skip : Close();
 }
 
 // Values without their key have to prove themselves: the same question is asked again, and brings the same value.
@@ -82,8 +101,8 @@ WireRules::Verdict WireRules::HearBareValue(std::string_view line) {
   const bool isValue = StrictNumber(line).has_value();
   if (isValue && (answersBare_ || bareValue_ == line)) {
     answersBare_ = true;
-    timesAsked_ = 1;  // each time has had its answer
-    return Close(Verdict::Answer);
+    answersToCome_ = 1;  // this one
+    return Close();
   }
   NoteSkipped(line);
   if (!isValue || hasNamed_) {
@@ -91,7 +110,7 @@ WireRules::Verdict WireRules::HearBareValue(std::string_view line) {
   }
   const bool isFirst = !bareValue_;
   bareValue_ = line;
-  timesAsked_ += isFirst ? 1 : 0;
+  answersToCome_ += isFirst ? 1 : 0;
   return isFirst ? Verdict::AskAgain : Verdict::Skip;
 }
 
@@ -102,8 +121,9 @@ void WireRules::TimeOut() {
 
 void WireRules::Disconnect() {
   if (command_) {
+    // Two late values that are the same would prove themselves for the next question.
+    isLost_ |= answersToCome_ > 1;
     lastGivenUp_ = key_;
-    ++timesAsked_;  // no time has had its answer
     LetGo();
   }
 }
@@ -122,9 +142,10 @@ std::optional<std::string> WireRules::AskForPlace() {
   return std::nullopt;
 }
 
-WireRules::Verdict WireRules::Close(Verdict verdict) {
+WireRules::Verdict WireRules::Close() {
+  --answersToCome_;
   LetGo();
-  return verdict;
+  return Verdict::Answer;
 }
 
 // The key in front of the line's first "="; empty when the line names none.
@@ -134,12 +155,17 @@ std::string_view WireRules::NameIn(std::string_view line) const {
     return {};
   }
   const auto name = Trimmed(line.substr(0, end));
-  return IsKey(name) || (key_ && EqualIgnoringCase(name, *key_)) ? name : std::string_view{};
+  return IsKey(name) || IsKnown(name) ? name : std::string_view{};
 }
 
 // To the letter; or in another case, as long as that very spelling is not owed to an earlier question.
 bool WireRules::NamesTheKeyInHand(std::string_view name) const {
   return key_ && (name == *key_ || (EqualIgnoringCase(name, *key_) && !IsOwed(name)));
+}
+
+bool WireRules::IsKnown(std::string_view name) const {
+  return (key_ && EqualIgnoringCase(name, *key_)) || HoldsInAnyCase(owed_, name) ||
+         HoldsInAnyCase(answered_, name);
 }
 
 bool WireRules::IsOwed(std::string_view key) const {
@@ -159,6 +185,13 @@ bool WireRules::Settle(std::string_view name) {
   return true;
 }
 
+// The command in hand has been sent twice and had no answer yet; now it had the first one.
+bool WireRules::SettleFirstOfTwo() {
+  const bool isFirst = answersToCome_ > 1;
+  answersToCome_ -= isFirst ? 1 : 0;
+  return isFirst;
+}
+
 void WireRules::NoteSkipped(std::string_view line) {
   if (command_ && !skippedLine_) {
     skippedLine_ = line;
@@ -173,13 +206,13 @@ void WireRules::Remember(const std::string& key) {
 void WireRules::TakeInHand(std::string command, std::optional<std::string> key) {
   command_ = std::move(command);
   key_ = std::move(key);
-  timesAsked_ = 1;
+  answersToCome_ = 1;
   bareValue_.reset();
 }
 
-// Every time the question was asked, but for one, is still owed its answer.
+// A question is still owed the answers that have not come.
 void WireRules::LetGo() {
-  for (; key_ && timesAsked_ > 1; --timesAsked_) {
+  for (; key_ && answersToCome_ > 0; --answersToCome_) {
     owed_.push_back(*key_);
   }
   command_.reset();
@@ -187,9 +220,7 @@ void WireRules::LetGo() {
 }
 
 std::optional<std::string> WireRules::KeyForPlace() const {
-  const auto isOwed = [this](std::string_view key) {
-    return std::ranges::any_of(owed_, [key](const auto& owed) { return EqualIgnoringCase(owed, key); });
-  };
+  const auto isOwed = [this](std::string_view key) { return HoldsInAnyCase(owed_, key); };
   const auto latest = std::find_if_not(answered_.rbegin(), answered_.rend(), isOwed);
   if (latest != answered_.rend()) {
     return *latest;

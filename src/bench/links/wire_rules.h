@@ -34,13 +34,14 @@ class WireRules {
   // A whole line has come, without its end. With no command in hand it is skipped.
   Verdict Hear(std::string_view line);
 
-  // A line lay there before a command left. It is no reply to that command, but may be what an earlier one is owed.
+  // A line lay there before a command left. It is no reply to that command, but may be what an earlier one is owed, or
+  // the answer to the first of the two times that the command in hand is sent.
   void Overhear(std::string_view line);
 
   // The command in hand has got no answer in its time. Its reply may still come, and the place is lost.
   void TimeOut();
 
-  // The connection has ended before the command in hand was answered.
+  // The connection has ended before the command in hand was answered. The place is lost only if it was sent twice.
   void Disconnect();
 
   // ---- After a missing reply
@@ -63,23 +64,26 @@ class WireRules {
  private:
   Verdict HearNamed(std::string_view name, std::string_view line);
   Verdict HearBare(std::string_view line);
+  Verdict HearRefusal();
   Verdict HearBareValue(std::string_view line);
-  Verdict Close(Verdict verdict);
+  Verdict Close();
 
   std::string_view NameIn(std::string_view line) const;
   bool NamesTheKeyInHand(std::string_view name) const;
+  bool IsKnown(std::string_view name) const;
   bool IsOwed(std::string_view key) const;
   bool Settle(std::string_view name);
+  bool SettleFirstOfTwo();
   void NoteSkipped(std::string_view line);
   void Remember(const std::string& key);
   void TakeInHand(std::string command, std::optional<std::string> key);
   void LetGo();
   std::optional<std::string> KeyForPlace() const;
 
-  // The command in hand; of GET_CALIBRATION its key, and how often it was sent.
+  // The command in hand; of GET_CALIBRATION its key.
   std::optional<std::string> command_;
   std::optional<std::string> key_;
-  int timesAsked_ = 0;
+  int answersToCome_ = 0;                 // one for each time it was sent
   std::optional<std::string> bareValue_;  // came for the command in hand
   std::optional<std::string> skippedLine_;
 

@@ -148,6 +148,16 @@ TEST(UnrulyTcp, AnInterruptWhileACommandWaitsLetsItFinish) {
   EXPECT_EQ(link->Stop(), true);
 }
 
+TEST(UnrulyTcp, AfterAnInterruptAQuestionIsNotRepeatedButItsAnswerIsWaitedFor) {
+  InterruptFlag interrupt;
+  const HandmadeServer server{Answering([&interrupt](int) {
+    interrupt.Raise();
+    return std::string{"17\r\nSTAGE1_X=5\r\n"};
+  })};
+  const auto link = CreateLink(server.Link(), 5.0, interrupt);
+  EXPECT_EQ(Send(*link, "GET_CALIBRATION STAGE1_X"), "STAGE1_X=5");
+}
+
 TEST(UnrulyTcp, AfterAnInterruptNoCommandLeavesWhateverIsTried) {
   for (const auto* place : {"sim", "none", "tcp:127.0.0.1:1", "serial:/dev/no-such-port"}) {
     InterruptFlag interrupt;

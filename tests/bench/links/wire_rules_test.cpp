@@ -118,6 +118,23 @@ TEST_F(WireRulesTest, WithNoCommandInHandEveryLineIsSkipped) {
   }
 }
 
+TEST_F(WireRulesTest, AKeyWithABlankInItIsKnownAgainInALaterLine) {
+  constexpr std::string_view question = "GET_CALIBRATION PickUp_8 CH_Z";
+  constexpr std::string_view answer = "PickUp_8 CH_Z=12";
+  Exchange(question, answer);
+  Rules.Ask("STATUS_STAGE");
+  EXPECT_EQ(Rules.Hear(answer), Verdict::Skip) << "it has come twice";
+  EXPECT_EQ(Rules.Hear("ZV400"), Verdict::Answer);
+  Rules.Ask(question);
+  Rules.Disconnect();
+  Rules.Connect();
+  Rules.Ask("STATUS_STAGE");
+  EXPECT_EQ(Rules.Hear(answer), Verdict::Skip) << "it is late";
+  EXPECT_EQ(Rules.Hear("ZV400"), Verdict::Answer);
+  Miss("STATUS_STAGE");
+  EXPECT_EQ(Rules.AskForPlace(), question) << "the debt has been paid";
+}
+
 // ---- Instruments that answer with bare values
 
 TEST_F(WireRulesTest, ABareValueThatComesTwiceIsTheAnswerAndSoAreAllBehindIt) {
@@ -157,6 +174,38 @@ TEST_F(WireRulesTest, ALineThatWasOverheardHasNamedAKeyToo) {
   Rules.Overhear("Z=1");
   Rules.Ask("GET_CALIBRATION A");
   EXPECT_EQ(Rules.Hear("17"), Verdict::Skip);
+}
+
+// Else the second one would be taken for the answer to the next question.
+TEST_F(WireRulesTest, ARepeatedQuestionIsRefusedWhenBothTimesAre) {
+  Rules.Ask("GET_CALIBRATION A");
+  EXPECT_EQ(Rules.Hear("17"), Verdict::AskAgain);
+  EXPECT_EQ(Rules.Hear("SYNTAX_ERROR"), Verdict::Skip);
+  EXPECT_EQ(Rules.SkippedLine(), "17");
+  EXPECT_EQ(Rules.Hear("SYNTAX_ERROR"), Verdict::Answer);
+  Exchange("GET_CALIBRATION B", "B=2");
+}
+
+TEST_F(WireRulesTest, WhatIsOverheardBeforeAQuestionIsRepeatedWasForItsFirstTime) {
+  Rules.Ask("GET_CALIBRATION A");
+  EXPECT_EQ(Rules.Hear("17"), Verdict::AskAgain);
+  Rules.Overhear("SYNTAX_ERROR");
+  Rules.Overhear("SYNTAX_ERROR");
+  EXPECT_EQ(Rules.Hear("SYNTAX_ERROR"), Verdict::Answer);
+  Rules.Ask("GET_CALIBRATION B");
+  EXPECT_EQ(Rules.Hear("17"), Verdict::AskAgain);
+  Rules.Overhear("B=2");
+  EXPECT_EQ(Rules.Hear("B=2"), Verdict::Answer);
+  Miss("STATUS_STAGE");
+  EXPECT_EQ(Rules.AskForPlace(), "GET_CALIBRATION B") << "nothing is owed for it";
+}
+
+// Both late values, the same as they are, would prove themselves for the next question.
+TEST_F(WireRulesTest, AConnectionThatEndsWhenAQuestionWasRepeatedLosesThePlace) {
+  Rules.Ask("GET_CALIBRATION A");
+  EXPECT_EQ(Rules.Hear("250"), Verdict::AskAgain);
+  Rules.Disconnect();
+  EXPECT_TRUE(Rules.IsLost());
 }
 
 TEST_F(WireRulesTest, BareValuesProveThemselvesOnEachConnection) {
