@@ -250,11 +250,16 @@ class WatchedLink final : public InstrumentLink {
   std::optional<bool> SendCommand(std::string& command, std::string& reply, std::int32_t number) override {
     const auto ok = inner_->SendCommand(command, reply, number);
     const auto& delivery = inner_->LastDelivery();
-    if (delivery.HasLeft || !MetOnlyIf(inner_->Stop())) {
+    const bool isCutShort = !delivery.HasLeft && MetOnlyIf(inner_->Stop());
+    if (delivery.HasLeft) {
       state_.Now.Commands.Count(command, MetOnlyIf(ok), reply);
-      state_.Out.CountCommand();
-    } else {
+    } else if (isCutShort) {
       state_.Now.WasStopped = true;  // the user has interrupted, and nothing leaves any more
+    } else {
+      ++state_.Now.Commands.Undelivered;
+    }
+    if (!isCutShort) {
+      state_.Out.CountCommand();
     }
     Keep(delivery);
     TellProblem(delivery.Problem);

@@ -22,6 +22,7 @@ struct CommandTally {
   std::size_t UnknownKeys = 0;  // of those refused: questions for keys that the instrument does not hold
   std::size_t Unexpected = 0;   // of those refused: answers that the operation cannot have asked for
   std::size_t NotAnswered = 0;
+  std::size_t Undelivered = 0;  // the link could not send them
   std::optional<RefusedCommand> FirstRefused;
   std::optional<std::string> FirstNotAnswered;  // its key, or the whole command
   std::optional<std::string> FirstProblem;      // why the link could not deliver one
@@ -33,7 +34,7 @@ struct CommandTally {
   // Takes a command and its reply; the reply of a command that was not answered means nothing.
   void Count(std::string_view command, bool isAnswered, std::string_view reply);
 
-  std::size_t Total() const { return std::max(Expected, Sent); }
+  std::size_t Total() const { return std::max(Expected, Sent + Undelivered); }
   std::size_t NotSent() const { return Total() - Sent; }
 
   // The replies alone make a failure of the operation: a line of an upload was not accepted, a question was answered

@@ -60,7 +60,8 @@ inline const OutcomeRow& RowOf(Outcome outcome) {
 }
 
 inline bool HasFailed(const Happenings& happened) {
-  return happened.Commands.NotAnswered > 0 || happened.Commands.IsFailedByReplies() ||
+  const auto& commands = happened.Commands;
+  return commands.NotAnswered > 0 || commands.Undelivered > 0 || commands.IsFailedByReplies() ||
          happened.WritesFailed > 0 || happened.ReadsFailed > 0;
 }
 

@@ -286,8 +286,9 @@ std::vector<std::string> ReasonsOf(const Happenings& happened) {
   if (commands.IsFailedByReplies()) {
     reasons.push_back(Joined(OfAll(commands.Refused, commands), " refused, ", FirstRefused(commands)));
   }
-  if (happened.WasStopped) {
-    reasons.push_back(Joined("stopped, ", OfAll(commands.NotSent(), commands), " not sent"));
+  if (happened.WasStopped || commands.Undelivered > 0) {
+    reasons.push_back(
+        Joined(happened.WasStopped ? "stopped, " : "", OfAll(commands.NotSent(), commands), " not sent"));
   }
   return reasons;
 }

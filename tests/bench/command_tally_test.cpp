@@ -91,5 +91,12 @@ TEST(CommandTally, CountsWhatWasNotSent) {
   EXPECT_EQ(tally.NotSent(), 35U);
 }
 
+TEST(CommandTally, CountsWhatTheLinkCouldNotSendAsNotSent) {
+  auto tally = TallyOf("SET_CALIBRATION A 1", "OK");
+  tally.Undelivered = 2;
+  EXPECT_EQ(tally.Total(), 3U);
+  EXPECT_EQ(tally.NotSent(), 2U);
+}
+
 }  // namespace
 }  // namespace zolvane

@@ -55,15 +55,16 @@ TEST(Report, TellsWhyTheLinkDidNotDeliver) {
   ActionResult result{.Request = Named("query"), .Happened = {}};
   auto& commands = result.Happened.Commands;
   commands.Count("STATUS_STAGE", false, "");
+  commands.Undelivered = 3;
   commands.FirstProblem = "tcp:127.0.0.1:1 cannot be opened: Connection refused";
   commands.FirstSkippedLine = "WELCOME";
   EXPECT_EQ(
       ResultText(result),
-      "query: failed (1 of 1 command sent; 0 accepted; 1 not answered, first STATUS_STAGE; tcp:127.0.0.1:1 "
-      "cannot be opened: Connection refused; skipped the line \"WELCOME\")\n");
+      "query: failed (1 of 4 commands sent; 0 accepted; 1 not answered, first STATUS_STAGE; tcp:127.0.0.1:1 "
+      "cannot be opened: Connection refused; skipped the line \"WELCOME\"; 3 not sent)\n");
   EXPECT_EQ(ReasonsOf(result.Happened),
-            (std::vector<std::string>{"1 of 1 command not answered, first STATUS_STAGE",
-                                      "skipped the line \"WELCOME\""}));
+            (std::vector<std::string>{"1 of 4 commands not answered, first STATUS_STAGE",
+                                      "skipped the line \"WELCOME\"", "3 of 4 commands not sent"}));
   RunReport report;
   report.Results.push_back(result);
   const auto json = ReportJson(report)["actions"][0];
@@ -109,6 +110,12 @@ TEST(Outcome, IsTheWeightiestThatHappened) {
 TEST(Outcome, IsAFailureWhenACommandWasNotAnswered) {
   Happenings happened;
   happened.Commands.Count("STATUS_STAGE", false, "");
+  EXPECT_EQ(OutcomeOf(happened), Outcome::Failed);
+}
+
+TEST(Outcome, IsAFailureWhenTheLinkCouldNotSendACommand) {
+  Happenings happened;
+  happened.Commands.Undelivered = 1;
   EXPECT_EQ(OutcomeOf(happened), Outcome::Failed);
 }
 
