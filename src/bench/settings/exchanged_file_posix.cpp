@@ -26,6 +26,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <ctime>
@@ -128,7 +129,7 @@ class PosixExchangedFile final : public ExchangedFile {
   PosixExchangedFile& operator=(const PosixExchangedFile&) = delete;
   ~PosixExchangedFile() override { PassOver(Flush()); }
 
-  bool IsCurrent() override { return isSettled_ && StateOfPath(path_) == known_; }
+  bool IsCurrent() override;
   FileContent Read() override;
   WriteOutcome Write(std::string_view text, const Splice& change) override;
   Status Flush() override;
@@ -136,6 +137,7 @@ class PosixExchangedFile final : public ExchangedFile {
 
  private:
   FileContent ReadFrom(const FileHandle& file);
+  FileState Look();
   void LetGo();
 
   bool OpenFolder();
@@ -159,12 +161,33 @@ class PosixExchangedFile final : public ExchangedFile {
   FileState known_;         // of the visible file, as it was last read or written
   bool isSettled_ = false;  // a later change cannot look like `known_`
 
+  FileHandle
+      looked_;  // what the path led to at the last look along it; opened neither for reading nor writing
+  std::chrono::steady_clock::time_point nextLook_;
+
   FilePlace place_;
   FileHandle visible_;  // open during a write only; is the file that `known_` tells of
   bool isLeased_ = false;
   HiddenCopy copy_{place_, options_.Survives};
   bool namesAreDurable_ = true;
 };
+
+bool PosixExchangedFile::IsCurrent() {
+  return isSettled_ && (known_.Exists ? Look() : StateOfPath(path_)) == known_;
+}
+
+// Every change of a file, its replacement and its removal show in the file itself, and to ask an open handle costs a
+// third of a look along the path. Only the path knows when a folder above, or a link, has been changed for another
+// one; it is therefore looked along again after a while, and before each write.
+FileState PosixExchangedFile::Look() {
+  constexpr std::chrono::milliseconds untilNextLook{10};
+  const auto now = std::chrono::steady_clock::now();
+  if (!looked_.IsOpen() || now >= nextLook_) {
+    looked_ = OpenAt(AT_FDCWD, path_, O_PATH);
+    nextLook_ = now + untilNextLook;
+  }
+  return StateOf(looked_);
+}
 
 FileContent PosixExchangedFile::Read() {
   LetGo();
@@ -206,6 +229,7 @@ FileContent PosixExchangedFile::ReadFrom(const FileHandle& file) {
 }
 
 void PosixExchangedFile::LetGo() {
+  looked_.Close();
   copy_.Drop();
   visible_.Close();
   place_.Folder.Close();
@@ -382,6 +406,7 @@ void PosixExchangedFile::GiveBack() {
 
 // The copy bears the visible name now. What was visible, if it is still open, is the copy, and `changed` behind.
 void PosixExchangedFile::BecomeVisible(const FileState& formerState, ByteRange changed) {
+  looked_.Close();
   if (isLeased_ && visible_.IsOpen()) {
     EndLease(visible_);
   }
