@@ -135,10 +135,10 @@ TEST(InstrumentServer, AClientThatWaitsForASlowReplyIsNotSilent) {
 
 TEST(InstrumentServer, AClientThatLeavesInTheMiddleDoesNotEndTheService) {
   const RunningInstrument instrument;
-  { Client{instrument}.Send("SET_CALIBRATION STAGE1_X 16"); }
+  { Client{instrument}.Send("SET_CALIBRATION HALF_SENT 16"); }
   { Client{instrument}.Send("STATUS_STAGE\r\nSTATUS_STAGE\r\nSTATUS_STAGE\r\n"); }
   Client last{instrument};
-  EXPECT_EQ(last.Send("GET_CALIBRATION STAGE1_X\r\n").Line(), "SYNTAX_ERROR\r\n");
+  EXPECT_EQ(last.Send("GET_CALIBRATION HALF_SENT\r\n").Line(), "SYNTAX_ERROR\r\n");
 }
 
 TEST(InstrumentServer, AClientThatSendsALineWithoutEndIsSentAway) {
