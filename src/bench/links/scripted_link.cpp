@@ -5,9 +5,9 @@
 #include <string_view>
 #include <utility>
 
-#include "bench/printable.h"
 #include "bench/joined.h"
 #include "bench/json_file.h"
+#include "bench/printable.h"
 #include "bench/usage_error.h"
 
 namespace zolvane {

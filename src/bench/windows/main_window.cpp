@@ -208,7 +208,8 @@ void MainWindow::LimitSize(MINMAXINFO& limits) const {
 void MainWindow::ShowOperation(bool isRunning) {
   isRunning_ = isRunning;
   if (!isRunning && GetFocus() == GetDlgItem(window_, stopId)) {
-    SetFocus(GetNextDlgTabItem(window_, nullptr, FALSE));  // a disabled button would take the keys and do nothing
+    SetFocus(
+        GetNextDlgTabItem(window_, nullptr, FALSE));  // a disabled button would take the keys and do nothing
   }
   EnableWindow(GetDlgItem(window_, saveId), isRunning ? FALSE : TRUE);
   EnableWindow(GetDlgItem(window_, helpId), isRunning ? FALSE : TRUE);
