@@ -20,6 +20,10 @@ struct HostState {
         Files{std::make_shared<FileSettingsService>(FileSettingsService::OpenFile,
                                                     Waiting{.IsUnwanted = setup.WantsToStop})} {}
 
+  HostState(const HostState&) = delete;
+  HostState& operator=(const HostState&) = delete;
+  ~HostState() { ForgetSeenFiles(); }
+
   void Complain(std::string_view text) { Out.Error(Joined(Place, text)); }
 
   void Misuse(std::string_view text) {

@@ -61,9 +61,9 @@ void TakeFiles(PlayedSession& played) {
 
 std::vector<std::string> BenchArguments(const SessionPlan& plan) {
   const auto& folder = ProgramFolder::OfThisRun();
-  std::vector<std::string> arguments{"--folder",      folder.Text(), "--link",
-                                     plan.Link,       "--json",      "--keep-going",
-                                     "--trace-reads", "--trace",     folder.FileText(traceFile)};
+  std::vector<std::string> arguments{
+      "--folder",     folder.Text(), "--link",        plan.Link, "--json",
+      "--keep-going", "--replace",   "--trace-reads", "--trace", folder.FileText(traceFile)};
   for (const auto& answer : plan.Answers) {
     arguments.insert(arguments.end(), {"--answer", answer});
   }

@@ -22,6 +22,10 @@ class SeenFiles {
     const std::lock_guard guard{Instance().mutex_};
     return Instance().paths_.contains(path);
   }
+  static void Forget() {
+    const std::lock_guard guard{Instance().mutex_};
+    Instance().paths_.clear();
+  }
 
  private:
   static SeenFiles& Instance() {
@@ -74,6 +78,10 @@ Look LookPatiently(const std::string& path, ExchangedFile& disk, const std::func
 }
 
 }  // namespace
+
+void ForgetSeenFiles() {
+  SeenFiles::Forget();
+}
 
 FileSettingsService::FileSettingsService(FileOpener openFile, Waiting waiting)
     : openFile_{std::move(openFile)}, waiting_{std::move(waiting)} {}

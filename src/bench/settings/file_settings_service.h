@@ -98,6 +98,10 @@ class FileSettingsService : public IniFileService {
   std::size_t lostCharacters_ = 0;
 };
 
+// In which files there was content is known to the whole process: a check before a session knows it for the
+// session's service. Where a process plays one host after the other, the end of each forgets it.
+void ForgetSeenFiles();
+
 // Why the file cannot serve as a settings file, as the end of a sentence about it ("is a folder"). Nothing
 // when it can. For reading and writing the file may be missing if its folder lets it be created.
 std::optional<std::string> CheckUsable(const std::string& path, FileUse use = FileUse::ReadAndWrite);

@@ -396,6 +396,19 @@ TEST(AFileThatHadContent, IsKnownToEveryServiceOfTheProcess) {
   EXPECT_TRUE(folder.Names().empty());
 }
 
+TEST(AFileThatHadContent, IsForgottenWithItsHost) {
+  const TemporaryFolder folder;
+  const std::string path = folder.Put("Zolvane.ini", "[A]\nx=1\n");
+  {
+    WaitingService earlier;
+    ASSERT_EQ(Read(earlier.Service, path, "x"), "1");
+  }
+  folder.Put("Zolvane.ini", "");
+  ForgetSeenFiles();
+  WaitingService waiting;
+  EXPECT_EQ(Read(waiting.Service, path, "x"), "none");
+}
+
 TEST(AFileThatHadContent, IsNotTakenForTheTextThatItHasWhenItIsSavedAsUtf16) {
   const TemporaryFolder folder;
   const std::string path = folder.Put("Zolvane.ini", "[A]\nx=1\n");
