@@ -115,8 +115,8 @@ double ParseTimeout(const std::string& text) {
   const auto parsed = std::from_chars(text.data(), text.data() + text.size(), seconds);
   const bool isNumber = parsed.ec == std::errc{} && parsed.ptr == text.data() + text.size();
   if (!isNumber || !(seconds > 0) || seconds > longest) {
-    throw UsageError{
-        Joined("--timeout takes a number of seconds greater than 0 (0.5, 10), not ", Quoted(text))};
+    throw UsageError{Joined("--timeout takes a number of seconds above 0 and up to 1000000 (0.5, 10), not ",
+                            Quoted(text))};
   }
   return seconds;
 }

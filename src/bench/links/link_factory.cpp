@@ -21,8 +21,8 @@ namespace {
 
 using LinkPointer = std::shared_ptr<BenchLink>;
 
-[[noreturn]] void Refuse(std::string_view reason, const std::string& text) {
-  throw UsageError{Joined("--link: ", reason, ": ", Printable(text))};
+[[noreturn]] void Refuse(std::string_view demand, const std::string& text) {
+  throw UsageError{Joined("--link: ", demand, ", not ", Quoted(text))};
 }
 
 LinkPointer CreateSimulated(const std::string& file, const InterruptFlag& interrupt) {
@@ -32,7 +32,7 @@ LinkPointer CreateSimulated(const std::string& file, const InterruptFlag& interr
 LinkPointer CreateTcp(const std::string& place, double timeout, const InterruptFlag& interrupt) {
   auto hostAndPort = ParseHostAndPort(place, 1);
   if (!hostAndPort) {
-    Refuse("tcp takes HOST:PORT with a port from 1 to 65535", "tcp:" + place);
+    Refuse("tcp takes HOST:PORT with a port from 1 to 65535", place);
   }
   return std::make_shared<TcpLink>(*std::move(hostAndPort), LinkTimeout{timeout}, interrupt);
 }
@@ -44,14 +44,14 @@ LinkPointer CreateSerial(const std::string& place, double timeout, const Interru
                                                : WholeNumberIn(std::string_view{place}.substr(comma + 1), 1U,
                                                                std::numeric_limits<unsigned>::max());
   if (device.empty() || !baud || !IsBaudRate(*baud)) {
-    Refuse("serial takes DEVICE or DEVICE,BAUD with a baud rate such as 9600", "serial:" + place);
+    Refuse("serial takes DEVICE or DEVICE,BAUD with a baud rate such as 9600", place);
   }
   return std::make_shared<SerialLink>(device, *baud, LinkTimeout{timeout}, interrupt);
 }
 
 LinkPointer CreateScripted(const std::string& file, const InterruptFlag& interrupt) {
   if (file.empty()) {
-    Refuse("script takes the name of a file", "script:");
+    Refuse("script takes the name of a file", file);
   }
   return std::make_shared<ScriptedLink>(ReadLinkScript(file), interrupt);
 }
@@ -73,7 +73,7 @@ constexpr std::array<std::string_view, 5> kinds{"sim", "tcp", "serial", "script"
   for (const auto& row : kindsHelp) {
     usages.append(usages.empty() ? "" : &row == &kindsHelp.back() ? " or " : ", ").append(row.Usage);
   }
-  throw UsageError{Joined("--link: takes ", usages, ": ", Printable(text), DidYouMean(kind, kinds))};
+  throw UsageError{Joined("--link takes ", usages, ", not ", Quoted(text), DidYouMean(kind, kinds))};
 }
 
 }  // namespace

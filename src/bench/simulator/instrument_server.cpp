@@ -4,7 +4,9 @@
 #include <system_error>
 #include <utility>
 
+#include "bench/joined.h"
 #include "bench/links/host_and_port.h"
+#include "bench/printable.h"
 #include "bench/simulator/stream_service.h"
 #include "bench/usage_error.h"
 
@@ -16,7 +18,7 @@ using asio::ip::tcp;
 tcp::endpoint EndpointOf(asio::io_context& io, const std::string& place) {
   const auto hostAndPort = ParseHostAndPort(place, 0);
   if (!hostAndPort) {
-    throw UsageError{"--listen takes HOST:PORT: " + place};
+    throw UsageError{Joined("--listen takes HOST:PORT, not ", Quoted(place))};
   }
   tcp::resolver resolver{io};
   return *resolver.resolve(hostAndPort->Host, std::to_string(hostAndPort->Port), tcp::resolver::passive)

@@ -18,7 +18,7 @@ namespace zolvane {
 namespace {
 
 struct SimulatorOptions {
-  std::string Listen = "127.0.0.1:0";
+  std::optional<std::string> Listen;
   bool UsesPseudoTerminal = false;
   SimulatedInstrument::Setup Instrument;
   std::optional<std::string> State;
@@ -103,15 +103,24 @@ InstrumentServer::Setup ServerSetupFrom(const SimulatorOptions& options) {
   return setup;
 }
 
+std::string Open(InstrumentServer& server, asio::io_context& io, const SimulatorOptions& options) {
+  if (options.UsesPseudoTerminal) {
+    return server.ServePseudoTerminal(io);
+  }
+  return server.ServeTcp(io, options.Listen.value_or("127.0.0.1:0"));
+}
+
 void Serve(const SimulatorOptions& options) {
+  if (options.UsesPseudoTerminal && options.Listen) {
+    throw UsageError{"--pty takes the place of TCP, and so does not go with --listen"};
+  }
   const auto setup = ServerSetupFrom(options);
   auto instrument = InstrumentFrom(options);
   InstrumentServer server{instrument, setup};
   asio::io_context io;
   asio::signal_set endings{io, SIGINT, SIGTERM};
   endings.async_wait([&io](std::error_code, int) { io.stop(); });
-  const auto place =
-      options.UsesPseudoTerminal ? server.ServePseudoTerminal(io) : server.ServeTcp(io, options.Listen);
+  const auto place = Open(server, io, options);
   instrument.SwitchOn();
   std::cout << place << std::endl;
   io.run();

@@ -189,7 +189,7 @@ class HestrionBench : private DialogueListener {
   HestrionBench(const HestrionBench&) = delete;
   HestrionBench& operator=(const HestrionBench&) = delete;
 
-  int Run();
+  int Run(const std::vector<std::string>& notes);
 
  private:
   // ---- What is said while the user or the player has the page
@@ -250,10 +250,10 @@ class HestrionBench : private DialogueListener {
   int worst_ = exit_status::done;  // of all that has ended
 };
 
-// Before anything is changed. Where a registered add-in lies is its own business.
-void CheckFilesOf(const WindowOptions& options, const Job& job) {
+// Before anything is changed. Where a registered add-in lies is its own business. Returns what is to be logged.
+std::vector<std::string> CheckFilesOf(const WindowOptions& options, const Job& job) {
   if (options.Folder.empty()) {
-    return;
+    return {};
   }
   Options bench;
   bench.Folder = AbsolutePath(options.Folder);
@@ -262,7 +262,7 @@ void CheckFilesOf(const WindowOptions& options, const Job& job) {
   if (!options.Trace.empty()) {
     bench.Trace = options.Trace;
   }
-  CheckFiles(bench, job);
+  return CheckFiles(bench, job);
 }
 
 HestrionBench::HestrionBench(const WindowOptions& options, Job job, std::ostream& errors)
@@ -560,7 +560,8 @@ int HestrionBench::Status() {
   return status;
 }
 
-int HestrionBench::Run() {
+int HestrionBench::Run(const std::vector<std::string>& notes) {
+  std::ranges::for_each(notes, [this](const auto& note) { window_.AppendLog(note); });
   if (options_.OpensPage()) {
     OpenPage();
     window_.PumpMessages();
@@ -602,8 +603,8 @@ int RunHestrionBench(std::vector<std::string> arguments, std::ostream& output, s
           Joined("there is nothing to do with ", Quoted(line.Words().front()), "; see HestrionBench --help")};
     }
     Job job = options.Play.empty() ? Job{} : ParseJob({"run", options.Play}, std::nullopt, std::cin);
-    CheckFilesOf(options, job);
-    return HestrionBench{options, std::move(job), errors}.Run();
+    const auto notes = CheckFilesOf(options, job);
+    return HestrionBench{options, std::move(job), errors}.Run(notes);
   } catch (const UsageError& error) {
     complain(error);
     return exit_status::unusable;

@@ -3,7 +3,9 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include "bench/joined.h"
 #include "bench/links/sent_command.h"
+#include "bench/printable.h"
 #include "bench/usage_error.h"
 #include "support/temporary_folder.h"
 
@@ -35,8 +37,8 @@ TEST(LinkFactory, AnythingElseIsRefusedWithTheChoices) {
     EXPECT_NE(RefusedLink(text), "accepted") << text;
   }
   EXPECT_EQ(RefusedLink("usb:1"),
-            "--link: takes sim, sim:FILE, tcp:HOST:PORT, serial:DEVICE[,BAUD], /dev/...[,BAUD], script:FILE "
-            "or none: usb:1");
+            "--link takes sim, sim:FILE, tcp:HOST:PORT, serial:DEVICE[,BAUD], /dev/...[,BAUD], script:FILE "
+            "or none, not \"usb:1\"");
 }
 
 TEST(LinkFactory, ThePathOfADeviceIsASerialLink) {
@@ -44,28 +46,28 @@ TEST(LinkFactory, ThePathOfADeviceIsASerialLink) {
   EXPECT_NE(CreateLink("/dev/ttyS0,115200", 1.0, quietInterrupt), nullptr);
   EXPECT_EQ(
       RefusedLink("/dev/ttyS0,fast"),
-      "--link: serial takes DEVICE or DEVICE,BAUD with a baud rate such as 9600: serial:/dev/ttyS0,fast");
+      "--link: serial takes DEVICE or DEVICE,BAUD with a baud rate such as 9600, not \"/dev/ttyS0,fast\"");
 }
 
 TEST(LinkFactory, AMisspeltKindIsAnsweredWithTheNearestOne) {
-  EXPECT_TRUE(RefusedLink("tpc:localhost:1").ends_with("tpc:localhost:1; did you mean \"tcp\"?"));
-  EXPECT_TRUE(RefusedLink("seriel:COM1").ends_with("seriel:COM1; did you mean \"serial\"?"));
+  EXPECT_TRUE(RefusedLink("tpc:localhost:1").ends_with("tpc:localhost:1\"; did you mean \"tcp\"?"));
+  EXPECT_TRUE(RefusedLink("seriel:COM1").ends_with("seriel:COM1\"; did you mean \"serial\"?"));
 }
 
 TEST(LinkFactory, ATcpPlaceNeedsAHostAndAPort) {
   for (const auto* text : {"tcp:", "tcp:host", "tcp:host:", "tcp::4000", "tcp:host:0", "tcp:host:65536",
                            "tcp:host:40x", "tcp:host:-1"}) {
-    EXPECT_EQ(RefusedLink(text),
-              std::string{"--link: tcp takes HOST:PORT with a port from 1 to 65535: "} + text);
+    EXPECT_EQ(RefusedLink(text), Joined("--link: tcp takes HOST:PORT with a port from 1 to 65535, not ",
+                                        Quoted(std::string_view{text}.substr(4))));
   }
 }
 
 TEST(LinkFactory, ASerialPlaceNeedsADeviceAndPerhapsARate) {
   for (const auto* text :
        {"serial:", "serial:,9600", "serial:/dev/ttyS0,", "serial:/dev/ttyS0,fast", "serial:x,0"}) {
-    EXPECT_EQ(
-        RefusedLink(text),
-        std::string{"--link: serial takes DEVICE or DEVICE,BAUD with a baud rate such as 9600: "} + text);
+    EXPECT_EQ(RefusedLink(text),
+              Joined("--link: serial takes DEVICE or DEVICE,BAUD with a baud rate such as 9600, not ",
+                     Quoted(std::string_view{text}.substr(7))));
   }
 }
 
@@ -73,7 +75,7 @@ TEST(LinkFactory, AMissingScriptIsNamed) {
   const TemporaryFolder folder;
   EXPECT_EQ(RefusedLink("script:" + folder.Path("none.json")),
             folder.Path("none.json") + ": cannot be read: No such file or directory");
-  EXPECT_EQ(RefusedLink("script:"), "--link: script takes the name of a file: script:");
+  EXPECT_EQ(RefusedLink("script:"), "--link: script takes the name of a file, not \"\"");
 }
 
 TEST(LinkFactory, AScriptWithoutEndIsRefused) {

@@ -5,7 +5,9 @@
 #include <chrono>
 #include <thread>
 
+#include "bench/joined.h"
 #include "bench/links/running_instrument.h"
+#include "bench/printable.h"
 #include "bench/usage_error.h"
 
 namespace zolvane {
@@ -176,7 +178,7 @@ TEST(InstrumentServer, ListensOnAnyAddressOfTheMachine) {
 
 TEST(InstrumentServer, APlaceThatIsNoneIsRefused) {
   for (const auto* place : {"", "4000", "127.0.0.1:", ":4000", "127.0.0.1:65536", "127.0.0.1:x"}) {
-    EXPECT_EQ(Refusal(place), std::string{"--listen takes HOST:PORT: "} + place);
+    EXPECT_EQ(Refusal(place), Joined("--listen takes HOST:PORT, not ", Quoted(place)));
   }
 }
 

@@ -205,6 +205,7 @@ TEST(SimulatorProgram, WhatIsWrongWithTheOptionsIsSaidInOneLine) {
       {"--rfid", "A,B"},
       {"--bogus"},
       {"--listen"},
+      {"--pty", "--listen", "127.0.0.1:0"},
       {"extra\nword"},
   };
   for (const auto& line : lines) {
