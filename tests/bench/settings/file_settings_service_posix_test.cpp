@@ -5,6 +5,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <csignal>
 #include <filesystem>
 #include <functional>
@@ -65,6 +66,49 @@ TEST(FileSettingsService, APipeIsNoFile) {
   EXPECT_FALSE(service.AppendBlankLine(folder.Path("pipe")).Ok());
   EXPECT_EQ(folder.Names(), Pieces{"pipe"});
   EXPECT_EQ(CheckUsable(folder.Path("pipe")), "is not an ordinary file");
+}
+
+// A link to one of two files that have long been as they are, and have been read through it.
+class LinkedConfiguration : public testing::Test {
+ protected:
+  LinkedConfiguration() {
+    for (const auto* name : {"old.ini", "new.ini"}) {
+      const std::string path = folder_.Put(name, std::string{"[A]\nx="} + name + "\n");
+      std::filesystem::last_write_time(path,
+                                       std::filesystem::file_time_type::clock::now() - std::chrono::hours{1});
+    }
+    std::filesystem::create_symlink("old.ini", link_);
+    const auto start = std::chrono::steady_clock::now();
+    const auto file = OpenExchangedFile(link_);
+    while (!(file->Read().Is == FileContent::State::Present && file->IsCurrent()) &&
+           std::chrono::steady_clock::now() < start + std::chrono::seconds{10}) {
+    }
+    EXPECT_EQ(ValueOf(service_, link_, "x"), "old.ini");
+  }
+
+  void SetAnew() const {
+    std::filesystem::create_symlink("new.ini", link_ + "~");
+    std::filesystem::rename(link_ + "~", link_);
+  }
+
+  TemporaryFolder folder_;
+  std::string link_ = folder_.Path("Zolvane.ini");
+  FileSettingsService service_;
+};
+
+TEST_F(LinkedConfiguration, ThatIsSetAnewIsReadFromItsNewFileSoon) {
+  SetAnew();
+  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds{10};
+  while (ValueOf(service_, link_, "x") == "old.ini" && std::chrono::steady_clock::now() < end) {
+  }
+  EXPECT_EQ(ValueOf(service_, link_, "x"), "new.ini");
+}
+
+TEST_F(LinkedConfiguration, ThatIsSetAnewIsWrittenInItsNewFile) {
+  SetAnew();
+  EXPECT_TRUE(service_.WriteValue("A", "y", link_, "1").Ok());
+  EXPECT_EQ(folder_.Read("old.ini"), "[A]\nx=old.ini\n");
+  EXPECT_EQ(folder_.Read("new.ini"), "[A]\nx=new.ini\ny=1\n");
 }
 
 TEST(FileSettingsService, AValueThatIsThereAlreadyDoesNotTouchTheFile) {
