@@ -7,8 +7,8 @@
 #include <thread>
 #include <vector>
 
-#include "bench/links/link_factory.h"
-#include "bench/simulator/instrument_server.h"
+#include "instrument/links/link_factory.h"
+#include "instrument/simulator/instrument_server.h"
 
 namespace zolvane {
 namespace {

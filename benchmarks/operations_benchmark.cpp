@@ -12,8 +12,8 @@
 #include <thread>
 #include <vector>
 
-#include "bench/rehearsal.h"
-#include "bench/simulator/instrument_server.h"
+#include "bench/host/dry_run.h"
+#include "instrument/simulator/instrument_server.h"
 #include "page/page_controls.h"
 
 namespace zolvane {

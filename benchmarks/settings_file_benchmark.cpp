@@ -9,9 +9,9 @@
 #include <string>
 #include <string_view>
 
-#include "bench/settings/exchanged_file.h"
-#include "bench/settings/file_settings_service.h"
-#include "bench/settings/sectioned_text.h"
+#include "files/exchanged_file.h"
+#include "files/file_settings_service.h"
+#include "files/sectioned_text.h"
 #include "folder.h"
 
 namespace zolvane {

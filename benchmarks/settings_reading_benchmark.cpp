@@ -18,8 +18,8 @@
 #include <thread>
 #include <vector>
 
-#include "bench/settings/exchanged_file.h"
-#include "bench/settings/file_settings_service.h"
+#include "files/exchanged_file.h"
+#include "files/file_settings_service.h"
 #include "folder.h"
 
 namespace zolvane {

@@ -12,9 +12,9 @@ widen(minor ${PROJECT_VERSION_MINOR} 2)
 widen(build ${PROJECT_VERSION_TWEAK} 4)
 set(ZOLVANE_VERSION ${PROJECT_VERSION_MAJOR}.${minor}.${build})
 
-# For programs that print it: "bench/version.h".
+# For programs that print it: "program/version.h".
 set(ZOLVANE_GENERATED_HEADERS ${CMAKE_BINARY_DIR}/generated)
-configure_file(src/bench/version.h.in ${ZOLVANE_GENERATED_HEADERS}/bench/version.h @ONLY)
+configure_file(src/program/version.h.in ${ZOLVANE_GENERATED_HEADERS}/program/version.h @ONLY)
 
 # For Windows: what the properties of a program's or the module's file show. The resources are compiled by themselves,
 # as the warnings of the compiler mean nothing to the resource compiler.
@@ -36,7 +36,7 @@ function(add_version_resource target description)
     set(ZOLVANE_FILE_EXTENSION dll)
   endif()
   string(REPLACE "." ", " ZOLVANE_VERSION_NUMBERS ${PROJECT_VERSION})
-  configure_file(${CMAKE_SOURCE_DIR}/cmake/version.rc.in ${CMAKE_CURRENT_BINARY_DIR}/${target}_version.rc @ONLY)
+  configure_file(${PROJECT_SOURCE_DIR}/cmake/version.rc.in ${CMAKE_CURRENT_BINARY_DIR}/${target}_version.rc @ONLY)
   add_library(${target}_version OBJECT ${CMAKE_CURRENT_BINARY_DIR}/${target}_version.rc)
   target_sources(${target} PRIVATE $<TARGET_OBJECTS:${target}_version>)
 endfunction()

@@ -4,8 +4,8 @@
 #include <sstream>
 #include <string>
 
-#include "bench/actions.h"
-#include "bench/usage_error.h"
+#include "bench/job/actions.h"
+#include "text/usage_error.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   std::istringstream input{std::string{data, data + size}};

@@ -6,8 +6,8 @@
 #include <string>
 #include <string_view>
 
-#include "bench/settings/reference_settings.h"
-#include "bench/settings/sectioned_text.h"
+#include "files/reference_settings.h"
+#include "files/sectioned_text.h"
 
 namespace {
 

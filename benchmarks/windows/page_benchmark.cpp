@@ -16,13 +16,13 @@
 #include <string_view>
 #include <vector>
 
-#include "bench/bench_host.h"
-#include "bench/links/link_factory.h"
-#include "bench/windows/add_in_class.h"
-#include "bench/windows/com_session.h"
-#include "bench/windows/offered_host.h"
-#include "bench/windows/offered_settings.h"
-#include "shell/windows/unique_handle.h"
+#include "bench/host/bench_host.h"
+#include "bench/windows/com/add_in_class.h"
+#include "bench/windows/com/com_session.h"
+#include "bench/windows/com/offered_host.h"
+#include "bench/windows/com/offered_settings.h"
+#include "instrument/links/link_factory.h"
+#include "win32/unique_handle.h"
 
 namespace zolvane {
 namespace {

@@ -5,13 +5,13 @@
 #include <utility>
 
 #include "config/conversions.h"
-#include "config/current_records.h"
+#include "config/tables/current_records.h"
 #include "config/text.h"
-#include "link/hardware_detection.h"
+#include "operations/download.h"
+#include "operations/file_copy.h"
+#include "operations/hardware_detection.h"
+#include "operations/upload.h"
 #include "page/message_dialogue.h"
-#include "transfer/download.h"
-#include "transfer/file_copy.h"
-#include "transfer/upload.h"
 
 namespace zolvane {
 namespace {

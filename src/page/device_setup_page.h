@@ -12,8 +12,8 @@
 #include "host/environment.h"
 #include "host/host_attachment.h"
 #include "host/status.h"
-#include "link/operation_context.h"
-#include "link/page_port.h"
+#include "operations/operation_context.h"
+#include "operations/page_port.h"
 #include "page/page_model.h"
 #include "page/page_view.h"
 

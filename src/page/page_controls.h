@@ -7,11 +7,11 @@
 #include <cstdint>
 #include <string_view>
 
-#include "config/device_tables.h"
-#include "config/head_and_tip_tables.h"
-#include "config/nest_table.h"
 #include "config/records.h"
-#include "link/page_port.h"
+#include "config/tables/device_tables.h"
+#include "config/tables/head_and_tip_tables.h"
+#include "config/tables/nest_table.h"
+#include "operations/page_port.h"
 
 namespace zolvane {
 

@@ -9,7 +9,7 @@
 
 #include "config/item_lists.h"
 #include "host/status.h"
-#include "link/page_port.h"
+#include "operations/page_port.h"
 #include "page/page_controls.h"
 
 namespace zolvane {

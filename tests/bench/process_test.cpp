@@ -16,8 +16,8 @@
 #include <thread>
 #include <vector>
 
-#include "bench/joined.h"
 #include "bench/process_support.h"
+#include "text/joined.h"
 
 namespace zolvane {
 namespace {

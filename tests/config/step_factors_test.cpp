@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "config/config_fixture.h"
-#include "config/device_tables.h"
+#include "config/tables/device_tables.h"
 
 namespace zolvane {
 namespace {

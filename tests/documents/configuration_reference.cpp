@@ -10,15 +10,15 @@
 #include <utility>
 #include <vector>
 
-#include "config/device_tables.h"
-#include "config/head_and_tip_tables.h"
-#include "config/height_tables.h"
-#include "config/labware_tables.h"
-#include "config/nest_table.h"
+#include "config/tables/device_tables.h"
+#include "config/tables/head_and_tip_tables.h"
+#include "config/tables/height_tables.h"
+#include "config/tables/labware_tables.h"
+#include "config/tables/nest_table.h"
+#include "operations/upload_script.h"
 #include "page/page_controls.h"
 #include "support/form_session.h"
 #include "support/golden.h"
-#include "transfer/upload_script.h"
 
 namespace zolvane {
 namespace {

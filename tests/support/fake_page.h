@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "config/text.h"
-#include "link/page_port.h"
+#include "operations/page_port.h"
 #include "support/fake_host.h"
 #include "support/journal.h"
 

@@ -2,6 +2,9 @@
 // break inside a call is written "\r\n" with backslashes.
 #pragma once
 
+#include <gtest/gtest.h>
+
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -12,13 +15,22 @@
 
 namespace zolvane {
 
-inline std::string FileContent(const std::filesystem::path& file) {
+inline std::string TextOfFile(const std::filesystem::path& file) {
   std::ifstream stream{file, std::ios::binary};
   return {std::istreambuf_iterator<char>{stream}, {}};
 }
 
+// Compares a made text with the file that keeps it. With ZOLVANE_REWRITE_GOLDEN set the file is written anew, to be
+// reviewed like any other change.
+inline void ExpectKept(const std::filesystem::path& file, const std::string& text) {
+  if (std::getenv("ZOLVANE_REWRITE_GOLDEN") != nullptr) {
+    std::ofstream{file, std::ios::binary} << text;
+  }
+  EXPECT_EQ(TextOfFile(file), text) << file;
+}
+
 inline std::string GoldenText(const std::string& name) {
-  return FileContent(std::filesystem::path{ZOLVANE_SOURCE_PATH} / "tests" / "golden" / name);
+  return TextOfFile(std::filesystem::path{ZOLVANE_SOURCE_PATH} / "tests" / "golden" / name);
 }
 
 // A file with a few records of each table.
@@ -28,7 +40,7 @@ inline std::string SmallConfiguration() {
 
 // The sample, with the line ends of the fakes.
 inline std::string SampleConfiguration() {
-  return Replaced(FileContent(std::filesystem::path{ZOLVANE_SAMPLES_PATH} / "Zolvane.ini"), "\r\n", "\n");
+  return Replaced(TextOfFile(std::filesystem::path{ZOLVANE_SAMPLES_PATH} / "Zolvane.ini"), "\r\n", "\n");
 }
 
 inline std::vector<std::string> GoldenLines(const std::string& name) {

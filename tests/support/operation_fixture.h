@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "config/configuration.h"
-#include "config/current_records.h"
-#include "link/operation_context.h"
+#include "config/tables/current_records.h"
+#include "operations/operation_context.h"
 #include "support/fake_host.h"
 #include "support/fake_page.h"
 

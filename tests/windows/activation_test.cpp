@@ -8,7 +8,7 @@
 #include "manifest_in_force.h"
 #include "program_folder.h"
 #include "registered_classes.h"
-#include "shell/windows/text.h"
+#include "win32/text.h"
 
 namespace zolvane {
 namespace {

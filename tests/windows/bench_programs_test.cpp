@@ -4,7 +4,7 @@
 
 #include <sstream>
 
-#include "bench/bench_program.h"
+#include "bench/program/bench_program.h"
 #include "child_process.h"
 #include "played_session.h"
 #include "program_folder.h"

@@ -6,12 +6,12 @@
 #include <optional>
 #include <string>
 
-#include "bench/windows/offered_object.h"
-#include "bench/windows/offered_settings.h"
-#include "shell/windows/com_host.h"
-#include "shell/windows/com_ini_file_service.h"
-#include "shell/windows/late_bound_names.h"
-#include "shell/windows/text.h"
+#include "bench/windows/com/offered_object.h"
+#include "bench/windows/com/offered_settings.h"
+#include "shell/windows/host/com_host.h"
+#include "shell/windows/host/com_ini_file_service.h"
+#include "shell/windows/host/late_bound_names.h"
+#include "win32/text.h"
 
 namespace zolvane {
 namespace {

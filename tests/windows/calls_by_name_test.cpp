@@ -13,8 +13,8 @@
 #include <utility>
 #include <vector>
 
-#include "bench/settings/file_settings_service.h"
-#include "bench/windows/offered_settings.h"
+#include "bench/windows/com/offered_settings.h"
+#include "files/file_settings_service.h"
 #include "program_folder.h"
 
 namespace zolvane {

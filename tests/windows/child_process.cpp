@@ -5,7 +5,7 @@
 #include <stdexcept>
 
 #include "program_folder.h"
-#include "shell/windows/text.h"
+#include "win32/text.h"
 
 namespace zolvane {
 namespace {

@@ -6,14 +6,14 @@
 #include <string>
 #include <vector>
 
-#include "shell/windows/unique_handle.h"
+#include "win32/unique_handle.h"
 
 namespace zolvane {
 
 // What a program is started from.
 enum class StartedFrom {
   Program,   // which reads what it prints
-  Explorer,  // neither streams nor a console of its own; its parent is the test, which may have one
+  Explorer,  // neither streams nor a console
 };
 
 class ChildProcess {

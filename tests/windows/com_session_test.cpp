@@ -4,8 +4,8 @@
 
 #include <random>
 
-#include "../bench/links/running_instrument.h"
-#include "bench/windows/offered_settings.h"
+#include "../instrument/links/running_instrument.h"
+#include "bench/windows/com/offered_settings.h"
 #include "played_session.h"
 #include "program_folder.h"
 

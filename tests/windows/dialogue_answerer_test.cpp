@@ -1,5 +1,5 @@
 // The user of these tests, who has a thread of its own.
-#include "bench/windows/dialogue_answerer.h"
+#include "bench/windows/play/dialogue_answerer.h"
 
 #include <gtest/gtest.h>
 

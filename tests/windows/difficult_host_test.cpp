@@ -19,15 +19,15 @@
 #include <utility>
 #include <vector>
 
-#include "bench/windows/offered_object.h"
-#include "bench/windows/offered_settings.h"
+#include "bench/windows/com/offered_object.h"
+#include "bench/windows/com/offered_settings.h"
 #include "program_folder.h"
 #include "shell/windows/class_factory.h"
-#include "shell/windows/late_bound.h"
-#include "shell/windows/late_bound_names.h"
-#include "shell/windows/module_instance.h"
-#include "shell/windows/page_layout.h"
-#include "shell/windows/text.h"
+#include "shell/windows/host/late_bound_names.h"
+#include "shell/windows/page/page_layout.h"
+#include "win32/late_bound.h"
+#include "win32/module_instance.h"
+#include "win32/text.h"
 
 namespace zolvane {
 namespace {

@@ -9,11 +9,11 @@
 #include <stdexcept>
 #include <utility>
 
-#include "bench/windows/offered_object.h"
-#include "shell/windows/com_object.h"
-#include "shell/windows/counted.h"
-#include "shell/windows/late_bound_names.h"
-#include "shell/windows/text.h"
+#include "bench/windows/com/offered_object.h"
+#include "shell/windows/host/late_bound_names.h"
+#include "win32/com_object.h"
+#include "win32/counted.h"
+#include "win32/text.h"
 
 namespace zolvane {
 namespace {

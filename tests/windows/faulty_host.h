@@ -9,11 +9,11 @@
 #include <utility>
 #include <vector>
 
-#include "bench/windows/offered_settings.h"
+#include "bench/windows/com/offered_settings.h"
 #include "host/environment.h"
 #include "host/host_object.h"
 #include "host/host_window.h"
-#include "shell/windows/com_ptr.h"
+#include "win32/com_ptr.h"
 
 namespace zolvane {
 

@@ -11,23 +11,23 @@
 #include <set>
 #include <sstream>
 
-#include "bench/bench_host.h"
-#include "bench/links/link_factory.h"
-#include "bench/recorded_page.h"
-#include "bench/settings/file_settings_service.h"
-#include "bench/settings/sectioned_text.h"
-#include "bench/tracing.h"
-#include "bench/windows/dialogue_hooks.h"
-#include "bench/windows/offered_host.h"
-#include "bench/windows/page_driver.h"
+#include "bench/host/bench_host.h"
+#include "bench/host/recorded_page.h"
+#include "bench/host/tracing.h"
+#include "bench/windows/com/offered_host.h"
+#include "bench/windows/play/dialogue_hooks.h"
+#include "bench/windows/play/page_driver.h"
 #include "faulty_host.h"
+#include "files/file_settings_service.h"
+#include "files/sectioned_text.h"
 #include "forwarding_environment.h"
+#include "instrument/links/link_factory.h"
 #include "program_folder.h"
 #include "shell/add_in_module.h"
 #include "shell/connect.h"
-#include "shell/windows/late_bound.h"
-#include "shell/windows/late_bound_names.h"
-#include "shell/windows/text.h"
+#include "shell/windows/host/late_bound_names.h"
+#include "win32/late_bound.h"
+#include "win32/text.h"
 
 namespace zolvane {
 namespace {

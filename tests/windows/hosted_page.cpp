@@ -4,8 +4,8 @@
 #include <optional>
 #include <stdexcept>
 
-#include "bench/settings/file_settings_service.h"
-#include "shell/windows/text.h"
+#include "files/file_settings_service.h"
+#include "win32/text.h"
 
 namespace zolvane {
 namespace {

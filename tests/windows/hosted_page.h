@@ -8,11 +8,11 @@
 #include <string>
 #include <utility>
 
-#include "bench/windows/com_session.h"
-#include "bench/windows/offered_host.h"
-#include "bench/windows/offered_settings.h"
+#include "bench/windows/com/com_session.h"
+#include "bench/windows/com/offered_host.h"
+#include "bench/windows/com/offered_settings.h"
 #include "program_folder.h"
-#include "shell/windows/page_layout.h"
+#include "shell/windows/page/page_layout.h"
 
 namespace zolvane {
 

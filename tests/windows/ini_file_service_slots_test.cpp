@@ -10,7 +10,7 @@
 #include <string>
 
 #include "program_folder.h"
-#include "shell/windows/text.h"
+#include "win32/text.h"
 
 namespace zolvane {
 namespace {

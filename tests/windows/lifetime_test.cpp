@@ -10,18 +10,18 @@
 #include <thread>
 #include <vector>
 
-#include "bench/bench_host.h"
-#include "bench/links/link_factory.h"
-#include "bench/settings/file_settings_service.h"
-#include "bench/windows/com_session.h"
-#include "bench/windows/offered_host.h"
-#include "bench/windows/offered_object.h"
-#include "bench/windows/offered_settings.h"
+#include "bench/host/bench_host.h"
+#include "bench/windows/com/com_session.h"
+#include "bench/windows/com/offered_host.h"
+#include "bench/windows/com/offered_object.h"
+#include "bench/windows/com/offered_settings.h"
+#include "files/file_settings_service.h"
+#include "instrument/links/link_factory.h"
 #include "memory_balance.h"
 #include "program_folder.h"
-#include "shell/windows/com_object.h"
-#include "shell/windows/late_bound.h"
-#include "shell/windows/text.h"
+#include "win32/com_object.h"
+#include "win32/late_bound.h"
+#include "win32/text.h"
 
 namespace zolvane {
 namespace {

@@ -3,7 +3,7 @@
 
 #include <filesystem>
 
-#include "shell/windows/windows_headers.h"
+#include "win32/windows_headers.h"
 
 namespace zolvane {
 

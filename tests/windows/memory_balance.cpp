@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "bench/windows/imports.h"
+#include "bench/windows/play/imports.h"
 
 namespace zolvane {
 namespace {

@@ -1,7 +1,7 @@
 // What the process allocates and does not free.
 #pragma once
 
-#include "shell/windows/windows_headers.h"
+#include "win32/windows_headers.h"
 
 namespace zolvane {
 

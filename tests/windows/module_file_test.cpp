@@ -16,7 +16,7 @@
 #include "child_process.h"
 #include "manifest_in_force.h"
 #include "program_folder.h"
-#include "shell/windows/text.h"
+#include "win32/text.h"
 
 namespace zolvane {
 namespace {

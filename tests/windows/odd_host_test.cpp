@@ -11,16 +11,16 @@
 #include <utility>
 #include <vector>
 
-#include "bench/settings/file_settings_service.h"
-#include "bench/tracing.h"
-#include "bench/windows/offered_host.h"
-#include "bench/windows/offered_settings.h"
-#include "bench/windows/player.h"
+#include "bench/host/tracing.h"
+#include "bench/windows/com/offered_host.h"
+#include "bench/windows/com/offered_settings.h"
+#include "bench/windows/play/player.h"
+#include "files/file_settings_service.h"
 #include "page/page_controls.h"
 #include "program_folder.h"
-#include "shell/windows/late_bound.h"
-#include "shell/windows/late_bound_names.h"
-#include "shell/windows/text.h"
+#include "shell/windows/host/late_bound_names.h"
+#include "win32/late_bound.h"
+#include "win32/text.h"
 
 namespace zolvane {
 namespace {

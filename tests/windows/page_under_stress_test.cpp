@@ -7,9 +7,9 @@
 #include <vector>
 
 #include "hosted_page.h"
-#include "shell/windows/page_window.h"
-#include "shell/windows/text.h"
+#include "shell/windows/page/page_window.h"
 #include "silent_events.h"
+#include "win32/text.h"
 
 namespace zolvane {
 namespace {

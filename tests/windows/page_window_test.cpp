@@ -8,9 +8,9 @@
 #include <vector>
 
 #include "hosted_page.h"
-#include "shell/windows/page_frame.h"
-#include "shell/windows/text.h"
+#include "shell/windows/page/page_frame.h"
 #include "silent_events.h"
+#include "win32/text.h"
 
 namespace zolvane {
 namespace {

@@ -6,14 +6,14 @@
 #include <set>
 #include <sstream>
 
-#include "bench/bench_host.h"
-#include "bench/bench_program.h"
-#include "bench/links/link_factory.h"
-#include "bench/report.h"
-#include "bench/tracing.h"
-#include "bench/windows/com_session.h"
-#include "bench/windows/offered_settings.h"
-#include "bench/windows/player.h"
+#include "bench/host/bench_host.h"
+#include "bench/host/tracing.h"
+#include "bench/program/bench_program.h"
+#include "bench/program/report.h"
+#include "bench/windows/com/com_session.h"
+#include "bench/windows/com/offered_settings.h"
+#include "bench/windows/play/player.h"
+#include "instrument/links/link_factory.h"
 #include "program_folder.h"
 
 namespace zolvane {

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "bench/windows/offered_host.h"
+#include "bench/windows/com/offered_host.h"
 #include "program_folder.h"
 
 namespace zolvane {

@@ -5,7 +5,7 @@
 #include <memory>
 #include <string>
 
-#include "bench/windows/add_in_class.h"
+#include "bench/windows/com/add_in_class.h"
 
 namespace zolvane {
 

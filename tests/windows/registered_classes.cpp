@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-#include "shell/windows/text.h"
+#include "win32/text.h"
 
 namespace zolvane {
 namespace {

@@ -5,7 +5,7 @@
 #include <set>
 #include <string>
 
-#include "shell/windows/unique_handle.h"
+#include "win32/unique_handle.h"
 
 namespace zolvane {
 

@@ -10,7 +10,7 @@
 
 #include "program_folder.h"
 #include "registered_classes.h"
-#include "shell/windows/text.h"
+#include "win32/text.h"
 
 namespace zolvane {
 namespace {

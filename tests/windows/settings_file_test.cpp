@@ -1,5 +1,5 @@
 // The bench's settings file on Windows: other programs' changes are seen although a look opens nothing, and what
-// Windows keeps beside the bytes of a file. What holds on every system is in bench/settings/.
+// Windows keeps beside the bytes of a file. What holds on every system is in files/.
 #include <gtest/gtest.h>
 
 #include <windows.h>
@@ -10,7 +10,7 @@
 #include <string>
 #include <thread>
 
-#include "bench/settings/exchanged_file.h"
+#include "files/exchanged_file.h"
 #include "program_folder.h"
 
 namespace zolvane {

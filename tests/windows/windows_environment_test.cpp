@@ -1,5 +1,5 @@
 // Boxes, file dialogues and the message loop as the operations get them from the system.
-#include "shell/windows/windows_environment.h"
+#include "shell/windows/host/windows_environment.h"
 
 #include <gtest/gtest.h>
 
@@ -9,9 +9,9 @@
 #include <thread>
 #include <vector>
 
-#include "bench/windows/dialogue_answerer.h"
+#include "bench/windows/play/dialogue_answerer.h"
 #include "program_folder.h"
-#include "shell/windows/text.h"
+#include "win32/text.h"
 
 namespace zolvane {
 namespace {

@@ -19,8 +19,9 @@ options=("--target=$target" "-isystem$library" "-isystem$library/$target")
 options+=(-D__cpp_impl_coroutine=201902L -DASIO_HAS_CO_AWAIT)
 
 sources=("$@")
-((${#sources[@]})) || sources=(src/shell/windows/*.cpp src/bench/*_windows.cpp src/bench/*/*_windows.cpp
-  src/bench/windows/*.cpp tests/windows/*.cpp)
+if ((!${#sources[@]})); then
+  mapfile -t sources < <(find src tests -name '*.cpp' \( -path '*/win32/*' -o -path '*/windows/*' -o -name '*_windows.cpp' \))
+fi
 printf '%s\0' "${sources[@]}" |
-  xargs -0 -n 1 -P "$(nproc)" clang-tidy --quiet --header-filter='/windows/[^/]*$' -p "$build" \
+  xargs -0 -n 1 -P "$(nproc)" clang-tidy --quiet --header-filter='/(win32|windows)/' -p "$build" \
     "${options[@]/#/--extra-arg=}"

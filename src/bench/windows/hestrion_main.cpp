@@ -1,7 +1,7 @@
 #include <iostream>
 
-#include "bench/terminal.h"
 #include "bench/windows/hestrion_program.h"
+#include "program/terminal.h"
 
 int main(int count, char** arguments) {
   zolvane::KeepStandardStreams();

@@ -13,34 +13,33 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "bench/actions.h"
-#include "bench/bench_host.h"
-#include "bench/command_line.h"
-#include "bench/joined.h"
-#include "bench/links/link_factory.h"
-#include "bench/options.h"
-#include "bench/paths.h"
-#include "bench/preparation.h"
-#include "bench/printable.h"
-#include "bench/report.h"
-#include "bench/tracing.h"
-#include "bench/usage_error.h"
-#include "bench/version.h"
-#include "bench/windows/add_in_class.h"
-#include "bench/windows/announcement.h"
-#include "bench/windows/com_session.h"
-#include "bench/windows/dialogue_hooks.h"
-#include "bench/windows/findings.h"
-#include "bench/windows/main_window.h"
-#include "bench/windows/offered_host.h"
-#include "bench/windows/offered_settings.h"
+#include "bench/host/bench_host.h"
+#include "bench/host/result_text.h"
+#include "bench/host/tracing.h"
+#include "bench/job/actions.h"
+#include "bench/program/file_checks.h"
+#include "bench/program/options.h"
+#include "bench/windows/com/add_in_class.h"
+#include "bench/windows/com/com_session.h"
+#include "bench/windows/com/offered_host.h"
+#include "bench/windows/com/offered_settings.h"
 #include "bench/windows/operation.h"
-#include "bench/windows/page_driver.h"
-#include "bench/windows/picture.h"
-#include "bench/windows/player.h"
+#include "bench/windows/play/dialogue_hooks.h"
+#include "bench/windows/play/page_driver.h"
+#include "bench/windows/play/player.h"
 #include "bench/windows/waiting_link.h"
-#include "bench/windows/windowed_host.h"
-#include "shell/windows/text.h"
+#include "bench/windows/window/announcement.h"
+#include "bench/windows/window/main_window.h"
+#include "bench/windows/window/picture.h"
+#include "bench/windows/window/windowed_host.h"
+#include "files/paths.h"
+#include "instrument/links/link_factory.h"
+#include "program/command_line.h"
+#include "program/version.h"
+#include "text/joined.h"
+#include "text/printable.h"
+#include "text/usage_error.h"
+#include "win32/text.h"
 
 namespace zolvane {
 namespace {
@@ -170,6 +169,19 @@ class LineStream final : public std::ostream {
   Lines lines_;
 };
 
+// What the instrument was found to be, as the page shows it.
+std::string FoundText(const PageModel& page) {
+  std::string text = "Found: ";
+  for (std::size_t row = 0; row < listRows.size(); ++row) {
+    const auto& list = page.Lists[row];
+    const bool isSelected =
+        list.Selected >= 0 && static_cast<std::size_t>(list.Selected) < list.Entries.size();
+    text += Joined(listRows[row].Label, " ",
+                   isSelected ? list.Entries[static_cast<std::size_t>(list.Selected)].Text : "-", ", ");
+  }
+  return Joined(text, pumpLabel.Caption, ": ", page.PumpText);
+}
+
 class HestrionBench : private DialogueListener {
  public:
   HestrionBench(const WindowOptions& options, Job job, std::ostream& errors);
@@ -211,8 +223,6 @@ class HestrionBench : private DialogueListener {
   void TakePicture();
   int Status();
   void Complain(const std::string& text);
-  void TellUnheard();
-  std::string FoundText();
 
   const WindowOptions& options_;
   std::ostream& errors_;
@@ -235,8 +245,6 @@ class HestrionBench : private DialogueListener {
   std::optional<DialogueHooks> hooks_;
   std::unique_ptr<ComSession> session_;
   std::optional<Operation> operation_;
-  Findings findings_;
-  std::string unheard_;  // complaints that only the log has
   bool isPlaying_ = false;
   bool isLast_ = false;            // the user ends page or window when it has ended
   int worst_ = exit_status::done;  // of all that has ended
@@ -305,8 +313,6 @@ std::shared_ptr<BenchLink> HestrionBench::MakeWaitingLink() {
                                 host_.Now().Commands.ExpectsSave = operation.Button() == uploadButton;
                                 window_.ShowProgress(operation.Progress());
                               },
-                          .Answered = [this](const std::string& command,
-                                             const std::string& reply) { findings_.Hear(command, reply); },
                           .Wait = [this](HANDLE event) { window_.PumpUntil(event); }});
 }
 
@@ -389,7 +395,7 @@ void HestrionBench::ClosePage() {
 void HestrionBench::ShowHelp() {
   const auto text = session_ ? Joined("Help on \"", session_->Caption(), "\" is topic ",
                                       std::to_string(session_->HelpTopic()), " of the host's help file.")
-                             : std::string{"Open an add-in's page from the Add-ins menu."};
+                             : std::string{"Open an add-in's page from the menu Add-ins."};
   ShowBox(text, L"Help");
 }
 
@@ -397,28 +403,14 @@ void HestrionBench::ShowBox(const std::string& text, const wchar_t* title) const
   MessageBoxW(window_.Handle(), Wide(text).c_str(), title, MB_OK | MB_ICONINFORMATION);
 }
 
-// Whoever ends the program by hand has had the log before their eyes.
 void HestrionBench::Quit() {
-  if (!options_.Quits) {
-    unheard_.clear();
-  }
   ClosePage();
   DestroyWindow(window_.Handle());
 }
 
 void HestrionBench::Complain(const std::string& text) {
   window_.AppendLog(text);
-  const auto line = Joined("HestrionBench: ", Printable(text), "\n");
-  if (!SayOnTerminal(Announcement::Error, line, errors_)) {
-    unheard_ += line;
-  }
-}
-
-// When the window is gone, and the log with it.
-void HestrionBench::TellUnheard() {
-  if (!unheard_.empty()) {
-    Announce(Announcement::Error, unheard_, errors_);
-  }
+  errors_ << "HestrionBench: " + text + "\n" << std::flush;
 }
 
 // ---- What is said while the user or the player has the page
@@ -457,7 +449,6 @@ Operation& HestrionBench::BeginOperation(const std::string& name) {
   if (!operation_) {
     worst_ = std::max(worst_, ExitStatusOf(host_.Now()));
     host_.Begin();
-    findings_ = {};
     operation_.emplace(name, Operation::Clock::now());
     window_.ShowOperation(true);
   }
@@ -467,14 +458,14 @@ Operation& HestrionBench::BeginOperation(const std::string& name) {
 void HestrionBench::EndOperation() {
   const auto result = operation_->Result(host_.Now(), Operation::Clock::now());
   const bool isTold = isPlaying_ || OutcomeOf(host_.Now()) == Outcome::Done;
-  const auto found = operation_->Button() == queryButton ? FoundText() : std::string{};
+  const bool isQuery = operation_->Button() == queryButton;
   operation_ = std::nullopt;
   interrupt_.Lower();
   window_.ShowOperation(false);
   window_.ShowProgress("");
   isTold ? window_.AppendLog(result) : Complain(result);
-  if (!found.empty()) {
-    window_.AppendLog(found);
+  if (isQuery && session_) {
+    window_.AppendLog(FoundText(PageDriver{session_->Frame()}.Shown()));
   }
   if (std::exchange(isLast_, false)) {
     ShowBox(result, L"Ended");
@@ -483,25 +474,16 @@ void HestrionBench::EndOperation() {
   }
 }
 
-// What is done next is another matter, with complaints of its own.
 void HestrionBench::Rest() {
   host_.FlushSettings();
   if (operation_) {
     EndOperation();
   }
-  worst_ = std::max(worst_, ExitStatusOf(host_.Now()));
-  host_.Begin();
-}
-
-std::string HestrionBench::FoundText() {
-  const Configuration configuration{host_.Process()};
-  return findings_.Text(configuration, ConfigFileIn(ProgramFolder()),
-                        session_ ? PageDriver{session_->Frame()}.Shown().PumpText : std::string{});
 }
 
 void HestrionBench::StopOperation() {
   interrupt_.Raise();
-  window_.AppendLog(interrupt_.IsUrgent() ? "Stop: no longer waiting for the reply"
+  window_.AppendLog(interrupt_.IsUrgent() ? "Stop: the reply is no longer waited for"
                                           : "Stop: no further command is sent");
 }
 
@@ -535,12 +517,13 @@ void HestrionBench::PlayActions() {
   const std::span<const Action> actions{job_.Actions};
   for (std::size_t done = 0; done < actions.size(); ++done) {
     const bool hasFailed = PlayAction(actions[done]) != exit_status::done;
-    const bool isClosed = !window_.PumpMessages() || !session_;
-    const auto notBegun = actions.subspan(done + 1);
-    if (!notBegun.empty() && (isClosed || (hasFailed && !options_.KeepsGoing))) {
-      worst_ = std::max(worst_, exit_status::notDone);
-      const auto* const why = isClosed ? "closed after " : "stopped after ";
-      return Complain(NotBegunText(Joined(why, Quoted(actions[done].Command)), notBegun, actions.size()));
+    if (!window_.PumpMessages() || !session_) {
+      return;
+    }
+    if (hasFailed && !options_.KeepsGoing && done + 1 < actions.size()) {
+      Complain(NotBegunText(Joined("stopped behind ", Quoted(actions[done].Command)),
+                            actions.subspan(done + 1), actions.size()));
+      return;
     }
   }
 }
@@ -595,9 +578,7 @@ int HestrionBench::Run(const std::vector<std::string>& notes) {
     ReopenWhenDisabled();
   }
   window_.Run();
-  const int status = Status();
-  TellUnheard();
-  return status;
+  return Status();
 }
 
 }  // namespace
@@ -618,7 +599,8 @@ int RunHestrionBench(std::vector<std::string> arguments, std::ostream& output, s
       return exit_status::done;
     }
     if (!line.Words().empty()) {
-      throw UsageError{Joined(Quoted(line.Words().front()), " is not an option; see HestrionBench --help")};
+      throw UsageError{
+          Joined("there is nothing to do with ", Quoted(line.Words().front()), "; see HestrionBench --help")};
     }
     Job job = options.Play.empty() ? Job{} : ParseJob({"run", options.Play}, std::nullopt, std::cin);
     const auto notes = CheckFilesOf(options, job);

@@ -5,10 +5,10 @@
 #include <iomanip>
 #include <sstream>
 
-#include "bench/joined.h"
-#include "bench/rehearsal.h"
-#include "bench/report.h"
+#include "bench/host/dry_run.h"
+#include "bench/host/result_text.h"
 #include "page/page_controls.h"
+#include "text/joined.h"
 
 namespace zolvane {
 namespace {

@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "bench/happenings.h"
+#include "bench/host/outcome.h"
 #include "host/environment.h"
 
 namespace zolvane {

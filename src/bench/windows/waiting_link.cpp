@@ -37,11 +37,7 @@ std::optional<std::string> WaitingLink::Exchange(const std::string& command, Del
   if (!Interrupt().IsRaised() && inner_->Stop().value_or(false)) {
     RaiseStop();
   }
-  if (!isAnswered) {
-    return std::nullopt;
-  }
-  events_.Answered(command, reply);
-  return reply;
+  return isAnswered ? std::optional{reply} : std::nullopt;
 }
 
 }  // namespace zolvane

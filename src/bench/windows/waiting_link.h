@@ -5,8 +5,8 @@
 #include <functional>
 #include <memory>
 
-#include "bench/links/bench_link.h"
-#include "shell/windows/unique_handle.h"
+#include "instrument/links/bench_link.h"
+#include "win32/unique_handle.h"
 
 namespace zolvane {
 
@@ -16,9 +16,6 @@ class WaitingLink final : public BenchLink {
   struct Events {
     // Called before a command is sent.
     std::function<void(const std::string& command)> Sending;
-
-    // Called when it has been answered.
-    std::function<void(const std::string& command, const std::string& reply)> Answered;
 
     // Returns when the event is set; not before, as the caller's variables are in use until then.
     std::function<void(HANDLE event)> Wait;

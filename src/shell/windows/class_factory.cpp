@@ -1,10 +1,10 @@
 #include "shell/windows/class_factory.h"
 
 #include "shell/windows/com_connect.h"
-#include "shell/windows/counted.h"
-#include "shell/windows/guarded.h"
-#include "shell/windows/module_instance.h"
 #include "shell/windows/thread_module.h"
+#include "win32/counted.h"
+#include "win32/guarded.h"
+#include "win32/module_instance.h"
 
 namespace zolvane {
 namespace {

@@ -1,7 +1,7 @@
 // Makes Connect objects for the host.
 #pragma once
 
-#include "shell/windows/com_ptr.h"
+#include "win32/com_ptr.h"
 
 namespace zolvane {
 

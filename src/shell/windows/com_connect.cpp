@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "shell/windows/com_form.h"
-#include "shell/windows/text.h"
+#include "win32/text.h"
 
 namespace zolvane {
 namespace {

@@ -9,8 +9,8 @@
 #include <memory>
 
 #include "shell/connect.h"
-#include "shell/windows/com_object.h"
 #include "shell/windows/thread_module.h"
+#include "win32/com_object.h"
 
 namespace zolvane {
 

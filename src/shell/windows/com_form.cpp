@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "shell/windows/com_frame.h"
-#include "shell/windows/com_host.h"
+#include "shell/windows/host/com_host.h"
 #include "shell/windows/thread_module.h"
 
 namespace zolvane {

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "shell/windows/late_bound_names.h"
+#include "shell/windows/host/late_bound_names.h"
 #include "shell/windows/thread_module.h"
 
 namespace zolvane {

@@ -5,7 +5,7 @@
 #include <memory>
 
 #include "shell/frm_add_in.h"
-#include "shell/windows/com_object.h"
+#include "win32/com_object.h"
 
 namespace zolvane {
 

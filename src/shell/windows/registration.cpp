@@ -5,8 +5,8 @@
 #include <array>
 #include <string>
 
-#include "shell/windows/module_instance.h"
 #include "shell/windows/registry_changes.h"
+#include "win32/module_instance.h"
 
 namespace zolvane {
 namespace {

@@ -1,7 +1,7 @@
 // Makes the class Connect and its type library known to the machine, and unknown again.
 #pragma once
 
-#include "shell/windows/windows_headers.h"
+#include "win32/windows_headers.h"
 
 namespace zolvane {
 

@@ -4,7 +4,7 @@
 #include <optional>
 #include <utility>
 
-#include "shell/windows/guarded.h"
+#include "win32/guarded.h"
 
 namespace zolvane {
 namespace {

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "shell/windows/unique_handle.h"
+#include "win32/unique_handle.h"
 
 namespace zolvane {
 

@@ -4,10 +4,10 @@
 #include <memory>
 
 #include "shell/add_in_module.h"
-#include "shell/windows/com_ptr.h"
-#include "shell/windows/module_instance.h"
-#include "shell/windows/page_window.h"
-#include "shell/windows/windows_environment.h"
+#include "shell/windows/host/windows_environment.h"
+#include "shell/windows/page/page_window.h"
+#include "win32/com_ptr.h"
+#include "win32/module_instance.h"
 
 namespace zolvane {
 

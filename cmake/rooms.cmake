@@ -1,0 +1,43 @@
+# The rooms of src/rooms.txt as libraries: the room bench/host is zolvane_bench_host. Each takes all sources of its
+# folder but main functions.
+function(add_room name basis uses)
+  string(REPLACE "/" "_" library zolvane_${name})
+  file(GLOB sources CONFIGURE_DEPENDS ${name}/*.cpp)
+  list(FILTER sources EXCLUDE REGEX "main\\.cpp$|/module\\.cpp$")
+  if(WIN32)
+    list(FILTER sources EXCLUDE REGEX "_posix\\.cpp$")
+  else()
+    list(FILTER sources EXCLUDE REGEX "_windows\\.cpp$")
+  endif()
+  add_library(${library} STATIC ${sources})
+  target_link_libraries(${library} PUBLIC zolvane_options)
+  string(REPLACE " " ";" uses "${uses}")
+  foreach(used ${uses})
+    string(REPLACE "/" "_" used zolvane_${used})
+    if(TARGET ${used})  # a system has its own rooms only
+      target_link_libraries(${library} PUBLIC ${used})
+    endif()
+  endforeach()
+  if(basis STREQUAL standard)
+    # On Windows a host outlives its add-in's want of memory, so what std::bad_alloc passes through must unwind.
+    if(NOT WIN32)
+      target_compile_options(${library} PRIVATE -fno-exceptions)
+    endif()
+  elseif(basis STREQUAL system)
+    target_link_libraries(${library} PUBLIC zolvane_header_libraries)
+  else()
+    set_target_properties(${library} PROPERTIES UNITY_BUILD OFF)  # each source has its own numbers and names
+    target_link_libraries(${library} PUBLIC zolvane_com_interfaces)
+  endif()
+endfunction()
+
+# A line of the list becomes `room`, `basis` and `uses`.
+file(STRINGS ${CMAKE_CURRENT_SOURCE_DIR}/rooms.txt lines REGEX "^[^#].*\\|")
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/rooms.txt)
+foreach(line ${lines})
+  string(REGEX MATCH "^([^ |]+) *\\| *([^ |]+) *\\| *([^|]*)\\|" matched "${line}")
+  string(STRIP "${CMAKE_MATCH_3}" uses)
+  if(WIN32 OR NOT CMAKE_MATCH_2 STREQUAL windows)
+    add_room(${CMAKE_MATCH_1} ${CMAKE_MATCH_2} "${uses}")
+  endif()
+endforeach()

@@ -1,0 +1,68 @@
+// The bench's side of a host session: the process, the host object and the window that the add-in is given.
+// It carries out what the add-in asks, tells the user about it, and keeps the record of what happened.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "bench/host/outcome.h"
+#include "bench/job/box_answers.h"
+#include "host/environment.h"
+#include "host/host_object.h"
+#include "host/host_window.h"
+#include "instrument/links/bench_link.h"
+#include "program/console.h"
+
+namespace zolvane {
+
+struct HostState;
+
+class BenchHost {
+ public:
+  struct Setup {
+    std::string Folder;  // the program folder, absolute
+    bool OffersDialog = false;
+    AnswerDesk::Setup Answers{};
+    std::function<bool()> WantsToStop = [] { return false; };  // the user; ends the wait for another program
+  };
+
+  // The link is not null. The terminal, which may be null, and the console outlive the host.
+  BenchHost(const Setup& setup, std::shared_ptr<BenchLink> link, Questioner* terminal, Console& console);
+  ~BenchHost();
+
+  BenchHost(const BenchHost&) = delete;
+  BenchHost& operator=(const BenchHost&) = delete;
+
+  // ---- What the add-in is given. None of it outlives the host.
+
+  Environment& Process() { return *process_; }
+  std::shared_ptr<HostObject> Object() { return object_; }
+  std::shared_ptr<HostWindow> Window() { return window_; }
+
+  // ---- What the bench asks
+
+  // From here on things happen to another command of the user, whose file dialogue answers `file`. `place`
+  // stands in front of every complaint.
+  void Begin(std::optional<std::string> file = std::nullopt, std::string place = {});
+
+  // What has happened since then. May be added to.
+  Happenings& Now();
+
+  // Makes what was written to the settings files safe against a power cut. A failure is reported and counted.
+  void FlushSettings();
+
+  const std::string& StatusText() const;
+
+  // The window's "Changed"; nothing while it has never been set.
+  std::optional<bool> Changed() const;
+
+ private:
+  std::unique_ptr<HostState> state_;
+  std::unique_ptr<Environment> process_;
+  std::shared_ptr<HostObject> object_;
+  std::shared_ptr<HostWindow> window_;
+};
+
+}  // namespace zolvane

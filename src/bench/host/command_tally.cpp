@@ -1,0 +1,93 @@
+#include "bench/host/command_tally.h"
+
+#include <array>
+#include <cstdint>
+
+#include "operations/instrument_command.h"
+
+namespace zolvane {
+namespace {
+
+enum class Verdict : std::uint8_t { Accepted, UnknownKey, Unexpected, RefusedQuery };
+
+constexpr std::string_view saveCommand = "SET_CALIBRATION SAVE";
+
+bool Holds(std::string_view text, std::string_view part) {
+  return text.find(part) != std::string_view::npos;
+}
+
+bool IsSyntaxError(std::string_view reply) {
+  return Holds(reply, "SYNTAX_ERROR");
+}
+
+Verdict OfSetting(std::string_view reply) {
+  return reply == "OK" ? Verdict::Accepted : Verdict::Unexpected;
+}
+
+Verdict OfQuestion(std::string_view reply) {
+  return IsSyntaxError(reply) ? Verdict::UnknownKey
+         : Holds(reply, "=")  ? Verdict::Accepted
+                              : Verdict::Unexpected;
+}
+
+// A status or a tag is whatever the instrument says it is, and an instrument without a reader refuses its commands.
+Verdict OfQuery(std::string_view reply) {
+  return reply.empty() || IsSyntaxError(reply) ? Verdict::RefusedQuery : Verdict::Accepted;
+}
+
+struct CommandKind {
+  std::string_view Start;
+  Verdict (*Judge)(std::string_view reply);
+};
+
+constexpr std::array<CommandKind, 3> commandKinds{{
+    {"SET_CALIBRATION ", OfSetting},
+    {"GET_CALIBRATION ", OfQuestion},
+    {"", OfQuery},
+}};
+
+const CommandKind& KindOf(std::string_view command) {
+  return *std::ranges::find_if(
+      commandKinds, [command](const CommandKind& kind) { return command.starts_with(kind.Start); });
+}
+
+std::string KeyIn(std::string_view command) {
+  const auto& kind = KindOf(command);
+  const auto rest = command.substr(kind.Start.size());
+  return std::string{kind.Start.empty() ? rest : rest.substr(0, rest.find(' '))};
+}
+
+std::string WithoutEnds(std::string_view reply) {
+  constexpr std::string_view blanks = " \t\r\n";
+  const auto text = StrippedReply(reply);
+  const auto first = text.find_first_not_of(blanks);
+  return first == std::string::npos ? std::string{}
+                                    : text.substr(first, text.find_last_not_of(blanks) + 1 - first);
+}
+
+}  // namespace
+
+void CommandTally::Count(std::string_view command, bool isAnswered, std::string_view reply) {
+  ++Sent;
+  IsSaveSent |= command == saveCommand;
+  if (!isAnswered) {
+    ++NotAnswered;
+    FirstNotAnswered = FirstNotAnswered.value_or(KeyIn(command));
+    return;
+  }
+  const auto text = WithoutEnds(reply);
+  const auto verdict = KindOf(command).Judge(text);
+  if (verdict == Verdict::Accepted) {
+    ++Accepted;
+    IsSaveAccepted |= command == saveCommand;
+    return;
+  }
+  ++Refused;
+  UnknownKeys += verdict == Verdict::UnknownKey ? 1 : 0;
+  Unexpected += verdict == Verdict::Unexpected ? 1 : 0;
+  if (!FirstRefused) {
+    FirstRefused = {.Key = KeyIn(command), .Reply = text};
+  }
+}
+
+}  // namespace zolvane

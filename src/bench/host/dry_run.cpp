@@ -1,0 +1,156 @@
+#include "bench/host/dry_run.h"
+
+#include <algorithm>
+#include <array>
+#include <functional>
+#include <memory>
+#include <utility>
+
+#include "config/configuration.h"
+#include "files/exchanged_file.h"
+#include "files/file_settings_service.h"
+#include "files/sectioned_text.h"
+#include "host/environment.h"
+#include "operations/download.h"
+#include "operations/file_copy.h"
+#include "operations/hardware_detection.h"
+#include "operations/operation_context.h"
+#include "operations/upload.h"
+#include "page/page_controls.h"
+
+namespace zolvane {
+namespace {
+
+using ReadObserver = std::function<void(std::string_view section, std::string_view file)>;
+
+class ReadOnlySettings final : public IniFileService {
+ public:
+  explicit ReadOnlySettings(ReadObserver observe) : observe_{std::move(observe)} {}
+
+  std::optional<std::string> ReadValue(std::string_view section, std::string_view key, std::string_view file,
+                                       std::string_view fallback) override {
+    observe_(section, file);
+    return files_.ReadValue(section, key, file, fallback);
+  }
+
+  Status WriteValue(std::string_view, std::string_view, std::string_view, std::string_view) override {
+    return Status::Success();
+  }
+
+  std::optional<std::vector<std::string>> SplitText(std::string_view delimiter,
+                                                    std::string_view text) override {
+    return files_.SplitText(delimiter, text);
+  }
+
+ private:
+  FileSettingsService files_;
+  ReadObserver observe_;
+};
+
+class ConsentingEnvironment final : public Environment {
+ public:
+  explicit ConsentingEnvironment(
+      std::string folder, ReadObserver observe = [](auto, auto) {})
+      : folder_{std::move(folder)}, observe_{std::move(observe)} {}
+
+  std::string ProgramFolder() override { return folder_; }
+  std::shared_ptr<IniFileService> CreateIniFileService() override {
+    return std::make_shared<ReadOnlySettings>(observe_);
+  }
+  Status AppendBlankLine(const std::string&) override { return Status::Success(); }
+  void RunMessageLoopOnce() override {}
+  std::optional<std::int32_t> ShowMessageBox(const MessageBoxRequest&) override { return message_answer::ok; }
+  std::optional<std::string> ShowFileDialogue(FileDialogueKind, const FileDialogue&) override {
+    return std::nullopt;
+  }
+
+ private:
+  std::string folder_;
+  ReadObserver observe_;
+};
+
+// Knows no key, so that nothing is stored.
+class CountingLink final : public InstrumentLink {
+ public:
+  std::size_t Count = 0;
+
+  std::optional<bool> Stop() override { return false; }
+  Status SetStop(bool) override { return Status::Success(); }
+  Status SetHold(bool) override { return Status::Success(); }
+
+  std::optional<bool> SendCommand(std::string&, std::string& reply, std::int32_t) override {
+    ++Count;
+    reply = "SYNTAX_ERROR";
+    return true;
+  }
+};
+
+class LinkOnlyObject final : public HostObject {
+ public:
+  explicit LinkOnlyObject(std::shared_ptr<InstrumentLink> link) : link_{std::move(link)} {}
+
+  std::shared_ptr<InstrumentLink> Link() override { return link_; }
+  Status WriteLogLine(const std::string&) override { return Status::Success(); }
+  std::optional<bool> HostDialogAvailable() override { return false; }
+  std::shared_ptr<HostDialog> MessageDialog() override { return nullptr; }
+
+ private:
+  std::shared_ptr<InstrumentLink> link_;
+};
+
+class AbsentPage final : public PagePort {
+ public:
+  Status EnableControls(bool) override { return Status::Success(); }
+  int FindListIndex(std::string_view, ListControl) const override { return 0; }
+  Status SelectEntry(ListControl, int) override { return Status::Success(); }
+  Status ShowPumpModule(bool) override { return Status::Success(); }
+  std::int16_t ShowMessage(const std::string&, std::int16_t, const std::string&) override { return 0; }
+  void LoadDefaults() override {}
+};
+
+struct OperationRow {
+  int Button;
+  void (*Run)(const OperationContext& context);
+};
+
+// Those that send commands.
+constexpr std::array<OperationRow, 3> operationRows{{
+    {queryButton, QueryHardware},
+    {uploadButton, UploadCalibration},
+    {downloadButton, DownloadCalibration},
+}};
+
+}  // namespace
+
+std::size_t CountCommands(const std::string& programFolder, int button) {
+  const auto* const row = std::ranges::find(operationRows, button, &OperationRow::Button);
+  if (row == operationRows.end()) {
+    return 0;
+  }
+  const auto link = std::make_shared<CountingLink>();
+  ConsentingEnvironment process{programFolder};
+  Configuration configuration{process};
+  HostAttachment host{
+      .ObjectParent = std::make_shared<LinkOnlyObject>(link), .FormParent = nullptr, .Panel = nullptr};
+  AbsentPage page;
+  const OperationContext context{process, host, configuration, page};
+  row->Run(context);
+  return link->Count;
+}
+
+// Which sections those are is what the copying of the file asks for.
+bool HoldsBackup(const std::string& programFolder, const std::string& file) {
+  const SectionedText text{OpenExchangedFile(file)->Read().Bytes};
+  bool holdsAny = false;
+  ConsentingEnvironment process{programFolder, [&](std::string_view section, std::string_view asked) {
+                                  holdsAny = holdsAny || (asked == file && text.HasSection(section));
+                                }};
+  Configuration configuration{process};
+  HostAttachment host{};
+  AbsentPage page;
+  CopyAllTables({process, host, configuration, page}, file, configuration.Settings.ConfigFilePath(), false,
+                "");
+  return holdsAny;
+}
+
+}  // namespace zolvane

@@ -1,0 +1,29 @@
+// What an action of the user came to.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "bench/host/outcome.h"
+#include "bench/job/actions.h"
+#include "page/page_model.h"
+
+namespace zolvane {
+
+// The page and the window around it.
+struct ShownPage {
+  std::string Caption;
+  PageModel Page;
+  std::string Status;
+  std::optional<bool> Changed;  // nothing while it has never been set
+};
+
+struct ActionResult {
+  Action Request;
+  Happenings Happened;
+  std::optional<ShownPage> Page{};                   // of ShowPage
+  std::optional<std::vector<std::string>> Script{};  // of ShowScript, without line ends
+};
+
+}  // namespace zolvane

@@ -1,0 +1,442 @@
+#include "bench/job/actions.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <charconv>
+#include <fstream>
+#include <istream>
+#include <iterator>
+#include <limits>
+#include <system_error>
+
+#include "config/text.h"
+#include "files/paths.h"
+#include "text/joined.h"
+#include "text/printable.h"
+#include "text/suggestion.h"
+#include "text/usage_error.h"
+
+namespace zolvane {
+namespace {
+
+using Words = std::vector<std::string>;
+
+// ---- Arguments ----
+
+bool IsNumber(std::string_view digits) {
+  return !digits.empty() && digits.find_first_not_of("0123456789") == std::string_view::npos;
+}
+
+// Numbers that no button can have become the largest or smallest number; they have no button either.
+int ButtonIndex(std::string_view word) {
+  const bool isNegative = word.starts_with('-');
+  if (!IsNumber(word.substr(isNegative || word.starts_with('+') ? 1 : 0))) {
+    throw UsageError{Joined("press takes the number of a button, not ", Quoted(word))};
+  }
+  const auto digits = word.substr(word.starts_with('+') ? 1 : 0);
+  int index = 0;
+  const auto parsed = std::from_chars(digits.data(), digits.data() + digits.size(), index);
+  if (parsed.ec == std::errc::result_out_of_range) {
+    return isNegative ? std::numeric_limits<int>::min() : std::numeric_limits<int>::max();
+  }
+  return index;
+}
+
+std::vector<std::string_view> NamesOf(const auto& rows) {
+  std::vector<std::string_view> names;
+  std::ranges::transform(rows, std::back_inserter(names), [](const auto& row) { return row.Name; });
+  return names;
+}
+
+// The position of the row of that name in any case.
+template <class Rows>
+std::size_t RowNamed(const Rows& rows, std::string_view name, std::string_view kind) {
+  std::string names;
+  for (std::size_t row = 0; row < rows.size(); ++row) {
+    if (EqualIgnoringCase(rows[row].Name, name)) {
+      return row;
+    }
+    names.append(names.empty() ? "" : row + 1 == rows.size() ? " and " : ", ").append(rows[row].Name);
+  }
+  throw UsageError{Joined("there is no ", kind, " ", Quoted(name), "; there are ", names,
+                          DidYouMean(name, NamesOf(rows)))};
+}
+
+std::string DialogueFile(std::string_view file) {
+  if (file.empty()) {
+    throw UsageError{"the name of the file is empty"};
+  }
+  auto path = AbsolutePath(file);
+  std::error_code ignored;
+  if (NamesFolder(file) && !std::filesystem::is_directory(PathOf(path), ignored)) {
+    throw UsageError{Joined(Quoted(file), " is the name of a folder and not of a file")};
+  }
+  return path;
+}
+
+// ---- The commands ----
+
+Action ShowPage(const Words&) {
+  return {.Kind = ActionKind::ShowPage};
+}
+
+Action ShowScript(const Words&) {
+  return {.Kind = ActionKind::ShowScript};
+}
+
+template <int button>
+Action PressOperation(const Words&) {
+  return {.Kind = ActionKind::PressButton, .Button = button};
+}
+
+template <int button>
+Action PressFileOperation(const Words& words) {
+  Action action{.Kind = ActionKind::PressButton, .Button = button};
+  if (words.size() > 1) {
+    action.File = DialogueFile(words[1]);
+  }
+  return action;
+}
+
+Action PressByIndex(const Words& words) {
+  return {.Kind = ActionKind::PressButton, .Button = ButtonIndex(words[1])};
+}
+
+Action SelectEntry(const Words& words) {
+  const auto row = RowNamed(listRows, words[1], "list");
+  return {.Kind = ActionKind::SelectEntry, .List = static_cast<ListControl>(row), .Entry = words[2]};
+}
+
+Action TickBox(const Words& words) {
+  const auto row = RowNamed(checkRows, words[1], "check box");
+  const auto& value = words[2];
+  if (value.size() != 1 || value[0] < '0' || value[0] > '2') {
+    throw UsageError{Joined("tick takes 0, 1 or 2, not ", Quoted(value))};
+  }
+  return {.Kind = ActionKind::SetCheck, .Box = static_cast<CheckControl>(row), .Value = value[0] - '0'};
+}
+
+struct CommandRow {
+  std::string_view Name;
+  std::string_view Usage;
+  std::string_view Effect;
+  std::size_t LeastWords;
+  std::size_t MostWords;
+  Action (*Make)(const Words& words);  // null: a run file, or no action
+  std::string_view Example;            // behind the program's name
+  std::string_view Details;            // whole lines
+};
+
+constexpr std::string_view runCommand = "run";
+constexpr std::string_view pressCommand = "press";
+
+constexpr std::array<CommandRow, 12> commandRows{{
+    {"page", "page", "print the page as it is loaded", 1, 1, ShowPage, "--json page",
+     "Loading the page selects the installed entries, which may write them into Zolvane.ini as in any "
+     "host.\n"},
+    {"query", "query", "ask the instrument which hardware is fitted (button 2)", 1, 1,
+     PressOperation<queryButton>, "--link tcp:192.168.0.10:4000 query",
+     "What was found is selected on the page and stored.\n"},
+    {"upload", "upload", "send the calibration data to the instrument (button 0)", 1, 1,
+     PressOperation<uploadButton>, "--link /dev/ttyS0 --yes upload",
+     "The add-in asks first; --yes or --answer ok answers for you. \"script\" prints what would be sent.\n"},
+    {"download", "download", "fetch the calibration data from the instrument (button 1)", 1, 1,
+     PressOperation<downloadButton>, "--link /dev/ttyS0 --yes download",
+     "Overwrites the values in Zolvane.ini: export them to a file first.\n"},
+    {"import", "import [FILE]", "load the tables of a backup file (button 3)", 1, 2,
+     PressFileOperation<importButton>, "--yes import backup.bak",
+     "Without FILE the file dialogue is cancelled. A file without any section of a backup is refused.\n"},
+    {"export", "export [FILE]", "save the tables to a backup file (button 4)", 1, 2,
+     PressFileOperation<exportButton>, "export backup.bak",
+     "Without FILE the file dialogue is cancelled. Into a file that exists the add-in merges: it replaces "
+     "what it\n"
+     "copies and leaves everything else; that needs --replace.\n"},
+    {pressCommand, "press N", "press the button of any number; --file FILE for its file dialogue", 2, 2,
+     PressByIndex, "press 4 --file backup.bak",
+     "0 upload, 1 download, 2 query, 3 import, 4 export. A number without a button does nothing.\n"},
+    {"select", "select LIST ENTRY", "pick an entry of a list by its text, or by position as #0", 3, 3,
+     SelectEntry, "select cboHeadType \"Not installed\"",
+     "LIST is cboDeviceType, cboCageType, cboHeadType, cboNestType or cboTipType; \"page\" prints the "
+     "entries.\n"},
+    {"tick", "tick BOX VALUE", "set a check box to 0, 1 or 2", 3, 3, TickBox, "tick chkRFID 1",
+     "BOX is chkRFID, chkHeadSensor, chkTipSensor or chkEncoders; 0 is off, 1 on, 2 grey.\n"},
+    {"script", "script", "print the lines that an upload would send, and send nothing", 1, 1, ShowScript,
+     "script", "One command of the instrument in each line.\n"},
+    {runCommand, "run FILE", "do the commands in a file, one per line; - is standard input", 2, 2, nullptr,
+     "--yes run main-job.txt",
+     "All of them in one host session. # starts a comment, double quotes group words. It stops behind the "
+     "first\n"
+     "command that fails, unless --keep-going is given.\n"},
+    {helpCommand, "help [COMMAND]", "tell how a command is used", 1, 2, nullptr, "help upload",
+     "The same as COMMAND --help.\n"},
+}};
+
+const CommandRow& RowOfCommand(std::string_view name) {
+  const auto* const found = std::ranges::find(commandRows, name, &CommandRow::Name);
+  if (found != commandRows.end()) {
+    return *found;
+  }
+  const auto suggestion = DidYouMean(name, NamesOf(commandRows));
+  throw UsageError{Joined("there is no command ", Quoted(name),
+                          suggestion.empty() ? std::string{"; see zolvane-bench --help"} : suggestion)};
+}
+
+const CommandRow& CheckedRow(const Words& words) {
+  const auto& row = RowOfCommand(words.front());
+  if (row.Name == helpCommand) {
+    throw UsageError{"help stands on the command line and in no run file"};
+  }
+  if (words.size() < row.LeastWords || words.size() > row.MostWords) {
+    const bool isShort = words.size() < row.LeastWords;
+    throw UsageError{
+        Joined(row.Name, " has too ", isShort ? "few" : "many", " arguments; it is used as: ", row.Usage)};
+  }
+  return row;
+}
+
+std::string WrittenAs(const Words& words) {
+  std::string text;
+  for (const auto& word : words) {
+    const bool needsQuotes = word.empty() || word.find_first_of(" \t\"") != std::string::npos;
+    text.append(text.empty() ? "" : " ").append(needsQuotes ? InQuotes(Replaced(word, "\"", "\"\"")) : word);
+  }
+  return text;
+}
+
+Action MakeAction(const CommandRow& row, const Words& words, const std::optional<std::string>& file) {
+  if (file && row.Name != pressCommand) {
+    throw UsageError{Joined("--file goes with press; ", row.Name, " is used as: ", row.Usage)};
+  }
+  Action action = row.Make(words);
+  action.Command = WrittenAs(words);
+  if (file) {
+    action.File = DialogueFile(*file);
+  }
+  return action;
+}
+
+// ---- Run files ----
+
+constexpr std::string_view standardInput = "-";
+
+// Beyond that it is no list of commands that somebody wrote.
+constexpr std::size_t largestRunFile = std::size_t{16} * 1024 * 1024;
+constexpr std::size_t mostActions = 1'000'000;
+
+// Reads a run file and those that it runs in turn.
+class RunFileReader {
+ public:
+  explicit RunFileReader(std::istream& input) : input_{input} {}
+
+  Job Read(const std::string& file) {
+    Open(file);
+    while (!open_.empty()) {
+      if (const auto line = NextLine(open_.back())) {
+        TakeLine(*line);
+      } else {
+        open_.pop_back();
+      }
+    }
+    return {.Actions = std::move(actions_), .IsRun = true, .RunFiles = std::move(files_)};
+  }
+
+ private:
+  struct OpenFile {
+    std::string Identity;  // so that a file which is being read is known again
+    std::string Name;
+    std::string Text;
+    std::size_t At = 0;  // where the next line starts
+    std::size_t Line = 0;
+
+    std::string Place() const { return Joined(Name, ", line ", std::to_string(Line)); }
+  };
+
+  void Open(const std::string& file) {
+    const bool isInput = file == standardInput;
+    OpenFile opened{.Identity = isInput ? file : AbsolutePath(file),
+                    .Name = isInput ? "standard input" : Printable(file),
+                    .Text = {}};
+    if (std::ranges::find(open_, opened.Identity, &OpenFile::Identity) != open_.end()) {
+      throw UsageError{Joined(opened.Name, " runs itself")};
+    }
+    opened.Text = isInput ? Content(input_, opened.Name) : ContentOf(file, opened.Name);
+    if (opened.Text.find('\0') != std::string::npos) {
+      throw UsageError{
+          Joined(opened.Name, " is no list of commands in UTF-8, as there are zero bytes in it")};
+    }
+    if (!isInput) {
+      files_.insert(opened.Identity);
+    }
+    constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+    opened.At = opened.Text.starts_with(byteOrderMark) ? byteOrderMark.size() : 0;
+    open_.push_back(std::move(opened));
+  }
+
+  static std::string ContentOf(const std::string& file, const std::string& name) {
+    std::error_code failure;
+    if (std::filesystem::is_directory(PathOf(file), failure)) {
+      throw UsageError{Joined(name, " is a folder and no run file")};
+    }
+    errno = 0;
+    std::ifstream stream{PathOf(file), std::ios::binary};
+    if (!stream) {
+      throw UsageError{
+          Joined("the run file ", name, " cannot be opened: ", std::generic_category().message(errno))};
+    }
+    return Content(stream, name);
+  }
+
+  static std::string Content(std::istream& stream, const std::string& name) {
+    std::string text;
+    std::array<char, 65536> piece{};
+    while (stream && text.size() <= largestRunFile) {
+      stream.read(piece.data(), piece.size());
+      text.append(piece.data(), static_cast<std::size_t>(stream.gcount()));
+    }
+    if (text.size() > largestRunFile) {
+      throw UsageError{Joined(name, " is too large to be a list of commands")};
+    }
+    if (stream.bad()) {
+      throw UsageError{Joined(name, " cannot be read to its end")};
+    }
+    return text;
+  }
+
+  // Without its line end and the blanks around it.
+  static std::optional<std::string> NextLine(OpenFile& file) {
+    if (file.At >= file.Text.size()) {
+      return std::nullopt;
+    }
+    const auto end = std::min(file.Text.find('\n', file.At), file.Text.size());
+    auto line = std::string_view{file.Text}.substr(file.At, end - file.At);
+    if (line.ends_with('\r')) {
+      line.remove_suffix(1);
+    }
+    file.At = end + 1;
+    ++file.Line;
+    return std::string{Trimmed(line)};
+  }
+
+  void TakeLine(const std::string& line) {
+    if (line.empty() || line.starts_with('#')) {
+      return;
+    }
+    const auto places = Places();
+    try {
+      TakeCommand(SplitWords(line));
+    } catch (const UsageError& error) {
+      throw UsageError{places + error.what()};
+    }
+  }
+
+  // The way to the line that is being read, through all files that are open.
+  std::string Places() const {
+    std::string places;
+    for (const auto& file : open_) {
+      places += Joined(file.Place(), ": ");
+    }
+    return places;
+  }
+
+  void TakeCommand(Words words) {
+    const auto file = TakeFileOption(words);
+    const auto& row = CheckedRow(words);
+    if (row.Make == nullptr) {
+      Open(words[1]);
+      return;
+    }
+    if (actions_.size() >= mostActions) {
+      throw UsageError{Joined("there are more than ", std::to_string(mostActions), " commands")};
+    }
+    actions_.push_back(MakeAction(row, words, file));
+    actions_.back().Place = open_.back().Place();
+  }
+
+  // "press 3 --file backup.bak": the one option that belongs to a command, in both its spellings.
+  static std::optional<std::string> TakeFileOption(Words& words) {
+    constexpr std::string_view option = "--file";
+    constexpr std::string_view joined = "--file=";
+    const auto found = std::ranges::find_if(
+        words, [&](const auto& word) { return word == option || word.starts_with(joined); });
+    if (found == words.end()) {
+      return std::nullopt;
+    }
+    const bool isJoined = *found != option;
+    if (!isJoined && std::next(found) == words.end()) {
+      throw UsageError{"--file needs the name of a file"};
+    }
+    std::string file = isJoined ? found->substr(joined.size()) : *std::next(found);
+    words.erase(found, std::next(found, isJoined ? 1 : 2));
+    if (words.empty()) {
+      throw UsageError{"--file goes with press"};
+    }
+    return file;
+  }
+
+  std::istream& input_;
+  std::vector<OpenFile> open_;
+  std::vector<Action> actions_;
+  std::set<std::string> files_;
+};
+
+}  // namespace
+
+Job ParseJob(const Words& words, const std::optional<std::string>& file, std::istream& input) {
+  if (words.empty()) {
+    throw UsageError{"no command is given; see zolvane-bench --help"};
+  }
+  const auto& row = CheckedRow(words);
+  if (row.Make != nullptr) {
+    return {.Actions = {MakeAction(row, words, file)}, .IsRun = false};
+  }
+  if (file) {
+    throw UsageError{"--file goes with press; in a run file it stands in the line of its press"};
+  }
+  return RunFileReader{input}.Read(words[1]);
+}
+
+std::vector<std::string> SplitWords(std::string_view line) {
+  constexpr std::string_view blanks = " \t";
+  std::vector<std::string> words;
+  bool isInWord = false;
+  bool isQuoted = false;
+  for (std::size_t at = 0; at < line.size(); ++at) {
+    const char character = line[at];
+    if (!isQuoted && blanks.find(character) != std::string_view::npos) {
+      isInWord = false;
+      continue;
+    }
+    if (!isInWord) {
+      words.emplace_back();
+      isInWord = true;
+    }
+    if (character != '"') {
+      words.back() += character;
+    } else if (isQuoted && at + 1 < line.size() && line[at + 1] == '"') {
+      words.back() += line[++at];
+    } else {
+      isQuoted = !isQuoted;
+    }
+  }
+  if (isQuoted) {
+    throw UsageError{"a double quote is not closed"};
+  }
+  return words;
+}
+
+std::vector<CommandHelp> CommandsHelp() {
+  std::vector<CommandHelp> help;
+  std::ranges::transform(commandRows, std::back_inserter(help), [](const auto& row) {
+    return CommandHelp{row.Usage, row.Effect};
+  });
+  return help;
+}
+
+std::string CommandHelpText(std::string_view command) {
+  const auto& row = RowOfCommand(command);
+  return Joined("Usage: zolvane-bench [OPTIONS] ", row.Usage, "\n\n  ", row.Effect, "\n\n", row.Details,
+                "\nExample:\n  zolvane-bench ", row.Example, "\n\nThe options: zolvane-bench --help\n");
+}
+
+}  // namespace zolvane

@@ -1,0 +1,61 @@
+// What the user does on the page, as commands: one on the command line, or one per line of a run file.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <iosfwd>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "operations/page_port.h"
+#include "page/page_controls.h"
+
+namespace zolvane {
+
+enum class ActionKind : std::uint8_t { ShowPage, PressButton, SelectEntry, SetCheck, ShowScript };
+
+struct Action {
+  ActionKind Kind = ActionKind::ShowPage;
+  std::string Command{};              // as it was written, for messages and results
+  std::string Place{};                // "job.txt, line 3"; empty on the command line
+  int Button = 0;                     // of PressButton; any number
+  ListControl List{};                 // of SelectEntry
+  std::string Entry{};                // of SelectEntry: a text, or a position as "#0"
+  CheckControl Box{};                 // of SetCheck
+  int Value = untickedValue;          // of SetCheck
+  std::optional<std::string> File{};  // what a file dialogue answers, absolute; nothing cancels it
+};
+
+struct Job {
+  std::vector<Action> Actions;
+  bool IsRun = false;                // its results are a list, whatever their number
+  std::set<std::string> RunFiles{};  // that the commands stand in, absolute
+};
+
+// The command of the command line, with the value of --file if there is one. Reads the run file that it
+// names;
+// "-" is `input`. Throws UsageError.
+Job ParseJob(const std::vector<std::string>& words, const std::optional<std::string>& file,
+             std::istream& input);
+
+// The words of a line: separated by spaces and tabs; double quotes group, and within them "" is a quote.
+// Throws UsageError for a quote that does not end.
+std::vector<std::string> SplitWords(std::string_view line);
+
+// One line of help per command.
+struct CommandHelp {
+  std::string_view Command;
+  std::string_view Effect;
+};
+std::vector<CommandHelp> CommandsHelp();
+
+// The command that asks for help and belongs to no session.
+inline constexpr std::string_view helpCommand = "help";
+
+// How one command is used, with an example. Throws UsageError if there is no such command.
+std::string CommandHelpText(std::string_view command);
+
+}  // namespace zolvane

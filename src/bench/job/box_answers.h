@@ -1,0 +1,66 @@
+// Who answers the message boxes: the answers listed on the command line, then the affirmative button if that
+// was asked for, then the user at the terminal, then caution.
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "program/terminal.h"
+
+namespace zolvane {
+
+// A box as far as its answer is concerned. Texts keep their line breaks.
+struct Question {
+  std::string Title;
+  std::string Text;
+  std::int32_t Style = 0;
+};
+
+// The buttons of a style, from left to right. A style of no known buttons has OK alone.
+std::vector<std::int32_t> ButtonsOf(std::int32_t style);
+
+// "OK", "Cancel", "Yes", "No".
+std::string_view ButtonName(std::int32_t button);
+
+// The buttons that a list such as "ok,no" names, in any case. Throws UsageError for any other word.
+std::vector<std::int32_t> ParseAnswers(std::string_view list);
+
+enum class AnsweredBy { OnlyButton, List, Affirmation, User, Caution };
+
+struct Answer {
+  std::int32_t Button = 0;
+  AnsweredBy By = AnsweredBy::Caution;
+};
+
+class AnswerDesk {
+ public:
+  struct Setup {
+    std::vector<std::int32_t> Listed;
+    bool AffirmsRest = false;
+  };
+  using Complaint = std::function<void(const std::string& text)>;
+
+  // The terminal may be null; if not, it outlives the desk. `complain` is told of each listed answer that no
+  // button of its box fits.
+  AnswerDesk(const Setup& setup, Questioner* terminal, Complaint complain);
+
+  // A box with one button is answered with it and uses up no answer.
+  Answer AnswerTo(const Question& question);
+
+ private:
+  std::optional<std::int32_t> ListedAnswer(const Question& question,
+                                           const std::vector<std::int32_t>& buttons);
+  std::optional<std::int32_t> UserAnswer(const Question& question, const std::vector<std::int32_t>& buttons);
+
+  std::deque<std::int32_t> listed_;
+  bool affirmsRest_;
+  Questioner* terminal_;
+  Complaint complain_;
+};
+
+}  // namespace zolvane

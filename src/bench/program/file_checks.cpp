@@ -1,0 +1,162 @@
+#include "bench/program/file_checks.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <system_error>
+#include <vector>
+
+#include "bench/host/dry_run.h"
+#include "config/text.h"
+#include "files/file_settings_service.h"
+#include "files/paths.h"
+#include "page/page_controls.h"
+#include "text/joined.h"
+#include "text/printable.h"
+#include "text/usage_error.h"
+
+namespace zolvane {
+namespace {
+
+bool Opens(const Action& action, int button) {
+  return action.Kind == ActionKind::PressButton && action.Button == button && action.File.has_value();
+}
+
+void Demand(const std::string& file, FileUse use, const std::string& at) {
+  if (const auto reason = CheckUsable(file, use)) {
+    throw UsageError{Joined(at, Quoted(file), " ", *reason)};
+  }
+}
+
+void CheckConfigFile(const std::string& folder) {
+  const auto file = ConfigFileIn(folder);
+  if (const auto reason = ReasonFileIsInaccessible(file, FileUse::ReadOnly)) {
+    throw UsageError{Joined(Quoted(file), " ", *reason, "; --folder names the folder that holds it")};
+  }
+  Demand(file, FileUse::ReadAndWrite, "");
+}
+
+bool IsPresent(const std::string& file) {
+  std::error_code ignored;
+  return std::filesystem::exists(PathOf(file), ignored);
+}
+
+// An export to the configuration file is the add-in's own to refuse.
+bool IsMerged(const std::string& file, const std::string& folder) {
+  const auto config = ConfigFileIn(folder);
+  return IsPresent(file) && !EqualIgnoringCase(file, config) && !IsSameFile(file, config);
+}
+
+void DemandReplacement(const std::string& file, bool isWanted, const std::string& at) {
+  if (!isWanted) {
+    throw UsageError{Joined(at, Quoted(file),
+                            " exists; name another file, or let the export merge into it with --replace")};
+  }
+}
+
+void DemandBackup(const std::string& file, const std::string& folder, const std::string& at) {
+  Demand(file, FileUse::ReadOnly, at);
+  if (!HoldsBackup(folder, file)) {
+    throw UsageError{
+        Joined(at, Quoted(file), " is no backup: it has none of the sections that an import reads")};
+  }
+}
+
+// A file that an earlier command saves to is there when a later one loads it, or saves to it again. Returns what is to be
+// said of the others.
+std::vector<std::string> CheckDialogueFiles(const Options& options, const Job& job) {
+  std::vector<std::string> notes;
+  std::vector<std::string> saved;
+  for (const auto& action : job.Actions) {
+    const auto at = action.Place.empty() ? std::string{} : action.Place + ": ";
+    const bool isSaved = action.File && std::ranges::find(saved, *action.File) != saved.end();
+    if (Opens(action, exportButton)) {
+      Demand(*action.File, FileUse::ReadAndWrite, at);
+      if (!isSaved && IsMerged(*action.File, options.Folder)) {
+        DemandReplacement(*action.File, options.Replaces, at);
+        notes.push_back(Joined(at, Quoted(*action.File),
+                               " exists: the add-in merges, so what it does not export stays in it"));
+      }
+      saved.push_back(*action.File);
+    } else if (Opens(action, importButton) && !isSaved) {
+      DemandBackup(*action.File, options.Folder, at);
+    }
+  }
+  return notes;
+}
+
+// The files that the run reads or writes as settings, and the lists of its commands.
+std::vector<std::string> NeededFiles(const Options& options, const Job& job) {
+  std::vector<std::string> files{ConfigFileIn(options.Folder)};
+  for (const auto& action : job.Actions) {
+    if (action.File) {
+      files.push_back(*action.File);
+    }
+  }
+  files.insert(files.end(), job.RunFiles.begin(), job.RunFiles.end());
+  return files;
+}
+
+// The file behind "sim:" or "script:".
+std::optional<std::string> LinkFile(const Options& options) {
+  for (const std::string_view kind : {"sim:", "script:"}) {
+    if (options.Link.starts_with(kind) && options.Link.size() > kind.size()) {
+      return AbsolutePath(std::string_view{options.Link}.substr(kind.size()));
+    }
+  }
+  return std::nullopt;
+}
+
+// For a file that is replaced whole.
+void DemandOther(const std::string& file, const std::vector<std::string>& needed, std::string_view what) {
+  for (const auto& other : needed) {
+    if (IsSameFile(file, other)) {
+      throw UsageError{
+          Joined(what, " would overwrite ", Quoted(other), ", which the run needs; name another file")};
+    }
+  }
+}
+
+// An earlier trace begins with an event, whatever became of its end. Devices and pipes hold nothing.
+bool MayBecomeTrace(const std::string& file) {
+  constexpr std::string_view beginning = R"({"event":)";
+  std::error_code ignored;
+  if (!std::filesystem::is_regular_file(PathOf(file), ignored)) {
+    return true;
+  }
+  std::ifstream stream{PathOf(file), std::ios::binary};
+  std::string bytes(beginning.size(), '\0');
+  stream.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  return stream.gcount() == 0 || bytes == beginning;
+}
+
+void CheckReplacedFiles(const Options& options, const Job& job) {
+  auto needed = NeededFiles(options, job);
+  if (const auto file = LinkFile(options)) {
+    if (options.Link.starts_with("sim:")) {
+      DemandOther(*file, needed, "--link: the instrument's memory");
+    }
+    needed.push_back(*file);
+  }
+  if (options.Trace && *options.Trace != "-") {
+    DemandOther(AbsolutePath(*options.Trace), needed, "--trace");
+    if (!MayBecomeTrace(*options.Trace)) {
+      throw UsageError{Joined("--trace replaces an empty file or an earlier trace and nothing else: ",
+                              Quoted(*options.Trace), " holds something else")};
+    }
+  }
+}
+
+}  // namespace
+
+std::vector<std::string> CheckFiles(const Options& options, const Job& job) {
+  CheckConfigFile(options.Folder);
+  auto notes = CheckDialogueFiles(options, job);
+  CheckReplacedFiles(options, job);
+  return notes;
+}
+
+}  // namespace zolvane

@@ -1,0 +1,15 @@
+// What is looked at before a session starts, so that nothing is changed when something is wrong.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "bench/job/actions.h"
+#include "bench/program/options.h"
+
+namespace zolvane {
+
+// Returns what the user is to be told before it starts. Throws UsageError when the folder, a file of a command, or a file that the run would write is unusable.
+std::vector<std::string> CheckFiles(const Options& options, const Job& job);
+
+}  // namespace zolvane

@@ -1,0 +1,56 @@
+#include "bench/windows/window/announcement.h"
+
+#include <ostream>
+
+#include "win32/text.h"
+#include "win32/unique_handle.h"
+
+namespace zolvane {
+namespace {
+
+bool LeadsSomewhere(DWORD standardStream) {
+  const HANDLE stream = GetStdHandle(standardStream);
+  return stream != nullptr && stream != INVALID_HANDLE_VALUE && GetFileType(stream) != FILE_TYPE_UNKNOWN;
+}
+
+// Let go of again: its Ctrl-C would end the program.
+class ParentsConsole {
+ public:
+  ParentsConsole() : isAttached_{AttachConsole(ATTACH_PARENT_PROCESS) != FALSE} {}
+  ~ParentsConsole() {
+    if (isAttached_) {
+      FreeConsole();
+    }
+  }
+  ParentsConsole(const ParentsConsole&) = delete;
+  ParentsConsole& operator=(const ParentsConsole&) = delete;
+
+  bool Write(const std::wstring& text) const {
+    if (!isAttached_) {
+      return false;
+    }
+    const UniqueFile screen{CreateFileW(L"CONOUT$", GENERIC_READ | GENERIC_WRITE,
+                                        FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0,
+                                        nullptr)};
+    DWORD written = 0;
+    return WriteConsoleW(screen.Get(), text.data(), static_cast<DWORD>(text.size()), &written, nullptr) !=
+           FALSE;
+  }
+
+ private:
+  bool isAttached_;
+};
+
+}  // namespace
+
+void Announce(Announcement kind, const std::string& text, std::ostream& stream) {
+  const bool isError = kind == Announcement::Error;
+  if (LeadsSomewhere(isError ? STD_ERROR_HANDLE : STD_OUTPUT_HANDLE)) {
+    stream << text << std::flush;
+  } else if (const auto wide = Wide(text); !ParentsConsole{}.Write(L"\r\n" + wide)) {
+    MessageBoxW(nullptr, wide.c_str(), L"HestrionBench",
+                MB_OK | MB_SETFOREGROUND | (isError ? MB_ICONERROR : MB_ICONINFORMATION));
+  }
+}
+
+}  // namespace zolvane

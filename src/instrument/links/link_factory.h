@@ -1,0 +1,28 @@
+// From the text behind --link to a link.
+#pragma once
+
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "instrument/links/bench_link.h"
+#include "instrument/links/interrupt_flag.h"
+
+namespace zolvane {
+
+// A kind of link, as help shows it.
+struct LinkKindHelp {
+  std::string_view Usage;
+  std::string_view Effect;
+};
+std::span<const LinkKindHelp> LinkKindsHelp();
+
+// `text` is one of those usages; the path of a device ("/dev/...") means a serial link. `timeout` is how long a send
+// waits for its reply, in seconds. Ports are opened by the first command, and no file is created before the
+// link begins. Throws UsageError for any other text and for a file that cannot be used. The interrupt outlives
+// the link.
+std::shared_ptr<BenchLink> CreateLink(const std::string& text, double timeout,
+                                      const InterruptFlag& interrupt);
+
+}  // namespace zolvane

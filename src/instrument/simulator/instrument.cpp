@@ -1,0 +1,74 @@
+#include "instrument/simulator/instrument.h"
+
+#include <utility>
+
+#include "text/joined.h"
+#include "text/printable.h"
+#include "text/usage_error.h"
+
+namespace zolvane {
+namespace {
+
+constexpr std::string_view syntaxError = "SYNTAX_ERROR";
+constexpr std::string_view setPrefix = "SET_CALIBRATION ";
+constexpr std::string_view getPrefix = "GET_CALIBRATION ";
+
+}  // namespace
+
+SimulatedInstrument::SimulatedInstrument(Setup setup)
+    : setup_{std::move(setup)}, memory_{std::make_unique<InstrumentMemory>(setup_.StateFile)} {}
+
+void SimulatedInstrument::SwitchOn() const {
+  if (!memory_->CreateFile()) {
+    throw UsageError{Joined(Quoted(setup_.StateFile), ": the instrument's memory cannot be kept there")};
+  }
+}
+
+std::optional<std::string> SimulatedInstrument::Answer(std::string_view command) {
+  if (setup_.FailAfter && answers_ >= *setup_.FailAfter) {
+    return std::nullopt;
+  }
+  ++answers_;
+  return Reply(command);
+}
+
+std::optional<std::string> SimulatedInstrument::Reply(std::string_view command) {
+  if (command == "SET_CALIBRATION SAVE") {
+    // Nobody looks at the text of this reply, so an instrument that could not keep its memory gives none.
+    return memory_->Save() ? std::optional<std::string>{"OK"} : std::nullopt;
+  }
+  if (command.starts_with(setPrefix)) {
+    return Set(command.substr(setPrefix.size()));
+  }
+  if (command.starts_with(getPrefix)) {
+    return Get(command.substr(getPrefix.size()));
+  }
+  if (command == "RFID ON" || command == "RFID OFF") {
+    return "OK";
+  }
+  if (command == "RFID READ_PERSISTENT") {
+    return "RFID,PERSISTENT," + setup_.Tag + ",READ,OK";
+  }
+  return command == "STATUS_STAGE"   ? setup_.Stage
+         : command == "STATUS_MECH"  ? setup_.Mechanics
+         : command == "STATUS PUMPS" ? setup_.Pumps
+                                     : std::string{syntaxError};
+}
+
+// Everything behind the key is the value, blanks included. What has a line break in it could not be told in one line.
+std::string SimulatedInstrument::Set(std::string_view keyAndValue) {
+  const auto blank = keyAndValue.find(' ');
+  if (blank == 0 || blank == std::string_view::npos || blank + 1 == keyAndValue.size() ||
+      keyAndValue.find_first_of("\r\n") != std::string_view::npos) {
+    return std::string{syntaxError};
+  }
+  memory_->Set(keyAndValue.substr(0, blank), keyAndValue.substr(blank + 1));
+  return "OK";
+}
+
+std::string SimulatedInstrument::Get(std::string_view key) const {
+  const auto* const value = memory_->Find(key);
+  return value == nullptr ? std::string{syntaxError} : Joined(key, "=", *value);
+}
+
+}  // namespace zolvane

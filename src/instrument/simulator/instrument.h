@@ -1,0 +1,50 @@
+// The simulated instrument: one command line in, one reply out.
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "instrument/simulator/instrument_memory.h"
+
+namespace zolvane {
+
+class SimulatedInstrument {
+ public:
+  struct Setup {
+    // What the instrument says about itself. The defaults are what the sample configuration has installed.
+    std::string Stage = "ZV400";
+    std::string Mechanics = "SD";
+    std::string Tag = "5A4C0150AA7F2032";
+    std::string Pumps = "PUMPS CLOSED";
+
+    // The file that keeps what was saved of the calibration memory; empty for a memory that ends with the process.
+    std::string StateFile{};
+
+    // After so many answers the instrument falls silent.
+    std::optional<std::size_t> FailAfter{};
+  };
+
+  // Takes over what the state file holds, and creates nothing yet. Throws UsageError when the file cannot be
+  // used, or another instrument uses it.
+  explicit SimulatedInstrument(Setup setup);
+
+  // Creates a missing state file. Throws UsageError when that fails.
+  void SwitchOn() const;
+
+  // The reply to one command, or nothing when the instrument keeps silent. Keys are taken to the letter.
+  std::optional<std::string> Answer(std::string_view command);
+
+ private:
+  std::optional<std::string> Reply(std::string_view command);
+  std::string Set(std::string_view keyAndValue);
+  std::string Get(std::string_view key) const;
+
+  Setup setup_;
+  std::unique_ptr<InstrumentMemory> memory_;
+  std::size_t answers_ = 0;
+};
+
+}  // namespace zolvane

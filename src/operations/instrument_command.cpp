@@ -1,0 +1,36 @@
+#include "operations/instrument_command.h"
+
+#include "config/text.h"
+
+namespace zolvane {
+namespace {
+
+// The link is asked for anew for each of the three calls: the host may exchange it in between.
+bool SendThroughLink(const HostAttachment& host, std::string& command, std::string& reply) {
+  if (const auto link = host.Link()) {
+    PassOver(link->SetStop(false));
+  }
+  if (const auto link = host.Link()) {
+    PassOver(link->SetHold(true));
+  }
+  const auto link = host.Link();
+  return link && MetOnlyIf(link->SendCommand(command, reply, 0));
+}
+
+}  // namespace
+
+void SendInstrumentCommand(const OperationContext& context, std::string command, std::string& reply,
+                           bool& ok) {
+  ok = SendThroughLink(context.Host, command, reply);
+  if (!ok) {
+    const auto message = context.Host.StatusText() +
+                         "\r\n\r\nPlease ensure that the Zolvane is switched on\r\nand in 'Remote Mode'";
+    context.Page.ShowMessage(message, message_style::okOnly, "Communication Error");
+  }
+}
+
+std::string StrippedReply(std::string_view reply) {
+  return Replaced(reply, lineBreak, "");
+}
+
+}  // namespace zolvane

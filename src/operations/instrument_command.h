@@ -1,0 +1,20 @@
+// Sending one command line to the instrument.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "operations/operation_context.h"
+
+namespace zolvane {
+
+// Sends the command through the host's link and waits for the answer. `ok` tells whether the instrument
+// answered; if not, the user has been shown one "Communication Error" box, and `reply` is as the link left
+// it.
+void SendInstrumentCommand(const OperationContext& context, std::string command, std::string& reply,
+                           bool& ok);
+
+// A reply without its line ends.
+std::string StrippedReply(std::string_view reply);
+
+}  // namespace zolvane

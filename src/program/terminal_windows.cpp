@@ -1,0 +1,104 @@
+#include <fcntl.h>
+#include <io.h>
+#include <windows.h>
+// After <windows.h>, on which it builds.
+#include <shellapi.h>
+
+#include <array>
+#include <atomic>
+#include <cstdio>
+
+#include "program/terminal.h"
+
+namespace zolvane {
+namespace {
+
+std::atomic<void (*)()> interruptCall{nullptr};
+
+// Windows ends the program as soon as this returns, unless it was Ctrl-C or Ctrl-Break; it ends it after some seconds
+// anyway. Until then the session comes to its end, which nobody may hold up by waiting for an instrument.
+BOOL WINAPI OnControlEvent(DWORD event) {
+  const bool isTheEnd = event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT;
+  const auto call = interruptCall.load();
+  for (int times = isTheEnd ? 2 : 1; call != nullptr && times > 0; --times) {
+    call();
+  }
+  if (isTheEnd) {
+    ::Sleep(INFINITE);
+  }
+  return TRUE;
+}
+
+bool IsConsole(DWORD stream) {
+  DWORD mode = 0;
+  return ::GetConsoleMode(::GetStdHandle(stream), &mode) != 0;
+}
+
+std::string Utf8FromWide(std::wstring_view wide) {
+  const auto length = static_cast<int>(wide.size());
+  const int size = ::WideCharToMultiByte(CP_UTF8, 0, wide.data(), length, nullptr, 0, nullptr, nullptr);
+  std::string text(static_cast<std::size_t>(size), '\0');
+  ::WideCharToMultiByte(CP_UTF8, 0, wide.data(), length, text.data(), size, nullptr, nullptr);
+  return text;
+}
+
+class ConsoleTerminal final : public Questioner {
+ public:
+  std::optional<std::string> Ask(std::string_view text) override {
+    std::fwrite(text.data(), 1, text.size(), stderr);
+    std::fflush(stderr);
+    std::array<wchar_t, 1024> line{};
+    DWORD length = 0;
+    const HANDLE input = ::GetStdHandle(STD_INPUT_HANDLE);
+    if (::ReadConsoleW(input, line.data(), line.size(), &length, nullptr) == 0 || length == 0) {
+      return std::nullopt;
+    }
+    std::wstring_view typed{line.data(), length};
+    while (typed.ends_with(L'\n') || typed.ends_with(L'\r')) {
+      typed.remove_suffix(1);
+    }
+    return Utf8FromWide(typed);
+  }
+};
+
+}  // namespace
+
+std::vector<std::string> ProgramArguments(int, char**) {
+  int count = 0;
+  wchar_t** const arguments = ::CommandLineToArgvW(::GetCommandLineW(), &count);
+  std::vector<std::string> texts;
+  for (int index = 1; arguments != nullptr && index < count; ++index) {
+    texts.push_back(Utf8FromWide(arguments[index]));
+  }
+  ::LocalFree(arguments);
+  return texts;
+}
+
+// Handles are not handed out again here as descriptors are.
+void KeepStandardStreams() {
+  ::_setmode(1, _O_BINARY);
+  ::SetConsoleOutputCP(CP_UTF8);
+}
+
+std::unique_ptr<Questioner> OpenTerminal() {
+  return IsConsole(STD_INPUT_HANDLE) && IsConsole(STD_ERROR_HANDLE) ? std::make_unique<ConsoleTerminal>()
+                                                                    : nullptr;
+}
+
+std::optional<std::size_t> ErrorTerminalWidth() {
+  const HANDLE stream = ::GetStdHandle(STD_ERROR_HANDLE);
+  CONSOLE_SCREEN_BUFFER_INFO info{};
+  DWORD mode = 0;
+  const bool isConsole = ::GetConsoleMode(stream, &mode) != 0 &&
+                         ::SetConsoleMode(stream, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING) != 0 &&
+                         ::GetConsoleScreenBufferInfo(stream, &info) != 0;
+  return isConsole && info.dwSize.X > 1 ? std::optional{static_cast<std::size_t>(info.dwSize.X)}
+                                        : std::nullopt;
+}
+
+void TakeInterrupts(void (*interrupt)()) {
+  interruptCall = interrupt;
+  ::SetConsoleCtrlHandler(OnControlEvent, TRUE);
+}
+
+}  // namespace zolvane

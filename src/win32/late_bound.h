@@ -1,0 +1,45 @@
+// An object of the host's, used by the names of its members. A member that it does not have, or that fails,
+// is a failed call; nothing is thrown at the caller but what memory throws.
+#pragma once
+
+#include <optional>
+#include <span>
+
+#include "host/status.h"
+#include "win32/com_ptr.h"
+#include "win32/variant.h"
+
+namespace zolvane {
+
+class LateBound {
+ public:
+  // Without an object every call fails.
+  explicit LateBound(ComPtr<IDispatch> object) : object_{std::move(object)} {}
+
+  explicit operator bool() const { return static_cast<bool>(object_); }
+
+  // A property, or a method without arguments.
+  std::optional<Variant> Read(const wchar_t* name) const;
+
+  // A property that is an object. Empty when there is none.
+  LateBound ReadObject(const wchar_t* name) const;
+
+  // The member of a collection under a text key: asks the property with the key as its argument and, where
+  // that is refused, the default member of the property's object.
+  LateBound ReadItem(const wchar_t* collection, const wchar_t* key) const;
+
+  Status Write(const wchar_t* name, const Variant& value) const;
+
+  // A method. Arguments stand in the order of the call and stay the caller's; the method may change those
+  // that refer to a variable. `result` may be null.
+  Status Call(const wchar_t* name, std::span<const VARIANT> arguments, Variant* result = nullptr) const;
+
+ private:
+  std::optional<DISPID> Find(const wchar_t* name) const;
+  Status Invoke(DISPID member, WORD kind, DISPPARAMS& parameters, Variant* result) const;
+  std::optional<Variant> ReadIndexed(DISPID member, const wchar_t* key) const;
+
+  ComPtr<IDispatch> object_;
+};
+
+}  // namespace zolvane

@@ -1,0 +1,45 @@
+// How large things are on the screen that a window is on: its dots per inch, the system's font at that scale,
+// and the dialogue units of that font.
+#pragma once
+
+#include <span>
+#include <string>
+
+#include "win32/unique_handle.h"
+
+namespace zolvane {
+
+// The dots per inch that the window is drawn at: 96 at 100 %. Systems that know only one scale tell that one.
+UINT DpiOf(HWND window);
+
+// The fonts of the page at a scale. The system's own font for everything but the title, which is in Arial.
+struct PageFonts {
+  UniqueFont Text;
+  UniqueFont Title;
+};
+
+PageFonts MakePageFonts(UINT dpi);
+
+// Dialogue units of a font in pixels.
+class DialogueUnits {
+ public:
+  DialogueUnits() = default;
+  explicit DialogueUnits(HFONT font);
+
+  int Across(int units) const { return MulDiv(units, alphabetWidth_, 4 * lettersOfAlphabet); }
+  int Down(int units) const { return MulDiv(units, height_, 8); }
+
+ private:
+  static constexpr int lettersOfAlphabet = 52;
+
+  int alphabetWidth_ = 0;
+  int height_ = 0;
+};
+
+// The width, without task bars, of the screen that the window is on.
+int ScreenWidthAt(HWND window);
+
+// The width in pixels of the widest of the texts; 0 without any.
+int WidestText(HWND window, HFONT font, std::span<const std::wstring> texts);
+
+}  // namespace zolvane
