@@ -15,6 +15,7 @@ namespace {
 
 constexpr int tipList = IdOf(ListControl::TipType);
 constexpr int rfidBox = IdOf(CheckControl::RFID);
+constexpr int anotherTip = 2;  // than the one that is installed
 
 // Collects the boxes, which do not appear.
 class CollectedBoxes final : public DialogueSpectator {
@@ -58,21 +59,22 @@ class ChoiceNotStored : public testing::Test {
 };
 
 TEST_F(ChoiceNotStored, OfAListIsToldInAStopBoxThatNamesTheFile) {
-  Choose(1);
+  Choose(anotherTip);
   ASSERT_EQ(shown_.Boxes.size(), 1U);
   const auto& box = shown_.Boxes.front();
   EXPECT_EQ(box.Title, "Zolvane Setup");
   EXPECT_EQ(box.Style, 16) << "the stop sign over OK";
   EXPECT_EQ(box.Text,
             "Your choice could not be stored in\r\n" + ProgramFolder::OfThisRun().FileText("Zolvane.ini") +
-                "\r\n\r\nThe page shows it, but the file does not hold it. Please see to it that the "
-                "file can be written, and choose again.");
+                "\r\n\r\nThe page shows it, but it is not in the file. Please make sure that the file can "
+                "be written, then choose again.");
 }
 
 TEST_F(ChoiceNotStored, OfAListStaysOnThePageAsTheUserMadeIt) {
   const auto stored = HostedPage::Stored("TipType", "Installed");
-  Choose(1);
-  EXPECT_EQ(SendMessageW(Control(tipList), CB_GETCURSEL, 0, 0), 1);
+  ASSERT_NE(SendMessageW(Control(tipList), CB_GETCURSEL, 0, 0), anotherTip);
+  Choose(anotherTip);
+  EXPECT_EQ(SendMessageW(Control(tipList), CB_GETCURSEL, 0, 0), anotherTip);
   EXPECT_EQ(HostedPage::Stored("TipType", "Installed"), stored);
 }
 
@@ -85,7 +87,7 @@ TEST_F(ChoiceNotStored, OfABoxIsToldOnceAndStaysOnThePage) {
 }
 
 TEST_F(ChoiceNotStored, IsToldForEachOfTheUsersActions) {
-  Choose(1);
+  Choose(anotherTip);
   Choose(0);
   SendMessageW(Control(rfidBox), BM_CLICK, 0, 0);
   EXPECT_EQ(shown_.Boxes.size(), 3U);
@@ -93,11 +95,31 @@ TEST_F(ChoiceNotStored, IsToldForEachOfTheUsersActions) {
 
 TEST_F(ChoiceNotStored, InAListThatClosesIsToldOnce) {
   SendMessageW(Control(tipList), CB_SHOWDROPDOWN, TRUE, 0);
-  SendMessageW(Control(tipList), CB_SETCURSEL, 1, 0);
+  SendMessageW(Control(tipList), CB_SETCURSEL, anotherTip, 0);
   Notify(tipList, CBN_SELCHANGE);
   SendMessageW(Control(tipList), CB_SHOWDROPDOWN, FALSE, 0);
   Pump();
   EXPECT_EQ(shown_.Boxes.size(), 1U);
+}
+
+// Not every system tells of an entry that is chosen and was selected already.
+TEST_F(ChoiceNotStored, OfAListIsStoredWhenTheSameEntryIsChosenAgain) {
+  Choose(anotherTip);
+  page_.Host().RefusesWrites = false;
+  SendMessageW(Control(tipList), CB_SHOWDROPDOWN, TRUE, 0);
+  SendMessageW(Control(tipList), CB_SHOWDROPDOWN, FALSE, 0);
+  Pump();
+  EXPECT_EQ(HostedPage::Stored("TipType", "Installed"), "3");
+  EXPECT_EQ(shown_.Boxes.size(), 1U);
+}
+
+TEST_F(ChoiceNotStored, IsToldOnceEachTimeThatTheSameEntryIsChosenAgain) {
+  Choose(anotherTip);
+  SendMessageW(Control(tipList), CB_SHOWDROPDOWN, TRUE, 0);
+  Notify(tipList, CBN_SELCHANGE);
+  SendMessageW(Control(tipList), CB_SHOWDROPDOWN, FALSE, 0);
+  Pump();
+  EXPECT_EQ(shown_.Boxes.size(), 2U);
 }
 
 TEST_F(ChoiceNotStored, IsNotToldOfWhatThePageItselfSelects) {
@@ -107,7 +129,7 @@ TEST_F(ChoiceNotStored, IsNotToldOfWhatThePageItselfSelects) {
 
 TEST_F(ChoiceNotStored, IsNotToldWhenItWasStored) {
   page_.Host().RefusesWrites = false;
-  Choose(1);
+  Choose(anotherTip);
   SendMessageW(Control(rfidBox), BM_CLICK, 0, 0);
   EXPECT_TRUE(shown_.Boxes.empty());
 }
@@ -152,11 +174,11 @@ TEST(AChoiceThatCouldNotBeStored, DoesNotHoldUpARunFileAndCountsAsFailed) {
   page.Host().RefusesWrites = true;
   const PageDriver user{page.Frame()};
   EXPECT_TRUE(
-      player.Play({.Kind = ActionKind::SelectEntry, .List = ListControl::TipType, .Entry = "#1"}, user));
+      player.Play({.Kind = ActionKind::SelectEntry, .List = ListControl::TipType, .Entry = "#2"}, user));
   EXPECT_EQ(ExitStatusOf(player.Happened()), 1);
   EXPECT_TRUE(player.Play({.Kind = ActionKind::SetCheck, .Box = CheckControl::RFID, .Value = 2}, user));
   EXPECT_EQ(ExitStatusOf(player.Happened()), 1);
-  EXPECT_EQ(user.Shown().Of(ListControl::TipType).Selected, 1);
+  EXPECT_EQ(user.Shown().Of(ListControl::TipType).Selected, anotherTip);
   EXPECT_EQ(user.Shown().Of(CheckControl::RFID).Value, 2);
 }
 

@@ -65,10 +65,9 @@ void ThreadModule::Forget(const ComForm& form) {
 
 void ThreadModule::TellNotStored() {
   PassOver(environment_.ShowMessageBox(
-      {.Text =
-           "Your choice could not be stored in\r\n" + addIn_.Config().Settings.ConfigFilePath() +
-           "\r\n\r\nThe page shows it, but the file does not hold it. Please see to it that the file can be "
-           "written, and choose again.",
+      {.Text = "Your choice could not be stored in\r\n" + addIn_.Config().Settings.ConfigFilePath() +
+               "\r\n\r\nThe page shows it, but it is not in the file. Please make sure that the file can be "
+               "written, then choose again.",
        .Style = message_style::okOnly + message_style::stopIcon,
        .Title = std::string{pageCaption}}));
 }

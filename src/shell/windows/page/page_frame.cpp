@@ -131,6 +131,7 @@ PageFrame::PageFrame(PageEvents& events, std::weak_ptr<PageOwner> owner, ScaleOf
     : events_{&events}, owner_{std::move(owner)}, scaleOf_{scaleOf} {
   colours_.fill(COLOR_WINDOW);
   selected_.fill(noSelection);
+  isStored_.fill(true);
 }
 
 PageFrame::~PageFrame() {
@@ -274,6 +275,8 @@ void PageFrame::OnCommand(int id, int notification) {
 void PageFrame::OnList(ListControl list, int notification) {
   if (notification == CBN_SELCHANGE) {
     Report(list);
+  } else if (notification == CBN_DROPDOWN && !isStored_[IndexOf(list)]) {
+    selected_[IndexOf(list)] = noSelection;  // so that whoever chooses the same entry again is heard
   } else if (notification == CBN_CLOSEUP) {
     PostMessageW(frame_, dropDownClosed, static_cast<WPARAM>(list), 0);
   }
@@ -291,7 +294,9 @@ void PageFrame::OnDropDownClosed(ListControl list) {
 void PageFrame::Report(ListControl list) {
   const auto index = static_cast<int>(SendMessageW(Control(IdOf(list)), CB_GETCURSEL, 0, 0));
   if (events_ != nullptr && index != CB_ERR) {
-    TellIfNotStored(events_->UserSelects(list, index));
+    const Status status = events_->UserSelects(list, index);
+    isStored_[IndexOf(list)] = status.Ok();
+    TellIfNotStored(status);
   }
 }
 
@@ -359,6 +364,7 @@ bool PageFrame::Select(ListControl list, int index) {
   const auto selected =
       static_cast<int>(SendMessageW(Control(IdOf(list)), CB_SETCURSEL, static_cast<WPARAM>(index), 0));
   selected_[IndexOf(list)] = selected;
+  isStored_[IndexOf(list)] = true;
   return selected != CB_ERR;
 }
 

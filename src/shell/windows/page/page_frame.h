@@ -91,6 +91,7 @@ class PageFrame final : public std::enable_shared_from_this<PageFrame> {
   SIZE naturalSize_{};
   std::array<int, listRows.size()> colours_{};
   std::array<int, listRows.size()> selected_{};
+  std::array<bool, listRows.size()> isStored_{};  // as far as has become known
 };
 
 }  // namespace zolvane
