@@ -13,7 +13,7 @@ namespace zolvane {
 // What a program is started from.
 enum class StartedFrom {
   Program,   // which reads what it prints
-  Explorer,  // neither streams nor a console
+  Explorer,  // neither streams nor a console of its own; its parent is the test, which may have one
 };
 
 class ChildProcess {

@@ -244,10 +244,11 @@ std::string ShownText(HWND window) {
   return Utf8(std::wstring_view{text.data(), static_cast<std::size_t>(length)});
 }
 
-// The text of the box that the process shows, which is then answered.
-std::string AnswerBoxOf(DWORD process, int button) {
+// The text of the box that the process shows, which is then answered. With a title: of the box that bears it.
+std::string AnswerBoxOf(DWORD process, int button, const std::wstring& title = {}) {
   const auto box = [process] { return WindowOf(process, L"#32770"); };
-  EXPECT_TRUE(Eventually([&] { return box() != nullptr; }));
+  const auto isRight = [&] { return title.empty() || CaptionOf(box()) == Utf8(title); };
+  EXPECT_TRUE(Eventually([&] { return box() != nullptr && isRight(); }));
   const HWND shown = box();
   auto text = ShownText(GetDlgItem(shown, 0xFFFF));
   PostMessageW(shown, WM_COMMAND, static_cast<WPARAM>(button), 0);
@@ -262,6 +263,86 @@ TEST(HestrionBench, SaysInABoxWhatNobodyWouldRead) {
   ChildProcess asked{HestrionBenchPath(), {"--help"}, StartedFrom::Explorer};
   EXPECT_NE(AnswerBoxOf(asked.Id(), IDOK).find("--screenshot"), std::string::npos);
   EXPECT_EQ(asked.Wait(), 0);
+}
+
+TEST(HestrionBench, SaysInABoxWhatFailedInAWindowThatIsGone) {
+  const Folder folder;
+  Store(folder.File("job.txt"), "upload\nquery\n");
+  const Arguments arguments{"--folder", folder.Text(), "--play", folder.File("job.txt"), "--quit"};
+  ChildProcess played{HestrionBenchPath(), arguments, StartedFrom::Explorer};
+  const auto said = AnswerBoxOf(played.Id(), IDOK, L"HestrionBench");
+  EXPECT_NE(said.find("Upload Calibration Data to Zolvane: answered Cancel"), std::string::npos) << said;
+  EXPECT_NE(said.find("1 of 2 commands not begun: query"), std::string::npos) << said;
+  EXPECT_EQ(played.Wait(), 1);
+}
+
+// A console of the test's own, with what is written on it.
+class Screen {
+ public:
+  Screen() {
+    for (const DWORD stream : streams) {
+      before_.push_back(GetStdHandle(stream));
+    }
+    FreeConsole();
+    isOpen_ = AllocConsole() != FALSE;
+  }
+  ~Screen() {
+    FreeConsole();
+    for (std::size_t stream = 0; stream < streams.size(); ++stream) {
+      SetStdHandle(streams[stream], before_[stream]);
+    }
+  }
+  Screen(const Screen&) = delete;
+  Screen& operator=(const Screen&) = delete;
+
+  bool IsOpen() const { return isOpen_; }
+
+  std::string Text() const {
+    const UniqueFile screen{CreateFileW(L"CONOUT$", GENERIC_READ | GENERIC_WRITE,
+                                        FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0,
+                                        nullptr)};
+    std::wstring text(10000, L' ');
+    DWORD length = 0;
+    ReadConsoleOutputCharacterW(screen.Get(), text.data(), static_cast<DWORD>(text.size()), {}, &length);
+    text.resize(length);
+    text.resize(text.find_last_not_of(L' ') + 1);
+    return Utf8(text);
+  }
+
+ private:
+  static constexpr std::array<DWORD, 3> streams{STD_INPUT_HANDLE, STD_OUTPUT_HANDLE, STD_ERROR_HANDLE};
+  std::vector<HANDLE> before_;
+  bool isOpen_;
+};
+
+TEST(HestrionBench, SaysOnTheConsoleThatItWasStartedFromWhatHasNoStreamToGoTo) {
+  const Folder folder;
+  Store(folder.File("job.txt"), "upload\n");
+  const Screen screen;
+  ASSERT_TRUE(screen.IsOpen());
+  ChildProcess asked{HestrionBenchPath(), {"--version"}, StartedFrom::Explorer};
+  EXPECT_EQ(asked.Wait(), 0);
+  EXPECT_NE(screen.Text().find("HestrionBench 1.00.0135"), std::string::npos) << screen.Text();
+  ChildProcess refused{HestrionBenchPath(), {"--folder", "nowhere"}, StartedFrom::Explorer};
+  EXPECT_EQ(refused.Wait(), 2);
+  EXPECT_NE(screen.Text().find(R"(nowhere\Zolvane.ini)"), std::string::npos) << screen.Text();
+  ChildProcess played{HestrionBenchPath(),
+                      {"--folder", folder.Text(), "--play", folder.File("job.txt"), "--quit"},
+                      StartedFrom::Explorer};
+  EXPECT_EQ(played.Wait(), 1);
+  EXPECT_NE(screen.Text().find("HestrionBench: Upload Calibration Data to Zolvane: answered Cancel"),
+            std::string::npos)
+      << screen.Text();
+}
+
+TEST(HestrionBench, LetsNothingOfARunFileSteerTheTerminal) {
+  const Folder folder;
+  Store(folder.File("job.txt"), "select cboTipType \"\x1b[31mred\"\n");
+  const auto result = RunToItsEnd(HestrionBenchPath(),
+                                  {"--folder", folder.Text(), "--play", folder.File("job.txt"), "--quit"});
+  EXPECT_EQ(result.Status, 2);
+  EXPECT_NE(result.Errors.find("\\u001b[31mred"), std::string::npos) << result.Errors;
+  EXPECT_EQ(result.Errors.find('\x1b'), std::string::npos) << result.Errors;
 }
 
 // Answers a command with OK when it has been let.
@@ -365,6 +446,22 @@ class HestrionWindows : public testing::Test {
     Press(Control(IdOfButton(uploadButton)));
     AnswerBox(IDOK);
     ASSERT_TRUE(instrument_.Receives(1));
+  }
+
+  void StopTwice(const std::function<void()>& stop) {
+    StartUpload();
+    stop();
+    ASSERT_TRUE(Logs("Stop: no further command is sent"));
+    EXPECT_EQ(Box(), nullptr) << "the reply is still waited for";
+    stop();
+    ASSERT_TRUE(Logs("Stop: no longer waiting for the reply"));
+    EXPECT_TRUE(AnswerBox(IDOK).starts_with("Uploading Data to Zolvane\r\n\r\nPlease ensure"));
+    EXPECT_TRUE(Logs("Save To Zolvane: failed (1 of 178 commands sent; 0 accepted; 1 not answered, first "));
+    EXPECT_TRUE(IsAtRest());
+    EXPECT_FALSE(CanStop());
+    EXPECT_EQ(instrument_.Received(), 1);
+    CloseWindow();
+    EXPECT_EQ(process_->Wait(), 1);
   }
 
   void CloseWindow() const { PostMessageW(Main(), WM_CLOSE, 0, 0); }
@@ -522,6 +619,40 @@ TEST_F(HestrionWindows, EscapeStopsAsTheButtonDoes) {
   EXPECT_TRUE(Logs("Save To Zolvane: stopped (1 of 178 commands sent"));
 }
 
+TEST_F(HestrionWindows, ASecondStopNoLongerWaitsForTheReply) {
+  StopTwice([this] { Press(GetDlgItem(Main(), stopId)); });
+}
+
+TEST_F(HestrionWindows, ASecondEscapeNoLongerWaitsForTheReply) {
+  StopTwice([this] { PostMessageW(Control(IdOfButton(uploadButton)), WM_KEYDOWN, VK_ESCAPE, 1); });
+}
+
+TEST_F(HestrionWindows, ClosingThePageDuringAnOperationShowsWhatBecameOfItAndLeavesTheWindow) {
+  StartUpload();
+  Press(GetDlgItem(Main(), closePageId));
+  AnswerBox(IDYES);
+  instrument_.Let(1);
+  EXPECT_NE(AnswerBox(IDOK).find("Save To Zolvane: stopped (1 of 178 commands sent"), std::string::npos);
+  EXPECT_TRUE(Eventually([this] { return Frame() == nullptr; }));
+  EXPECT_TRUE(Logs("Save To Zolvane: stopped (1 of 178 commands sent"));
+  CloseWindow();
+  EXPECT_EQ(process_->Wait(), 1);
+  EXPECT_EQ(EventsOf(R"("flag":"hold","op":"set","value":false)"), 1) << "the page was detached";
+}
+
+TEST_F(HestrionWindows, ClosingBetweenTheCommandsOfARunFileSaysWhatWasNotBegun) {
+  Store(folder_.File("job.txt"), "upload\nquery\npage\n");
+  Start({"--link", instrument_.Link(), "--timeout", "60", "--play", folder_.File("job.txt"), "--yes"}, false);
+  ASSERT_TRUE(instrument_.Receives(1));
+  Order(closePageId);
+  AnswerBox(IDYES);
+  instrument_.Let(1);
+  EXPECT_NE(AnswerBox(IDOK).find("Save To Zolvane: stopped"), std::string::npos);
+  EXPECT_TRUE(Logs("closed after \"upload\": 2 of 3 commands not begun: query; page")) << Log();
+  CloseWindow();
+  EXPECT_EQ(process_->Wait(), 1);
+}
+
 TEST_F(HestrionWindows, ClosingDuringAnOperationAsksAndShowsWhatBecameOfIt) {
   constexpr LPARAM withAlt = LPARAM{1} << 29;
   StartUpload();
@@ -559,17 +690,101 @@ TEST_F(HestrionWindows, WhatIsClickedOnThePageDuringAnOperationIsNotDoneLater) {
   EXPECT_EQ(EventsOf(R"("event":"message_box")"), 1);
 }
 
-TEST_F(HestrionWindows, SaysWhatAnOperationCameToAndWhatAQueryFound) {
+TEST_F(HestrionWindows, SaysWhatAnOperationCameToWithTheTimeOfDayAndHowLongItTook) {
   Start({});
   Press(Control(IdOfButton(queryButton)));
   EXPECT_TRUE(Logs("Query Zolvane: done ("));
-  EXPECT_TRUE(Logs("Found: Zolvane "));
-  EXPECT_TRUE(Logs("Pump Module Installed: Connected"));
   Press(Control(IdOfButton(uploadButton)));
   AnswerBox(IDOK);
   EXPECT_TRUE(Logs("Save To Zolvane: done (178 of 178 commands sent"));
+  EXPECT_TRUE(IsAtRest());
+  const std::regex line{
+      R"([0-2][0-9]:[0-5][0-9]:[0-5][0-9]  Save To Zolvane: done \([^)]*; SAVE accepted\), [0-9]+\.[0-9] s\r\n)"};
+  EXPECT_TRUE(std::regex_search(Log(), line)) << Log();
   CloseWindow();
   EXPECT_EQ(process_->Wait(), 0);
+}
+
+TEST_F(HestrionWindows, SaysWhatTheInstrumentCalledItselfAndWhatThatWasStoredAs) {
+  Store(folder_.File("replies.json"), R"({"default": "OK", "replies": {"STATUS_STAGE": "ZV200\r\n",
+      "STATUS_MECH": "96/384", "RFID READ_PERSISTENT": "0,0,5A4C0150AA7F1012,0,0", "STATUS PUMPS": "OPEN"}})");
+  Start({"--link", "script:" + folder_.File("replies.json")});
+  Press(Control(IdOfButton(queryButton)));
+  EXPECT_TRUE(
+      Logs("Found: Zolvane \"ZV200\", stored as \"Zolvane 200\"; Pipette Module \"96/384\", stored as "
+           "\"96/384 Module\"; Pipette Head \"0,0,5A4C0150AA7F1012,0,0\", stored as \"96-Channel 125 "
+           "ul\"; Pump Module Installed \"OPEN\", shown as \"Not Connected\"\r\n"))
+      << Log();
+}
+
+TEST_F(HestrionWindows, ClaimsNothingFoundThatTheInstrumentDidNotSay) {
+  Store(folder_.File("replies.json"), R"({"default": null, "replies": {"STATUS_STAGE": "ZV900"}})");
+  Start({"--link", "script:" + folder_.File("replies.json")});
+  Press(Control(IdOfButton(queryButton)));
+  for (int box = 0; box < 3; ++box) {
+    AnswerBox(IDOK);
+  }
+  EXPECT_TRUE(Logs("Found: Zolvane \"ZV900\", not in Zolvane.ini\r\n")) << Log();
+  Store(folder_.File("replies.json"), "{}");
+  CloseWindow();
+  EXPECT_EQ(process_->Wait(), 1);
+  Start({"--link", "none"});
+  Press(Control(IdOfButton(queryButton)));
+  for (int box = 0; box < 4; ++box) {
+    AnswerBox(IDOK);
+  }
+  EXPECT_TRUE(Logs("Query Zolvane: failed (0 of 5 commands sent"));
+  EXPECT_TRUE(IsAtRest());
+  EXPECT_EQ(Log().find("Found"), std::string::npos) << Log();
+}
+
+// Another program that has the configuration open for writing.
+UniqueFile Opened(const std::string& file) {
+  return UniqueFile{CreateFileW(std::filesystem::path{file}.c_str(), GENERIC_READ | GENERIC_WRITE,
+                                FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr)};
+}
+
+TEST_F(HestrionWindows, EachChoiceThatCouldNotBeStoredIsInABoxAndInTheLogAndInTheStatus) {
+  Start({});
+  {
+    const auto other = Opened(folder_.File("Zolvane.ini"));
+    for (const auto& [box, key] : {std::pair{CheckControl::RFID, "SensorEnableRFID"},
+                                   {CheckControl::Encoders, "SDXYEncodersEnable"}}) {
+      Press(Control(IdOf(box)));
+      EXPECT_TRUE(AnswerBox(IDOK).starts_with("Your choice could not be stored in\r\n")) << key;
+      EXPECT_TRUE(Logs(std::string{"[DeviceType] "} + key + " could not be written to ")) << Log();
+      EXPECT_EQ(SendMessageW(Control(IdOf(box)), BM_GETCHECK, 0, 0), BST_UNCHECKED);
+    }
+  }
+  CloseWindow();
+  EXPECT_EQ(process_->Wait(), 1);
+}
+
+std::size_t CountOf(const std::string& part, const std::string& text) {
+  std::size_t count = 0;
+  for (auto at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) {
+    ++count;
+  }
+  return count;
+}
+
+TEST_F(HestrionWindows, SaysOnceThatCharactersWereLost) {
+  const auto sample = SampleConfiguration();
+  Store(folder_.File("Zolvane.ini"), "; \xB5l\r\n" + sample);
+  auto backup = sample;
+  backup.replace(backup.find("Zolvane 400"), std::strlen("Zolvane 400"), "\xD0\x9A\xD0\xB0\xD0\xBD");
+  Store(folder_.File("old.bak"), backup);
+  Store(folder_.File("job.txt"), "import " + folder_.File("old.bak") + "\n");
+  Start({"--play", folder_.File("job.txt"), "--yes"}, false);
+  const std::string complaint = "characters that the encoding of a settings file lacks were written";
+  EXPECT_TRUE(Logs(complaint));
+  for (int message = 0; message < 20; ++message) {
+    PostMessageW(Main(), WM_NULL, 0, 0);
+  }
+  Press(Control(IdOf(CheckControl::RFID)));
+  EXPECT_TRUE(Eventually(
+      [this] { return folder_.Content("Zolvane.ini").find("SensorEnableRFID=0") != std::string::npos; }));
+  EXPECT_EQ(CountOf(complaint, Log()), 1U) << Log();
 }
 
 TEST_F(HestrionWindows, SaysThatAnExportIntoAFileThatExistsMerges) {

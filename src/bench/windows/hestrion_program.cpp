@@ -23,6 +23,7 @@
 #include "bench/windows/com/com_session.h"
 #include "bench/windows/com/offered_host.h"
 #include "bench/windows/com/offered_settings.h"
+#include "bench/windows/findings.h"
 #include "bench/windows/operation.h"
 #include "bench/windows/play/dialogue_hooks.h"
 #include "bench/windows/play/page_driver.h"
@@ -169,19 +170,6 @@ class LineStream final : public std::ostream {
   Lines lines_;
 };
 
-// What the instrument was found to be, as the page shows it.
-std::string FoundText(const PageModel& page) {
-  std::string text = "Found: ";
-  for (std::size_t row = 0; row < listRows.size(); ++row) {
-    const auto& list = page.Lists[row];
-    const bool isSelected =
-        list.Selected >= 0 && static_cast<std::size_t>(list.Selected) < list.Entries.size();
-    text += Joined(listRows[row].Label, " ",
-                   isSelected ? list.Entries[static_cast<std::size_t>(list.Selected)].Text : "-", ", ");
-  }
-  return Joined(text, pumpLabel.Caption, ": ", page.PumpText);
-}
-
 class HestrionBench : private DialogueListener {
  public:
   HestrionBench(const WindowOptions& options, Job job, std::ostream& errors);
@@ -223,6 +211,8 @@ class HestrionBench : private DialogueListener {
   void TakePicture();
   int Status();
   void Complain(const std::string& text);
+  void TellUnheard();
+  std::string FoundText();
 
   const WindowOptions& options_;
   std::ostream& errors_;
@@ -245,6 +235,8 @@ class HestrionBench : private DialogueListener {
   std::optional<DialogueHooks> hooks_;
   std::unique_ptr<ComSession> session_;
   std::optional<Operation> operation_;
+  Findings findings_;
+  std::string unheard_;  // complaints that only the log has
   bool isPlaying_ = false;
   bool isLast_ = false;            // the user ends page or window when it has ended
   int worst_ = exit_status::done;  // of all that has ended
@@ -313,6 +305,8 @@ std::shared_ptr<BenchLink> HestrionBench::MakeWaitingLink() {
                                 host_.Now().Commands.ExpectsSave = operation.Button() == uploadButton;
                                 window_.ShowProgress(operation.Progress());
                               },
+                          .Answered = [this](const std::string& command,
+                                             const std::string& reply) { findings_.Hear(command, reply); },
                           .Wait = [this](HANDLE event) { window_.PumpUntil(event); }});
 }
 
@@ -395,7 +389,7 @@ void HestrionBench::ClosePage() {
 void HestrionBench::ShowHelp() {
   const auto text = session_ ? Joined("Help on \"", session_->Caption(), "\" is topic ",
                                       std::to_string(session_->HelpTopic()), " of the host's help file.")
-                             : std::string{"Open an add-in's page from the menu Add-ins."};
+                             : std::string{"Open an add-in's page from the Add-ins menu."};
   ShowBox(text, L"Help");
 }
 
@@ -403,14 +397,28 @@ void HestrionBench::ShowBox(const std::string& text, const wchar_t* title) const
   MessageBoxW(window_.Handle(), Wide(text).c_str(), title, MB_OK | MB_ICONINFORMATION);
 }
 
+// Whoever ends the program by hand has had the log before their eyes.
 void HestrionBench::Quit() {
+  if (!options_.Quits) {
+    unheard_.clear();
+  }
   ClosePage();
   DestroyWindow(window_.Handle());
 }
 
 void HestrionBench::Complain(const std::string& text) {
   window_.AppendLog(text);
-  errors_ << "HestrionBench: " + text + "\n" << std::flush;
+  const auto line = Joined("HestrionBench: ", Printable(text), "\n");
+  if (!SayOnTerminal(Announcement::Error, line, errors_)) {
+    unheard_ += line;
+  }
+}
+
+// When the window is gone, and the log with it.
+void HestrionBench::TellUnheard() {
+  if (!unheard_.empty()) {
+    Announce(Announcement::Error, unheard_, errors_);
+  }
 }
 
 // ---- What is said while the user or the player has the page
@@ -449,6 +457,7 @@ Operation& HestrionBench::BeginOperation(const std::string& name) {
   if (!operation_) {
     worst_ = std::max(worst_, ExitStatusOf(host_.Now()));
     host_.Begin();
+    findings_ = {};
     operation_.emplace(name, Operation::Clock::now());
     window_.ShowOperation(true);
   }
@@ -458,14 +467,14 @@ Operation& HestrionBench::BeginOperation(const std::string& name) {
 void HestrionBench::EndOperation() {
   const auto result = operation_->Result(host_.Now(), Operation::Clock::now());
   const bool isTold = isPlaying_ || OutcomeOf(host_.Now()) == Outcome::Done;
-  const bool isQuery = operation_->Button() == queryButton;
+  const auto found = operation_->Button() == queryButton ? FoundText() : std::string{};
   operation_ = std::nullopt;
   interrupt_.Lower();
   window_.ShowOperation(false);
   window_.ShowProgress("");
   isTold ? window_.AppendLog(result) : Complain(result);
-  if (isQuery && session_) {
-    window_.AppendLog(FoundText(PageDriver{session_->Frame()}.Shown()));
+  if (!found.empty()) {
+    window_.AppendLog(found);
   }
   if (std::exchange(isLast_, false)) {
     ShowBox(result, L"Ended");
@@ -474,16 +483,25 @@ void HestrionBench::EndOperation() {
   }
 }
 
+// What is done next is another matter, with complaints of its own.
 void HestrionBench::Rest() {
   host_.FlushSettings();
   if (operation_) {
     EndOperation();
   }
+  worst_ = std::max(worst_, ExitStatusOf(host_.Now()));
+  host_.Begin();
+}
+
+std::string HestrionBench::FoundText() {
+  const Configuration configuration{host_.Process()};
+  return findings_.Text(configuration, ConfigFileIn(ProgramFolder()),
+                        session_ ? PageDriver{session_->Frame()}.Shown().PumpText : std::string{});
 }
 
 void HestrionBench::StopOperation() {
   interrupt_.Raise();
-  window_.AppendLog(interrupt_.IsUrgent() ? "Stop: the reply is no longer waited for"
+  window_.AppendLog(interrupt_.IsUrgent() ? "Stop: no longer waiting for the reply"
                                           : "Stop: no further command is sent");
 }
 
@@ -517,13 +535,12 @@ void HestrionBench::PlayActions() {
   const std::span<const Action> actions{job_.Actions};
   for (std::size_t done = 0; done < actions.size(); ++done) {
     const bool hasFailed = PlayAction(actions[done]) != exit_status::done;
-    if (!window_.PumpMessages() || !session_) {
-      return;
-    }
-    if (hasFailed && !options_.KeepsGoing && done + 1 < actions.size()) {
-      Complain(NotBegunText(Joined("stopped behind ", Quoted(actions[done].Command)),
-                            actions.subspan(done + 1), actions.size()));
-      return;
+    const bool isClosed = !window_.PumpMessages() || !session_;
+    const auto notBegun = actions.subspan(done + 1);
+    if (!notBegun.empty() && (isClosed || (hasFailed && !options_.KeepsGoing))) {
+      worst_ = std::max(worst_, exit_status::notDone);
+      const auto* const why = isClosed ? "closed after " : "stopped after ";
+      return Complain(NotBegunText(Joined(why, Quoted(actions[done].Command)), notBegun, actions.size()));
     }
   }
 }
@@ -578,7 +595,9 @@ int HestrionBench::Run(const std::vector<std::string>& notes) {
     ReopenWhenDisabled();
   }
   window_.Run();
-  return Status();
+  const int status = Status();
+  TellUnheard();
+  return status;
 }
 
 }  // namespace
@@ -599,8 +618,7 @@ int RunHestrionBench(std::vector<std::string> arguments, std::ostream& output, s
       return exit_status::done;
     }
     if (!line.Words().empty()) {
-      throw UsageError{
-          Joined("there is nothing to do with ", Quoted(line.Words().front()), "; see HestrionBench --help")};
+      throw UsageError{Joined(Quoted(line.Words().front()), " is not an option; see HestrionBench --help")};
     }
     Job job = options.Play.empty() ? Job{} : ParseJob({"run", options.Play}, std::nullopt, std::cin);
     const auto notes = CheckFilesOf(options, job);

@@ -37,7 +37,11 @@ std::optional<std::string> WaitingLink::Exchange(const std::string& command, Del
   if (!Interrupt().IsRaised() && inner_->Stop().value_or(false)) {
     RaiseStop();
   }
-  return isAnswered ? std::optional{reply} : std::nullopt;
+  if (!isAnswered) {
+    return std::nullopt;
+  }
+  events_.Answered(command, reply);
+  return reply;
 }
 
 }  // namespace zolvane

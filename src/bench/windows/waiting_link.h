@@ -17,6 +17,9 @@ class WaitingLink final : public BenchLink {
     // Called before a command is sent.
     std::function<void(const std::string& command)> Sending;
 
+    // Called when it has been answered.
+    std::function<void(const std::string& command, const std::string& reply)> Answered;
+
     // Returns when the event is set; not before, as the caller's variables are in use until then.
     std::function<void(HANDLE event)> Wait;
   };

@@ -43,13 +43,18 @@ class ParentsConsole {
 
 }  // namespace
 
-void Announce(Announcement kind, const std::string& text, std::ostream& stream) {
-  const bool isError = kind == Announcement::Error;
-  if (LeadsSomewhere(isError ? STD_ERROR_HANDLE : STD_OUTPUT_HANDLE)) {
+bool SayOnTerminal(Announcement kind, const std::string& text, std::ostream& stream) {
+  if (LeadsSomewhere(kind == Announcement::Error ? STD_ERROR_HANDLE : STD_OUTPUT_HANDLE)) {
     stream << text << std::flush;
-  } else if (const auto wide = Wide(text); !ParentsConsole{}.Write(L"\r\n" + wide)) {
-    MessageBoxW(nullptr, wide.c_str(), L"HestrionBench",
-                MB_OK | MB_SETFOREGROUND | (isError ? MB_ICONERROR : MB_ICONINFORMATION));
+    return true;
+  }
+  return ParentsConsole{}.Write(L"\r\n" + Wide(text));
+}
+
+void Announce(Announcement kind, const std::string& text, std::ostream& stream) {
+  if (!SayOnTerminal(kind, text, stream)) {
+    const UINT icon = kind == Announcement::Error ? MB_ICONERROR : MB_ICONINFORMATION;
+    MessageBoxW(nullptr, Wide(text).c_str(), L"HestrionBench", MB_OK | MB_SETFOREGROUND | icon);
   }
 }
 
