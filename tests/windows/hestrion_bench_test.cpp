@@ -11,6 +11,7 @@
 #include <sstream>
 
 #include "../instrument/links/running_instrument.h"
+#include "bench/windows/play/player.h"
 #include "bench/windows/window/main_window.h"
 #include "bench/windows/window/message_window.h"
 #include "child_process.h"
@@ -617,6 +618,16 @@ TEST_F(HestrionWindows, EscapeStopsAsTheButtonDoes) {
   ASSERT_TRUE(Logs("Stop: no further command is sent"));
   instrument_.Let(1);
   EXPECT_TRUE(Logs("Save To Zolvane: stopped (1 of 178 commands sent"));
+}
+
+TEST(HestrionBench, TakesNoEscapeFromABoxThatHasOkAloneForARefusal) {
+  constexpr std::int32_t communicationError = 65584;
+  constexpr std::int32_t confirmation = 49;
+  Happenings happened;
+  NoteAnswer(happened, communicationError, message_answer::cancel);
+  EXPECT_FALSE(happened.WasCancelled);
+  NoteAnswer(happened, confirmation, message_answer::cancel);
+  EXPECT_TRUE(happened.WasCancelled);
 }
 
 TEST_F(HestrionWindows, ASecondStopNoLongerWaitsForTheReply) {

@@ -53,8 +53,9 @@ bool HasStopSign(std::int32_t style) {
 
 }  // namespace
 
+// Some systems answer a box that has OK alone with Cancel when Escape closes it. Nothing could be refused there.
 void NoteAnswer(Happenings& happened, std::int32_t style, std::optional<std::int32_t> answer) {
-  happened.WasCancelled |= IsRefusal(answer);
+  happened.WasCancelled |= IsRefusal(answer) && ButtonsOf(style).size() > 1;
   happened.WasRefused |= HasStopSign(style);
 }
 
