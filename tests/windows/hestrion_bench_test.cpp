@@ -517,7 +517,7 @@ TEST_F(HestrionWindows, TheHostsButtonsAreThereWithThePageAndWork) {
   EXPECT_FALSE(IsWindowVisible(save));
   Order(openPageId);
   ASSERT_TRUE(Eventually([save] { return IsWindowVisible(save) != FALSE; }));
-  EXPECT_TRUE(IsWindowVisible(GetDlgItem(Main(), helpId)));
+  EXPECT_TRUE(Eventually([this] { return IsWindowVisible(GetDlgItem(Main(), helpId)) != FALSE; }));
   Press(save);
   Press(GetDlgItem(Main(), closePageId));
   ASSERT_TRUE(Eventually([this] { return Frame() == nullptr; }));
