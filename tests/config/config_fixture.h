@@ -15,6 +15,7 @@
 #include "host/ini_file_service.h"
 #include "support/fake_environment.h"
 #include "support/journal.h"
+#include "support/texts.h"
 
 namespace zolvane {
 
@@ -80,8 +81,6 @@ struct ConfigFixture {
     Config.Current.Device.SDXYEncoderMMStepFactorOff = factor;
   }
 };
-
-using Texts = std::vector<std::string>;
 
 // Runs an operation once for each of its calls, with that call failing: all other reads and writes must
 // happen as if nothing were wrong.

@@ -6,6 +6,7 @@
 #include <initializer_list>
 #include <map>
 #include <optional>
+#include <sstream>
 #include <string>
 #include <utility>
 
@@ -38,7 +39,7 @@ struct GoldenSession : FormSession {
   void ExpectCallsOf(int button, const std::string& golden) {
     Calls.Clear();
     Form->PressButton(button);
-    EXPECT_EQ(AsGolden(Calls.Events, false), GoldenLines(golden)) << golden;
+    ExpectGolden(golden, Calls.Events, Readings::LeftOut);
     ExpectCommandsThroughFreshLinks(Calls.Events);
   }
 };
@@ -48,13 +49,13 @@ struct GoldenSession : FormSession {
 TEST(Operations, LoadTheSmallConfiguration) {
   FormSession session{SmallConfiguration()};
   session.Form->IAddInForm_LoadDefaults();
-  EXPECT_EQ(AsGolden(session.Calls.Events, true), GoldenLines("load_of_the_small.txt"));
+  ExpectGolden("load_of_the_small.txt", session.Calls.Events, Readings::Kept);
 }
 
 TEST(Operations, LoadTheSample) {
   FormSession session{SampleConfiguration()};
   session.Form->IAddInForm_LoadDefaults();
-  EXPECT_EQ(AsGolden(session.Calls.Events, false), GoldenLines("load_of_the_sample.txt"));
+  ExpectGolden("load_of_the_sample.txt", session.Calls.Events, Readings::LeftOut);
 }
 
 TEST(Operations, LeaveTheSampleAsItIsWhenItIsLoaded) {
@@ -73,7 +74,7 @@ TEST(Operations, QueryOnTheSmallConfiguration) {
   session.Link().Replies["RFID READ_PERSISTENT"] = {NoAnswer()};
   session.ReplyTo("STATUS PUMPS", "PUMPS OPEN\r\n");
   session.Form->PressButton(queryButton);
-  EXPECT_EQ(AsGolden(session.Calls.Events, true), GoldenLines("query_of_the_small.txt"));
+  ExpectGolden("query_of_the_small.txt", session.Calls.Events, Readings::Kept);
   ExpectCommandsThroughFreshLinks(session.Calls.Events);
 }
 
@@ -98,7 +99,7 @@ TEST(Operations, UploadOfTheSmallConfiguration) {
 TEST(Operations, UploadOfTheSample) {
   GoldenSession session{SampleConfiguration()};
   session.ExpectCallsOf(uploadButton, "upload_of_the_sample.txt");
-  EXPECT_EQ(session.Link().Commands.size(), 178U);
+  EXPECT_EQ(session.Link().Commands.size(), commandsOfTheSample);
 }
 
 // ---- Download ----
@@ -107,7 +108,8 @@ TEST(Operations, UploadOfTheSample) {
 std::map<std::string, std::string> MemoryAfterTheUpload() {
   const std::string start = "send SET_CALIBRATION ";
   std::map<std::string, std::string> memory;
-  for (const auto& line : GoldenLines("upload_of_the_sample.txt")) {
+  std::istringstream calls{BytesOf(GoldenFile("upload_of_the_sample.txt"))};
+  for (std::string line; std::getline(calls, line);) {
     const auto blank = line.rfind(' ');
     if (line.starts_with(start) && blank >= start.size()) {
       const auto key = line.substr(start.size(), blank - start.size());
@@ -169,7 +171,7 @@ TEST(Operations, ExportOfTheSmallConfigurationAndImportOfAnotherBackup) {
   GoldenSession session{SmallConfiguration()};
   session.Process.FileAnswers = {"/backup/small.bak", "/backup/small.bak"};
   session.ExpectCallsOf(exportButton, "export_of_the_small.txt");
-  session.Settings().Load("/backup/small.bak", GoldenText("small_backup.ini"));
+  session.Settings().Load("/backup/small.bak", BytesOf(GoldenFile("small_backup.ini")));
   session.Process.BoxAnswers = {message_answer::yes};
   session.ExpectCallsOf(importButton, "import_of_the_small.txt");
 }

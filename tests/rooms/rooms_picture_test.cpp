@@ -21,7 +21,7 @@ TEST(RoomsPicture, ShowsTheRoomsOfTheList) {
 TEST(RoomsTable, StandsInTheDocument) {
   constexpr std::string_view begin = "<!-- rooms -->\n";
   constexpr std::string_view end = "<!-- end of rooms -->";
-  auto text = TextOfFile(documents / "architecture.md");
+  auto text = BytesOf(documents / "architecture.md");
   const auto first = text.find(begin);
   const auto last = text.find(end);
   ASSERT_TRUE(first != std::string::npos && last != std::string::npos);

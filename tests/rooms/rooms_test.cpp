@@ -5,8 +5,6 @@
 #include <algorithm>
 #include <array>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <map>
 #include <set>
 #include <string>
@@ -15,11 +13,11 @@
 
 #include "rooms/room_list.h"
 #include "rooms/source_text.h"
+#include "support/file_bytes.h"
+#include "support/texts.h"
 
 namespace zolvane {
 namespace {
-
-using Texts = std::vector<std::string>;
 
 // ---- The rules ----
 
@@ -83,11 +81,6 @@ Texts ViolationsOf(const std::vector<Room>& rooms, const std::string& path, std:
 const std::filesystem::path projectFolder = ZOLVANE_SOURCE_PATH;
 const std::filesystem::path sourceFolder = projectFolder / "src";
 
-std::string ContentOf(const std::filesystem::path& file) {
-  std::ifstream stream{file, std::ios::binary};
-  return {std::istreambuf_iterator<char>{stream}, {}};
-}
-
 // Relative to `folder`.
 Texts FilesOf(const std::filesystem::path& folder) {
   Texts files;
@@ -120,7 +113,7 @@ TEST(Rooms, UseOnlyWhatTheListAllows) {
   const auto files = SourceFiles();
   ASSERT_GT(files.size(), 60U);
   for (const auto& file : files) {
-    EXPECT_EQ(ViolationsOf(Rooms(), file, ContentOf(sourceFolder / file)), Texts{});
+    EXPECT_EQ(ViolationsOf(Rooms(), file, BytesOf(sourceFolder / file)), Texts{});
   }
 }
 
@@ -136,7 +129,7 @@ TEST(Rooms, AreAllThere) {
 TEST(Rooms, NameWhatTheyUseAndNothingElse) {
   std::map<const Room*, std::set<std::string>> used;
   for (const auto& file : SourceFiles()) {
-    for (const auto& include : IncludesOf(ContentOf(sourceFolder / file))) {
+    for (const auto& include : IncludesOf(BytesOf(sourceFolder / file))) {
       if (const auto* const room = RoomOf(Rooms(), include.Name); !include.IsSystem && room != nullptr) {
         used[RoomOf(Rooms(), file)].insert(room->Folder);
       }
@@ -163,7 +156,7 @@ TEST(Rooms, HoldNoMoreThanFifteenUnits) {
 
 TEST(Rooms, IncludeHeadersThatExist) {
   for (const auto& file : SourceFiles()) {
-    for (const auto& include : IncludesOf(ContentOf(sourceFolder / file))) {
+    for (const auto& include : IncludesOf(BytesOf(sourceFolder / file))) {
       const auto header = sourceFolder / include.Name;
       EXPECT_TRUE(include.IsSystem || std::filesystem::exists(header) ||
                   std::filesystem::exists(header.string() + ".in"))  // made when the build is configured

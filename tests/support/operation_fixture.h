@@ -3,17 +3,15 @@
 
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "config/configuration.h"
 #include "config/tables/current_records.h"
 #include "operations/operation_context.h"
 #include "support/fake_host.h"
 #include "support/fake_page.h"
+#include "support/texts.h"
 
 namespace zolvane {
-
-using Texts = std::vector<std::string>;
 
 struct OperationFixture : FakeHost {
   // The configuration file's content. No record is in force yet.

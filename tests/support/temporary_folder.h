@@ -4,18 +4,14 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <random>
 #include <string>
 #include <string_view>
 #include <vector>
 
-namespace zolvane {
+#include "support/file_bytes.h"
 
-inline std::string BytesOf(const std::string& path) {
-  std::ifstream file{path, std::ios::binary};
-  return {std::istreambuf_iterator<char>{file}, std::istreambuf_iterator<char>{}};
-}
+namespace zolvane {
 
 class TemporaryFolder {
  public:

@@ -1,0 +1,10 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace zolvane {
+
+using Texts = std::vector<std::string>;
+
+}  // namespace zolvane
