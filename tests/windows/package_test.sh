@@ -73,13 +73,15 @@ upload() {
 
 if upload >/dev/null 2>&1; then fail "there is no add-in before it is registered"; fi
 # Whoever started the file from a folder's window sees why it failed; a script is not kept waiting.
-cp "$installed/register.cmd" "$elsewhere/"
-answer=$(cd "$elsewhere" && wine cmd /c register.cmd <<<'' && echo well) || true
-[[ $answer == *'could not be registered'*'Press any key'* && $answer != *well ]] ||
-  fail "register.cmd waits for a key after an error: $answer"
-answer=$(cd "$elsewhere" && wine cmd /c register.cmd /quiet </dev/null && echo well) || true
-[[ $answer == *'could not be registered'* && $answer != *'any key'* && $answer != *well ]] ||
-  fail "register.cmd /quiet does not: $answer"
+for file in register.cmd unregister.cmd; do
+  cp "$installed/$file" "$elsewhere/"
+  answer=$(cd "$elsewhere" && wine cmd /c "$file" <<<'' && echo well) || true
+  [[ $answer == *'could not be'*'Press any key'* && $answer != *well ]] ||
+    fail "$file waits for a key after an error: $answer"
+  answer=$(cd "$elsewhere" && wine cmd /c "$file" /quiet </dev/null && echo well) || true
+  [[ $answer == *'could not be'* && $answer != *'any key'* && $answer != *well ]] ||
+    fail "$file /quiet does not: $answer"
+done
 (cd "$installed" && wine cmd /c register.cmd) || fail "register.cmd ends well"
 upload || fail "an upload with the registered add-in ends well"
 sent=$(grep -c '"event":"send","command":"SET_CALIBRATION .*"ok":true' "$elsewhere/trace.jsonl")
