@@ -1011,10 +1011,9 @@ TEST_F(Bench, ARunStopsBehindTheFirstCommandThatFailsAndSaysWhatWasNotBegun) {
   EXPECT_EQ(result.Output,
             "tick chkHeadSensor 1: done (1 value written, 1 changed)\n"
             "export: cancelled\n");
-  EXPECT_EQ(
-      LinesOf(result.Errors).back(),
-      "zolvane-bench: stopped behind \"export\": 2 of 4 commands not begun: select cboDeviceType Gamma; "
-      "tick chkRFID 1");
+  EXPECT_EQ(LinesOf(result.Errors).back(),
+            "zolvane-bench: stopped after \"export\": 2 of 4 commands not begun: select cboDeviceType Gamma; "
+            "tick chkRFID 1");
   EXPECT_EQ(Folder.Read("Zolvane.ini").find("SensorEnableRFID=1"), std::string::npos);
 }
 
@@ -1038,7 +1037,7 @@ TEST_F(Bench, AnUploadThatFailsIsNotFollowedByTheDownloadBehindIt) {
 TEST_F(Bench, ARunThatStopsTellsSoAlsoWhenItIsQuiet) {
   Folder.Put("job.txt", "export\npage\n");
   EXPECT_EQ(LinesOf(Run({"--quiet", "run", "job.txt"}).Errors).back(),
-            "zolvane-bench: stopped behind \"export\": 1 of 2 commands not begun: page");
+            "zolvane-bench: stopped after \"export\": 1 of 2 commands not begun: page");
 }
 
 TEST_F(Bench, ARunThatKeepsGoingDoesAllAndTheWorstCounts) {

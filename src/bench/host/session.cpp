@@ -95,7 +95,7 @@ int Session::PlayActions(std::span<const Action> actions, OnFailure onFailure, c
     const bool isInterrupted = events.IsInterrupted();
     if (isInterrupted || (worst != exit_status::done && onFailure == OnFailure::Stop)) {
       const auto why =
-          isInterrupted ? "interrupted" : Joined("stopped behind ", Quoted(actions[done - 1].Command));
+          isInterrupted ? "interrupted" : Joined("stopped after ", Quoted(actions[done - 1].Command));
       console_.Error(NotBegunText(why, actions.subspan(done), actions.size()));
       events.NotBegun(actions.subspan(done));
       return std::max(worst, exit_status::notDone);
