@@ -9,10 +9,15 @@
 #include <array>
 #include <atomic>
 #include <chrono>
+#include <cstddef>
+#include <cstdio>
 #include <filesystem>
+#include <fstream>
 #include <latch>
 #include <optional>
 #include <random>
+#include <string>
+#include <thread>
 
 #include "instrument/links/running_instrument.h"
 #include "instrument/links/sent_command.h"
@@ -222,9 +227,23 @@ class DeafServer {
     }
   }
 
-  std::string Link() const { return "tcp:127.0.0.1:" + std::to_string(acceptor_.local_endpoint().port()); }
+  std::string Link() const { return "tcp:127.0.0.1:" + std::to_string(Port()); }
+
+  // How many connections to it have begun and are not taken up.
+  std::ptrdiff_t WaitingConnections() const {
+    std::array<char, 32> remote{};
+    std::snprintf(remote.data(), remote.size(), ":%04X 02 ", Port());  // 02: waits for an answer
+    std::ifstream connections{"/proc/net/tcp"};
+    std::ptrdiff_t count = 0;
+    for (std::string line; std::getline(connections, line);) {
+      count += line.find(remote.data()) == std::string::npos ? 0 : 1;
+    }
+    return count;
+  }
 
  private:
+  unsigned short Port() const { return acceptor_.local_endpoint().port(); }
+
   asio::io_context io_;
   tcp::acceptor acceptor_;
   std::array<tcp::socket, 4> clients_{tcp::socket{io_}, tcp::socket{io_}, tcp::socket{io_}, tcp::socket{io_}};
@@ -240,8 +259,12 @@ TEST(UnrulyTcp, AnInterruptEndsAConnectionThatIsNotTakenUp) {
   const DeafServer server;
   InterruptFlag interrupt;
   const auto link = CreateLink(server.Link(), longTimeout, interrupt);
-  std::thread user{[&interrupt] {
-    std::this_thread::sleep_for(milliseconds{100});  // nothing tells that the link is connecting
+  const auto before = server.WaitingConnections();
+  std::thread user{[&] {
+    const auto deadline = Clock::now() + milliseconds{30'000};
+    while (server.WaitingConnections() == before && Clock::now() < deadline) {
+      std::this_thread::yield();
+    }
     interrupt.Raise();
   }};
   EXPECT_LT(TimeOf([&] { EXPECT_EQ(Send(*link, "A"), "failed"); }), milliseconds{30'000});
