@@ -6,7 +6,7 @@ namespace zolvane {
 
 std::string SettingsFiles::ConfigFilePath() const {
   constexpr auto separator = static_cast<char>(std::filesystem::path::preferred_separator);
-  std::string path = environment_->ProgramFolder();
+  std::string path = process_->ProgramFolder();
   if (!path.ends_with(separator)) {
     path += separator;
   }
@@ -37,7 +37,7 @@ std::vector<std::string> SettingsFiles::SplitText(std::string_view delimiter, st
 
 IniFileService* SettingsFiles::Service() const {
   if (!service_) {
-    service_ = environment_->CreateIniFileService();
+    service_ = process_->CreateIniFileService();
   }
   return service_.get();
 }

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "config/records.h"
-#include "host/environment.h"
+#include "host/host_process.h"
 #include "host/status.h"
 
 namespace zolvane {
@@ -18,8 +18,8 @@ namespace zolvane {
 // failed creation is tried again. A call without a service fails like a call that the service refused.
 class SettingsFiles {
  public:
-  // The environment outlives this object.
-  explicit SettingsFiles(Environment& environment) : environment_{&environment} {}
+  // The process outlives this object.
+  explicit SettingsFiles(HostProcess& process) : process_{&process} {}
 
   // "Zolvane.ini" in the program folder, computed afresh at each use.
   std::string ConfigFilePath() const;
@@ -38,7 +38,7 @@ class SettingsFiles {
  private:
   IniFileService* Service() const;
 
-  Environment* environment_;
+  HostProcess* process_;
   mutable std::shared_ptr<IniFileService> service_;
 };
 
@@ -65,7 +65,7 @@ struct CurrentRecords {
 };
 
 struct Configuration {
-  explicit Configuration(Environment& environment) : Settings{environment} {}
+  explicit Configuration(HostProcess& process) : Settings{process} {}
 
   SettingsFiles Settings;
   CurrentRecords Current;

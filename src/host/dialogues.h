@@ -67,4 +67,16 @@ struct FileDialogue {
   std::string FileName;  // proposed to the user; afterwards the file that was chosen last
 };
 
+class SystemDialogues {
+ public:
+  virtual ~SystemDialogues() = default;
+
+  // A message box; the number of the button that closed it. Empty when it could not be shown.
+  virtual std::optional<std::int32_t> ShowMessageBox(const MessageBoxRequest& request) = 0;
+
+  // The file the user chose. Empty when the dialogue was cancelled or could not be shown.
+  virtual std::optional<std::string> ShowFileDialogue(FileDialogueKind kind,
+                                                      const FileDialogue& dialogue) = 0;
+};
+
 }  // namespace zolvane

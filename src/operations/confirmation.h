@@ -17,9 +17,9 @@ inline std::optional<std::int32_t> StartAndConfirm(const OperationContext& conte
   PassOver(context.Host.SetStatusText(status));
   PassOver(context.Page.EnableControls(false));
   RefreshCurrentRecords(context.Config);
-  return context.Process.ShowMessageBox({.Text = std::string{question},
-                                         .Style = message_style::okCancel + message_style::exclamationIcon,
-                                         .Title = std::string{title}});
+  return context.Dialogues.ShowMessageBox({.Text = std::string{question},
+                                           .Style = message_style::okCancel + message_style::exclamationIcon,
+                                           .Title = std::string{title}});
 }
 
 // The end step: nothing is pending in the host, the status text is cleared, the controls are enabled.

@@ -100,7 +100,7 @@ void SetUp(FileDialogue& dialogue, std::string_view title) {
 // The chosen file, or nothing when the user chose none.
 std::optional<std::string> ChooseFile(const OperationContext& context, FileDialogueKind kind,
                                       FileDialogue& dialogue) {
-  const auto chosen = context.Process.ShowFileDialogue(kind, dialogue);
+  const auto chosen = context.Dialogues.ShowFileDialogue(kind, dialogue);
   if (!chosen) {
     return std::nullopt;
   }
@@ -115,21 +115,21 @@ bool IsConfigFile(const OperationContext& context, std::string_view file) {
 }
 
 void ShowBox(const OperationContext& context, std::string_view title, std::int32_t style, std::string text) {
-  PassOver(
-      context.Process.ShowMessageBox({.Text = std::move(text), .Style = style, .Title = std::string{title}}));
+  PassOver(context.Dialogues.ShowMessageBox(
+      {.Text = std::move(text), .Style = style, .Title = std::string{title}}));
 }
 
 constexpr std::string_view importTitle = "Import Calibration Data";
 constexpr std::string_view exportTitle = "Export Calibration Data";
 
 bool ImportIsConfirmed(const OperationContext& context) {
-  return context.Process.ShowMessageBox({.Text =
-                                             "This feature will enable you to import calibration data\r\n"
-                                             "from an external file. All data in the current file will\r\n"
-                                             "be overwritten and cannot be retrieved. \r\n\r\n"
-                                             "Import calibration data from an external file?",
-                                         .Style = message_style::yesNoCancel + message_style::exclamationIcon,
-                                         .Title = std::string{importTitle}}) == message_answer::yes;
+  return context.Dialogues.ShowMessageBox(
+             {.Text = "This feature will enable you to import calibration data\r\n"
+                      "from an external file. All data in the current file will\r\n"
+                      "be overwritten and cannot be retrieved. \r\n\r\n"
+                      "Import calibration data from an external file?",
+              .Style = message_style::yesNoCancel + message_style::exclamationIcon,
+              .Title = std::string{importTitle}}) == message_answer::yes;
 }
 
 void ImportFrom(const OperationContext& context, const std::string& file) {

@@ -2,14 +2,16 @@
 #pragma once
 
 #include "config/configuration.h"
-#include "host/environment.h"
+#include "host/dialogues.h"
 #include "host/host_attachment.h"
+#include "host/host_process.h"
 #include "operations/page_port.h"
 
 namespace zolvane {
 
 struct OperationContext {
-  Environment& Process;
+  HostProcess& Process;
+  SystemDialogues& Dialogues;
   HostAttachment& Host;
   Configuration& Config;
   PagePort& Page;

@@ -34,9 +34,9 @@ Status UntilFailure(const Range& range, Step step) {
 
 }  // namespace
 
-DeviceSetupPage::DeviceSetupPage(Environment& process, HostAttachment& host, Configuration& configuration,
+DeviceSetupPage::DeviceSetupPage(Environment& environment, HostAttachment& host, Configuration& configuration,
                                  PageView& view)
-    : process_{process},
+    : environment_{environment},
       host_{host},
       configuration_{configuration},
       view_{view},
@@ -250,7 +250,7 @@ std::int16_t DeviceSetupPage::ShowMessage(const std::string& message, std::int16
   // The host's answers may release the page's host object while the message is open; this reference keeps it.
   const auto host = host_.ObjectParent;
   const std::int16_t extraStyle = 0;
-  return zolvane::ShowMessage(process_, host.get(), message, style, title, host.get(), extraStyle);
+  return zolvane::ShowMessage(environment_, host.get(), message, style, title, host.get(), extraStyle);
 }
 
 }  // namespace zolvane

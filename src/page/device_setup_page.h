@@ -27,7 +27,8 @@ inline constexpr HostBoolean hostFalse = 0;
 class DeviceSetupPage final : public PagePort {
  public:
   // All of these outlive the page. `host` is filled and emptied by the hosting contract.
-  DeviceSetupPage(Environment& process, HostAttachment& host, Configuration& configuration, PageView& view);
+  DeviceSetupPage(Environment& environment, HostAttachment& host, Configuration& configuration,
+                  PageView& view);
 
   // Loads the records in force and fills all controls. The handlers of what it selects run, so the choices
   // are written back; the host's "Changed" is left alone meanwhile.
@@ -74,9 +75,9 @@ class DeviceSetupPage final : public PagePort {
   Status OnListSelected(ListControl list);
   Status OnCheckClicked(CheckControl box);
   bool IsPermitted(int button) const;
-  OperationContext Context() { return {process_, host_, configuration_, *this}; }
+  OperationContext Context() { return {environment_, environment_, host_, configuration_, *this}; }
 
-  Environment& process_;
+  Environment& environment_;
   HostAttachment& host_;
   Configuration& configuration_;
   PageView& view_;

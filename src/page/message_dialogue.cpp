@@ -14,7 +14,7 @@ void Log(HostObject* host, const std::string& line) {
 
 // Polls without pause, with the message loop running in between, so that the host stays responsive. A result that
 // cannot be read ends the wait; a dialogue that the host did not give has none.
-std::int16_t WaitForResult(Environment& process, HostDialog* dialogue) {
+std::int16_t WaitForResult(HostProcess& process, HostDialog* dialogue) {
   const auto read = [dialogue] { return dialogue != nullptr ? dialogue->Result() : std::nullopt; };
   std::int16_t answer = 0;
   std::optional<std::int16_t> result;
@@ -27,7 +27,7 @@ std::int16_t WaitForResult(Environment& process, HostDialog* dialogue) {
   return answer;
 }
 
-std::int16_t ShowInHostDialogue(Environment& process, HostObject& host, const std::string& message,
+std::int16_t ShowInHostDialogue(HostProcess& process, HostObject& host, const std::string& message,
                                 std::int16_t style, const std::string& title) {
   const auto dialogue = host.MessageDialog();
   if (dialogue) {
@@ -40,9 +40,9 @@ std::int16_t ShowInHostDialogue(Environment& process, HostObject& host, const st
 }
 
 // The caller's style is added to the icon, not merged with it.
-std::int16_t ShowInMessageBox(Environment& process, const std::string& message, std::int32_t style,
+std::int16_t ShowInMessageBox(SystemDialogues& dialogues, const std::string& message, std::int32_t style,
                               const std::string& title) {
-  const auto answer = process.ShowMessageBox(
+  const auto answer = dialogues.ShowMessageBox(
       {.Text = message,
        .Style = style + message_style::bringToForeground + message_style::exclamationIcon,
        .Title = title});
@@ -51,13 +51,13 @@ std::int16_t ShowInMessageBox(Environment& process, const std::string& message, 
 
 }  // namespace
 
-std::int16_t ShowMessage(Environment& process, HostObject* log, const std::string& message,
+std::int16_t ShowMessage(Environment& environment, HostObject* log, const std::string& message,
                          std::int16_t style, const std::string& title, HostObject* dialogueHost,
                          const std::int16_t& extraStyle) {
   Log(log, title + " [" + Replaced(message, lineBreak, ", ") + "]");
   const bool hasDialogue = dialogueHost != nullptr && MetOnlyIf(dialogueHost->HostDialogAvailable());
-  const auto answer = hasDialogue ? ShowInHostDialogue(process, *dialogueHost, message, style, title)
-                                  : ShowInMessageBox(process, message, style + extraStyle, title);
+  const auto answer = hasDialogue ? ShowInHostDialogue(environment, *dialogueHost, message, style, title)
+                                  : ShowInMessageBox(environment, message, style + extraStyle, title);
   Log(log, "button selected : " + WholeText(answer));
   return answer;
 }

@@ -14,7 +14,7 @@ namespace zolvane {
 // with the exclamation icon, brought to the foreground. Waits for the answer and returns the chosen button's
 // number; 0 when no answer could be read. Either host object may be null. `extraStyle` is added to the box's
 // style only.
-std::int16_t ShowMessage(Environment& process, HostObject* log, const std::string& message,
+std::int16_t ShowMessage(Environment& environment, HostObject* log, const std::string& message,
                          std::int16_t style, const std::string& title, HostObject* dialogueHost,
                          const std::int16_t& extraStyle);
 

@@ -4,8 +4,8 @@
 
 namespace zolvane {
 
-AddInModule::AddInModule(Environment& process, PageViewFactory& views)
-    : process_{process}, views_{views}, configuration_{process} {}
+AddInModule::AddInModule(Environment& environment, PageViewFactory& views)
+    : environment_{environment}, views_{views}, configuration_{environment} {}
 
 AddInModule::~AddInModule() {
   UnloadPage();
@@ -13,7 +13,7 @@ AddInModule::~AddInModule() {
 
 std::shared_ptr<frmAddIn> AddInModule::Page() {
   if (!page_) {
-    page_ = frmAddIn::Create(process_, configuration_, views_, [this] { UnloadPage(); });
+    page_ = frmAddIn::Create(environment_, configuration_, views_, [this] { UnloadPage(); });
   }
   return page_;
 }

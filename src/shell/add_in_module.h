@@ -13,7 +13,7 @@ namespace zolvane {
 class AddInModule {
  public:
   // Both outlive the module. A host has one module per thread.
-  AddInModule(Environment& process, PageViewFactory& views);
+  AddInModule(Environment& environment, PageViewFactory& views);
   ~AddInModule();
 
   AddInModule(const AddInModule&) = delete;
@@ -29,7 +29,7 @@ class AddInModule {
   Configuration& Config() { return configuration_; }
 
  private:
-  Environment& process_;
+  Environment& environment_;
   PageViewFactory& views_;
   Configuration configuration_;
   std::shared_ptr<frmAddIn> page_;

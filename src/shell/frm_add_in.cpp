@@ -4,14 +4,14 @@
 
 namespace zolvane {
 
-std::shared_ptr<frmAddIn> frmAddIn::Create(Environment& process, Configuration& configuration,
+std::shared_ptr<frmAddIn> frmAddIn::Create(Environment& environment, Configuration& configuration,
                                            PageViewFactory& views, std::function<void()> unload) {
   std::shared_ptr<frmAddIn> form{new frmAddIn{std::move(unload)}};
   form->view_ = views.CreatePageView(*form);
   if (!form->view_) {
     return nullptr;
   }
-  form->page_ = std::make_unique<DeviceSetupPage>(process, form->host_, configuration, *form->view_);
+  form->page_ = std::make_unique<DeviceSetupPage>(environment, form->host_, configuration, *form->view_);
   return form;
 }
 

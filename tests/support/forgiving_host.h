@@ -11,67 +11,56 @@
 #include <utility>
 #include <vector>
 
+#include "host/forwarding.h"
 #include "support/fake_host.h"
 
 namespace zolvane {
 
-class ForgivingSettings final : public IniFileService {
+class ForgivingSettings final : public ForwardingSettings {
  public:
   // `answer` is what a reading gives that fails. It outlives this object.
   ForgivingSettings(std::shared_ptr<IniFileService> settings, const std::string& answer)
-      : settings_{std::move(settings)}, answer_{answer} {}
+      : ForwardingSettings{std::move(settings)}, answer_{answer} {}
 
   std::optional<std::string> ReadValue(std::string_view section, std::string_view key, std::string_view file,
                                        std::string_view fallback) override {
-    return settings_->ReadValue(section, key, file, fallback).value_or(answer_);
+    return ForwardingSettings::ReadValue(section, key, file, fallback).value_or(answer_);
   }
 
   Status WriteValue(std::string_view section, std::string_view key, std::string_view file,
                     std::string_view value) override {
-    PassOver(settings_->WriteValue(section, key, file, value));
+    PassOver(ForwardingSettings::WriteValue(section, key, file, value));
     return Status::Success();
   }
 
   std::optional<std::vector<std::string>> SplitText(std::string_view delimiter,
                                                     std::string_view text) override {
-    return settings_->SplitText(delimiter, text).value_or(std::vector<std::string>{});
+    return ForwardingSettings::SplitText(delimiter, text).value_or(std::vector<std::string>{});
   }
 
  private:
-  std::shared_ptr<IniFileService> settings_;
   const std::string& answer_;
 };
 
-class ForgivingEnvironment final : public Environment {
+class ForgivingEnvironment final : public ForwardingEnvironment {
  public:
-  explicit ForgivingEnvironment(FakeEnvironment& process) : process_{process} {}
+  using ForwardingEnvironment::ForwardingEnvironment;
 
   // What a reading of a settings file gives that fails.
   std::string ReadingAnswer;
 
-  std::string ProgramFolder() override { return process_.ProgramFolder(); }
-
   std::shared_ptr<IniFileService> CreateIniFileService() override {
-    return std::make_shared<ForgivingSettings>(process_.CreateIniFileService(), ReadingAnswer);
+    return std::make_shared<ForgivingSettings>(ForwardingEnvironment::CreateIniFileService(), ReadingAnswer);
   }
 
   Status AppendBlankLine(const std::string& file) override {
-    PassOver(process_.AppendBlankLine(file));
+    PassOver(ForwardingEnvironment::AppendBlankLine(file));
     return Status::Success();
   }
 
-  void RunMessageLoopOnce() override { process_.RunMessageLoopOnce(); }
-
   std::optional<std::int32_t> ShowMessageBox(const MessageBoxRequest& request) override {
-    return process_.ShowMessageBox(request).value_or(0);
+    return ForwardingEnvironment::ShowMessageBox(request).value_or(0);
   }
-
-  std::optional<std::string> ShowFileDialogue(FileDialogueKind kind, const FileDialogue& dialogue) override {
-    return process_.ShowFileDialogue(kind, dialogue);
-  }
-
- private:
-  FakeEnvironment& process_;
 };
 
 class ForgivingLink final : public InstrumentLink {
@@ -133,60 +122,53 @@ class ForgivingDialog final : public HostDialog {
   std::int16_t last_ = 0;
 };
 
-class ForgivingHostObject final : public HostObject {
+class ForgivingHostObject final : public ForwardingObject {
  public:
-  explicit ForgivingHostObject(std::shared_ptr<HostObject> host) : host_{std::move(host)} {}
+  using ForwardingObject::ForwardingObject;
 
-  std::shared_ptr<InstrumentLink> Link() override { return std::make_shared<ForgivingLink>(host_->Link()); }
+  std::shared_ptr<InstrumentLink> Link() override {
+    return std::make_shared<ForgivingLink>(ForwardingObject::Link());
+  }
 
   Status WriteLogLine(const std::string& line) override {
-    PassOver(host_->WriteLogLine(line));
+    PassOver(ForwardingObject::WriteLogLine(line));
     return Status::Success();
   }
 
-  std::optional<bool> HostDialogAvailable() override { return host_->HostDialogAvailable().value_or(false); }
+  std::optional<bool> HostDialogAvailable() override {
+    return ForwardingObject::HostDialogAvailable().value_or(false);
+  }
 
   std::shared_ptr<HostDialog> MessageDialog() override {
-    return std::make_shared<ForgivingDialog>(host_->MessageDialog());
+    return std::make_shared<ForgivingDialog>(ForwardingObject::MessageDialog());
   }
-
- private:
-  std::shared_ptr<HostObject> host_;
 };
 
-class ForgivingPanel final : public StatusPanel {
+class ForgivingPanel final : public ForwardingPanel {
  public:
-  explicit ForgivingPanel(std::shared_ptr<StatusPanel> panel) : panel_{std::move(panel)} {}
+  using ForwardingPanel::ForwardingPanel;
 
-  std::optional<std::string> Text() override { return panel_->Text().value_or(""); }
+  std::optional<std::string> Text() override { return ForwardingPanel::Text().value_or(""); }
 
   Status SetText(const std::string& text) override {
-    PassOver(panel_->SetText(text));
+    PassOver(ForwardingPanel::SetText(text));
     return Status::Success();
   }
-
- private:
-  std::shared_ptr<StatusPanel> panel_;
 };
 
-class ForgivingWindow final : public HostWindow {
+class ForgivingWindow final : public ForwardingWindow {
  public:
-  explicit ForgivingWindow(std::shared_ptr<HostWindow> window) : window_{std::move(window)} {}
+  using ForwardingWindow::ForwardingWindow;
 
   Status SetChanged(bool changed) override {
-    PassOver(window_->SetChanged(changed));
+    PassOver(ForwardingWindow::SetChanged(changed));
     return Status::Success();
   }
-
-  std::shared_ptr<StatusPanel> FindStatusPanel() override { return window_->FindStatusPanel(); }
 
   Status TakeFocus() override {
-    PassOver(window_->TakeFocus());
+    PassOver(ForwardingWindow::TakeFocus());
     return Status::Success();
   }
-
- private:
-  std::shared_ptr<HostWindow> window_;
 };
 
 }  // namespace zolvane

@@ -20,7 +20,7 @@ struct OperationFixture : FakeHost {
   HostAttachment Attachment = Attached();
   Configuration Config{Process};
   FakePage Page{Calls};
-  OperationContext Context{Process, Attachment, Config, Page};
+  OperationContext Context{Process, Process, Attachment, Config, Page};
 
   // Brings the records of the file into force, without leaving events.
   void Refresh() {

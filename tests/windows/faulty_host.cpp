@@ -1,7 +1,6 @@
 #include "faulty_host.h"
 
 #include <hestrion_cmds.h>
-#include "forwarding_environment.h"
 
 #include <algorithm>
 #include <array>
@@ -10,6 +9,7 @@
 #include <utility>
 
 #include "bench/windows/com/offered_object.h"
+#include "host/forwarding.h"
 #include "shell/windows/host/late_bound_names.h"
 #include "win32/com_object.h"
 #include "win32/counted.h"
@@ -52,31 +52,32 @@ HostCall Splitting(std::string_view delimiter, std::string_view text) {
 
 // ---- The portable side
 
-class FailingService final : public IniFileService {
+class FailingService final : public ForwardingSettings {
  public:
   FailingService(std::shared_ptr<IniFileService> inner, HostFaults& faults)
-      : inner_{std::move(inner)}, faults_{faults} {}
+      : ForwardingSettings{std::move(inner)}, faults_{faults} {}
 
   std::optional<std::string> ReadValue(std::string_view section, std::string_view key, std::string_view file,
                                        std::string_view fallback) override {
-    return faults_.Strikes(Reading(section, key, file)) ? std::nullopt
-                                                        : inner_->ReadValue(section, key, file, fallback);
+    return faults_.Strikes(Reading(section, key, file))
+               ? std::nullopt
+               : ForwardingSettings::ReadValue(section, key, file, fallback);
   }
 
   Status WriteValue(std::string_view section, std::string_view key, std::string_view file,
                     std::string_view value) override {
     return faults_.Strikes(Writing(section, key, file, value))
                ? Status::Failure()
-               : inner_->WriteValue(section, key, file, value);
+               : ForwardingSettings::WriteValue(section, key, file, value);
   }
 
   std::optional<std::vector<std::string>> SplitText(std::string_view delimiter,
                                                     std::string_view text) override {
-    return faults_.Strikes(Splitting(delimiter, text)) ? std::nullopt : inner_->SplitText(delimiter, text);
+    return faults_.Strikes(Splitting(delimiter, text)) ? std::nullopt
+                                                       : ForwardingSettings::SplitText(delimiter, text);
   }
 
  private:
-  std::shared_ptr<IniFileService> inner_;
   HostFaults& faults_;
 };
 
@@ -88,126 +89,125 @@ class FailingEnvironment final : public ForwardingEnvironment {
   std::shared_ptr<IniFileService> CreateIniFileService() override {
     return faults_.Strikes(Creation())
                ? nullptr
-               : std::make_shared<FailingService>(Inner().CreateIniFileService(), faults_);
+               : std::make_shared<FailingService>(ForwardingEnvironment::CreateIniFileService(), faults_);
   }
 
  private:
   HostFaults& faults_;
 };
 
-class FailingLink final : public InstrumentLink {
+class FailingLink final : public ForwardingLink {
  public:
   FailingLink(std::shared_ptr<InstrumentLink> inner, HostFaults& faults)
-      : inner_{std::move(inner)}, faults_{faults} {}
+      : ForwardingLink{std::move(inner)}, faults_{faults} {}
 
   std::optional<bool> Stop() override {
-    return faults_.Strikes(ByName(names::stop)) ? std::nullopt : inner_->Stop();
+    return faults_.Strikes(ByName(names::stop)) ? std::nullopt : ForwardingLink::Stop();
   }
   Status SetStop(bool stop) override {
-    return faults_.Strikes(ByName(names::stop, "=")) ? Status::Failure() : inner_->SetStop(stop);
+    return faults_.Strikes(ByName(names::stop, "=")) ? Status::Failure() : ForwardingLink::SetStop(stop);
   }
   Status SetHold(bool hold) override {
-    return faults_.Strikes(ByName(names::hold)) ? Status::Failure() : inner_->SetHold(hold);
+    return faults_.Strikes(ByName(names::hold)) ? Status::Failure() : ForwardingLink::SetHold(hold);
   }
   std::optional<bool> SendCommand(std::string& command, std::string& reply, std::int32_t number) override {
     return faults_.Strikes(ByName(names::sendCommand)) ? std::nullopt
-                                                       : inner_->SendCommand(command, reply, number);
+                                                       : ForwardingLink::SendCommand(command, reply, number);
   }
 
  private:
-  std::shared_ptr<InstrumentLink> inner_;
   HostFaults& faults_;
 };
 
-class FailingDialog final : public HostDialog {
+class FailingDialog final : public ForwardingDialog {
  public:
   FailingDialog(std::shared_ptr<HostDialog> inner, HostFaults& faults)
-      : inner_{std::move(inner)}, faults_{faults} {}
+      : ForwardingDialog{std::move(inner)}, faults_{faults} {}
 
   Status SetStyle(std::int16_t style) override {
-    return faults_.Strikes(ByName(names::style)) ? Status::Failure() : inner_->SetStyle(style);
+    return faults_.Strikes(ByName(names::style)) ? Status::Failure() : ForwardingDialog::SetStyle(style);
   }
   Status SetTitle(const std::string& title) override {
-    return faults_.Strikes(ByName(names::title)) ? Status::Failure() : inner_->SetTitle(title);
+    return faults_.Strikes(ByName(names::title)) ? Status::Failure() : ForwardingDialog::SetTitle(title);
   }
   Status SetMessage(const std::string& message) override {
-    return faults_.Strikes(ByName(names::message)) ? Status::Failure() : inner_->SetMessage(message);
+    return faults_.Strikes(ByName(names::message)) ? Status::Failure()
+                                                   : ForwardingDialog::SetMessage(message);
   }
   Status Show(bool show) override {
-    return faults_.Strikes(ByName(names::show)) ? Status::Failure() : inner_->Show(show);
+    return faults_.Strikes(ByName(names::show)) ? Status::Failure() : ForwardingDialog::Show(show);
   }
   std::optional<std::int16_t> Result() override {
-    return faults_.Strikes(ByName(names::result)) ? std::nullopt : inner_->Result();
+    return faults_.Strikes(ByName(names::result)) ? std::nullopt : ForwardingDialog::Result();
   }
 
  private:
-  std::shared_ptr<HostDialog> inner_;
   HostFaults& faults_;
 };
 
-class FailingObject final : public HostObject {
+class FailingObject final : public ForwardingObject {
  public:
   FailingObject(std::shared_ptr<HostObject> inner, HostFaults& faults)
-      : inner_{std::move(inner)}, faults_{faults} {}
+      : ForwardingObject{std::move(inner)}, faults_{faults} {}
 
   std::shared_ptr<InstrumentLink> Link() override {
     return faults_.Strikes(ByName(names::instrumentLink))
                ? nullptr
-               : std::make_shared<FailingLink>(inner_->Link(), faults_);
+               : std::make_shared<FailingLink>(ForwardingObject::Link(), faults_);
   }
   Status WriteLogLine(const std::string& line) override {
-    return faults_.Strikes(ByName(names::writeLogLine)) ? Status::Failure() : inner_->WriteLogLine(line);
+    return faults_.Strikes(ByName(names::writeLogLine)) ? Status::Failure()
+                                                        : ForwardingObject::WriteLogLine(line);
   }
   std::optional<bool> HostDialogAvailable() override {
-    return faults_.Strikes(ByName(names::hostDialogAvailable)) ? std::nullopt : inner_->HostDialogAvailable();
+    return faults_.Strikes(ByName(names::hostDialogAvailable)) ? std::nullopt
+                                                               : ForwardingObject::HostDialogAvailable();
   }
   std::shared_ptr<HostDialog> MessageDialog() override {
     return faults_.Strikes(ByName(names::dialogs))
                ? nullptr
-               : std::make_shared<FailingDialog>(inner_->MessageDialog(), faults_);
+               : std::make_shared<FailingDialog>(ForwardingObject::MessageDialog(), faults_);
   }
 
  private:
-  std::shared_ptr<HostObject> inner_;
   HostFaults& faults_;
 };
 
-class FailingPanel final : public StatusPanel {
+class FailingPanel final : public ForwardingPanel {
  public:
   FailingPanel(std::shared_ptr<StatusPanel> inner, HostFaults& faults)
-      : inner_{std::move(inner)}, faults_{faults} {}
+      : ForwardingPanel{std::move(inner)}, faults_{faults} {}
 
   std::optional<std::string> Text() override {
-    return faults_.Strikes(ByName(names::text)) ? std::nullopt : inner_->Text();
+    return faults_.Strikes(ByName(names::text)) ? std::nullopt : ForwardingPanel::Text();
   }
   Status SetText(const std::string& text) override {
-    return faults_.Strikes(ByName(names::text, "=")) ? Status::Failure() : inner_->SetText(text);
+    return faults_.Strikes(ByName(names::text, "=")) ? Status::Failure() : ForwardingPanel::SetText(text);
   }
 
  private:
-  std::shared_ptr<StatusPanel> inner_;
   HostFaults& faults_;
 };
 
-class FailingWindow final : public HostWindow {
+class FailingWindow final : public ForwardingWindow {
  public:
   FailingWindow(std::shared_ptr<HostWindow> inner, HostFaults& faults)
-      : inner_{std::move(inner)}, faults_{faults} {}
+      : ForwardingWindow{std::move(inner)}, faults_{faults} {}
 
   Status SetChanged(bool changed) override {
-    return faults_.Strikes(ByName(names::changed)) ? Status::Failure() : inner_->SetChanged(changed);
+    return faults_.Strikes(ByName(names::changed)) ? Status::Failure()
+                                                   : ForwardingWindow::SetChanged(changed);
   }
   std::shared_ptr<StatusPanel> FindStatusPanel() override {
     return faults_.Strikes(ByName(names::statusBar))
                ? nullptr
-               : std::make_shared<FailingPanel>(inner_->FindStatusPanel(), faults_);
+               : std::make_shared<FailingPanel>(ForwardingWindow::FindStatusPanel(), faults_);
   }
   Status TakeFocus() override {
-    return faults_.Strikes(ByName(names::setFocus)) ? Status::Failure() : inner_->TakeFocus();
+    return faults_.Strikes(ByName(names::setFocus)) ? Status::Failure() : ForwardingWindow::TakeFocus();
   }
 
  private:
-  std::shared_ptr<HostWindow> inner_;
   HostFaults& faults_;
 };
 

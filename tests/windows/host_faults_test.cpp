@@ -20,7 +20,7 @@
 #include "faulty_host.h"
 #include "files/file_settings_service.h"
 #include "files/sectioned_text.h"
-#include "forwarding_environment.h"
+#include "host/forwarding.h"
 #include "instrument/links/link_factory.h"
 #include "program_folder.h"
 #include "shell/add_in_module.h"
@@ -165,7 +165,7 @@ class FaultyRun {
   Console Out{Unread, Unread, {.IsQuiet = true, .ResultsGoToNotes = false, .NotesWidth = {}}};
   InterruptFlag Interrupt;
   BenchHost Host{SetupFor(Asked), CreateLink(Asked.Link, 5, Interrupt), nullptr, Out};
-  MemoryProcess Plain{Host.Process()};
+  MemoryProcess Plain{Host.Environment()};
   std::unique_ptr<Environment> Process = Traced(Plain, Log);
 
   void BeginSession(const Failure& failure) {

@@ -140,7 +140,7 @@ PlayedSession PlayOnModule(const SessionPlan& plan) {
   InterruptFlag interrupt;
   Console console{unread, unread, {.IsQuiet = true, .ResultsGoToNotes = false, .NotesWidth = {}}};
   BenchHost host{setup, CreateLink(plan.Link, 5, interrupt), nullptr, console};
-  const auto process = Traced(host.Process(), log);
+  const auto process = Traced(host.Environment(), log);
   const OfferedSettings settings{[&] { return process->CreateIniFileService(); }};
   Player player{setup.Answers, [](const std::string&) {}};
   UnshownDialogues unshown{setup.Answers};

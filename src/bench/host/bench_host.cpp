@@ -7,6 +7,7 @@
 #include "files/file_settings_service.h"
 #include "files/paths.h"
 #include "host/dialogues.h"
+#include "host/forwarding.h"
 #include "text/joined.h"
 
 namespace zolvane {
@@ -143,13 +144,13 @@ void CountFailedRead(HostState& state, std::string_view file) {
   }
 }
 
-class WatchedSettings final : public IniFileService {
+class WatchedSettings final : public ForwardingSettings {
  public:
-  explicit WatchedSettings(HostState& state) : state_{state} {}
+  explicit WatchedSettings(HostState& state) : ForwardingSettings{state.Files}, state_{state} {}
 
   std::optional<std::string> ReadValue(std::string_view section, std::string_view key, std::string_view file,
                                        std::string_view fallback) override {
-    auto value = state_.Files->ReadValue(section, key, file, fallback);
+    auto value = ForwardingSettings::ReadValue(section, key, file, fallback);
     if (!value) {
       CountFailedRead(state_, file);
     }
@@ -159,28 +160,23 @@ class WatchedSettings final : public IniFileService {
   Status WriteValue(std::string_view section, std::string_view key, std::string_view file,
                     std::string_view value) override {
     const auto before = Stored(section, key, file);
-    const Status status = state_.Files->WriteValue(section, key, file, value);
+    const Status status = ForwardingSettings::WriteValue(section, key, file, value);
     state_.Now.CharactersLost += state_.Files->TakeLostCharacters();
     state_.Now.ValuesChanged += status.Ok() && Stored(section, key, file) != before ? 1 : 0;
     return CountWrite(state_, status, Joined("[", section, "] ", key), file);
-  }
-
-  std::optional<std::vector<std::string>> SplitText(std::string_view delimiter,
-                                                    std::string_view text) override {
-    return state_.Files->SplitText(delimiter, text);
   }
 
  private:
   // As a read gives it; a missing key gives what no value can be.
   std::optional<std::string> Stored(std::string_view section, std::string_view key, std::string_view file) {
     constexpr std::string_view missing = "\n";
-    return state_.Files->ReadValue(section, key, file, missing);
+    return ForwardingSettings::ReadValue(section, key, file, missing);
   }
 
   HostState& state_;
 };
 
-// ---- The process ----
+// ---- The process and its dialogues ----
 
 class BenchEnvironment final : public Environment {
  public:
@@ -238,23 +234,21 @@ class BenchEnvironment final : public Environment {
 
 // ---- The host object ----
 
-class WatchedLink final : public InstrumentLink {
+class WatchedLink final : public ForwardingLink {
  public:
-  WatchedLink(std::shared_ptr<BenchLink> inner, HostState& state) : inner_{std::move(inner)}, state_{state} {}
+  WatchedLink(std::shared_ptr<BenchLink> link, HostState& state)
+      : ForwardingLink{link}, link_{std::move(link)}, state_{state} {}
 
   std::optional<bool> Stop() override {
-    const auto stop = inner_->Stop();
+    const auto stop = ForwardingLink::Stop();
     state_.Now.WasStopped |= stop.value_or(false);
     return stop;
   }
 
-  Status SetStop(bool stop) override { return inner_->SetStop(stop); }
-  Status SetHold(bool hold) override { return inner_->SetHold(hold); }
-
   std::optional<bool> SendCommand(std::string& command, std::string& reply, std::int32_t number) override {
-    const auto ok = inner_->SendCommand(command, reply, number);
-    const auto& delivery = inner_->LastDelivery();
-    const bool isCutShort = !delivery.HasLeft && MetOnlyIf(inner_->Stop());
+    const auto ok = ForwardingLink::SendCommand(command, reply, number);
+    const auto& delivery = link_->LastDelivery();
+    const bool isCutShort = !delivery.HasLeft && MetOnlyIf(ForwardingLink::Stop());
     if (delivery.HasLeft) {
       state_.Now.Commands.Count(command, MetOnlyIf(ok), reply);
     } else if (isCutShort) {
@@ -288,7 +282,7 @@ class WatchedLink final : public InstrumentLink {
     }
   }
 
-  std::shared_ptr<BenchLink> inner_;
+  std::shared_ptr<BenchLink> link_;
   HostState& state_;
   std::set<std::string> told_;
 };
@@ -350,7 +344,7 @@ class BenchWindow final : public HostWindow {
 BenchHost::BenchHost(const Setup& setup, std::shared_ptr<BenchLink> link, Questioner* terminal,
                      Console& console)
     : state_{std::make_unique<HostState>(setup, terminal, console)},
-      process_{std::make_unique<BenchEnvironment>(*state_)},
+      environment_{std::make_unique<BenchEnvironment>(*state_)},
       object_{std::make_shared<BenchObject>(std::move(link), *state_)},
       window_{std::make_shared<BenchWindow>(*state_)} {}
 

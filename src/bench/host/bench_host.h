@@ -1,4 +1,4 @@
-// The bench's side of a host session: the process, the host object and the window that the add-in is given.
+// The bench's side of a host session: the environment, the host object and the window that the add-in is given.
 // It carries out what the add-in asks, tells the user about it, and keeps the record of what happened.
 #pragma once
 
@@ -37,7 +37,7 @@ class BenchHost {
 
   // ---- What the add-in is given. None of it outlives the host.
 
-  Environment& Process() { return *process_; }
+  zolvane::Environment& Environment() { return *environment_; }
   std::shared_ptr<HostObject> Object() { return object_; }
   std::shared_ptr<HostWindow> Window() { return window_; }
 
@@ -60,7 +60,7 @@ class BenchHost {
 
  private:
   std::unique_ptr<HostState> state_;
-  std::unique_ptr<Environment> process_;
+  std::unique_ptr<zolvane::Environment> environment_;
   std::shared_ptr<HostObject> object_;
   std::shared_ptr<HostWindow> window_;
 };

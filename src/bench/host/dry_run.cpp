@@ -10,7 +10,7 @@
 #include "files/exchanged_file.h"
 #include "files/file_settings_service.h"
 #include "files/sectioned_text.h"
-#include "host/environment.h"
+#include "host/forwarding.h"
 #include "operations/download.h"
 #include "operations/file_copy.h"
 #include "operations/hardware_detection.h"
@@ -23,33 +23,28 @@ namespace {
 
 using ReadObserver = std::function<void(std::string_view section, std::string_view file)>;
 
-class ReadOnlySettings final : public IniFileService {
+class ReadOnlySettings final : public ForwardingSettings {
  public:
-  explicit ReadOnlySettings(ReadObserver observe) : observe_{std::move(observe)} {}
+  explicit ReadOnlySettings(ReadObserver observe)
+      : ForwardingSettings{std::make_shared<FileSettingsService>()}, observe_{std::move(observe)} {}
 
   std::optional<std::string> ReadValue(std::string_view section, std::string_view key, std::string_view file,
                                        std::string_view fallback) override {
     observe_(section, file);
-    return files_.ReadValue(section, key, file, fallback);
+    return ForwardingSettings::ReadValue(section, key, file, fallback);
   }
 
   Status WriteValue(std::string_view, std::string_view, std::string_view, std::string_view) override {
     return Status::Success();
   }
 
-  std::optional<std::vector<std::string>> SplitText(std::string_view delimiter,
-                                                    std::string_view text) override {
-    return files_.SplitText(delimiter, text);
-  }
-
  private:
-  FileSettingsService files_;
   ReadObserver observe_;
 };
 
-class ConsentingEnvironment final : public Environment {
+class ReadingProcess final : public HostProcess {
  public:
-  explicit ConsentingEnvironment(
+  explicit ReadingProcess(
       std::string folder, ReadObserver observe = [](auto, auto) {})
       : folder_{std::move(folder)}, observe_{std::move(observe)} {}
 
@@ -59,14 +54,18 @@ class ConsentingEnvironment final : public Environment {
   }
   Status AppendBlankLine(const std::string&) override { return Status::Success(); }
   void RunMessageLoopOnce() override {}
-  std::optional<std::int32_t> ShowMessageBox(const MessageBoxRequest&) override { return message_answer::ok; }
-  std::optional<std::string> ShowFileDialogue(FileDialogueKind, const FileDialogue&) override {
-    return std::nullopt;
-  }
 
  private:
   std::string folder_;
   ReadObserver observe_;
+};
+
+class ConsentingUser final : public SystemDialogues {
+ public:
+  std::optional<std::int32_t> ShowMessageBox(const MessageBoxRequest&) override { return message_answer::ok; }
+  std::optional<std::string> ShowFileDialogue(FileDialogueKind, const FileDialogue&) override {
+    return std::nullopt;
+  }
 };
 
 // Knows no key, so that nothing is stored.
@@ -128,12 +127,13 @@ std::size_t CountCommands(const std::string& programFolder, int button) {
     return 0;
   }
   const auto link = std::make_shared<CountingLink>();
-  ConsentingEnvironment process{programFolder};
+  ReadingProcess process{programFolder};
+  ConsentingUser user;
   Configuration configuration{process};
   HostAttachment host{
       .ObjectParent = std::make_shared<LinkOnlyObject>(link), .FormParent = nullptr, .Panel = nullptr};
   AbsentPage page;
-  const OperationContext context{process, host, configuration, page};
+  const OperationContext context{process, user, host, configuration, page};
   row->Run(context);
   return link->Count;
 }
@@ -142,14 +142,15 @@ std::size_t CountCommands(const std::string& programFolder, int button) {
 bool HoldsBackup(const std::string& programFolder, const std::string& file) {
   const SectionedText text{OpenExchangedFile(file)->Read().Bytes};
   bool holdsAny = false;
-  ConsentingEnvironment process{programFolder, [&](std::string_view section, std::string_view asked) {
-                                  holdsAny = holdsAny || (asked == file && text.HasSection(section));
-                                }};
+  ReadingProcess process{programFolder, [&](std::string_view section, std::string_view asked) {
+                           holdsAny = holdsAny || (asked == file && text.HasSection(section));
+                         }};
+  ConsentingUser user;
   Configuration configuration{process};
   HostAttachment host{};
   AbsentPage page;
-  CopyAllTables({process, host, configuration, page}, file, configuration.Settings.ConfigFilePath(), false,
-                "");
+  CopyAllTables({process, user, host, configuration, page}, file, configuration.Settings.ConfigFilePath(),
+                false, "");
   return holdsAny;
 }
 

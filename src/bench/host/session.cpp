@@ -43,9 +43,9 @@ Session::Session(BenchHost& host, Console& console, TraceLog* trace)
       trace_{trace},
       object_{trace != nullptr ? Traced(host.Object(), *trace) : host.Object()},
       window_{trace != nullptr ? Traced(host.Window(), *trace) : host.Window()},
-      tracedProcess_{trace != nullptr ? Traced(host.Process(), *trace) : nullptr},
+      tracedEnvironment_{trace != nullptr ? Traced(host.Environment(), *trace) : nullptr},
       tracedPages_{trace != nullptr ? Traced(pages_, *trace) : nullptr},
-      module_{tracedProcess_ ? *tracedProcess_ : host.Process(),
+      module_{tracedEnvironment_ ? *tracedEnvironment_ : host.Environment(),
               tracedPages_ ? *tracedPages_ : static_cast<PageViewFactory&>(pages_)} {}
 
 Session::~Session() = default;
@@ -146,7 +146,7 @@ void Session::Press(const Action& action) {
       !Reacts(action, Joined(buttonRows[index].Name, " (", buttonRows[index].Caption, ")"), enabled[index])) {
     return;
   }
-  const auto expected = CountCommands(host_.Process().ProgramFolder(), action.Button);
+  const auto expected = CountCommands(host_.Environment().ProgramFolder(), action.Button);
   console_.ExpectCommands(expected);
   form_->PressButton(action.Button);
   console_.ExpectCommands(0);

@@ -71,7 +71,7 @@ class Session {
   TraceLog* trace_;
   std::shared_ptr<HostObject> object_;
   std::shared_ptr<HostWindow> window_;
-  std::unique_ptr<Environment> tracedProcess_;
+  std::unique_ptr<Environment> tracedEnvironment_;
   RecordedPageFactory pages_;
   std::unique_ptr<PageViewFactory> tracedPages_;
   AddInModule module_;

@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "host/forwarding.h"
 #include "program/write_failure.h"
 #include "text/json_text.h"
 
@@ -20,16 +21,16 @@ Event OrNull(const auto& value) {
   return value ? Event(*value) : Event(nullptr);
 }
 
-// ---- The process ----
+// ---- The process and its dialogues ----
 
-class TracingSettings final : public IniFileService {
+class TracingSettings final : public ForwardingSettings {
  public:
   TracingSettings(std::shared_ptr<IniFileService> inner, TraceLog& log)
-      : inner_{std::move(inner)}, log_{log} {}
+      : ForwardingSettings{std::move(inner)}, log_{log} {}
 
   std::optional<std::string> ReadValue(std::string_view section, std::string_view key, std::string_view file,
                                        std::string_view fallback) override {
-    auto value = inner_->ReadValue(section, key, file, fallback);
+    auto value = ForwardingSettings::ReadValue(section, key, file, fallback);
     if (log_.HoldsReads()) {
       log_.Write({{"event", "read"},
                   {"section", section},
@@ -43,7 +44,7 @@ class TracingSettings final : public IniFileService {
 
   Status WriteValue(std::string_view section, std::string_view key, std::string_view file,
                     std::string_view value) override {
-    const Status status = inner_->WriteValue(section, key, file, value);
+    const Status status = ForwardingSettings::WriteValue(section, key, file, value);
     log_.Write({{"event", "write"},
                 {"section", section},
                 {"key", key},
@@ -53,39 +54,13 @@ class TracingSettings final : public IniFileService {
     return status;
   }
 
-  std::optional<std::vector<std::string>> SplitText(std::string_view delimiter,
-                                                    std::string_view text) override {
-    return inner_->SplitText(delimiter, text);
-  }
-
  private:
-  std::shared_ptr<IniFileService> inner_;
   TraceLog& log_;
 };
 
-class TracingEnvironment final : public Environment {
+class TracingDialogues final : public SystemDialogues {
  public:
-  TracingEnvironment(Environment& inner, TraceLog& log) : inner_{inner}, log_{log} {}
-
-  std::string ProgramFolder() override { return inner_.ProgramFolder(); }
-
-  std::shared_ptr<IniFileService> CreateIniFileService() override {
-    auto service = inner_.CreateIniFileService();
-    return service ? std::make_shared<TracingSettings>(std::move(service), log_) : nullptr;
-  }
-
-  Status AppendBlankLine(const std::string& file) override {
-    const Status status = inner_.AppendBlankLine(file);
-    if (status.Ok()) {
-      log_.Write({{"event", "append_blank_line"}, {"file", file}});
-    }
-    return status;
-  }
-
-  void RunMessageLoopOnce() override {
-    log_.Write({{"event", "yield"}});
-    inner_.RunMessageLoopOnce();
-  }
+  TracingDialogues(SystemDialogues& inner, TraceLog& log) : inner_{inner}, log_{log} {}
 
   std::optional<std::int32_t> ShowMessageBox(const MessageBoxRequest& request) override {
     log_.Flush();
@@ -114,30 +89,67 @@ class TracingEnvironment final : public Environment {
   }
 
  private:
-  Environment& inner_;
+  SystemDialogues& inner_;
+  TraceLog& log_;
+};
+
+class TracingEnvironment final : public ForwardingEnvironment {
+ public:
+  TracingEnvironment(Environment& inner, TraceLog& log)
+      : ForwardingEnvironment{inner}, dialogues_{inner, log}, log_{log} {}
+
+  std::shared_ptr<IniFileService> CreateIniFileService() override {
+    auto service = ForwardingEnvironment::CreateIniFileService();
+    return service ? std::make_shared<TracingSettings>(std::move(service), log_) : nullptr;
+  }
+
+  Status AppendBlankLine(const std::string& file) override {
+    const Status status = ForwardingEnvironment::AppendBlankLine(file);
+    if (status.Ok()) {
+      log_.Write({{"event", "append_blank_line"}, {"file", file}});
+    }
+    return status;
+  }
+
+  void RunMessageLoopOnce() override {
+    log_.Write({{"event", "yield"}});
+    ForwardingEnvironment::RunMessageLoopOnce();
+  }
+
+  std::optional<std::int32_t> ShowMessageBox(const MessageBoxRequest& request) override {
+    return dialogues_.ShowMessageBox(request);
+  }
+
+  std::optional<std::string> ShowFileDialogue(FileDialogueKind kind, const FileDialogue& dialogue) override {
+    return dialogues_.ShowFileDialogue(kind, dialogue);
+  }
+
+ private:
+  TracingDialogues dialogues_;
   TraceLog& log_;
 };
 
 // ---- The host object ----
 
-class TracingLink final : public InstrumentLink {
+class TracingLink final : public ForwardingLink {
  public:
-  TracingLink(std::shared_ptr<InstrumentLink> inner, TraceLog& log) : inner_{std::move(inner)}, log_{log} {}
+  TracingLink(std::shared_ptr<InstrumentLink> inner, TraceLog& log)
+      : ForwardingLink{std::move(inner)}, log_{log} {}
 
   std::optional<bool> Stop() override {
-    const auto stop = inner_->Stop();
+    const auto stop = ForwardingLink::Stop();
     WriteFlag("stop", "get", OrNull(stop));
     return stop;
   }
 
   Status SetStop(bool stop) override {
-    const Status status = inner_->SetStop(stop);
+    const Status status = ForwardingLink::SetStop(stop);
     WriteFlag("stop", "set", stop);
     return status;
   }
 
   Status SetHold(bool hold) override {
-    const Status status = inner_->SetHold(hold);
+    const Status status = ForwardingLink::SetHold(hold);
     WriteFlag("hold", "set", hold);
     return status;
   }
@@ -145,7 +157,7 @@ class TracingLink final : public InstrumentLink {
   std::optional<bool> SendCommand(std::string& command, std::string& reply, std::int32_t number) override {
     log_.Flush();
     const std::string sent = command;
-    const auto ok = inner_->SendCommand(command, reply, number);
+    const auto ok = ForwardingLink::SendCommand(command, reply, number);
     log_.Write({{"event", "send"}, {"command", sent}, {"ok", ok.value_or(false)}, {"reply", reply}});
     return ok;
   }
@@ -155,38 +167,38 @@ class TracingLink final : public InstrumentLink {
     log_.Write({{"event", "link"}, {"flag", flag}, {"op", op}, {"value", value}});
   }
 
-  std::shared_ptr<InstrumentLink> inner_;
   TraceLog& log_;
 };
 
 // Written down once, when it is answered.
-class TracingDialog final : public HostDialog {
+class TracingDialog final : public ForwardingDialog {
  public:
-  TracingDialog(std::shared_ptr<HostDialog> inner, TraceLog& log) : inner_{std::move(inner)}, log_{log} {}
+  TracingDialog(std::shared_ptr<HostDialog> inner, TraceLog& log)
+      : ForwardingDialog{std::move(inner)}, log_{log} {}
 
   Status SetStyle(std::int16_t style) override {
     style_ = style;
-    return inner_->SetStyle(style);
+    return ForwardingDialog::SetStyle(style);
   }
 
   Status SetTitle(const std::string& title) override {
     title_ = title;
-    return inner_->SetTitle(title);
+    return ForwardingDialog::SetTitle(title);
   }
 
   Status SetMessage(const std::string& message) override {
     message_ = message;
-    return inner_->SetMessage(message);
+    return ForwardingDialog::SetMessage(message);
   }
 
   Status Show(bool show) override {
     log_.Flush();
     isOpen_ = show;
-    return inner_->Show(show);
+    return ForwardingDialog::Show(show);
   }
 
   std::optional<std::int16_t> Result() override {
-    const auto result = inner_->Result();
+    const auto result = ForwardingDialog::Result();
     if (isOpen_ && result && *result >= 0) {
       isOpen_ = false;
       log_.Write({{"event", "host_dialog"},
@@ -199,7 +211,6 @@ class TracingDialog final : public HostDialog {
   }
 
  private:
-  std::shared_ptr<HostDialog> inner_;
   TraceLog& log_;
   std::int16_t style_ = 0;
   std::string title_;
@@ -207,68 +218,62 @@ class TracingDialog final : public HostDialog {
   bool isOpen_ = false;
 };
 
-class TracingObject final : public HostObject {
+class TracingObject final : public ForwardingObject {
  public:
-  TracingObject(std::shared_ptr<HostObject> inner, TraceLog& log) : inner_{std::move(inner)}, log_{log} {}
+  TracingObject(std::shared_ptr<HostObject> inner, TraceLog& log)
+      : ForwardingObject{std::move(inner)}, log_{log} {}
 
   std::shared_ptr<InstrumentLink> Link() override {
-    auto link = inner_->Link();
+    auto link = ForwardingObject::Link();
     return link ? std::make_shared<TracingLink>(std::move(link), log_) : nullptr;
   }
 
   Status WriteLogLine(const std::string& line) override {
     log_.Write({{"event", "log"}, {"line", line}});
-    return inner_->WriteLogLine(line);
+    return ForwardingObject::WriteLogLine(line);
   }
 
-  std::optional<bool> HostDialogAvailable() override { return inner_->HostDialogAvailable(); }
-
   std::shared_ptr<HostDialog> MessageDialog() override {
-    auto dialogue = inner_->MessageDialog();
+    auto dialogue = ForwardingObject::MessageDialog();
     return dialogue ? std::make_shared<TracingDialog>(std::move(dialogue), log_) : nullptr;
   }
 
  private:
-  std::shared_ptr<HostObject> inner_;
   TraceLog& log_;
 };
 
 // ---- The host window ----
 
-class TracingPanel final : public StatusPanel {
+class TracingPanel final : public ForwardingPanel {
  public:
-  TracingPanel(std::shared_ptr<StatusPanel> inner, TraceLog& log) : inner_{std::move(inner)}, log_{log} {}
-
-  std::optional<std::string> Text() override { return inner_->Text(); }
+  TracingPanel(std::shared_ptr<StatusPanel> inner, TraceLog& log)
+      : ForwardingPanel{std::move(inner)}, log_{log} {}
 
   Status SetText(const std::string& text) override {
     log_.Write({{"event", "status"}, {"text", text}});
-    return inner_->SetText(text);
+    return ForwardingPanel::SetText(text);
   }
 
  private:
-  std::shared_ptr<StatusPanel> inner_;
   TraceLog& log_;
 };
 
-class TracingWindow final : public HostWindow {
+class TracingWindow final : public ForwardingWindow {
  public:
-  TracingWindow(std::shared_ptr<HostWindow> inner, TraceLog& log) : inner_{std::move(inner)}, log_{log} {}
+  TracingWindow(std::shared_ptr<HostWindow> inner, TraceLog& log)
+      : ForwardingWindow{std::move(inner)}, log_{log} {}
 
   Status SetChanged(bool changed) override {
     log_.Write({{"event", "changed"}, {"value", changed}});
-    return inner_->SetChanged(changed);
+    return ForwardingWindow::SetChanged(changed);
   }
 
   std::shared_ptr<StatusPanel> FindStatusPanel() override {
-    auto panel = inner_->FindStatusPanel();
+    auto panel = ForwardingWindow::FindStatusPanel();
     return panel ? std::make_shared<TracingPanel>(std::move(panel), log_) : nullptr;
   }
 
-  Status TakeFocus() override { return inner_->TakeFocus(); }
-
  private:
-  std::shared_ptr<HostWindow> inner_;
   TraceLog& log_;
 };
 
@@ -383,6 +388,10 @@ void TraceLog::NoteFailure(bool isGood) {
 
 std::unique_ptr<Environment> Traced(Environment& environment, TraceLog& log) {
   return std::make_unique<TracingEnvironment>(environment, log);
+}
+
+std::unique_ptr<SystemDialogues> Traced(SystemDialogues& dialogues, TraceLog& log) {
+  return std::make_unique<TracingDialogues>(dialogues, log);
 }
 
 std::shared_ptr<HostObject> Traced(std::shared_ptr<HostObject> object, TraceLog& log) {

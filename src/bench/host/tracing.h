@@ -39,6 +39,7 @@ class TraceLog {
 
 // What is wrapped and the log both outlive the wrapper where they are given by reference.
 std::unique_ptr<Environment> Traced(Environment& environment, TraceLog& log);
+std::unique_ptr<SystemDialogues> Traced(SystemDialogues& dialogues, TraceLog& log);
 std::shared_ptr<HostObject> Traced(std::shared_ptr<HostObject> object, TraceLog& log);
 std::shared_ptr<HostWindow> Traced(std::shared_ptr<HostWindow> window, TraceLog& log);
 std::unique_ptr<PageViewFactory> Traced(PageViewFactory& views, TraceLog& log);

@@ -228,7 +228,7 @@ class HestrionBench : private DialogueListener {
   Console console_;
   std::shared_ptr<BenchLink> link_;
   BenchHost host_;  // the link and the settings files; the rest of it has windows here
-  std::unique_ptr<Environment> tracedProcess_;
+  std::unique_ptr<Environment> tracedEnvironment_;
   std::optional<OfferedSettings> settings_;
   std::optional<InstalledModule> installed_;
   std::optional<AddInFile> file_;
@@ -283,10 +283,11 @@ HestrionBench::HestrionBench(const WindowOptions& options, Job job, std::ostream
                     [this](const std::string& text) { Complain(text); });
   }
   if (trace_) {
-    tracedProcess_ = Traced(host_.Process(), *trace_);
+    tracedEnvironment_ = Traced(host_.Environment(), *trace_);
   }
-  settings_.emplace(
-      [this] { return (tracedProcess_ ? *tracedProcess_ : host_.Process()).CreateIniFileService(); });
+  settings_.emplace([this] {
+    return (tracedEnvironment_ ? *tracedEnvironment_ : host_.Environment()).CreateIniFileService();
+  });
   const auto addIn = CreateAddIn();
   UniqueBstr caption;
   addIn->get_Caption(caption.Put());
@@ -494,7 +495,7 @@ void HestrionBench::Rest() {
 }
 
 std::string HestrionBench::FoundText() {
-  const Configuration configuration{host_.Process()};
+  const Configuration configuration{host_.Environment()};
   return findings_.Text(configuration, ConfigFileIn(ProgramFolder()),
                         session_ ? PageDriver{session_->Frame()}.Shown().PumpText : std::string{});
 }

@@ -42,7 +42,7 @@ FileDialogue DialogueOf(const OPENFILENAMEW& request) {
 }  // namespace
 
 // Shows what the module wanted to show, and says so before and after.
-class DialogueHooks::Dialogues final : public Environment {
+class DialogueHooks::Dialogues final : public SystemDialogues {
  public:
   explicit Dialogues(DialogueListener& listener) : listener_{listener} {}
 
@@ -62,11 +62,6 @@ class DialogueHooks::Dialogues final : public Environment {
     listener_.FileDialogueClosed(chosen);
     return chosen;
   }
-
-  std::string ProgramFolder() override { return {}; }
-  std::shared_ptr<IniFileService> CreateIniFileService() override { return nullptr; }
-  Status AppendBlankLine(const std::string&) override { return Status::Failure(); }
-  void RunMessageLoopOnce() override {}
 
  private:
   DialogueListener& listener_;
@@ -101,14 +96,17 @@ bool DialogueHooks::Redirect(bool isOn) const {
   return areAllFound;
 }
 
+SystemDialogues& DialogueHooks::Shown() const {
+  return traced_ ? *traced_ : static_cast<SystemDialogues&>(*real_);
+}
+
 int WINAPI DialogueHooks::OnMessageBox(HWND owner, const wchar_t* text, const wchar_t* title, UINT style) {
   auto& self = *current_;
   self.real_->ShowBox = [=]() -> std::optional<std::int32_t> {
     const int answer = MessageBoxW(owner, text, title, style);
     return answer != 0 ? std::optional<std::int32_t>{answer} : std::nullopt;
   };
-  Environment& shown = self.traced_ ? *self.traced_ : *self.real_;
-  return shown
+  return self.Shown()
       .ShowMessageBox(
           {.Text = TextOf(text), .Style = static_cast<std::int32_t>(style), .Title = TextOf(title)})
       .value_or(0);
@@ -120,8 +118,7 @@ BOOL DialogueHooks::OnFile(FileDialogueKind kind, OPENFILENAMEW* request,
   self.real_->ShowFile = [=]() -> std::optional<std::string> {
     return show(request) != FALSE ? std::optional{TextOf(request->lpstrFile)} : std::nullopt;
   };
-  Environment& shown = self.traced_ ? *self.traced_ : *self.real_;
-  const auto chosen = shown.ShowFileDialogue(kind, DialogueOf(*request));
+  const auto chosen = self.Shown().ShowFileDialogue(kind, DialogueOf(*request));
   if (chosen) {
     lstrcpynW(request->lpstrFile, Wide(*chosen).c_str(), static_cast<int>(request->nMaxFile));
   }

@@ -7,7 +7,7 @@
 #include <optional>
 
 #include "bench/host/tracing.h"
-#include "host/environment.h"
+#include "host/dialogues.h"
 #include "win32/windows_headers.h"
 // After the header of the system that it builds on.
 #include <commdlg.h>
@@ -59,12 +59,14 @@ class DialogueHooks {
   // False when the module does not import all of them.
   bool Redirect(bool isOn) const;
 
+  SystemDialogues& Shown() const;
+
   // NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables): what is hooked carries no pointer of ours
   inline static DialogueHooks* current_ = nullptr;
 
   HMODULE module_;
   std::unique_ptr<Dialogues> real_;
-  std::unique_ptr<Environment> traced_;
+  std::unique_ptr<SystemDialogues> traced_;
 };
 
 }  // namespace zolvane
