@@ -175,9 +175,9 @@ TEST(AChoiceThatCouldNotBeStored, DoesNotHoldUpARunFileAndCountsAsFailed) {
   const PageDriver user{page.Frame()};
   EXPECT_TRUE(
       player.Play({.Kind = ActionKind::SelectEntry, .List = ListControl::TipType, .Entry = "#2"}, user));
-  EXPECT_EQ(ExitStatusOf(player.Happened()), 1);
+  EXPECT_EQ(ExitStatusOf(player.Tally()), 1);
   EXPECT_TRUE(player.Play({.Kind = ActionKind::SetCheck, .Box = CheckControl::RFID, .Value = 2}, user));
-  EXPECT_EQ(ExitStatusOf(player.Happened()), 1);
+  EXPECT_EQ(ExitStatusOf(player.Tally()), 1);
   EXPECT_EQ(user.Shown().Of(ListControl::TipType).Selected, anotherTip);
   EXPECT_EQ(user.Shown().Of(CheckControl::RFID).Value, 2);
 }

@@ -89,19 +89,19 @@ BenchHost::Setup HostSetup(const SessionPlan& plan) {
 // Answers boxes and dialogues as a player does, but at once.
 class UnshownDialogues final : public DialogueSpectator {
  public:
-  explicit UnshownDialogues(const AnswerDesk::Setup& answers)
-      : desk_{answers, nullptr, [](const std::string&) {}} {}
+  explicit UnshownDialogues(const BoxAnswers::Setup& answers)
+      : answers_{answers, nullptr, [](const std::string&) {}} {}
 
   std::optional<std::string> File;  // what the next file dialogue is answered
 
   bool ShowsDialogues() const override { return false; }
   std::optional<std::int32_t> AnswerUnshown(const MessageBoxRequest& request) override {
-    return desk_.AnswerTo({.Title = request.Title, .Text = request.Text, .Style = request.Style}).Button;
+    return answers_.AnswerTo({.Title = request.Title, .Text = request.Text, .Style = request.Style}).Button;
   }
   std::optional<std::string> ChooseUnshown(FileDialogueKind) override { return File; }
 
  private:
-  AnswerDesk desk_;
+  BoxAnswers answers_;
 };
 
 }  // namespace

@@ -7,7 +7,7 @@
 #include <optional>
 #include <string>
 
-#include "bench/host/outcome.h"
+#include "bench/host/action_tally.h"
 #include "bench/job/box_answers.h"
 #include "host/environment.h"
 #include "host/host_object.h"
@@ -24,7 +24,7 @@ class BenchHost {
   struct Setup {
     std::string Folder;  // the program folder, absolute
     bool OffersDialog = false;
-    AnswerDesk::Setup Answers{};
+    BoxAnswers::Setup Answers{};
     std::function<bool()> WantsToStop = [] { return false; };  // the user; ends the wait for another program
   };
 
@@ -48,7 +48,7 @@ class BenchHost {
   void Begin(std::optional<std::string> file = std::nullopt, std::string place = {});
 
   // What has happened since then. May be added to.
-  Happenings& Now();
+  ActionTally& Tally();
 
   // Makes what was written to the settings files safe against a power cut. A failure is reported and counted.
   void FlushSettings();

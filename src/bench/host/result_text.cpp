@@ -4,6 +4,7 @@
 #include <array>
 #include <cstddef>
 
+#include "bench/host/outcome.h"
 #include "text/joined.h"
 #include "text/printable.h"
 
@@ -131,20 +132,20 @@ std::vector<std::string> CommandTexts(const CommandTally& commands) {
 }
 
 // What went over the link and into the files, as far as anything did.
-std::string Balance(const Happenings& happened) {
-  auto texts = CommandTexts(happened.Commands);
-  if (happened.ValuesWritten > 0) {
-    texts.push_back(Joined(Counted(happened.ValuesWritten, "value"), " written, ",
-                           std::to_string(happened.ValuesChanged), " changed"));
+std::string Balance(const ActionTally& tally) {
+  auto texts = CommandTexts(tally.Commands);
+  if (tally.ValuesWritten > 0) {
+    texts.push_back(Joined(Counted(tally.ValuesWritten, "value"), " written, ",
+                           std::to_string(tally.ValuesChanged), " changed"));
   }
-  if (happened.WritesFailed > 0) {
-    texts.push_back(Counted(happened.WritesFailed, "value") + " not written");
+  if (tally.WritesFailed > 0) {
+    texts.push_back(Counted(tally.WritesFailed, "value") + " not written");
   }
-  if (happened.ReadsFailed > 0) {
-    texts.push_back(Counted(happened.ReadsFailed, "value") + " not read");
+  if (tally.ReadsFailed > 0) {
+    texts.push_back(Counted(tally.ReadsFailed, "value") + " not read");
   }
-  if (happened.CharactersLost > 0) {
-    texts.push_back(Counted(happened.CharactersLost, "character") + " written as \"?\"");
+  if (tally.CharactersLost > 0) {
+    texts.push_back(Counted(tally.CharactersLost, "character") + " written as \"?\"");
   }
   std::string all;
   for (const auto& text : texts) {
@@ -170,12 +171,12 @@ std::string ResultText(const ActionResult& result) {
   if (result.Script) {
     return ScriptText(*result.Script);
   }
-  return Joined(Printable(result.Request.Command), ": ", RowOf(OutcomeOf(result.Happened)).Name,
-                Balance(result.Happened), "\n");
+  return Joined(Printable(result.Request.Command), ": ", RowOf(OutcomeOf(result.Tally)).Name,
+                Balance(result.Tally), "\n");
 }
 
-std::vector<std::string> ReasonsOf(const Happenings& happened) {
-  const auto& commands = happened.Commands;
+std::vector<std::string> ReasonsOf(const ActionTally& tally) {
+  const auto& commands = tally.Commands;
   std::vector<std::string> reasons;
   if (commands.NotAnswered > 0) {
     reasons.push_back(
@@ -187,9 +188,9 @@ std::vector<std::string> ReasonsOf(const Happenings& happened) {
   if (commands.IsFailedByReplies()) {
     reasons.push_back(Joined(OfAll(commands.Refused, commands), " refused, ", FirstRefused(commands)));
   }
-  if (happened.WasStopped || commands.Undelivered > 0) {
+  if (tally.WasStopped || commands.Undelivered > 0) {
     reasons.push_back(
-        Joined(happened.WasStopped ? "stopped, " : "", OfAll(commands.NotSent(), commands), " not sent"));
+        Joined(tally.WasStopped ? "stopped, " : "", OfAll(commands.NotSent(), commands), " not sent"));
   }
   return reasons;
 }

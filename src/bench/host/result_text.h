@@ -16,7 +16,7 @@ std::string ResultText(const ActionResult& result);
 
 // Why the outcome is not "done", as far as it has not been told while it happened: what the instrument answered, and
 // a stop. One sentence each.
-std::vector<std::string> ReasonsOf(const Happenings& happened);
+std::vector<std::string> ReasonsOf(const ActionTally& tally);
 
 // That actions were left out, why, and which: they are the last ones of `all`.
 std::string NotBegunText(std::string_view why, std::span<const Action> notBegun, std::size_t all);

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "bench/host/outcome.h"
+#include "bench/host/action_tally.h"
 #include "bench/job/actions.h"
 #include "page/page_model.h"
 
@@ -21,7 +21,7 @@ struct ShownPage {
 
 struct ActionResult {
   Action Request;
-  Happenings Happened;
+  ActionTally Tally{};
   std::optional<ShownPage> Page{};                   // of ShowPage
   std::optional<std::vector<std::string>> Script{};  // of ShowScript, without line ends
 };

@@ -1,11 +1,11 @@
 #include "bench/host/session.h"
 
 #include <algorithm>
-#include <charconv>
 #include <stdexcept>
 #include <utility>
 
 #include "bench/host/dry_run.h"
+#include "bench/host/outcome.h"
 #include "bench/host/result_text.h"
 #include "config/tables/current_records.h"
 #include "config/text.h"
@@ -14,28 +14,6 @@
 #include "text/usage_error.h"
 
 namespace zolvane {
-namespace {
-
-// "#3" is 3.
-std::optional<int> NumberedPosition(std::string_view entry) {
-  int position = 0;
-  const auto digits = entry.substr(std::min<std::size_t>(1, entry.size()));
-  const auto parsed = std::from_chars(digits.data(), digits.data() + digits.size(), position);
-  const bool isNumber = parsed.ec == std::errc{} && parsed.ptr == digits.data() + digits.size();
-  return entry.starts_with('#') && isNumber ? std::optional{position} : std::nullopt;
-}
-
-template <class Matches>
-std::optional<int> FindEntry(const std::vector<ListEntry>& entries, Matches matches) {
-  const auto found = std::ranges::find_if(entries, matches, &ListEntry::Text);
-  return found == entries.end() ? std::nullopt : std::optional{static_cast<int>(found - entries.begin())};
-}
-
-std::string At(const Action& action) {
-  return action.Place.empty() ? std::string{} : action.Place + ": ";
-}
-
-}  // namespace
 
 Session::Session(BenchHost& host, Console& console, TraceLog* trace)
     : host_{host},
@@ -46,7 +24,11 @@ Session::Session(BenchHost& host, Console& console, TraceLog* trace)
       tracedEnvironment_{trace != nullptr ? Traced(host.Environment(), *trace) : nullptr},
       tracedPages_{trace != nullptr ? Traced(pages_, *trace) : nullptr},
       module_{tracedEnvironment_ ? *tracedEnvironment_ : host.Environment(),
-              tracedPages_ ? *tracedPages_ : static_cast<PageViewFactory&>(pages_)} {}
+              tracedPages_ ? *tracedPages_ : static_cast<PageViewFactory&>(pages_)},
+      page_{.Shown = [this] { return pages_.Shown(); },
+            .Press = [this](int button) { Press(button); },
+            .Select = [this](auto list, int position) { PassOver(form_->UserSelects(list, position)); },
+            .SetCheck = [this](auto box, int value) { PassOver(form_->UserSetsCheck(box, value)); }} {}
 
 Session::~Session() = default;
 
@@ -86,7 +68,7 @@ int Session::TakeStatus() {
   if (trace_ != nullptr) {
     trace_->Flush();
   }
-  return ExitStatusOf(host_.Now());
+  return ExitStatusOf(host_.Tally());
 }
 
 int Session::PlayActions(std::span<const Action> actions, OnFailure onFailure, const Events& events) {
@@ -101,7 +83,7 @@ int Session::PlayActions(std::span<const Action> actions, OnFailure onFailure, c
       return std::max(worst, exit_status::notDone);
     }
     const auto result = Do(actions[done]);
-    worst = std::max(worst, ExitStatusOf(result.Happened));
+    worst = std::max(worst, ExitStatusOf(result.Tally));
     events.Ended(result);
   }
   if (worst == exit_status::done && events.IsInterrupted()) {
@@ -112,89 +94,32 @@ int Session::PlayActions(std::span<const Action> actions, OnFailure onFailure, c
 }
 
 ActionResult Session::Do(const Action& action) {
-  host_.Begin(action.File, At(action));
-  ActionResult result{.Request = action, .Happened = {}};
-  switch (action.Kind) {
-    case ActionKind::ShowPage:
-      result.Page = Shown();
-      break;
-    case ActionKind::PressButton:
-      Press(action);
-      break;
-    case ActionKind::SelectEntry:
-      Select(action);
-      break;
-    case ActionKind::SetCheck:
-      Tick(action);
-      break;
-    case ActionKind::ShowScript:
-      result.Script = ScriptLines();
-      break;
+  host_.Begin(action.File, action.At());
+  ActionResult result{.Request = action};
+  if (action.Kind == ActionKind::ShowPage) {
+    result.Page = Shown();
+  } else if (action.Kind == ActionKind::ShowScript) {
+    result.Script = ScriptLines();
+  } else {
+    UsePage(page_, action, host_.Tally(), [this](const std::string& text) { console_.Error(text); });
   }
   TakeStatus();
-  result.Happened = host_.Now();
-  for (const auto& reason : ReasonsOf(result.Happened)) {
-    console_.Error(Joined(At(action), Printable(action.Command), ": ", reason));
+  result.Tally = host_.Tally();
+  for (const auto& reason : ReasonsOf(result.Tally)) {
+    console_.Error(Joined(action.At(), Printable(action.Command), ": ", reason));
   }
   return result;
 }
 
-void Session::Press(const Action& action) {
-  const auto& enabled = pages_.Shown().ButtonsEnabled;
-  const auto index = static_cast<std::size_t>(action.Button);
-  if (action.Button >= 0 && index < enabled.size() &&
-      !Reacts(action, Joined(buttonRows[index].Name, " (", buttonRows[index].Caption, ")"), enabled[index])) {
-    return;
-  }
-  const auto expected = CountCommands(host_.Environment().ProgramFolder(), action.Button);
+void Session::Press(int button) {
+  const auto expected = CountCommands(host_.Environment().ProgramFolder(), button);
   console_.ExpectCommands(expected);
-  form_->PressButton(action.Button);
+  form_->PressButton(button);
   console_.ExpectCommands(0);
-  if (!host_.Now().WasCancelled) {
-    host_.Now().Commands.Expected = expected;
-    host_.Now().Commands.ExpectsSave = action.Button == uploadButton;
+  if (!host_.Tally().WasCancelled) {
+    host_.Tally().Commands.Expected = expected;
+    host_.Tally().Commands.ExpectsSave = button == uploadButton;
   }
-}
-
-void Session::Select(const Action& action) {
-  const auto& row = RowOf(action.List);
-  if (!Reacts(action, row.Name, pages_.Shown().Of(action.List).Enabled)) {
-    return;
-  }
-  if (const auto position = PositionOf(action)) {
-    PassOver(form_->UserSelects(action.List, *position));
-    return;
-  }
-  host_.Now().WasMisused = true;
-  console_.Error(Joined(At(action), row.Name, " has no entry ", Quoted(action.Entry),
-                        "; the command page prints its entries"));
-}
-
-void Session::Tick(const Action& action) {
-  if (Reacts(action, RowOf(action.Box).Name, pages_.Shown().Of(action.Box).Enabled)) {
-    PassOver(form_->UserSetsCheck(action.Box, action.Value));
-  }
-}
-
-bool Session::Reacts(const Action& action, std::string_view control, bool isEnabled) {
-  if (!isEnabled) {
-    host_.Now().WasDisabled = true;
-    console_.Error(Joined(At(action), control, " is disabled and does not react"));
-  }
-  return isEnabled;
-}
-
-// The text counts before the position, and its case if it decides.
-std::optional<int> Session::PositionOf(const Action& action) const {
-  const auto& entries = pages_.Shown().Of(action.List).Entries;
-  if (const auto exact = FindEntry(entries, [&](const auto& text) { return text == action.Entry; })) {
-    return exact;
-  }
-  if (const auto position = NumberedPosition(action.Entry)) {
-    const bool exists = *position >= 0 && static_cast<std::size_t>(*position) < entries.size();
-    return exists ? position : std::nullopt;
-  }
-  return FindEntry(entries, [&](const auto& text) { return EqualIgnoringCase(text, action.Entry); });
 }
 
 ShownPage Session::Shown() const {

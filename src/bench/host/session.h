@@ -6,13 +6,12 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <optional>
 #include <span>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "bench/host/bench_host.h"
+#include "bench/host/page_user.h"
 #include "bench/host/recorded_page.h"
 #include "bench/host/results.h"
 #include "bench/host/tracing.h"
@@ -56,14 +55,10 @@ class Session {
   int PlayActions(std::span<const Action> actions, OnFailure onFailure, const Events& events);
 
   ActionResult Do(const Action& action);
-  void Press(const Action& action);
-  void Select(const Action& action);
-  void Tick(const Action& action);
+  void Press(int button);
   ShownPage Shown() const;
   std::vector<std::string> ScriptLines();
 
-  bool Reacts(const Action& action, std::string_view control, bool isEnabled);
-  std::optional<int> PositionOf(const Action& action) const;
   int TakeStatus();
 
   BenchHost& host_;
@@ -75,6 +70,7 @@ class Session {
   RecordedPageFactory pages_;
   std::unique_ptr<PageViewFactory> tracedPages_;
   AddInModule module_;
+  PageInUse page_;
   std::unique_ptr<Connect> connect_;
   std::shared_ptr<frmAddIn> form_;
   std::string caption_;

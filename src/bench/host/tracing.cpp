@@ -100,7 +100,7 @@ class TracingEnvironment final : public ForwardingEnvironment {
 
   std::shared_ptr<IniFileService> CreateIniFileService() override {
     auto service = ForwardingEnvironment::CreateIniFileService();
-    return service ? std::make_shared<TracingSettings>(std::move(service), log_) : nullptr;
+    return service ? Traced(std::move(service), log_) : nullptr;
   }
 
   Status AppendBlankLine(const std::string& file) override {
@@ -384,6 +384,10 @@ void TraceLog::NoteFailure(bool isGood) {
   if (!isGood) {
     failure_ = LastWriteFailure();
   }
+}
+
+std::shared_ptr<IniFileService> Traced(std::shared_ptr<IniFileService> settings, TraceLog& log) {
+  return std::make_shared<TracingSettings>(std::move(settings), log);
 }
 
 std::unique_ptr<Environment> Traced(Environment& environment, TraceLog& log) {

@@ -38,6 +38,7 @@ class TraceLog {
 };
 
 // What is wrapped and the log both outlive the wrapper where they are given by reference.
+std::shared_ptr<IniFileService> Traced(std::shared_ptr<IniFileService> settings, TraceLog& log);
 std::unique_ptr<Environment> Traced(Environment& environment, TraceLog& log);
 std::unique_ptr<SystemDialogues> Traced(SystemDialogues& dialogues, TraceLog& log);
 std::shared_ptr<HostObject> Traced(std::shared_ptr<HostObject> object, TraceLog& log);

@@ -27,6 +27,9 @@ struct Action {
   CheckControl Box{};                 // of SetCheck
   int Value = untickedValue;          // of SetCheck
   std::optional<std::string> File{};  // what a file dialogue answers, absolute; nothing cancels it
+
+  // Stands in front of what is said about it.
+  std::string At() const { return Place.empty() ? std::string{} : Place + ": "; }
 };
 
 struct Job {

@@ -79,6 +79,24 @@ std::int32_t ParseAnswer(std::string_view word) {
   return found->Number;
 }
 
+// How the box was answered. Nothing is said of one that had a single button.
+std::string AnswerNote(const Answer& answer) {
+  const auto button = ButtonName(answer.Button);
+  switch (answer.By) {
+    case AnsweredBy::List:
+      return Joined(" (--answer: ", button, ")");
+    case AnsweredBy::Affirmation:
+      return Joined(" (--yes: ", button, ")");
+    case AnsweredBy::Caution:
+      return Joined(" (", button, ", as nobody answered; --yes and --answer answer for you)");
+    case AnsweredBy::User:
+      return Joined(" (answered ", button, ")");
+    case AnsweredBy::OnlyButton:
+      break;
+  }
+  return {};
+}
+
 }  // namespace
 
 std::vector<std::int32_t> ButtonsOf(std::int32_t style) {
@@ -92,6 +110,15 @@ std::vector<std::int32_t> ButtonsOf(std::int32_t style) {
     default:
       return {message_answer::ok};
   }
+}
+
+bool HasIcon(std::int32_t style, std::int32_t icon) {
+  constexpr std::int32_t iconMask = 0xF0;
+  return (style & iconMask) == icon;
+}
+
+bool IsDeclining(std::int32_t button) {
+  return button == message_answer::cancel || button == message_answer::no;
 }
 
 std::string_view ButtonName(std::int32_t button) {
@@ -111,13 +138,22 @@ std::vector<std::int32_t> ParseAnswers(std::string_view list) {
   return answers;
 }
 
-AnswerDesk::AnswerDesk(const Setup& setup, Questioner* terminal, Complaint complain)
+bool IsHarmless(const Question& question, const Answer& answer) {
+  return answer.By == AnsweredBy::OnlyButton ? HasIcon(question.Style, message_style::informationIcon)
+                                             : !IsDeclining(answer.Button);
+}
+
+std::string AnswerText(const Question& question, const Answer& answer) {
+  return Joined(Printable(question.Title), ": ", OneLine(question.Text), AnswerNote(answer));
+}
+
+BoxAnswers::BoxAnswers(const Setup& setup, Questioner* terminal, Complaint complain)
     : listed_{setup.Listed.begin(), setup.Listed.end()},
       affirmsRest_{setup.AffirmsRest},
       terminal_{terminal},
       complain_{std::move(complain)} {}
 
-Answer AnswerDesk::AnswerTo(const Question& question) {
+Answer BoxAnswers::AnswerTo(const Question& question) {
   const auto buttons = ButtonsOf(question.Style);
   if (buttons.size() == 1) {
     return {buttons.front(), AnsweredBy::OnlyButton};
@@ -134,7 +170,7 @@ Answer AnswerDesk::AnswerTo(const Question& question) {
   return {CautiousAnswer(buttons), AnsweredBy::Caution};
 }
 
-std::optional<std::int32_t> AnswerDesk::ListedAnswer(const Question& question,
+std::optional<std::int32_t> BoxAnswers::ListedAnswer(const Question& question,
                                                      const std::vector<std::int32_t>& buttons) {
   if (listed_.empty()) {
     return std::nullopt;
@@ -148,7 +184,7 @@ std::optional<std::int32_t> AnswerDesk::ListedAnswer(const Question& question,
   return std::nullopt;
 }
 
-std::optional<std::int32_t> AnswerDesk::UserAnswer(const Question& question,
+std::optional<std::int32_t> BoxAnswers::UserAnswer(const Question& question,
                                                    const std::vector<std::int32_t>& buttons) {
   if (terminal_ == nullptr) {
     return std::nullopt;

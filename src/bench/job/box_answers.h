@@ -24,6 +24,12 @@ struct Question {
 // The buttons of a style, from left to right. A style of no known buttons has OK alone.
 std::vector<std::int32_t> ButtonsOf(std::int32_t style);
 
+// The box shows that icon, one of message_style.
+bool HasIcon(std::int32_t style, std::int32_t icon);
+
+// The button declines what the box proposes: Cancel or No.
+bool IsDeclining(std::int32_t button);
+
 // "OK", "Cancel", "Yes", "No".
 std::string_view ButtonName(std::int32_t button);
 
@@ -37,7 +43,13 @@ struct Answer {
   AnsweredBy By = AnsweredBy::Caution;
 };
 
-class AnswerDesk {
+// The answer keeps nothing from being done: not worth an error message.
+bool IsHarmless(const Question& question, const Answer& answer);
+
+// The box as one line, and who answered it, and how: "Upload: Go on? (--yes: OK)".
+std::string AnswerText(const Question& question, const Answer& answer);
+
+class BoxAnswers {
  public:
   struct Setup {
     std::vector<std::int32_t> Listed;
@@ -45,9 +57,9 @@ class AnswerDesk {
   };
   using Complaint = std::function<void(const std::string& text)>;
 
-  // The terminal may be null; if not, it outlives the desk. `complain` is told of each listed answer that no
-  // button of its box fits.
-  AnswerDesk(const Setup& setup, Questioner* terminal, Complaint complain);
+  // The terminal may be null; otherwise it outlives this. `complain` gets a line for each listed answer that its box
+  // has no button for.
+  BoxAnswers(const Setup& setup, Questioner* terminal, Complaint complain);
 
   // A box with one button is answered with it and uses up no answer.
   Answer AnswerTo(const Question& question);

@@ -4,7 +4,6 @@
 #include <cerrno>
 #include <chrono>
 #include <exception>
-#include <fstream>
 #include <iterator>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -16,12 +15,11 @@
 #include "bench/host/bench_host.h"
 #include "bench/host/result_text.h"
 #include "bench/host/session.h"
-#include "bench/host/tracing.h"
+#include "bench/host/trace_output.h"
 #include "bench/job/actions.h"
 #include "bench/program/file_checks.h"
 #include "bench/program/options.h"
 #include "bench/program/report.h"
-#include "files/paths.h"
 #include "instrument/links/link_factory.h"
 #include "program/console.h"
 #include "program/terminal.h"
@@ -40,51 +38,6 @@ InterruptFlag& Interrupt() {
   static constinit InterruptFlag flag;
   return flag;
 }
-
-constexpr std::string_view standardOutput = "-";
-
-// ---- The trace and where it goes ----
-
-class TraceOutput {
- public:
-  TraceOutput(const Options& options, std::ostream& output) {
-    if (!options.Trace) {
-      return;
-    }
-    if (*options.Trace == standardOutput) {
-      log_ = std::make_unique<TraceLog>(output, options.TracesReads);
-      name_ = "standard output";
-      return;
-    }
-    name_ = Quoted(*options.Trace);
-    errno = 0;
-    file_.open(PathOf(*options.Trace), std::ios::binary | std::ios::trunc);
-    if (!file_) {
-      throw UsageError{
-          Joined("the trace file ", name_, " cannot be written: ", std::generic_category().message(errno))};
-    }
-    log_ = std::make_unique<TraceLog>(file_, options.TracesReads);
-  }
-
-  TraceLog* Log() const { return log_.get(); }
-
-  // The exit status as far as the trace goes.
-  int Finish(Console& console) {
-    if (!log_ || log_->Flush() || ReaderHasLeft(log_->Failure())) {
-      return exit_status::done;
-    }
-    console.Error(Joined("the trace is not complete, as ", name_,
-                         " could not be written: ", log_->Failure().message()));
-    return exit_status::unusable;
-  }
-
- private:
-  std::ofstream file_;
-  std::string name_;
-  std::unique_ptr<TraceLog> log_;
-};
-
-// ---- One run ----
 
 // Prints each result when it is there, or all of them as one document at the end.
 class Results {
@@ -151,14 +104,18 @@ int PlayJob(const Options& options, const Job& job, const std::shared_ptr<BenchL
                                   {.IsInterrupted = [] { return Interrupt().IsRaised(); },
                                    .Ended = [&](const ActionResult& result) { results.Take(result); },
                                    .NotBegun = [&](auto actions) { results.LeaveOut(actions); }});
-  return results.Finish(std::max(played, trace.Finish(console)));
+  if (const auto loss = trace.Finish()) {
+    console.Error(*loss);
+    return results.Finish(exit_status::unusable);
+  }
+  return results.Finish(played);
 }
 
 int Run(const Options& options, std::istream& input, std::ostream& output, std::ostream& errors) {
   const Job job = ParseJob(options.Command, options.File, input);
   const auto notes = CheckFiles(options, job);
   const auto link = CreateLink(options.Link, options.TimeoutSeconds, Interrupt());
-  TraceOutput trace{options, output};
+  TraceOutput trace{options.Trace, options.TracesReads, output};
   link->Begin();
   Console console{output,
                   errors,

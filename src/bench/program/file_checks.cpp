@@ -71,7 +71,7 @@ std::vector<std::string> CheckDialogueFiles(const Options& options, const Job& j
   std::vector<std::string> notes;
   std::vector<std::string> saved;
   for (const auto& action : job.Actions) {
-    const auto at = action.Place.empty() ? std::string{} : action.Place + ": ";
+    const auto at = action.At();
     const bool isSaved = action.File && std::ranges::find(saved, *action.File) != saved.end();
     if (Opens(action, exportButton)) {
       Demand(*action.File, FileUse::ReadAndWrite, at);

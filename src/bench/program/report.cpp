@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 #include <string_view>
 
+#include "bench/host/outcome.h"
 #include "bench/job/box_answers.h"
 #include "text/joined.h"
 #include "text/json_text.h"
@@ -40,7 +41,7 @@ Json MessagesJson(const std::vector<ShownMessage>& messages) {
 }
 
 Json HeadJson(const ActionResult& result) {
-  return {{"command", result.Request.Command}, {"exit_status", ExitStatusOf(result.Happened)}};
+  return {{"command", result.Request.Command}, {"exit_status", ExitStatusOf(result.Tally)}};
 }
 
 Json FirstRefusedJson(const CommandTally& commands) {
@@ -64,17 +65,17 @@ Json CommandsJson(const CommandTally& commands) {
 }
 
 Json OperationJson(const ActionResult& result) {
-  const auto& happened = result.Happened;
+  const auto& tally = result.Tally;
   Json json = HeadJson(result);
-  json["outcome"] = RowOf(OutcomeOf(happened)).Name;
-  json.update(CommandsJson(happened.Commands));
-  json["values_written"] = happened.ValuesWritten;
-  json["values_changed"] = happened.ValuesChanged;
-  json["writes_failed"] = happened.WritesFailed;
-  json["reads_failed"] = happened.ReadsFailed;
-  json["characters_lost"] = happened.CharactersLost;
-  json["file"] = OrNull(happened.ChosenFile);
-  json["messages"] = MessagesJson(happened.Messages);
+  json["outcome"] = RowOf(OutcomeOf(tally)).Name;
+  json.update(CommandsJson(tally.Commands));
+  json["values_written"] = tally.ValuesWritten;
+  json["values_changed"] = tally.ValuesChanged;
+  json["writes_failed"] = tally.WritesFailed;
+  json["reads_failed"] = tally.ReadsFailed;
+  json["characters_lost"] = tally.CharactersLost;
+  json["file"] = OrNull(tally.ChosenFile);
+  json["messages"] = MessagesJson(tally.Messages);
   return json;
 }
 

@@ -4,18 +4,17 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <functional>
 #include <iostream>
 #include <memory>
 #include <optional>
 #include <span>
-#include <sstream>
 #include <stdexcept>
 
-#include "bench/host/bench_host.h"
+#include "bench/host/outcome.h"
 #include "bench/host/result_text.h"
-#include "bench/host/tracing.h"
+#include "bench/host/trace_output.h"
+#include "bench/host/watch.h"
 #include "bench/job/actions.h"
 #include "bench/program/file_checks.h"
 #include "bench/program/options.h"
@@ -54,7 +53,7 @@ struct WindowOptions {
   bool OffersDialog = false;
   bool AffirmsRest = false;
   std::string Answers;
-  std::string Trace;
+  std::optional<std::string> Trace;
   bool TracesReads = false;
   std::string Play;
   std::string Screenshot;
@@ -140,39 +139,9 @@ class Apartment {
   Apartment& operator=(const Apartment&) = delete;
 };
 
-// Lines written to it are handed on one by one.
-class LineStream final : public std::ostream {
+class HestrionBench : private DialogueListener, private HostProcess {
  public:
-  explicit LineStream(std::function<void(const std::string&)> take)
-      : std::ostream{nullptr}, lines_{std::move(take)} {
-    rdbuf(&lines_);
-  }
-
- private:
-  class Lines final : public std::stringbuf {
-   public:
-    explicit Lines(std::function<void(const std::string&)> take) : take_{std::move(take)} {}
-
-   protected:
-    int sync() override {
-      std::istringstream written{str()};
-      str({});
-      for (std::string line; std::getline(written, line);) {
-        take_(line);
-      }
-      return 0;
-    }
-
-   private:
-    std::function<void(const std::string&)> take_;
-  };
-
-  Lines lines_;
-};
-
-class HestrionBench : private DialogueListener {
- public:
-  HestrionBench(const WindowOptions& options, Job job, std::ostream& errors);
+  HestrionBench(const WindowOptions& options, Job job, std::ostream& output, std::ostream& errors);
   ~HestrionBench() { ClosePage(); }
   HestrionBench(const HestrionBench&) = delete;
   HestrionBench& operator=(const HestrionBench&) = delete;
@@ -187,6 +156,13 @@ class HestrionBench : private DialogueListener {
   void FileDialogueOpens(FileDialogueKind kind, const FileDialogue& dialogue) override;
   void FileDialogueClosed(const std::optional<std::string>& chosen) override;
 
+  // ---- The process that the add-in runs in
+
+  std::string ProgramFolder() override;
+  std::shared_ptr<IniFileService> CreateIniFileService() override { return watch_.Settings(); }
+  Status AppendBlankLine(const std::string& file) override { return watch_.AppendBlankLine(file); }
+  void RunMessageLoopOnce() override { window_.PumpMessages(); }
+
   // ---- Operations. One begins with the first that is heard of it, and has ended when what the user did to begin it
   // has been dealt with.
 
@@ -199,8 +175,12 @@ class HestrionBench : private DialogueListener {
 
   ComPtr<IAddIn> CreateAddIn();
   std::shared_ptr<BenchLink> MakeWaitingLink();
-  std::string ProgramFolder() const;
-  void OpenTrace();
+  // As it is without a trace.
+  template <class Interface>
+  std::shared_ptr<Interface> Traced(std::shared_ptr<Interface> given) {
+    return trace_.Log() != nullptr ? zolvane::Traced(std::move(given), *trace_.Log()) : given;
+  }
+
   void OpenPage();
   void ClosePage();
   void ShowHelp();
@@ -209,7 +189,7 @@ class HestrionBench : private DialogueListener {
   void PlayActions();
   int PlayAction(const Action& action);
   void TakePicture();
-  int Status();
+  int ExitStatus();
   void Complain(const std::string& text);
   void TellUnheard();
   std::string FoundText();
@@ -217,18 +197,14 @@ class HestrionBench : private DialogueListener {
   const WindowOptions& options_;
   std::ostream& errors_;
   Job job_;
-  std::ofstream traceFile_;
-  std::optional<TraceLog> trace_;
   Apartment apartment_;
   MainWindow window_;
   std::optional<Player> player_;  // without one the user answers boxes and dialogues on the screen
   InterruptFlag interrupt_;
-  std::ostringstream unread_;
-  LineStream complaints_{[this](const std::string& line) { Complain(line); }};
-  Console console_;
+  Watch watch_{{.Complain = [this](std::string_view text) { Complain(Printable(text)); }}};
   std::shared_ptr<BenchLink> link_;
-  BenchHost host_;  // the link and the settings files; the rest of it has windows here
-  std::unique_ptr<Environment> tracedEnvironment_;
+  std::shared_ptr<InstrumentLink> watchedLink_;
+  TraceOutput trace_;
   std::optional<OfferedSettings> settings_;
   std::optional<InstalledModule> installed_;
   std::optional<AddInFile> file_;
@@ -251,13 +227,12 @@ std::vector<std::string> CheckFilesOf(const WindowOptions& options, const Job& j
   bench.Folder = AbsolutePath(options.Folder);
   bench.Link = options.Link;
   bench.Replaces = options.Replaces;
-  if (!options.Trace.empty()) {
-    bench.Trace = options.Trace;
-  }
+  bench.Trace = options.Trace;
   return CheckFiles(bench, job);
 }
 
-HestrionBench::HestrionBench(const WindowOptions& options, Job job, std::ostream& errors)
+HestrionBench::HestrionBench(const WindowOptions& options, Job job, std::ostream& output,
+                             std::ostream& errors)
     : options_{options},
       errors_{errors},
       job_{std::move(job)},
@@ -269,25 +244,17 @@ HestrionBench::HestrionBench(const WindowOptions& options, Job job, std::ostream
                .Stop = [this] { StopOperation(); },
                .MayBeEnded = [this] { return MayBeEnded(); },
                .Rest = [this] { Rest(); }}},
-      console_{unread_,
-               complaints_,
-               {.Program = "", .IsQuiet = true, .ResultsGoToNotes = false, .NotesWidth = {}}},
       link_{CreateLink(options.Link, ParseTimeout(options.Timeout), interrupt_)},
-      host_{{}, MakeWaitingLink(), nullptr, console_} {
-  OpenTrace();
+      watchedLink_{watch_.Watched(MakeWaitingLink())},
+      trace_{options.Trace, options.TracesReads, output} {
   link_->Begin();
   if (!options_.Play.empty()) {
-    player_.emplace(AnswerDesk::Setup{.Listed = options_.Answers.empty() ? std::vector<std::int32_t>{}
+    player_.emplace(BoxAnswers::Setup{.Listed = options_.Answers.empty() ? std::vector<std::int32_t>{}
                                                                          : ParseAnswers(options_.Answers),
                                       .AffirmsRest = options_.AffirmsRest},
                     [this](const std::string& text) { Complain(text); });
   }
-  if (trace_) {
-    tracedEnvironment_ = Traced(host_.Environment(), *trace_);
-  }
-  settings_.emplace([this] {
-    return (tracedEnvironment_ ? *tracedEnvironment_ : host_.Environment()).CreateIniFileService();
-  });
+  settings_.emplace([this] { return Traced(CreateIniFileService()); });
   const auto addIn = CreateAddIn();
   UniqueBstr caption;
   addIn->get_Caption(caption.Put());
@@ -302,8 +269,8 @@ std::shared_ptr<BenchLink> HestrionBench::MakeWaitingLink() {
                               [this](const std::string& command) {
                                 auto& operation = BeginOperation(command);
                                 operation.Sends(command, ProgramFolder());
-                                host_.Now().Commands.Expected = operation.Expected();
-                                host_.Now().Commands.ExpectsSave = operation.Button() == uploadButton;
+                                watch_.Tally().Commands.Expected = operation.Expected();
+                                watch_.Tally().Commands.ExpectsSave = operation.Button() == uploadButton;
                                 window_.ShowProgress(operation.Progress());
                               },
                           .Answered = [this](const std::string& command,
@@ -312,19 +279,8 @@ std::shared_ptr<BenchLink> HestrionBench::MakeWaitingLink() {
 }
 
 // Where the add-in lies, and so its configuration.
-std::string HestrionBench::ProgramFolder() const {
+std::string HestrionBench::ProgramFolder() {
   return FolderOf(GetModuleHandleW(addInModuleName));
-}
-
-void HestrionBench::OpenTrace() {
-  if (options_.Trace.empty()) {
-    return;
-  }
-  traceFile_.open(PathOf(options_.Trace), std::ios::binary | std::ios::trunc);
-  if (!traceFile_) {
-    throw UsageError{Joined("the trace file ", options_.Trace, " cannot be written")};
-  }
-  trace_.emplace(traceFile_, options_.TracesReads);
 }
 
 // With a folder, the module that lies there; otherwise the registered class, or the module beside this program.
@@ -346,7 +302,7 @@ ComPtr<IAddIn> HestrionBench::CreateAddIn() {
   }
   if (!hooks_) {
     DialogueListener& listener = *this;
-    hooks_.emplace(GetModuleHandleW(addInModuleName), trace_ ? &*trace_ : nullptr, listener);
+    hooks_.emplace(GetModuleHandleW(addInModuleName), trace_.Log(), listener);
   }
   return addIn;
 }
@@ -356,7 +312,7 @@ void HestrionBench::OpenPage() {
     return;
   }
   auto object = MakeWindowedObject({.Window = &window_,
-                                    .Link = host_.Object()->Link(),
+                                    .Link = watchedLink_,
                                     .OffersDialog = options_.OffersDialog,
                                     .MessageOpened = [this](const Question& question) {
                                       if (player_) {
@@ -368,9 +324,8 @@ void HestrionBench::OpenPage() {
       BeginOperation(status);
     }
   });
-  session_ = std::make_unique<ComSession>(
-      CreateAddIn(), OfferHostObject(trace_ ? Traced(std::move(object), *trace_) : std::move(object)),
-      OfferHostWindow(trace_ ? Traced(std::move(window), *trace_) : std::move(window)));
+  session_ = std::make_unique<ComSession>(CreateAddIn(), OfferHostObject(Traced(std::move(object))),
+                                          OfferHostWindow(Traced(std::move(window))));
   window_.Embed(session_->Frame(), session_->WantsButtons(), session_->WantsStatusBar());
   window_.AppendLog(Joined("Opened: ", session_->Caption()));
   window_.ShowTitle(session_->Caption());
@@ -380,7 +335,7 @@ void HestrionBench::ClosePage() {
   if (session_) {
     window_.Embed(nullptr, false, true);
     session_ = nullptr;
-    host_.FlushSettings();
+    watch_.FlushSettings();
     window_.ShowStatus("");
     window_.AppendLog("Closed");
     window_.ShowTitle("");
@@ -431,7 +386,7 @@ void HestrionBench::BoxOpens(const MessageBoxRequest& request) {
 }
 
 void HestrionBench::BoxClosed(const MessageBoxRequest& request, std::optional<std::int32_t> answer) {
-  NoteAnswer(host_.Now(), request.Style, answer);
+  watch_.Tally().TakeAnswer(request.Style, answer);
   if (player_) {
     player_->BoxClosed(request, answer);
   }
@@ -445,7 +400,7 @@ void HestrionBench::FileDialogueOpens(FileDialogueKind kind, const FileDialogue&
 }
 
 void HestrionBench::FileDialogueClosed(const std::optional<std::string>& chosen) {
-  host_.Now().WasCancelled |= !chosen;
+  watch_.Tally().WasCancelled |= !chosen;
   if (player_) {
     player_->FileDialogueClosed(chosen);
   }
@@ -456,8 +411,8 @@ void HestrionBench::FileDialogueClosed(const std::optional<std::string>& chosen)
 // `name` is what it is called if this begins it.
 Operation& HestrionBench::BeginOperation(const std::string& name) {
   if (!operation_) {
-    worst_ = std::max(worst_, ExitStatusOf(host_.Now()));
-    host_.Begin();
+    worst_ = std::max(worst_, ExitStatusOf(watch_.Tally()));
+    watch_.Begin();
     findings_ = {};
     operation_.emplace(name, Operation::Clock::now());
     window_.ShowOperation(true);
@@ -466,8 +421,8 @@ Operation& HestrionBench::BeginOperation(const std::string& name) {
 }
 
 void HestrionBench::EndOperation() {
-  const auto result = operation_->Result(host_.Now(), Operation::Clock::now());
-  const bool isTold = isPlaying_ || OutcomeOf(host_.Now()) == Outcome::Done;
+  const auto result = operation_->Result(watch_.Tally(), Operation::Clock::now());
+  const bool isTold = isPlaying_ || OutcomeOf(watch_.Tally()) == Outcome::Done;
   const auto found = operation_->Button() == queryButton ? FoundText() : std::string{};
   operation_ = std::nullopt;
   interrupt_.Lower();
@@ -486,16 +441,17 @@ void HestrionBench::EndOperation() {
 
 // What is done next is another matter, with complaints of its own.
 void HestrionBench::Rest() {
-  host_.FlushSettings();
+  watch_.FlushSettings();
   if (operation_) {
     EndOperation();
   }
-  worst_ = std::max(worst_, ExitStatusOf(host_.Now()));
-  host_.Begin();
+  worst_ = std::max(worst_, ExitStatusOf(watch_.Tally()));
+  watch_.Begin();
 }
 
 std::string HestrionBench::FoundText() {
-  const Configuration configuration{host_.Environment()};
+  HostProcess& process = *this;
+  const Configuration configuration{process};
   return findings_.Text(configuration, ConfigFileIn(ProgramFolder()),
                         session_ ? PageDriver{session_->Frame()}.Shown().PumpText : std::string{});
 }
@@ -548,12 +504,12 @@ void HestrionBench::PlayActions() {
 
 // The exit status as far as this command goes.
 int HestrionBench::PlayAction(const Action& action) {
-  host_.Begin();
+  watch_.Begin();
   player_->Play(action, PageDriver{session_->Frame()});
-  for (const auto& reason : ReasonsOf(host_.Now())) {
+  for (const auto& reason : ReasonsOf(watch_.Tally())) {
     Complain(Joined(Printable(action.Command), ": ", reason));
   }
-  const int status = std::max(ExitStatusOf(host_.Now()), ExitStatusOf(player_->Happened()));
+  const int status = std::max(ExitStatusOf(watch_.Tally()), ExitStatusOf(player_->Tally()));
   worst_ = std::max(worst_, status);
   return status;
 }
@@ -569,10 +525,10 @@ void HestrionBench::TakePicture() {
 }
 
 // A trace that is not complete is no trace.
-int HestrionBench::Status() {
-  const int status = std::max(worst_, ExitStatusOf(host_.Now()));
-  if (trace_ && !trace_->Flush()) {
-    Complain("the trace is not complete");
+int HestrionBench::ExitStatus() {
+  const int status = std::max(worst_, ExitStatusOf(watch_.Tally()));
+  if (const auto loss = trace_.Finish()) {
+    Complain(*loss);
     return exit_status::unusable;
   }
   return status;
@@ -596,7 +552,7 @@ int HestrionBench::Run(const std::vector<std::string>& notes) {
     ReopenWhenDisabled();
   }
   window_.Run();
-  const int status = Status();
+  const int status = ExitStatus();
   TellUnheard();
   return status;
 }
@@ -623,7 +579,7 @@ int RunHestrionBench(std::vector<std::string> arguments, std::ostream& output, s
     }
     Job job = options.Play.empty() ? Job{} : ParseJob({"run", options.Play}, std::nullopt, std::cin);
     const auto notes = CheckFilesOf(options, job);
-    return HestrionBench{options, std::move(job), errors}.Run(notes);
+    return HestrionBench{options, std::move(job), output, errors}.Run(notes);
   } catch (const UsageError& error) {
     complain(error);
     return exit_status::unusable;

@@ -55,9 +55,9 @@ std::string Operation::Progress() const {
   return expected_ >= sent_ ? Joined(sent, " of ", std::to_string(expected_)) : sent;
 }
 
-std::string Operation::Result(const Happenings& happened, Clock::time_point now) const {
+std::string Operation::Result(const ActionTally& tally, Clock::time_point now) const {
   auto text =
-      ResultText({.Request = {.Kind = ActionKind::PressButton, .Command = name_}, .Happened = happened});
+      ResultText({.Request = {.Kind = ActionKind::PressButton, .Command = name_}, .Tally = tally});
   text.resize(text.find_last_not_of('\n') + 1);
   return Joined(text, ", ", Seconds(now - begin_));
 }

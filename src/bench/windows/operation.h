@@ -35,7 +35,7 @@ class Operation {
   std::string Progress() const;
 
   // For people, in one line: what became of it, and how long it took.
-  std::string Result(const Happenings& happened, Clock::time_point now) const;
+  std::string Result(const ActionTally& tally, Clock::time_point now) const;
 
   // The button of the page that began it, if it has become known.
   std::optional<int> Button() const { return button_; }

@@ -45,7 +45,7 @@ struct Desk {
                 }} {}
 
   std::vector<std::string> Complaints;
-  AnswerDesk Answers;
+  BoxAnswers Answers;
 
   std::int32_t To(const Question& question) { return Answers.AnswerTo(question).Button; }
 };

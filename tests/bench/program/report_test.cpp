@@ -5,6 +5,7 @@
 #include <chrono>
 #include <nlohmann/json.hpp>
 
+#include "bench/host/outcome.h"
 #include "bench/host/result_text.h"
 
 namespace zolvane {
@@ -32,13 +33,13 @@ TEST(Report, TellsWhenTheRunBeganInUtcAndHowLongItTook) {
 
 TEST(Report, OfACommandAloneHasTheSameShapeAsThatOfARun) {
   RunReport report;
-  report.Results.push_back({.Request = Named("query"), .Happened = {}});
+  report.Results.push_back({.Request = Named("query"), .Tally = {}});
   EXPECT_EQ(ReportJson(report)["actions"][0]["command"], "query");
 }
 
 TEST(Report, OfThePageAloneIsThePage) {
   RunReport report;
-  ActionResult page{.Request = Named("page"), .Happened = {}};
+  ActionResult page{.Request = Named("page"), .Tally = {}};
   page.Page = ShownPage{.Caption = "Zolvane Setup", .Page = {}, .Status = "", .Changed = {}};
   report.Results.push_back(page);
   EXPECT_EQ(ReportJson(report)["caption"], "Zolvane Setup");
@@ -47,15 +48,15 @@ TEST(Report, OfThePageAloneIsThePage) {
 }
 
 TEST(Report, ShortensAReplyThatGoesOnAndOn) {
-  Happenings happened;
-  happened.Commands.Count("SET_CALIBRATION A 1", true, std::string(1000, 'x'));
-  EXPECT_EQ(ReasonsOf(happened), std::vector<std::string>{"1 of 1 command refused, first A with \"" +
+  ActionTally tally;
+  tally.Commands.Count("SET_CALIBRATION A 1", true, std::string(1000, 'x'));
+  EXPECT_EQ(ReasonsOf(tally), std::vector<std::string>{"1 of 1 command refused, first A with \"" +
                                                           std::string(60, 'x') + "\"..."});
 }
 
 TEST(Report, TellsWhyTheLinkDidNotDeliver) {
-  ActionResult result{.Request = Named("query"), .Happened = {}};
-  auto& commands = result.Happened.Commands;
+  ActionResult result{.Request = Named("query"), .Tally = {}};
+  auto& commands = result.Tally.Commands;
   commands.Count("STATUS_STAGE", false, "");
   commands.Undelivered = 3;
   commands.FirstProblem = "tcp:127.0.0.1:1 cannot be opened: Connection refused";
@@ -64,7 +65,7 @@ TEST(Report, TellsWhyTheLinkDidNotDeliver) {
       ResultText(result),
       "query: failed (1 of 4 commands sent; 0 accepted; 1 not answered, first STATUS_STAGE; tcp:127.0.0.1:1 "
       "cannot be opened: Connection refused; skipped the line \"WELCOME\"; 3 not sent)\n");
-  EXPECT_EQ(ReasonsOf(result.Happened),
+  EXPECT_EQ(ReasonsOf(result.Tally),
             (std::vector<std::string>{"1 of 4 commands not answered, first STATUS_STAGE",
                                       "skipped the line \"WELCOME\"", "3 of 4 commands not sent"}));
   RunReport report;
@@ -89,36 +90,36 @@ TEST(Outcome, OfNothingIsDone) {
 }
 
 TEST(Outcome, IsTheWeightiestThatHappened) {
-  Happenings happened;
-  const auto expect = [&happened](Outcome outcome, std::string_view name, int status) {
-    EXPECT_EQ(OutcomeOf(happened), outcome) << name;
-    EXPECT_EQ(RowOf(OutcomeOf(happened)).Name, name);
-    EXPECT_EQ(ExitStatusOf(happened), status) << name;
+  ActionTally tally;
+  const auto expect = [&tally](Outcome outcome, std::string_view name, int status) {
+    EXPECT_EQ(OutcomeOf(tally), outcome) << name;
+    EXPECT_EQ(RowOf(OutcomeOf(tally)).Name, name);
+    EXPECT_EQ(ExitStatusOf(tally), status) << name;
   };
-  happened.WasStopped = true;
+  tally.WasStopped = true;
   expect(Outcome::Stopped, "stopped", 1);
-  happened.WasCancelled = true;
+  tally.WasCancelled = true;
   expect(Outcome::Cancelled, "cancelled", 1);
-  happened.WasRefused = true;
+  tally.WasRefused = true;
   expect(Outcome::Refused, "refused", 1);
-  happened.WritesFailed = 1;
+  tally.WritesFailed = 1;
   expect(Outcome::Failed, "failed", 1);
-  happened.WasDisabled = true;
+  tally.WasDisabled = true;
   expect(Outcome::Disabled, "disabled", 1);
-  happened.WasMisused = true;
+  tally.WasMisused = true;
   expect(Outcome::Unusable, "unusable", 2);
 }
 
 TEST(Outcome, IsAFailureWhenACommandWasNotAnswered) {
-  Happenings happened;
-  happened.Commands.Count("STATUS_STAGE", false, "");
-  EXPECT_EQ(OutcomeOf(happened), Outcome::Failed);
+  ActionTally tally;
+  tally.Commands.Count("STATUS_STAGE", false, "");
+  EXPECT_EQ(OutcomeOf(tally), Outcome::Failed);
 }
 
 TEST(Outcome, IsAFailureWhenTheLinkCouldNotSendACommand) {
-  Happenings happened;
-  happened.Commands.Undelivered = 1;
-  EXPECT_EQ(OutcomeOf(happened), Outcome::Failed);
+  ActionTally tally;
+  tally.Commands.Undelivered = 1;
+  EXPECT_EQ(OutcomeOf(tally), Outcome::Failed);
 }
 
 }  // namespace

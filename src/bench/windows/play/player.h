@@ -4,9 +4,8 @@
 #include <functional>
 #include <optional>
 #include <string>
-#include <string_view>
 
-#include "bench/host/outcome.h"
+#include "bench/host/action_tally.h"
 #include "bench/job/actions.h"
 #include "bench/job/box_answers.h"
 #include "bench/windows/play/dialogue_answerer.h"
@@ -15,15 +14,12 @@
 
 namespace zolvane {
 
-// What the answer to a box says about the operation that showed it.
-void NoteAnswer(Happenings& happened, std::int32_t style, std::optional<std::int32_t> answer);
-
 class Player final : public DialogueListener {
  public:
   using Complaint = std::function<void(const std::string& text)>;
 
   // Of the thread that the page lives on.
-  Player(const AnswerDesk::Setup& answers, Complaint complain);
+  Player(const BoxAnswers::Setup& answers, Complaint complain);
 
   // Returns when all that the command started has ended. False when it does not fit the page: the control is disabled,
   // or the list has no such entry.
@@ -33,7 +29,7 @@ class Player final : public DialogueListener {
   void Answer(const Question& question);
 
   // What has happened at the page since the last action began.
-  const Happenings& Happened() const { return happened_; }
+  const ActionTally& Tally() const { return tally_; }
 
   void BoxOpens(const MessageBoxRequest& request) override;
   void BoxClosed(const MessageBoxRequest& request, std::optional<std::int32_t> answer) override;
@@ -41,16 +37,11 @@ class Player final : public DialogueListener {
   void FileDialogueClosed(const std::optional<std::string>& chosen) override;
 
  private:
-  bool Press(const Action& action, const PageDriver& page, const PageModel& shown);
-  bool Select(const Action& action, const PageDriver& page, const PageModel& shown);
-  bool Reacts(const Action& action, std::string_view control, bool isEnabled);
-  void Misuse(const std::string& text);
-
   Complaint complain_;
-  AnswerDesk desk_;
+  BoxAnswers answers_;
   DialogueAnswerer answerer_;
   std::optional<std::string> file_;
-  Happenings happened_;
+  ActionTally tally_;
 };
 
 }  // namespace zolvane
