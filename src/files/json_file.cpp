@@ -1,15 +1,10 @@
 #include "files/json_file.h"
 
 #include <algorithm>
-#include <array>
-#include <cerrno>
 #include <cstddef>
-#include <filesystem>
-#include <fstream>
 #include <string_view>
-#include <system_error>
 
-#include "files/paths.h"
+#include "files/whole_file.h"
 #include "text/joined.h"
 #include "text/printable.h"
 #include "text/usage_error.h"
@@ -17,35 +12,8 @@
 namespace zolvane {
 namespace {
 
-// Some files, as devices that give zeros, never end.
-constexpr std::size_t largestFile = 16'000'000;
-
 [[noreturn]] void Refuse(const std::string& file, std::string_view reason) {
   throw UsageError{Joined(Printable(file), ": ", Printable(reason))};
-}
-
-std::string ReadWhole(const std::string& file) {
-  std::error_code ignored;
-  if (std::filesystem::is_directory(PathOf(file), ignored)) {
-    Refuse(file, "is a folder");
-  }
-  errno = 0;
-  std::ifstream stream{PathOf(file), std::ios::binary};
-  if (!stream) {
-    Refuse(file, Joined("cannot be read: ", std::generic_category().message(errno)));
-  }
-  std::string text;
-  std::array<char, 65536> chunk{};
-  while (stream.read(chunk.data(), chunk.size()) || stream.gcount() > 0) {
-    text.append(chunk.data(), static_cast<std::size_t>(stream.gcount()));
-    if (text.size() > largestFile) {
-      Refuse(file, "is larger than 16 megabytes");
-    }
-  }
-  if (stream.bad()) {
-    Refuse(file, Joined("cannot be read: ", std::generic_category().message(errno)));
-  }
-  return text;
 }
 
 // `count` bytes were read before the mistake was seen.
@@ -59,7 +27,7 @@ std::string PlaceOf(std::string_view text, std::size_t count) {
 }  // namespace
 
 nlohmann::json ReadJsonFile(const std::string& file) {
-  return ParseJson(ReadWhole(file), file);
+  return ParseJson(ReadWholeFile(file, "JSON file"), file);
 }
 
 nlohmann::json ParseJson(std::string_view text, const std::string& file) {

@@ -8,6 +8,7 @@
 
 #include "bench/host/bench_host.h"
 #include "bench/host/tracing.h"
+#include "bench/job/job.h"
 #include "bench/program/bench_program.h"
 #include "bench/program/report.h"
 #include "bench/windows/com/com_session.h"

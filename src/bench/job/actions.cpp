@@ -2,10 +2,7 @@
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <charconv>
-#include <fstream>
-#include <istream>
 #include <iterator>
 #include <limits>
 #include <system_error>
@@ -204,7 +201,14 @@ std::string WrittenAs(const Words& words) {
   return text;
 }
 
-Action MakeAction(const CommandRow& row, const Words& words, const std::optional<std::string>& file) {
+}  // namespace
+
+bool RunsFile(const Words& words) {
+  return CheckedRow(words).Make == nullptr;
+}
+
+Action MakeAction(const Words& words, const std::optional<std::string>& file) {
+  const auto& row = CheckedRow(words);
   if (file && row.Name != pressCommand) {
     throw UsageError{Joined("--file goes with press; ", row.Name, " is used as: ", row.Usage)};
   }
@@ -214,215 +218,6 @@ Action MakeAction(const CommandRow& row, const Words& words, const std::optional
     action.File = DialogueFile(*file);
   }
   return action;
-}
-
-// ---- Run files ----
-
-constexpr std::string_view standardInput = "-";
-
-// Beyond that it is no list of commands that somebody wrote.
-constexpr std::size_t largestRunFile = std::size_t{16} * 1024 * 1024;
-constexpr std::size_t mostActions = 1'000'000;
-
-// Reads a run file and those that it runs in turn.
-class RunFileReader {
- public:
-  explicit RunFileReader(std::istream& input) : input_{input} {}
-
-  Job Read(const std::string& file) {
-    Open(file);
-    while (!open_.empty()) {
-      if (const auto line = NextLine(open_.back())) {
-        TakeLine(*line);
-      } else {
-        open_.pop_back();
-      }
-    }
-    return {.Actions = std::move(actions_), .IsRun = true, .RunFiles = std::move(files_)};
-  }
-
- private:
-  struct OpenFile {
-    std::string Identity;  // so that a file which is being read is known again
-    std::string Name;
-    std::string Text;
-    std::size_t At = 0;  // where the next line starts
-    std::size_t Line = 0;
-
-    std::string Place() const { return Joined(Name, ", line ", std::to_string(Line)); }
-  };
-
-  void Open(const std::string& file) {
-    const bool isInput = file == standardInput;
-    OpenFile opened{.Identity = isInput ? file : AbsolutePath(file),
-                    .Name = isInput ? "standard input" : Printable(file),
-                    .Text = {}};
-    if (std::ranges::find(open_, opened.Identity, &OpenFile::Identity) != open_.end()) {
-      throw UsageError{Joined(opened.Name, " runs itself")};
-    }
-    opened.Text = isInput ? Content(input_, opened.Name) : ContentOf(file, opened.Name);
-    if (opened.Text.find('\0') != std::string::npos) {
-      throw UsageError{
-          Joined(opened.Name, " is no list of commands in UTF-8, as there are zero bytes in it")};
-    }
-    if (!isInput) {
-      files_.insert(opened.Identity);
-    }
-    constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
-    opened.At = opened.Text.starts_with(byteOrderMark) ? byteOrderMark.size() : 0;
-    open_.push_back(std::move(opened));
-  }
-
-  static std::string ContentOf(const std::string& file, const std::string& name) {
-    std::error_code failure;
-    if (std::filesystem::is_directory(PathOf(file), failure)) {
-      throw UsageError{Joined(name, " is a folder and no run file")};
-    }
-    errno = 0;
-    std::ifstream stream{PathOf(file), std::ios::binary};
-    if (!stream) {
-      throw UsageError{
-          Joined("the run file ", name, " cannot be opened: ", std::generic_category().message(errno))};
-    }
-    return Content(stream, name);
-  }
-
-  static std::string Content(std::istream& stream, const std::string& name) {
-    std::string text;
-    std::array<char, 65536> piece{};
-    while (stream && text.size() <= largestRunFile) {
-      stream.read(piece.data(), piece.size());
-      text.append(piece.data(), static_cast<std::size_t>(stream.gcount()));
-    }
-    if (text.size() > largestRunFile) {
-      throw UsageError{Joined(name, " is too large to be a list of commands")};
-    }
-    if (stream.bad()) {
-      throw UsageError{Joined(name, " cannot be read to its end")};
-    }
-    return text;
-  }
-
-  // Without its line end and the blanks around it.
-  static std::optional<std::string> NextLine(OpenFile& file) {
-    if (file.At >= file.Text.size()) {
-      return std::nullopt;
-    }
-    const auto end = std::min(file.Text.find('\n', file.At), file.Text.size());
-    auto line = std::string_view{file.Text}.substr(file.At, end - file.At);
-    if (line.ends_with('\r')) {
-      line.remove_suffix(1);
-    }
-    file.At = end + 1;
-    ++file.Line;
-    return std::string{Trimmed(line)};
-  }
-
-  void TakeLine(const std::string& line) {
-    if (line.empty() || line.starts_with('#')) {
-      return;
-    }
-    const auto places = Places();
-    try {
-      TakeCommand(SplitWords(line));
-    } catch (const UsageError& error) {
-      throw UsageError{places + error.what()};
-    }
-  }
-
-  // The way to the line that is being read, through all files that are open.
-  std::string Places() const {
-    std::string places;
-    for (const auto& file : open_) {
-      places += Joined(file.Place(), ": ");
-    }
-    return places;
-  }
-
-  void TakeCommand(Words words) {
-    const auto file = TakeFileOption(words);
-    const auto& row = CheckedRow(words);
-    if (row.Make == nullptr) {
-      Open(words[1]);
-      return;
-    }
-    if (actions_.size() >= mostActions) {
-      throw UsageError{Joined("there are more than ", std::to_string(mostActions), " commands")};
-    }
-    actions_.push_back(MakeAction(row, words, file));
-    actions_.back().Place = open_.back().Place();
-  }
-
-  // "press 3 --file backup.bak": the one option that belongs to a command, in both its spellings.
-  static std::optional<std::string> TakeFileOption(Words& words) {
-    constexpr std::string_view option = "--file";
-    constexpr std::string_view joined = "--file=";
-    const auto found = std::ranges::find_if(
-        words, [&](const auto& word) { return word == option || word.starts_with(joined); });
-    if (found == words.end()) {
-      return std::nullopt;
-    }
-    const bool isJoined = *found != option;
-    if (!isJoined && std::next(found) == words.end()) {
-      throw UsageError{"--file needs the name of a file"};
-    }
-    std::string file = isJoined ? found->substr(joined.size()) : *std::next(found);
-    words.erase(found, std::next(found, isJoined ? 1 : 2));
-    if (words.empty()) {
-      throw UsageError{"--file goes with press"};
-    }
-    return file;
-  }
-
-  std::istream& input_;
-  std::vector<OpenFile> open_;
-  std::vector<Action> actions_;
-  std::set<std::string> files_;
-};
-
-}  // namespace
-
-Job ParseJob(const Words& words, const std::optional<std::string>& file, std::istream& input) {
-  if (words.empty()) {
-    throw UsageError{"no command is given; see zolvane-bench --help"};
-  }
-  const auto& row = CheckedRow(words);
-  if (row.Make != nullptr) {
-    return {.Actions = {MakeAction(row, words, file)}, .IsRun = false};
-  }
-  if (file) {
-    throw UsageError{"--file goes with press; in a run file it stands in the line of its press"};
-  }
-  return RunFileReader{input}.Read(words[1]);
-}
-
-std::vector<std::string> SplitWords(std::string_view line) {
-  constexpr std::string_view blanks = " \t";
-  std::vector<std::string> words;
-  bool isInWord = false;
-  bool isQuoted = false;
-  for (std::size_t at = 0; at < line.size(); ++at) {
-    const char character = line[at];
-    if (!isQuoted && blanks.find(character) != std::string_view::npos) {
-      isInWord = false;
-      continue;
-    }
-    if (!isInWord) {
-      words.emplace_back();
-      isInWord = true;
-    }
-    if (character != '"') {
-      words.back() += character;
-    } else if (isQuoted && at + 1 < line.size() && line[at + 1] == '"') {
-      words.back() += line[++at];
-    } else {
-      isQuoted = !isQuoted;
-    }
-  }
-  if (isQuoted) {
-    throw UsageError{"a double quote is not closed"};
-  }
-  return words;
 }
 
 std::vector<CommandHelp> CommandsHelp() {

@@ -1,11 +1,9 @@
-// What the user does on the page, as commands: one on the command line, or one per line of a run file.
+// What the user does on the page, as commands.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
-#include <iosfwd>
 #include <optional>
-#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -32,21 +30,12 @@ struct Action {
   std::string At() const { return Place.empty() ? std::string{} : Place + ": "; }
 };
 
-struct Job {
-  std::vector<Action> Actions;
-  bool IsRun = false;                // its results are a list, whatever their number
-  std::set<std::string> RunFiles{};  // that the commands stand in, absolute
-};
+// The words, which are not empty, are the command that runs a file: the second of them. Throws UsageError if they are no
+// command, or too few or too many words for it.
+bool RunsFile(const std::vector<std::string>& words);
 
-// The command of the command line, with the value of --file if there is one. Reads the run file that it
-// names;
-// "-" is `input`. Throws UsageError.
-Job ParseJob(const std::vector<std::string>& words, const std::optional<std::string>& file,
-             std::istream& input);
-
-// The words of a line: separated by spaces and tabs; double quotes group, and within them "" is a quote.
-// Throws UsageError for a quote that does not end.
-std::vector<std::string> SplitWords(std::string_view line);
+// What any other command does. `file` is the value of --file, if there is one. Throws UsageError.
+Action MakeAction(const std::vector<std::string>& words, const std::optional<std::string>& file);
 
 // One line of help per command.
 struct CommandHelp {

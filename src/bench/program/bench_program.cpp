@@ -16,7 +16,7 @@
 #include "bench/host/result_text.h"
 #include "bench/host/session.h"
 #include "bench/host/trace_output.h"
-#include "bench/job/actions.h"
+#include "bench/job/job.h"
 #include "bench/program/file_checks.h"
 #include "bench/program/options.h"
 #include "bench/program/report.h"

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "bench/job/actions.h"
+#include "bench/job/job.h"
 #include "bench/program/options.h"
 
 namespace zolvane {

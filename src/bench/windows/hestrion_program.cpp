@@ -15,7 +15,7 @@
 #include "bench/host/result_text.h"
 #include "bench/host/trace_output.h"
 #include "bench/host/watch.h"
-#include "bench/job/actions.h"
+#include "bench/job/job.h"
 #include "bench/program/file_checks.h"
 #include "bench/program/options.h"
 #include "bench/windows/com/add_in_class.h"

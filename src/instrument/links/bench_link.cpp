@@ -9,11 +9,6 @@ Status BenchLink::SetStop(bool stop) {
   return Status::Success();
 }
 
-Status BenchLink::SetHold(bool hold) {
-  hold_ = hold;
-  return Status::Success();
-}
-
 std::optional<bool> BenchLink::SendCommand(std::string& command, std::string& reply,
                                            std::int32_t /*number*/) {
   delivery_ = {};

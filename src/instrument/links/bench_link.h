@@ -23,7 +23,9 @@ class BenchLink : public InstrumentLink {
   // Also true, and for good, once the user has asked to stop: the add-in clears the flag before each command.
   std::optional<bool> Stop() final { return stop_ || interrupt_.IsRaised(); }
   Status SetStop(bool stop) final;
-  Status SetHold(bool hold) final;
+
+  // Nothing of a bench is held back meanwhile.
+  Status SetHold(bool) final { return Status::Success(); }
 
   // A command with a line end in it cannot be sent as one line and is not sent at all; nor is any once the user has
   // asked to stop.
@@ -44,7 +46,6 @@ class BenchLink : public InstrumentLink {
   const InterruptFlag& interrupt_;
   Delivery delivery_;
   bool stop_ = false;
-  bool hold_ = false;
 };
 
 }  // namespace zolvane

@@ -1,7 +1,11 @@
 #include "instrument/links/link_factory.h"
 
+#include <algorithm>
 #include <array>
+#include <cstdint>
+#include <iterator>
 #include <limits>
+#include <optional>
 #include <string_view>
 
 #include "instrument/links/no_link.h"
@@ -25,7 +29,7 @@ using LinkPointer = std::shared_ptr<BenchLink>;
   throw UsageError{Joined("--link: ", demand, ", not ", Quoted(text))};
 }
 
-LinkPointer CreateSimulated(const std::string& file, const InterruptFlag& interrupt) {
+LinkPointer CreateSimulated(const std::string& file, double /*timeout*/, const InterruptFlag& interrupt) {
   return std::make_shared<SimulatedLink>(SimulatedInstrument{{.StateFile = file}}, interrupt);
 }
 
@@ -49,64 +53,87 @@ LinkPointer CreateSerial(const std::string& place, double timeout, const Interru
   return std::make_shared<SerialLink>(device, *baud, LinkTimeout{timeout}, interrupt);
 }
 
-LinkPointer CreateScripted(const std::string& file, const InterruptFlag& interrupt) {
+LinkPointer CreateScripted(const std::string& file, double /*timeout*/, const InterruptFlag& interrupt) {
   if (file.empty()) {
     Refuse("script takes the name of a file", file);
   }
   return std::make_shared<ScriptedLink>(ReadLinkScript(file), interrupt);
 }
 
-constexpr std::array<LinkKindHelp, 7> kindsHelp{{
-    {"sim", "simulated inside the process; the default"},
-    {"sim:FILE", "the same, its memory kept in FILE"},
-    {"tcp:HOST:PORT", "behind a TCP socket"},
-    {"serial:DEVICE[,BAUD]", "on a serial port or a pseudo-terminal"},
-    {"/dev/...[,BAUD]", "the same"},
-    {"script:FILE", "replies out of a JSON file"},
-    {"none", "no instrument: every command fails"},
+LinkPointer CreateNone(const std::string& /*place*/, double /*timeout*/, const InterruptFlag& interrupt) {
+  return std::make_shared<NoLink>(interrupt);
+}
+
+enum class LinkPlace : std::uint8_t { None, Needed, Any };
+
+struct LinkKind {
+  LinkKindHelp Help;
+  std::string_view Name;  // in front of the colon
+  LinkPlace Demand;       // behind it; Make refuses what does not fit
+  LinkPointer (*Make)(const std::string& place, double timeout, const InterruptFlag& interrupt);
+};
+
+constexpr std::string_view deviceFolder = "/dev/";
+
+constexpr std::array<LinkKind, 7> linkKinds{{
+    {{"sim", "simulated inside the process; the default"}, "sim", LinkPlace::None, CreateSimulated},
+    {{"sim:FILE", "the same, its memory kept in FILE"}, "sim", LinkPlace::Needed, CreateSimulated},
+    {{"tcp:HOST:PORT", "behind a TCP socket"}, "tcp", LinkPlace::Any, CreateTcp},
+    {{"serial:DEVICE[,BAUD]", "on a serial port or a pseudo-terminal"},
+     "serial",
+     LinkPlace::Any,
+     CreateSerial},
+    {{"/dev/...[,BAUD]", "the same"}, deviceFolder, LinkPlace::Needed, CreateSerial},
+    {{"script:FILE", "replies out of a JSON file"}, "script", LinkPlace::Any, CreateScripted},
+    {{"none", "no instrument: every command fails"}, "none", LinkPlace::None, CreateNone},
 }};
 
-constexpr std::array<std::string_view, 5> kinds{"sim", "tcp", "serial", "script", "none"};
+// What stands behind --link, taken apart.
+struct LinkText {
+  std::string Kind;
+  std::optional<std::string> Place;
+
+  bool Fits(const LinkKind& kind) const {
+    const bool isMet = kind.Demand == LinkPlace::Needed ? Place && !Place->empty() : !Place;
+    return Kind == kind.Name && (isMet || kind.Demand == LinkPlace::Any);
+  }
+};
+
+LinkText TakenApart(const std::string& text) {
+  if (text.starts_with(deviceFolder)) {
+    return {std::string{deviceFolder}, text};
+  }
+  const auto colon = text.find(':');
+  return {text.substr(0, colon),
+          colon == std::string::npos ? std::nullopt : std::optional{text.substr(colon + 1)}};
+}
 
 [[noreturn]] void RefuseKind(const std::string& kind, const std::string& text) {
   std::string usages;
-  for (const auto& row : kindsHelp) {
-    usages.append(usages.empty() ? "" : &row == &kindsHelp.back() ? " or " : ", ").append(row.Usage);
+  std::vector<std::string_view> names;
+  for (const auto& row : linkKinds) {
+    usages.append(usages.empty() ? "" : &row == &linkKinds.back() ? " or " : ", ").append(row.Help.Usage);
+    names.push_back(row.Name);
   }
-  throw UsageError{Joined("--link takes ", usages, ", not ", Quoted(text), DidYouMean(kind, kinds))};
+  throw UsageError{Joined("--link takes ", usages, ", not ", Quoted(text), DidYouMean(kind, names))};
 }
 
 }  // namespace
 
-std::span<const LinkKindHelp> LinkKindsHelp() {
-  return kindsHelp;
+std::vector<LinkKindHelp> LinkKindsHelp() {
+  std::vector<LinkKindHelp> help;
+  std::ranges::transform(linkKinds, std::back_inserter(help), &LinkKind::Help);
+  return help;
 }
 
 std::shared_ptr<BenchLink> CreateLink(const std::string& text, double timeout,
                                       const InterruptFlag& interrupt) {
-  if (text.starts_with("/dev/")) {
-    return CreateSerial(text, timeout, interrupt);
+  const auto parts = TakenApart(text);
+  const auto* const kind = std::ranges::find_if(linkKinds, [&](const auto& row) { return parts.Fits(row); });
+  if (kind == linkKinds.end()) {
+    RefuseKind(parts.Kind, text);
   }
-  const auto colon = text.find(':');
-  const auto kind = text.substr(0, colon);
-  const bool hasPlace = colon != std::string::npos;
-  const auto place = hasPlace ? text.substr(colon + 1) : std::string{};
-  if (kind == "sim" && hasPlace == !place.empty()) {
-    return CreateSimulated(place, interrupt);
-  }
-  if (kind == "tcp") {
-    return CreateTcp(place, timeout, interrupt);
-  }
-  if (kind == "serial") {
-    return CreateSerial(place, timeout, interrupt);
-  }
-  if (kind == "script") {
-    return CreateScripted(place, interrupt);
-  }
-  if (text == "none") {
-    return std::make_shared<NoLink>(interrupt);
-  }
-  RefuseKind(kind, text);
+  return kind->Make(parts.Place.value_or(""), timeout, interrupt);
 }
 
 }  // namespace zolvane

@@ -2,9 +2,9 @@
 #pragma once
 
 #include <memory>
-#include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "instrument/links/bench_link.h"
 #include "instrument/links/interrupt_flag.h"
@@ -16,7 +16,7 @@ struct LinkKindHelp {
   std::string_view Usage;
   std::string_view Effect;
 };
-std::span<const LinkKindHelp> LinkKindsHelp();
+std::vector<LinkKindHelp> LinkKindsHelp();
 
 // `text` is one of those usages; the path of a device ("/dev/...") means a serial link. `timeout` is how long a send
 // waits for its reply, in seconds. Ports are opened by the first command, and no file is created before the

@@ -6,6 +6,8 @@
 #include <set>
 #include <sstream>
 
+#include "bench/job/job.h"
+#include "bench/job/run_file.h"
 #include "bench/process_support.h"
 #include "text/usage_error.h"
 
@@ -172,7 +174,7 @@ TEST(RunFile, OneFileMayBeRunTwice) {
 }
 
 TEST(RunFile, AnEndlessFileIsRefused) {
-  EXPECT_EQ(Refusal([] { Parsed({"run", "/dev/zero"}); }), "/dev/zero is too large to be a list of commands");
+  EXPECT_EQ(Refusal([] { Parsed({"run", "/dev/zero"}); }), "/dev/zero is larger than 16 megabytes, too large for a run file");
 }
 
 TEST(RunFile, OddBytesAreJustNoCommand) {

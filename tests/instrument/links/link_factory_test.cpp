@@ -74,12 +74,12 @@ TEST(LinkFactory, ASerialPlaceNeedsADeviceAndPerhapsARate) {
 TEST(LinkFactory, AMissingScriptIsNamed) {
   const TemporaryFolder folder;
   EXPECT_EQ(RefusedLink("script:" + folder.Path("none.json")),
-            folder.Path("none.json") + ": cannot be read: No such file or directory");
+            "the JSON file " + folder.Path("none.json") + " cannot be opened: No such file or directory");
   EXPECT_EQ(RefusedLink("script:"), "--link: script takes the name of a file, not \"\"");
 }
 
 TEST(LinkFactory, AScriptWithoutEndIsRefused) {
-  EXPECT_EQ(RefusedLink("script:/dev/zero"), "/dev/zero: is larger than 16 megabytes");
+  EXPECT_EQ(RefusedLink("script:/dev/zero"), "/dev/zero is larger than 16 megabytes, too large for a JSON file");
 }
 
 TEST(BenchLink, NoLinkFailsEverySendAndLeavesTheReply) {

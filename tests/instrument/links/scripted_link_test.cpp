@@ -116,7 +116,7 @@ TEST_F(ScriptedLinkTest, AFolderIsNoScript) {
     ReadLinkScript(folder_.Path("."));
     FAIL() << "accepted";
   } catch (const UsageError& error) {
-    EXPECT_EQ(error.what(), folder_.Path(".") + ": is a folder");
+    EXPECT_EQ(error.what(), folder_.Path(".") + " is a folder and no JSON file");
   }
 }
 
