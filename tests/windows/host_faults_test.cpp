@@ -17,6 +17,7 @@
 #include "bench/windows/com/offered_host.h"
 #include "bench/windows/play/dialogue_hooks.h"
 #include "bench/windows/play/page_driver.h"
+#include "dialogue_spectator.h"
 #include "faulty_host.h"
 #include "files/file_settings_service.h"
 #include "files/sectioned_text.h"

@@ -14,6 +14,7 @@
 #include "bench/windows/com/com_session.h"
 #include "bench/windows/com/offered_settings.h"
 #include "bench/windows/play/player.h"
+#include "dialogue_spectator.h"
 #include "instrument/links/link_factory.h"
 #include "program_folder.h"
 

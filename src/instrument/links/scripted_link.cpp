@@ -99,10 +99,6 @@ LinkScript ReadLinkScript(const std::string& file) {
   return ScriptReader{file}.Read(ReadJsonFile(file));
 }
 
-LinkScript ParseLinkScript(std::string_view text, const std::string& file) {
-  return ScriptReader{file}.Read(ParseJson(text, file));
-}
-
 ScriptedLink::ScriptedLink(LinkScript script, const InterruptFlag& interrupt)
     : BenchLink{interrupt}, script_{std::move(script)} {}
 

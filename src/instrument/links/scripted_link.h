@@ -12,7 +12,6 @@
 #include <optional>
 #include <set>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "instrument/links/bench_link.h"
@@ -29,9 +28,6 @@ struct LinkScript {
 
 // Throws UsageError, naming the file and what is wrong in it.
 LinkScript ReadLinkScript(const std::string& file);
-
-// The same for a text that was read from `file`.
-LinkScript ParseLinkScript(std::string_view text, const std::string& file);
 
 class ScriptedLink final : public BenchLink {
  public:

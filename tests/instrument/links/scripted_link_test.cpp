@@ -140,7 +140,7 @@ TEST_F(ScriptedLinkTest, AnyBytesAreAScriptOrARefusalButNothingElse) {
       bytes[random() % bytes.size()] = static_cast<char>(random() % 256);
     }
     try {
-      const auto script = ParseLinkScript(bytes, "script.json");
+      const auto script = ReadLinkScript(folder_.Put("script.json", bytes));
       for (const auto& [command, replies] : script.Replies) {
         EXPECT_FALSE(replies.empty()) << command;
       }

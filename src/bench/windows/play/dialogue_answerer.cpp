@@ -12,8 +12,7 @@ namespace {
 
 constexpr const wchar_t* systemDialogueClass = L"#32770";
 
-// The numbers of a box's text, and of a file dialogue's field for the name, in the systems' two kinds of dialogue.
-constexpr int boxTextId = 0xFFFF;
+// The number of a file dialogue's field for the name, in the system's two kinds of dialogue.
 constexpr std::array fileNameIds{0x47C, 0x480};
 
 std::wstring ClassOf(HWND window) {
@@ -100,16 +99,6 @@ void DialogueAnswerer::Begin(Task task, std::int32_t button, std::wstring file) 
   SetEvent(changed_.Get());
 }
 
-std::optional<std::string> DialogueAnswerer::LastBoxText() const {
-  const std::lock_guard lock{mutex_};
-  return lastBoxText_;
-}
-
-bool DialogueAnswerer::HasMissedButton() const {
-  const std::lock_guard lock{mutex_};
-  return hasMissedButton_;
-}
-
 DialogueAnswerer::Order DialogueAnswerer::Ordered() const {
   const std::lock_guard lock{mutex_};
   return order_;
@@ -171,13 +160,6 @@ bool DialogueAnswerer::PressAgain() {
 void DialogueAnswerer::AnswerBox(HWND box, const Order& order) {
   const auto button = order.Button;
   const bool hasButton = GetDlgItem(box, button) != nullptr;
-  const bool isOnlyButton = button == IDOK && FirstButton(box) == IDCANCEL;
-  const std::string text = TextIn(GetDlgItem(box, boxTextId));
-  {
-    const std::lock_guard lock{mutex_};
-    lastBoxText_ = text;
-    hasMissedButton_ = hasMissedButton_ || (!hasButton && !isOnlyButton);
-  }
   pressing_ = {.Order = order.Number,
                .Box = box,
                .Button = hasButton ? button : FirstButton(box),

@@ -29,12 +29,6 @@ class DialogueAnswerer {
   // It is gone; what was left to do is not done any more.
   void Closed();
 
-  // The text that the box answered last showed.
-  std::optional<std::string> LastBoxText() const;
-
-  // Some box did not have the button that was asked for, and was closed by its first one.
-  bool HasMissedButton() const;
-
  private:
   enum class Task : std::uint8_t { None, Button, File, Cancel };
 
@@ -77,8 +71,6 @@ class DialogueAnswerer {
   Order order_;
   Typing typing_;
   Pressing pressing_;
-  bool hasMissedButton_ = false;
-  std::optional<std::string> lastBoxText_;
   std::jthread thread_;
 };
 

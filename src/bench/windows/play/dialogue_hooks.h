@@ -30,15 +30,6 @@ class DialogueListener {
   virtual std::optional<std::string> ChooseUnshown(FileDialogueKind) { return std::nullopt; }
 };
 
-// Somebody who only looks on.
-class DialogueSpectator : public DialogueListener {
- public:
-  void BoxOpens(const MessageBoxRequest&) override {}
-  void BoxClosed(const MessageBoxRequest&, std::optional<std::int32_t>) override {}
-  void FileDialogueOpens(FileDialogueKind, const FileDialogue&) override {}
-  void FileDialogueClosed(const std::optional<std::string>&) override {}
-};
-
 // One at a time in a process. Throws std::runtime_error when the module shows no boxes or dialogues at all.
 class DialogueHooks {
  public:

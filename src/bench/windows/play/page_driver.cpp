@@ -57,10 +57,6 @@ void PageDriver::SetCheck(CheckControl box, int value) const {
   }
 }
 
-void PageDriver::ClickCheck(CheckControl box) const {
-  SendMessageW(Control(IdOf(box)), BM_CLICK, 0, 0);
-}
-
 void PageDriver::ClickFrame() const {
   constexpr LPARAM topLeftCorner = MAKELPARAM(1, 1);
   SendMessageW(frame_, WM_LBUTTONDOWN, MK_LBUTTON, topLeftCorner);

@@ -18,9 +18,6 @@ class PageDriver {
   void Select(ListControl list, int position) const;
   void SetCheck(CheckControl box, int value) const;
 
-  // A click of the mouse: the box takes its next value.
-  void ClickCheck(CheckControl box) const;
-
   // A click on the frame, beside all controls.
   void ClickFrame() const;
 
