@@ -80,7 +80,8 @@ void Describe(CommandLine& line, WindowOptions& options) {
   line.AddFlag("--keep-going", options.KeepsGoing, "with --play: go on behind a command that failed");
   line.AddFlag("--replace", options.Replaces,
                "with --play: let export write into a file that exists; the add-in merges");
-  line.AddOption("--trace", "FILE", options.Trace, "write every interaction as JSON Lines to FILE");
+  line.AddOption("--trace", "FILE", options.Trace,
+                 "write every interaction as JSON Lines to FILE (- is standard output)");
   line.AddFlag("--trace-reads", options.TracesReads, "let the trace hold the reads of settings too");
   line.AddOption("--screenshot", "FILE", options.Screenshot, "save a picture of the window, .png or .bmp");
   line.AddFlag("--page", options.ShowsPage, "open the page at once, as --play, --screenshot and --quit do");
