@@ -71,10 +71,10 @@ class SystemDialogues {
  public:
   virtual ~SystemDialogues() = default;
 
-  // A message box; the number of the button that closed it. Empty when it could not be shown.
+  // A message box; the number of the button that closed it. Empty if it could not be shown.
   virtual std::optional<std::int32_t> ShowMessageBox(const MessageBoxRequest& request) = 0;
 
-  // The file the user chose. Empty when the dialogue was cancelled or could not be shown.
+  // The file the user chose. Empty if the dialogue was cancelled or could not be shown.
   virtual std::optional<std::string> ShowFileDialogue(FileDialogueKind kind,
                                                       const FileDialogue& dialogue) = 0;
 };

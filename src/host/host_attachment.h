@@ -19,8 +19,8 @@ struct HostAttachment {
   // The instrument link, asked for anew on each call. Empty without ObjectParent.
   std::shared_ptr<InstrumentLink> Link() const;
 
-  // Reads the stop flag of the link afresh. False only when the flag is raised: one that cannot be read is not, so that
-  // the next command is tried, fails where the link is missing, and tells the user.
+  // Reads the stop flag of the link afresh. False only when the flag is raised: one that cannot be read is
+  // not, so that the next command is tried, fails where the link is missing, and tells the user.
   bool MayGoOn() const;
 
   // The progress line. A window without the panel has no text, and setting it fails.

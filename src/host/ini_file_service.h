@@ -18,7 +18,7 @@ class IniFileService {
   virtual ~IniFileService() = default;
 
   // The key's value, or `fallback` when the file, the section or the key is missing. A key that is there with
-  // nothing behind it reads as the empty text. Nothing when the call itself failed.
+  // no value reads as the empty text. Empty if the call itself failed.
   virtual std::optional<std::string> ReadValue(std::string_view section, std::string_view key,
                                                std::string_view file, std::string_view fallback) = 0;
 
@@ -28,7 +28,7 @@ class IniFileService {
                             std::string_view value) = 0;
 
   // The text between the occurrences of the delimiter, numbered from 0. An empty text has no pieces, and
-  // nothing behind a final delimiter is no piece ("a,b," has two). Nothing when the call itself failed.
+  // nothing behind a final delimiter is no piece ("a,b," has two). Empty if the call itself failed.
   virtual std::optional<std::vector<std::string>> SplitText(std::string_view delimiter,
                                                             std::string_view text) = 0;
 };

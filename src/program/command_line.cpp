@@ -68,7 +68,7 @@ void CommandLine::AddOption(const std::string& name, std::string_view argument,
   app_.add_option(name, target, effect)->type_name(std::string{argument});
 }
 
-// Taken as it was typed: the library would take "[a,b]" apart.
+// Taken as typed: the library would split "[a,b]".
 void CommandLine::AddOption(const std::string& name, std::string_view argument,
                             std::vector<std::string>& target, const std::string& effect) {
   app_.add_option_function<std::string>(
@@ -141,7 +141,7 @@ void CommandLine::RefuseOption(const std::string& argument) const {
                           suggestion.empty() ? Joined("; see ", help_.Program, " --help") : suggestion)};
 }
 
-// The library has refused the arguments; its own words say it in terms of the library.
+// The library has refused the arguments, but its own message speaks of the library.
 void CommandLine::ExplainFailure(const std::vector<std::string>& arguments) const {
   const auto end = std::ranges::find(arguments, endOfOptions);
   for (auto argument = arguments.begin(); argument != end; ++argument) {

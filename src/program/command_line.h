@@ -1,5 +1,5 @@
-// What the command lines of the programs have in common: how options are described and shown, and complaints in plain
-// words.
+// What the programs' command lines have in common: describing options, showing them in the help, and
+// complaining in plain words.
 #pragma once
 
 #include <CLI/CLI.hpp>
@@ -10,7 +10,7 @@
 
 namespace zolvane {
 
-// A row of a help text: what is typed, and what it does. Effects of several lines go on under their first.
+// A row of a help text: what is typed, and what it does. Later lines of an effect stand below the first.
 std::string HelpRow(std::string_view typed, std::string_view effect);
 
 class CommandLine {
@@ -36,7 +36,8 @@ class CommandLine {
 
   enum class Asked { Nothing, Help, Version };
 
-  // Takes the arguments behind the program's name, and returns what was asked for instead of a run. Throws UsageError.
+  // Takes the arguments behind the program's name, and returns what was asked for instead of a run. Throws
+  // UsageError.
   Asked Parse(const std::vector<std::string>& arguments);
 
   // The arguments beside the options, in their order.

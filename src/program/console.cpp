@@ -9,12 +9,12 @@
 namespace zolvane {
 namespace {
 
-// Often enough to be alive, seldom enough not to slow down what it reports.
+// Often enough to look alive, seldom enough not to slow down what it reports.
 constexpr std::chrono::milliseconds drawingPause{40};
 
 constexpr std::string_view eraseLine = "\r\x1b[K";
 
-// Cut so that no character is cut.
+// Cut between two characters.
 std::string_view FirstColumns(std::string_view text, std::size_t columns) {
   const auto isContinuation = [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0) == 0x80; };
   std::size_t end = 0;

@@ -1,5 +1,5 @@
-// Everything that people read: results on standard output; progress, messages and errors on standard error. Nothing
-// that it prints steers the terminal, wherever the text came from (see printable.h).
+// Everything that people read: results on standard output; progress, messages and errors on standard error.
+// Nothing that it prints controls the terminal, wherever the text came from (see printable.h).
 #pragma once
 
 #include <chrono>
@@ -30,7 +30,7 @@ class Console {
   Console(const Console&) = delete;
   Console& operator=(const Console&) = delete;
 
-  // A result for people, of whole lines. Nothing when quiet.
+  // A result for people, in whole lines. Prints nothing when quiet.
   void Print(std::string_view text);
 
   // A result for programs: printed also when quiet.
@@ -46,14 +46,14 @@ class Console {
   void ExpectCommands(std::size_t number);
   void CountCommand();
 
-  // Takes the progress line off the terminal, for somebody else who is about to write there.
+  // Takes the progress line off the terminal, because something else is about to write there.
   void ClearStatus();
 
-  // Progress is shown on a terminal, so that it is worth knowing how many commands to expect.
+  // Progress is shown on a terminal, so it is worth knowing how many commands to expect.
   bool CountsCommands() const { return setup_.NotesWidth.has_value() && !setup_.IsQuiet; }
 
-  // Hands over the results that have been printed, and says why some of them were lost: standard output is closed or
-  // full, or its reader has left.
+  // Flushes the printed results, and says why some of them were lost: standard output is closed or full, or
+  // its reader has left.
   std::error_code Flush();
 
  private:

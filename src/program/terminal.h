@@ -1,4 +1,4 @@
-// The terminal that the program runs on, if it does, and what the keyboard can do to it.
+// The terminal that the program runs on, if any, and interrupts from the keyboard.
 #pragma once
 
 #include <cstddef>
@@ -15,27 +15,26 @@ class Questioner {
  public:
   virtual ~Questioner() = default;
 
-  // Shows the text and waits for a line. Nothing when none will come: the input has ended, or Ctrl-C was
-  // pressed.
+  // Shows the text and waits for a line. Empty if none will come: the input has ended, or Ctrl-C was pressed.
   virtual std::optional<std::string> Ask(std::string_view text) = 0;
 };
 
 // The user at the terminal behind standard input. Null without a terminal.
 std::unique_ptr<Questioner> OpenTerminal();
 
-// The width of the terminal behind standard error, in columns. Nothing when it goes elsewhere.
+// The width of the terminal behind standard error, in columns. Empty if standard error goes elsewhere.
 std::optional<std::size_t> ErrorTerminalWidth();
 
-// The arguments behind the program's name, in UTF-8 where the system has an encoding for them.
+// The arguments after the program's name, in UTF-8 where the system has an encoding for them.
 std::vector<std::string> ProgramArguments(int count, char** arguments);
 
-// To be called first. Makes a write that is not possible (a closed stream, a reader who has left, a limit on the size
-// of files) a failed write instead of the end of the program, and takes the place of standard streams that the program
-// was started without: otherwise the first files that it opens would be taken for them.
+// Call this first. An impossible write (a closed stream, a reader who has left, a limit on file sizes) then
+// fails instead of ending the program, and standard streams that the program was started without are
+// replaced: otherwise the first files that it opens would be taken for them.
 void KeepStandardStreams();
 
-// From now on Ctrl-C, and a polite request to end, call `interrupt` instead of ending the program, each time. `interrupt`
-// must be safe in a signal handler, and in a thread of its own.
+// From now on each Ctrl-C, and each polite request to end, calls `interrupt` instead of ending the program.
+// `interrupt` must be safe in a signal handler, and in a thread of its own.
 void TakeInterrupts(void (*interrupt)());
 
 }  // namespace zolvane

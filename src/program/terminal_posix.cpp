@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::array interruptSignals{SIGINT, SIGTERM, SIGHUP};
 
-// Longer lines are no answers; their rest is dropped.
+// A longer line is no answer; the rest of it is dropped.
 constexpr std::size_t longestAnswer = 4096;
 
 // What a signal handler can reach.
@@ -36,7 +36,7 @@ extern "C" void OnInterruptSignal(int) {
   }
 }
 
-// Holds interrupts back, so that none is missed between looking for one and waiting for it.
+// Blocks interrupts, so that none is missed between checking for one and waiting for it.
 class HeldInterrupts {
  public:
   HeldInterrupts() {
@@ -52,7 +52,7 @@ class HeldInterrupts {
   HeldInterrupts(const HeldInterrupts&) = delete;
   HeldInterrupts& operator=(const HeldInterrupts&) = delete;
 
-  // Waits for input with interrupts let through. False when one came.
+  // Waits for input with interrupts unblocked. False if one came.
   bool WaitForInput(int file) const {
     ::pollfd waiting{.fd = file, .events = POLLIN, .revents = 0};
     while (!Signals().WasInterrupted) {
@@ -114,7 +114,7 @@ class PosixTerminal final : public Questioner {
   int output_;
 };
 
-// Questions go where the user looks: to standard error, or, when that goes elsewhere, to the terminal itself.
+// Questions go where the user looks: to standard error or, if that is redirected, to the terminal itself.
 int OpenQuestionOutput() {
   if (::isatty(STDERR_FILENO) != 0) {
     // NOLINTNEXTLINE(cppcoreguidelines-pro-type-vararg): the system call is declared so
@@ -164,7 +164,7 @@ void KeepStandardStreams() {
   for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
     // NOLINTNEXTLINE(cppcoreguidelines-pro-type-vararg): the system call is declared so
     if (::fcntl(stream, F_GETFD) == -1 && errno == EBADF) {
-      // Opened the wrong way round for its use, so that the use fails.
+      // Opened the wrong way round, so that using it fails.
       // NOLINTNEXTLINE(cppcoreguidelines-pro-type-vararg): the system call is declared so
       ::open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
     }
@@ -177,7 +177,7 @@ void TakeInterrupts(void (*interrupt)()) {
   action.sa_handler = OnInterruptSignal;
   ::sigemptyset(&action.sa_mask);
   for (const int signal : interruptSignals) {
-    // A program that was started to outlive its terminal keeps doing so.
+    // A program that was started to outlive its terminal still does.
     if (signal != SIGHUP || !IsIgnored(signal)) {
       ::sigaction(signal, &action, nullptr);
     }

@@ -15,8 +15,8 @@ namespace {
 
 std::atomic<void (*)()> interruptCall{nullptr};
 
-// Windows ends the program as soon as this returns, unless it was Ctrl-C or Ctrl-Break; it ends it after some seconds
-// anyway. Until then the session comes to its end, which nobody may hold up by waiting for an instrument.
+// Windows ends the program as soon as this returns, unless it was Ctrl-C or Ctrl-Break, and after some
+// seconds in any case. The session has to end within that time, so nothing may wait for an instrument.
 BOOL WINAPI OnControlEvent(DWORD event) {
   const bool isTheEnd = event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT;
   const auto call = interruptCall.load();
@@ -74,7 +74,7 @@ std::vector<std::string> ProgramArguments(int, char**) {
   return texts;
 }
 
-// Handles are not handed out again here as descriptors are.
+// Windows does not reuse handles as other systems reuse descriptors.
 void KeepStandardStreams() {
   ::_setmode(1, _O_BINARY);
   ::SetConsoleOutputCP(CP_UTF8);

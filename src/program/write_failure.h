@@ -6,7 +6,7 @@
 
 namespace zolvane {
 
-// To be called right after the write; errno was 0 before it.
+// Call it right after the write; errno was 0 before it.
 inline std::error_code LastWriteFailure() {
   return errno != 0 ? std::error_code{errno, std::generic_category()}
                     : std::make_error_code(std::errc::io_error);

@@ -13,8 +13,8 @@ struct HostAndPort {
   std::uint16_t Port = 0;
 };
 
-// HOST:PORT; a host that has colons of its own stands in square brackets ("[::1]:5000"). Nothing when the
-// text reads otherwise or the port is below `lowestPort`.
+// HOST:PORT; a host that has colons of its own stands in square brackets ("[::1]:5000"). Empty for
+// any other text, and if the port is below `lowestPort`.
 std::optional<HostAndPort> ParseHostAndPort(std::string_view text, std::uint16_t lowestPort);
 
 }  // namespace zolvane

@@ -1,4 +1,4 @@
-// Texts put together without intermediate ones.
+// Joins texts without making intermediate ones.
 #pragma once
 
 #include <cstddef>

@@ -9,7 +9,7 @@
 namespace zolvane {
 
 // On one line, or indented by two. Bytes that are not UTF-8 become the replacement character; characters
-// that would steer a terminal are escaped.
+// that would control a terminal are escaped.
 std::string JsonText(const nlohmann::ordered_json& value, bool isIndented = false);
 
 nlohmann::ordered_json EntryJson(const ListEntry& entry);

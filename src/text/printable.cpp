@@ -16,7 +16,7 @@ struct CharacterRange {
   char32_t Last;
 };
 
-// What steers a terminal, breaks a line or turns the direction of writing.
+// What controls a terminal, breaks a line or changes the direction of writing.
 constexpr std::array<CharacterRange, 7> steeringCharacters{{
     {0x0000, 0x001F},  // control characters, escape among them
     {0x007F, 0x009F},  // delete, and the control characters of the second block

@@ -1,4 +1,4 @@
-// Texts out of files, replies and arguments as people may safely see them.
+// Texts from files, replies and arguments, made safe to show to people.
 #pragma once
 
 #include <string>
@@ -6,15 +6,15 @@
 
 namespace zolvane {
 
-// The text without anything that could steer a terminal or turn the order of its letters: control characters (escape
-// and those of the second block among them), marks of writing direction, and separators of lines and paragraphs stand
-// as JSON writes them ("\u001b"), bytes that are not UTF-8 as "\x9b". What is printable already stays as it is.
+// The text without anything that could control a terminal or reorder its letters: control characters (those
+// of both blocks, escape among them), marks of writing direction, and line and paragraph separators are
+// written as JSON writes them ("\u001b"), bytes that are not UTF-8 as "\x9b". Printable text stays as it is.
 std::string Printable(std::string_view text);
 
-// The same, but line feeds stay. Applied to a JSON document it changes how texts are spelled and not what they say.
+// The same, but line feeds stay. In a JSON document it changes how texts are spelled, not what they say.
 std::string PrintableLines(std::string_view text);
 
-// The same in double quotes, as names of files and words of the user stand in messages.
+// The same in double quotes, for file names and the user's words in messages.
 std::string Quoted(std::string_view text);
 
 // The text as one line, without the blanks that line breaks leave.

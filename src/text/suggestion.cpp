@@ -14,7 +14,7 @@ char Small(char letter) {
   return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
 }
 
-// The letters left out, added, changed or exchanged with their neighbour between the two words.
+// How many letters are left out, added, changed or swapped with a neighbour between the two words.
 std::size_t SlipsBetween(std::string_view left, std::string_view right) {
   std::vector<std::vector<std::size_t>> slips(left.size() + 1, std::vector<std::size_t>(right.size() + 1));
   const auto isSame = [&](std::size_t row, std::size_t column) {

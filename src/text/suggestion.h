@@ -1,4 +1,4 @@
-// "Did you mean" for words of the user that name nothing.
+// "Did you mean" for a word that names nothing.
 #pragma once
 
 #include <span>
@@ -7,8 +7,8 @@
 
 namespace zolvane {
 
-// The known name that was probably meant: the one that takes the fewest slips of the hand (a letter left out, added,
-// changed, or two exchanged), or that the word is the beginning of. Empty if none is near. Case does not count.
+// The known name that the user probably meant: the one with the fewest typing slips (a letter left out, added
+// or changed, or two swapped), or one that starts with the word. Empty if none is near. Ignores case.
 std::string_view NearestName(std::string_view typed, std::span<const std::string_view> known);
 
 // "; did you mean \"upload\"?", or empty if no name is near.

@@ -1,5 +1,5 @@
-// What is wrong with the command line or with a file named on it, as a sentence for the user that says where
-// it is and what to do. Nothing has been changed when it is thrown.
+// Says, in a sentence for the user, what is wrong with the command line or with a file named on it, where,
+// and what to do. Nothing has been changed when it is thrown.
 #pragma once
 
 #include <stdexcept>
@@ -11,7 +11,7 @@ class UsageError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-// The program's exit statuses. Of several the highest counts.
+// The program's exit statuses. The highest of several counts.
 namespace exit_status {
 inline constexpr int done = 0;
 inline constexpr int notDone = 1;   // it ran, but a command failed, or the user cancelled or was refused

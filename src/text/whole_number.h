@@ -9,7 +9,7 @@
 
 namespace zolvane {
 
-// Decimal digits alone; nothing for any other text and for a number outside the bounds.
+// Decimal digits alone; empty for any other text and for a number outside the bounds.
 template <std::unsigned_integral Number>
 std::optional<Number> WholeNumberIn(std::string_view text, Number lowest, Number highest) {
   Number number = 0;

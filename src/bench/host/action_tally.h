@@ -34,8 +34,8 @@ struct ActionTally {
   bool WasDisabled = false;   // the control did not react
   bool WasMisused = false;    // an entry, an answer or a file that does not fit
 
-  // A box of that style has been answered; empty: it could not be shown. Some systems answer a box that has OK alone with
-  // Cancel when Escape closes it. Nothing could be refused there.
+  // A box of that style has been answered; empty: it could not be shown. Some systems answer a box that has
+  // OK alone with Cancel when Escape closes it. Nothing could be refused there.
   void TakeAnswer(std::int32_t style, std::optional<std::int32_t> button) {
     WasCancelled |= button && IsDeclining(*button) && ButtonsOf(style).size() > 1;
     WasRefused |= HasIcon(style, message_style::stopIcon);

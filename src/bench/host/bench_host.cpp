@@ -74,7 +74,7 @@ class BenchDialog final : public QuestionDialog {
     return Status::Success();
   }
 
-  // The first look finds the dialogue still open, as it is in a host where a person answers.
+  // The first poll finds the dialogue still open, as in a host where a person answers.
   std::optional<std::int16_t> Result() override {
     constexpr std::int16_t stillOpen = -1;
     if (isOpen_ && !std::exchange(wasLookedAt_, true)) {
@@ -105,7 +105,7 @@ class BenchEnvironment final : public Environment {
 
   Status AppendBlankLine(const std::string& file) override { return state_.Seen.AppendBlankLine(file); }
 
-  // There are no windows, so no message ever waits.
+  // Without windows no message ever waits.
   void RunMessageLoopOnce() override {}
 
   std::optional<std::int32_t> ShowMessageBox(const MessageBoxRequest& request) override {
@@ -128,7 +128,7 @@ class BenchEnvironment final : public Environment {
   }
 
  private:
-  // The add-in knows its own file by the name alone. Another name of it, a link, is told by the one it knows.
+  // The add-in recognises its own file by name only, so a link to it is replaced by that name.
   std::string LedBack(const std::string& file) const {
     std::string configFile = ConfigFileIn(state_.Host.Folder);
     if (file == configFile || !IsSameFile(file, configFile)) {
@@ -150,7 +150,7 @@ class BenchObject final : public HostObject {
 
   std::shared_ptr<InstrumentLink> Link() override { return link_; }
 
-  // The log repeats what the user is shown; whoever wants its lines finds them in the trace.
+  // The log repeats what the user is shown anyway; its lines are in the trace.
   Status WriteLogLine(const std::string&) override { return Status::Success(); }
 
   std::optional<bool> HostDialogAvailable() override { return state_.Host.OffersDialog; }

@@ -1,5 +1,5 @@
-// The bench's side of a host session: the environment, the host object and the window that the add-in is given.
-// It carries out what the add-in asks, tells the user about it, and keeps the record of what happened.
+// The bench's side of a host session: the environment, the host object and the window that the add-in is
+// given. It does what the add-in asks, tells the user about it, and keeps count of what happened.
 #pragma once
 
 #include <functional>
@@ -25,7 +25,7 @@ class BenchHost {
     std::string Folder;  // the program folder, absolute
     bool OffersDialog = false;
     BoxAnswers::Setup Answers{};
-    std::function<bool()> WantsToStop = [] { return false; };  // the user; ends the wait for another program
+    std::function<bool()> WantsToStop = [] { return false; };  // asked while another program is waited for
   };
 
   // The link is not null. The terminal, which may be null, and the console outlive the host.
@@ -43,11 +43,11 @@ class BenchHost {
 
   // ---- What the bench asks
 
-  // From here on things happen to another command of the user, whose file dialogue answers `file`. `place`
-  // stands in front of every complaint.
+  // The user's next command begins: its file dialogue answers `file`, and every complaint begins with
+  // `place`.
   void Begin(std::optional<std::string> file = std::nullopt, std::string place = {});
 
-  // What has happened since then. May be added to.
+  // What has happened since then. The bench may add to it.
   ActionTally& Tally();
 
   // Makes what was written to the settings files safe against a power cut. A failure is reported and counted.
@@ -55,7 +55,7 @@ class BenchHost {
 
   const std::string& StatusText() const;
 
-  // The window's "Changed"; nothing while it has never been set.
+  // The window's "Changed"; empty until it is set.
   std::optional<bool> Changed() const;
 
  private:

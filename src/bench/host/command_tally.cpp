@@ -30,7 +30,7 @@ Verdict OfQuestion(std::string_view reply) {
                               : Verdict::Unexpected;
 }
 
-// A status or a tag is whatever the instrument says it is, and an instrument without a reader refuses its commands.
+// Any text may be a status or a tag, and an instrument without a reader refuses the reader's commands.
 Verdict OfQuery(std::string_view reply) {
   return reply.empty() || IsSyntaxError(reply) ? Verdict::RefusedQuery : Verdict::Accepted;
 }

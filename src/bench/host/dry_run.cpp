@@ -112,7 +112,7 @@ struct OperationRow {
   void (*Run)(const OperationContext& context);
 };
 
-// Those that send commands.
+// The operations that send commands.
 constexpr std::array<OperationRow, 3> operationRows{{
     {queryButton, QueryHardware},
     {uploadButton, UploadCalibration},
@@ -138,7 +138,7 @@ std::size_t CountCommands(const std::string& programFolder, int button) {
   return link->Count;
 }
 
-// Which sections those are is what the copying of the file asks for.
+// Copying the tables asks for the sections that count.
 bool HoldsBackup(const std::string& programFolder, const std::string& file) {
   const SectionedText text{OpenExchangedFile(file)->Read().Bytes};
   bool holdsAny = false;

@@ -40,7 +40,7 @@ inline bool HasFailed(const ActionTally& tally) {
          tally.WritesFailed > 0 || tally.ReadsFailed > 0;
 }
 
-// The weightiest thing that tally.
+// The weightiest of what happened.
 inline Outcome OutcomeOf(const ActionTally& tally) {
   return tally.WasMisused     ? Outcome::Unusable
          : tally.WasDisabled  ? Outcome::Disabled

@@ -19,7 +19,7 @@ std::string Padded(std::string_view text, std::size_t width) {
 
 constexpr std::size_t nameWidth = 16;
 
-// Columns, without blanks behind the last one that says something.
+// Columns, without trailing blanks.
 std::string Line(std::string_view name, std::string_view label, std::string_view value, bool isEnabled) {
   constexpr std::size_t labelWidth = 32;
   auto line = Joined("  ", Padded(name, nameWidth), Padded(label, labelWidth), Printable(value),
@@ -73,7 +73,7 @@ std::string Counted(std::size_t number, std::string_view thing) {
   return Joined(std::to_string(number), " ", thing, number == 1 ? "" : "s");
 }
 
-// A reply as it stands in a sentence. One that goes on and on is no help.
+// A reply as part of a sentence, shortened if it is long.
 std::string QuotedReply(std::string_view reply) {
   constexpr std::size_t mostShown = 60;
   return reply.size() <= mostShown ? Quoted(reply) : Quoted(reply.substr(0, mostShown)) + "...";
@@ -131,7 +131,7 @@ std::vector<std::string> CommandTexts(const CommandTally& commands) {
   return texts;
 }
 
-// What went over the link and into the files, as far as anything did.
+// What went over the link and into the files; empty if nothing did.
 std::string Balance(const ActionTally& tally) {
   auto texts = CommandTexts(tally.Commands);
   if (tally.ValuesWritten > 0) {

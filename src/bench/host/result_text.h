@@ -11,14 +11,14 @@
 
 namespace zolvane {
 
-// Lines for people. What a control of the page did is told in one line.
+// Lines for people; a single one for whatever a control of the page did.
 std::string ResultText(const ActionResult& result);
 
-// Why the outcome is not "done", as far as it has not been told while it happened: what the instrument answered, and
-// a stop. One sentence each.
+// Why the outcome is not "done", except for what was reported while it happened: what the instrument
+// answered, and a stop. One sentence each.
 std::vector<std::string> ReasonsOf(const ActionTally& tally);
 
-// That actions were left out, why, and which: they are the last ones of `all`.
+// Says that actions were left out, why, and which: the last ones of `all`.
 std::string NotBegunText(std::string_view why, std::span<const Action> notBegun, std::size_t all);
 
 }  // namespace zolvane

@@ -16,7 +16,7 @@ struct ShownPage {
   std::string Caption;
   PageModel Page;
   std::string Status;
-  std::optional<bool> Changed;  // nothing while it has never been set
+  std::optional<bool> Changed;  // empty until it is set
 };
 
 struct ActionResult {

@@ -62,7 +62,7 @@ void Session::Close() {
   connect_ = nullptr;
 }
 
-// What was written is made safe whenever something has ended.
+// What was written is made safe after each action.
 int Session::TakeStatus() {
   host_.FlushSettings();
   if (trace_ != nullptr) {

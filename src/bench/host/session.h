@@ -28,7 +28,7 @@ enum class OnFailure : std::uint8_t { Stop, GoOn };
 class Session {
  public:
   struct Events {
-    // Asked between two actions: the user wants to end the session.
+    // Asked between two actions: whether the user wants to end the session.
     std::function<bool()> IsInterrupted;
 
     // Called when an action has ended.
@@ -45,8 +45,8 @@ class Session {
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;
 
-  // Plays the session from its beginning to its end; to be called once. The exit status is the worst of all
-  // that happened. Why it is not 0 has been told by then.
+  // Plays the whole session; call it once. Returns the worst exit status of all that happened; if it is not
+  // 0, the user has been told why.
   int Play(std::span<const Action> actions, OnFailure onFailure, const Events& events);
 
  private:

@@ -16,8 +16,8 @@ inline constexpr std::string_view standardOutput = "-";
 
 class TraceOutput {
  public:
-  // Without a file there is no trace. `output`, which the name "-" means, outlives this. Throws UsageError if the file
-  // cannot be written.
+  // Without a file there is no trace. `output`, which the name "-" means, outlives this. Throws UsageError if
+  // the file cannot be written.
   TraceOutput(const std::optional<std::string>& file, bool holdsReads, std::ostream& output);
 
   // Null without a trace.

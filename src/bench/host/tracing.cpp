@@ -170,7 +170,7 @@ class TracingLink final : public ForwardingLink {
   TraceLog& log_;
 };
 
-// Written down once, when it is answered.
+// Traced once, when it is answered.
 class TracingDialog final : public ForwardingDialog {
  public:
   TracingDialog(std::shared_ptr<HostDialog> inner, TraceLog& log)

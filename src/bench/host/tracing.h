@@ -1,5 +1,5 @@
 // The trace: one line of JSON for each thing that passes between the add-in and its host, in the order in
-// which things happen. Each function wraps a host interface into one that writes down what passes through and
+// which things happen. Each function wraps a host interface in one that traces what passes through and
 // hands it on.
 #pragma once
 
@@ -25,7 +25,7 @@ class TraceLog {
 
   bool HoldsReads() const { return holdsReads_; }
 
-  // Hands over what has been written. False when some of it was lost; Failure then says why.
+  // Flushes what has been written. False if some of it was lost; Failure then says why.
   bool Flush();
   std::error_code Failure() const { return failure_; }
 
@@ -37,7 +37,7 @@ class TraceLog {
   std::error_code failure_;
 };
 
-// What is wrapped and the log both outlive the wrapper where they are given by reference.
+// What is given by reference outlives the wrapper.
 std::shared_ptr<IniFileService> Traced(std::shared_ptr<IniFileService> settings, TraceLog& log);
 std::unique_ptr<Environment> Traced(Environment& environment, TraceLog& log);
 std::unique_ptr<SystemDialogues> Traced(SystemDialogues& dialogues, TraceLog& log);

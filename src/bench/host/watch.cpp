@@ -33,7 +33,7 @@ class Watch::WatchedSettings final : public ForwardingSettings {
   }
 
  private:
-  // As a read gives it; a missing key gives what no value can be.
+  // As a read gives it; for a missing key, a text that no value can be.
   std::optional<std::string> Stored(std::string_view section, std::string_view key, std::string_view file) {
     constexpr std::string_view missing = "\n";
     return ForwardingSettings::ReadValue(section, key, file, missing);
@@ -61,7 +61,7 @@ class Watch::WatchedLink final : public ForwardingLink {
     if (delivery.HasLeft) {
       tally.Commands.Count(command, MetOnlyIf(ok), reply);
     } else if (isCutShort) {
-      tally.WasStopped = true;  // the user has interrupted, and nothing leaves any more
+      tally.WasStopped = true;  // the user has interrupted, so nothing leaves any more
     } else {
       ++tally.Commands.Undelivered;
     }
@@ -84,7 +84,7 @@ class Watch::WatchedLink final : public ForwardingLink {
     }
   }
 
-  // Once, and not for each command that it keeps from the instrument.
+  // Once, not for each command that it keeps from the instrument.
   void TellProblem(const std::string& problem) {
     if (!problem.empty() && told_.insert(problem).second) {
       watch_.events_.Complain(Printable(problem));

@@ -25,7 +25,7 @@ bool IsNumber(std::string_view digits) {
   return !digits.empty() && digits.find_first_not_of("0123456789") == std::string_view::npos;
 }
 
-// Numbers that no button can have become the largest or smallest number; they have no button either.
+// Numbers too large to hold become the largest or smallest that fits; those have no button either.
 int ButtonIndex(std::string_view word) {
   const bool isNegative = word.starts_with('-');
   if (!IsNumber(word.substr(isNegative || word.starts_with('+') ? 1 : 0))) {
@@ -46,7 +46,7 @@ std::vector<std::string_view> NamesOf(const auto& rows) {
   return names;
 }
 
-// The position of the row of that name in any case.
+// The position of the row with that name, in any case.
 template <class Rows>
 std::size_t RowNamed(const Rows& rows, std::string_view name, std::string_view kind) {
   std::string names;
@@ -120,8 +120,8 @@ struct CommandRow {
   std::string_view Effect;
   std::size_t LeastWords;
   std::size_t MostWords;
-  Action (*Make)(const Words& words);  // null: a run file, or no action
-  std::string_view Example;            // behind the program's name
+  Action (*Make)(const Words& words);  // null: runs a file, or is no action
+  std::string_view Example;            // after the program's name
   std::string_view Details;            // whole lines
 };
 

@@ -26,12 +26,12 @@ struct Action {
   int Value = untickedValue;          // of SetCheck
   std::optional<std::string> File{};  // what a file dialogue answers, absolute; nothing cancels it
 
-  // Stands in front of what is said about it.
+  // The beginning of each message about it.
   std::string At() const { return Place.empty() ? std::string{} : Place + ": "; }
 };
 
-// The words, which are not empty, are the command that runs a file: the second of them. Throws UsageError if they are no
-// command, or too few or too many words for it.
+// The words are the command that runs a file; the second word names the file. They are not empty. Throws
+// UsageError if they are no command, or have too few or too many arguments.
 bool RunsFile(const std::vector<std::string>& words);
 
 // What any other command does. `file` is the value of --file, if there is one. Throws UsageError.
@@ -44,7 +44,7 @@ struct CommandHelp {
 };
 std::vector<CommandHelp> CommandsHelp();
 
-// The command that asks for help and belongs to no session.
+// The command that asks for help; it starts no session.
 inline constexpr std::string_view helpCommand = "help";
 
 // How one command is used, with an example. Throws UsageError if there is no such command.

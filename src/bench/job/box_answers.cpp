@@ -59,7 +59,7 @@ std::string QuestionText(const Question& question, const std::vector<std::int32_
   return text + ChoiceText(buttons);
 }
 
-// The button that the user means: its name or the start of it, in any case.
+// The button that the user typed: its name or the start of it, in any case.
 std::optional<std::int32_t> ButtonMeantBy(std::string_view typed, const std::vector<std::int32_t>& buttons) {
   const auto word = Trimmed(typed.ends_with('\r') ? typed.substr(0, typed.size() - 1) : typed);
   const auto fits = [word](std::int32_t button) {
@@ -79,7 +79,7 @@ std::int32_t ParseAnswer(std::string_view word) {
   return found->Number;
 }
 
-// How the box was answered. Nothing is said of one that had a single button.
+// Who answered the box, and how. Empty for a box with a single button.
 std::string AnswerNote(const Answer& answer) {
   const auto button = ButtonName(answer.Button);
   switch (answer.By) {

@@ -14,14 +14,14 @@
 
 namespace zolvane {
 
-// A box as far as its answer is concerned. Texts keep their line breaks.
+// What matters of a box to answer it. Texts keep their line breaks.
 struct Question {
   std::string Title;
   std::string Text;
   std::int32_t Style = 0;
 };
 
-// The buttons of a style, from left to right. A style of no known buttons has OK alone.
+// The buttons of a style, from left to right. A style without known buttons has OK alone.
 std::vector<std::int32_t> ButtonsOf(std::int32_t style);
 
 // The box shows that icon, one of message_style.
@@ -43,7 +43,7 @@ struct Answer {
   AnsweredBy By = AnsweredBy::Caution;
 };
 
-// The answer keeps nothing from being done: not worth an error message.
+// The answer does not stop anything: not worth an error message.
 bool IsHarmless(const Question& question, const Answer& answer);
 
 // The box as one line, and who answered it, and how: "Upload: Go on? (--yes: OK)".
@@ -57,8 +57,8 @@ class BoxAnswers {
   };
   using Complaint = std::function<void(const std::string& text)>;
 
-  // The terminal may be null; otherwise it outlives this. `complain` gets a line for each listed answer that its box
-  // has no button for.
+  // The terminal may be null; otherwise it outlives this. `complain` gets a line for each listed answer that
+  // its box has no button for.
   BoxAnswers(const Setup& setup, Questioner* terminal, Complaint complain);
 
   // A box with one button is answered with it and uses up no answer.

@@ -17,8 +17,8 @@ struct Job {
   std::set<std::string> RunFiles{};  // that the commands stand in, absolute
 };
 
-// From the command on the command line, with the value of --file if there is one. Reads the run file that it names; "-" is
-// `input`. Throws UsageError.
+// From the command on the command line, with the value of --file if there is one. Reads the run file that it
+// names; "-" is `input`. Throws UsageError.
 Job ParseJob(const std::vector<std::string>& words, const std::optional<std::string>& file,
              std::istream& input);
 

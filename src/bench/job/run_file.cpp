@@ -24,7 +24,7 @@ using Words = std::vector<std::string>;
 constexpr std::string_view standardInput = "-";
 constexpr std::string_view runFileKind = "run file";
 
-// Beyond that it is no list of commands that somebody wrote.
+// Nobody writes a longer list of commands.
 constexpr std::size_t mostActions = 1'000'000;
 
 // A run file that is being read.
@@ -53,8 +53,8 @@ std::optional<std::string> NextLine(OpenRunFile& file) {
   return std::string{Trimmed(line)};
 }
 
-// Takes "--file backup.bak" out of "press 3 --file backup.bak": the one option that belongs to a command, in both its
-// spellings.
+// Takes "--file backup.bak" out of "press 3 --file backup.bak": the one option that belongs to a command, in
+// both its spellings.
 std::optional<std::string> TakeFileOption(Words& words) {
   constexpr std::string_view option = "--file";
   constexpr std::string_view joined = "--file=";
@@ -151,7 +151,7 @@ void RunFileReader::TakeCommand(Words words) {
   actions_.back().Place = open_.back().Place();
 }
 
-// The way to the line that is being read, through all files that are open.
+// Where the line being read stands: its place in each open file, the outermost first.
 std::string RunFileReader::Places() const {
   std::string places;
   for (const auto& file : open_) {

@@ -39,7 +39,7 @@ InterruptFlag& Interrupt() {
   return flag;
 }
 
-// Prints each result when it is there, or all of them as one document at the end.
+// Prints each result at once, or all of them as one document at the end.
 class Results {
  public:
   Results(const Options& options, const Job& job, Console& console)
@@ -63,7 +63,7 @@ class Results {
     std::ranges::transform(actions, std::back_inserter(report_.NotBegun), &Action::Command);
   }
 
-  // The exit status as far as printing goes; `status` is what the run came to.
+  // Returns the exit status: `status`, or a worse one if the results could not be printed.
   int Finish(int status) {
     if (options_.PrintsJson) {
       report_.ExitStatus = status;
@@ -123,7 +123,8 @@ int Run(const Options& options, std::istream& input, std::ostream& output, std::
                    .ResultsGoToNotes = options.Trace == standardOutput,
                    .NotesWidth = ErrorTerminalWidth()}};
   std::ranges::for_each(notes, [&](const auto& note) { console.Note(note); });
-  // Until here only the trace and an instrument's memory have been begun, and an interrupt may end everything at once.
+  // So far only the trace and an instrument's memory have been opened, and an interrupt may simply end the
+  // program.
   TakeInterrupts([] { Interrupt().Raise(); });
   return PlayJob(options, job, link, trace, console);
 }

@@ -7,7 +7,7 @@
 
 namespace zolvane {
 
-// The arguments are those behind the program's name. Whatever goes wrong becomes a line on `errors` and an
+// `arguments` are those after the program's name. Whatever goes wrong becomes a line on `errors` and an
 // exit status; nothing is thrown.
 int RunBench(const std::vector<std::string>& arguments, std::istream& input, std::ostream& output,
              std::ostream& errors);

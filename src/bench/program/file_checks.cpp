@@ -44,7 +44,7 @@ bool IsPresent(const std::string& file) {
   return std::filesystem::exists(PathOf(file), ignored);
 }
 
-// An export to the configuration file is the add-in's own to refuse.
+// The add-in itself refuses to export to the configuration file.
 bool IsMerged(const std::string& file, const std::string& folder) {
   const auto config = ConfigFileIn(folder);
   return IsPresent(file) && !EqualIgnoringCase(file, config) && !IsSameFile(file, config);
@@ -65,8 +65,8 @@ void DemandBackup(const std::string& file, const std::string& folder, const std:
   }
 }
 
-// A file that an earlier command saves to is there when a later one loads it, or saves to it again. Returns what is to be
-// said of the others.
+// A file that an earlier command saves to will exist when a later one loads it or saves to it again. Returns
+// notes for the user.
 std::vector<std::string> CheckDialogueFiles(const Options& options, const Job& job) {
   std::vector<std::string> notes;
   std::vector<std::string> saved;
@@ -88,7 +88,7 @@ std::vector<std::string> CheckDialogueFiles(const Options& options, const Job& j
   return notes;
 }
 
-// The files that the run reads or writes as settings, and the lists of its commands.
+// The settings files that the run reads or writes, and its run files.
 std::vector<std::string> NeededFiles(const Options& options, const Job& job) {
   std::vector<std::string> files{ConfigFileIn(options.Folder)};
   for (const auto& action : job.Actions) {
@@ -100,7 +100,7 @@ std::vector<std::string> NeededFiles(const Options& options, const Job& job) {
   return files;
 }
 
-// The file behind "sim:" or "script:".
+// The file after "sim:" or "script:".
 std::optional<std::string> LinkFile(const Options& options) {
   for (const std::string_view kind : {"sim:", "script:"}) {
     if (options.Link.starts_with(kind) && options.Link.size() > kind.size()) {
@@ -110,7 +110,7 @@ std::optional<std::string> LinkFile(const Options& options) {
   return std::nullopt;
 }
 
-// For a file that is replaced whole.
+// For a file that the run overwrites.
 void DemandOther(const std::string& file, const std::vector<std::string>& needed, std::string_view what) {
   for (const auto& other : needed) {
     if (IsSameFile(file, other)) {
@@ -120,7 +120,7 @@ void DemandOther(const std::string& file, const std::vector<std::string>& needed
   }
 }
 
-// An earlier trace begins with an event, whatever became of its end. Devices and pipes hold nothing.
+// An earlier trace begins with an event, however it ends. Devices and pipes hold nothing.
 bool MayBecomeTrace(const std::string& file) {
   constexpr std::string_view beginning = R"({"event":)";
   std::error_code ignored;

@@ -1,4 +1,4 @@
-// What is looked at before a session starts, so that nothing is changed when something is wrong.
+// Checks before a session starts, so that nothing is changed if something is wrong.
 #pragma once
 
 #include <string>
@@ -9,7 +9,8 @@
 
 namespace zolvane {
 
-// Returns what the user is to be told before it starts. Throws UsageError when the folder, a file of a command, or a file that the run would write is unusable.
+// Returns notes for the user. Throws UsageError if the folder, a file of a command, or a file that the run
+// would write is unusable.
 std::vector<std::string> CheckFiles(const Options& options, const Job& job);
 
 }  // namespace zolvane

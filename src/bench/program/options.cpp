@@ -42,7 +42,7 @@ std::string ParseFolder(const std::string& text) {
   return AbsolutePath(text);
 }
 
-// The texts as they were typed; what they mean is looked at when the whole line has been understood.
+// Options as typed; they are interpreted once the whole line has been parsed.
 struct TypedOptions {
   std::string Folder = ".";
   std::string Timeout = "5";
@@ -81,7 +81,7 @@ CommandLine::Help ProgramHelp() {
           .AfterOptions = Joined(answersHelp, statusHelp)};
 }
 
-// Several lists are one.
+// Several lists count as one.
 std::vector<std::int32_t> ParseAnswerLists(const std::vector<std::string>& lists) {
   std::vector<std::int32_t> answers;
   for (const auto& list : lists) {

@@ -26,18 +26,18 @@ struct Options {
   std::vector<std::string> Command;  // with its arguments
 };
 
-// The number of seconds behind --timeout. Throws UsageError.
+// The number of seconds given with --timeout. Throws UsageError.
 double ParseTimeout(const std::string& text);
 
-// What can stand behind --link, as the help shows it.
+// What --link takes, as the help shows it.
 std::string LinkHelp();
 
-// A text that was asked for instead of a run: the help or the version.
+// A text that the user asked for instead of a run: the help or the version.
 struct Information {
   std::string Text;
 };
 
-// The arguments are those behind the program's name. Throws UsageError.
+// `arguments` are those after the program's name. Throws UsageError.
 std::variant<Options, Information> ParseOptions(const std::vector<std::string>& arguments);
 
 }  // namespace zolvane

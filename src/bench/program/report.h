@@ -16,16 +16,16 @@ namespace zolvane {
 struct RunReport {
   std::string Version;  // of the program
   std::string Folder;   // the program folder, absolute
-  std::string Link;     // as it was named on the command line
+  std::string Link;     // as given on the command line
   std::chrono::system_clock::time_point Started;
   std::chrono::milliseconds Duration{};
   int ExitStatus = 0;
-  bool IsRun = false;  // the commands came out of a file
+  bool IsRun = false;  // the commands come from a file
   std::vector<ActionResult> Results{};
   std::vector<std::string> NotBegun{};  // commands that were left out
 };
 
-// The one JSON document of a run. The command page alone has the page itself as its document.
+// The JSON document of a run. For the command page alone it is the page itself.
 nlohmann::ordered_json ReportJson(const RunReport& report);
 
 nlohmann::ordered_json PageJson(const ShownPage& shown);

@@ -14,8 +14,8 @@ class Findings {
   // The instrument has answered a command.
   void Hear(std::string_view command, std::string_view reply);
 
-  // In one line; empty if the instrument said nothing about itself. `file` is the configuration, as the query has left
-  // it, and `pumpText` what the page shows of the pumps.
+  // In one line; empty if the instrument said nothing about itself. `file` is the configuration, as the query
+  // has left it, and `pumpText` what the page shows of the pumps.
   std::string Text(const Configuration& configuration, const std::string& file,
                    std::string_view pumpText) const;
 

@@ -219,7 +219,7 @@ class HestrionBench : private DialogueListener, private HostProcess {
   int worst_ = exit_status::done;  // of all that has ended
 };
 
-// Before anything is changed. Where a registered add-in lies is its own business. Returns what is to be logged.
+// Checks before anything is changed; not where a registered add-in lies. Returns what is to be logged.
 std::vector<std::string> CheckFilesOf(const WindowOptions& options, const Job& job) {
   if (options.Folder.empty()) {
     return {};
@@ -284,7 +284,8 @@ std::string HestrionBench::ProgramFolder() {
   return FolderOf(GetModuleHandleW(addInModuleName));
 }
 
-// With a folder, the module that lies there; otherwise the registered class, or the module beside this program.
+// With a folder, the module that lies there; otherwise the registered class, or the module beside this
+// program.
 ComPtr<IAddIn> HestrionBench::CreateAddIn() {
   ComPtr<IAddIn> addIn;
   if (options_.Folder.empty() && !file_) {
@@ -477,7 +478,8 @@ bool HestrionBench::MayBeEnded() {
   return answer == IDYES;
 }
 
-// An add-in may leave its controls disabled when the user cancels: its page then comes back by being opened again.
+// An add-in may leave its controls disabled when the user cancels: its page then comes back by being opened
+// again.
 void HestrionBench::ReopenWhenDisabled() {
   const auto isEnabled = [this] {
     return std::ranges::any_of(PageDriver{session_->Frame()}.Shown().ButtonsEnabled, std::identity{});

@@ -1,4 +1,5 @@
-// An operation of the page, as its host sees it: by what it says in the status panel, sends, and asks of the user.
+// An operation of the page, as its host sees it: by its texts in the status panel, its commands and its
+// questions.
 #pragma once
 
 #include <chrono>
@@ -16,11 +17,11 @@ class Operation {
  public:
   using Clock = std::chrono::steady_clock;
 
-  // `name` is what it is called until it is known better.
+  // `name` is its name until a better one is known.
   Operation(std::string name, Clock::time_point begin) : name_{std::move(name)}, begin_{begin} {}
 
-  // A command is about to be sent. Of the first one it is told how many there will be, which `folder`, the program
-  // folder, decides.
+  // A command is about to be sent. Of the first one it is told how many there will be, which `folder`, the
+  // program folder, decides.
   void Sends(std::string_view command, const std::string& folder);
 
   // A file is about to be chosen.
@@ -28,16 +29,16 @@ class Operation {
 
   const std::string& Name() const { return name_; }
 
-  // How many commands there will be; 0: not known.
+  // How many commands there will be; 0: unknown.
   std::size_t Expected() const { return expected_; }
 
-  // "17 of 178", or "17" if nobody can know of how many. Empty before the first command.
+  // "17 of 178", or "17" if the total is unknown. Empty before the first command.
   std::string Progress() const;
 
-  // For people, in one line: what became of it, and how long it took.
+  // For people, in one line: how it ended, and how long it took.
   std::string Result(const ActionTally& tally, Clock::time_point now) const;
 
-  // The button of the page that began it, if it has become known.
+  // The button of the page that began it, if known.
   std::optional<int> Button() const { return button_; }
 
  private:

@@ -1,4 +1,5 @@
-// A link that does not stop the thread that uses it: while the instrument is waited for, the host's window lives on.
+// A link that does not block the thread that uses it: the host's window stays alive while the instrument
+// answers.
 #pragma once
 
 #include <asio/thread_pool.hpp>

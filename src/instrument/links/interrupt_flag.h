@@ -5,8 +5,8 @@
 
 namespace zolvane {
 
-// May be raised from a signal handler and by another thread than the link's. Stays raised until it is lowered for a
-// new operation.
+// May be raised from a signal handler and from another thread than the link's. Stays raised until it is
+// lowered for a new operation.
 class InterruptFlag {
  public:
   void Raise() { timesRaised_.fetch_add(1, std::memory_order_relaxed); }
@@ -15,7 +15,7 @@ class InterruptFlag {
   // No further command leaves.
   bool IsRaised() const { return timesRaised_.load(std::memory_order_relaxed) > 0; }
 
-  // Raised more than once: nothing is waited for any more.
+  // Raised more than once: nothing waits any more.
   bool IsUrgent() const { return timesRaised_.load(std::memory_order_relaxed) > 1; }
 
  private:

@@ -19,7 +19,7 @@ class LineReader {
 
   bool HasLine() const { return whole_ > 0; }
 
-  // How many bytes of a line have come that has not ended yet.
+  // How many bytes have come of a line that has not ended yet.
   std::size_t Begun() const { return bytes_.size() - whole_; }
 
   // The next whole line without its end, CR LF or LF.
@@ -37,8 +37,8 @@ class LineReader {
     return std::nullopt;
   }
 
-  // To be called when all whole lines have been taken. The line that has begun will not be taken, nor what is still to
-  // come of it.
+  // Call this when all whole lines have been taken. Drops the line that has begun, and what is still to come
+  // of it.
   void DropBegunLine() {
     isInDroppedLine_ |= !bytes_.empty();
     bytes_.clear();

@@ -68,8 +68,8 @@ enum class LinkPlace : std::uint8_t { None, Needed, Any };
 
 struct LinkKind {
   LinkKindHelp Help;
-  std::string_view Name;  // in front of the colon
-  LinkPlace Demand;       // behind it; Make refuses what does not fit
+  std::string_view Name;  // before the colon
+  LinkPlace Demand;       // after it; Make refuses what does not fit
   LinkPointer (*Make)(const std::string& place, double timeout, const InterruptFlag& interrupt);
 };
 
@@ -88,7 +88,7 @@ constexpr std::array<LinkKind, 7> linkKinds{{
     {{"none", "no instrument: every command fails"}, "none", LinkPlace::None, CreateNone},
 }};
 
-// What stands behind --link, taken apart.
+// The value of --link, taken apart.
 struct LinkText {
   std::string Kind;
   std::optional<std::string> Place;

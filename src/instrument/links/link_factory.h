@@ -1,4 +1,4 @@
-// From the text behind --link to a link.
+// Makes the link that --link names.
 #pragma once
 
 #include <memory>
@@ -18,10 +18,10 @@ struct LinkKindHelp {
 };
 std::vector<LinkKindHelp> LinkKindsHelp();
 
-// `text` is one of those usages; the path of a device ("/dev/...") means a serial link. `timeout` is how long a send
-// waits for its reply, in seconds. Ports are opened by the first command, and no file is created before the
-// link begins. Throws UsageError for any other text and for a file that cannot be used. The interrupt outlives
-// the link.
+// `text` is one of those usages; the path of a device ("/dev/...") means a serial link. `timeout` is how long
+// a send waits for its reply, in seconds. Ports are opened by the first command, and no file is created
+// before the link begins. Throws UsageError for any other text and for a file that cannot be used. The
+// interrupt outlives the link.
 std::shared_ptr<BenchLink> CreateLink(const std::string& text, double timeout,
                                       const InterruptFlag& interrupt);
 

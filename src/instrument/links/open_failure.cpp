@@ -18,11 +18,11 @@ struct NamedCondition {
   std::string_view Text;
 };
 
-// Systems that open a port for one program alone say so by refusing the permission.
+// Systems that open a port for one program only report that as a refused permission.
 constexpr std::string_view noPermission =
     "there is no permission to open it, or it is busy with another program";
 
-// Of sockets and look-ups, whose codes are not those of files on every system.
+// Socket and look-up errors, whose codes differ from those of files on some systems.
 std::array<Reason, 7> NetworkReasons() {
   return {{
       {asio::error::connection_refused, "the connection was refused; nobody listens there"},
@@ -55,7 +55,7 @@ std::string ReasonOf(const std::error_code& error) {
   if (known != network.end()) {
     return std::string{known->Text};
   }
-  // Asio's own category of the system's numbers compares with no condition.
+  // Codes of Asio's own system category compare equal to no condition.
   const std::error_code number{error.value(), std::system_category()};
   const auto* const named =
       std::ranges::find_if(deviceReasons, [&number](const auto& row) { return number == row.Condition; });

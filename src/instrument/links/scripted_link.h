@@ -18,7 +18,7 @@
 
 namespace zolvane {
 
-using ScriptedReply = std::optional<std::string>;  // nothing: the send fails
+using ScriptedReply = std::optional<std::string>;  // empty: the send fails
 
 struct LinkScript {
   ScriptedReply Default;

@@ -2,7 +2,7 @@
 
 namespace zolvane {
 
-// A port is opened for one program alone here.
+// Windows opens a port for one program only.
 std::error_code ClaimSerialPort(asio::serial_port& /*port*/) {
   return {};
 }

@@ -6,7 +6,7 @@
 namespace zolvane {
 namespace {
 
-// Each system keeps the settings of a port in a structure of its own.
+// Each system has its own structure for the settings of a port.
 template <class Result, class Settings>
 bool CanStore(Result (asio::serial_port::baud_rate::*store)(Settings&, std::error_code&) const,
               unsigned baud) {

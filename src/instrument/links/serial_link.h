@@ -11,12 +11,12 @@ namespace zolvane {
 
 inline constexpr unsigned defaultBaud = 9600;
 
-// This system can drive serial ports at that rate.
+// Whether this system supports that rate.
 bool IsBaudRate(unsigned baud);
 
 class SerialLink final : public StreamLink<asio::serial_port> {
  public:
-  // A port whose hardware lacks the rate cannot be opened.
+  // A port whose hardware lacks the rate fails to open.
   SerialLink(const std::string& device, unsigned baud, LinkTimeout timeout, const InterruptFlag& interrupt);
 
  private:

@@ -1,6 +1,7 @@
-// An instrument behind a stream of bytes: a command is its text and CR LF, a reply one line. The derived class opens the
-// stream, wire_rules.h says which line answers which command, and this class sends and waits. A read is always pending
-// while the stream is open, so a connection that the other side has closed is noticed before the next command.
+// An instrument behind a stream of bytes: a command is its text and CR LF, a reply one line. The derived
+// class opens the stream, wire_rules.h says which line answers which command, and this class sends and waits.
+// A read is always pending while the stream is open, so a connection that the other side has closed is
+// noticed before the next command.
 #pragma once
 
 #include <algorithm>
@@ -36,11 +37,11 @@ class StreamLink : public BenchLink {
  protected:
   using Clock = std::chrono::steady_clock;
 
-  // What to do with the stream after a missing reply: a connection may be dead without anybody having been told, and is
-  // opened anew; a line is the same however often it is opened.
+  // What to do with the stream after a missing reply: a connection may be dead without anybody having been
+  // told, and is opened anew; a line is the same however often it is opened.
   enum class AfterTimeout : std::uint8_t { OpenAnew, Keep };
 
-  // `name` is how the user calls the place.
+  // `name` is the user's name for the place.
   StreamLink(std::string name, LinkTimeout timeout, AfterTimeout afterTimeout, const InterruptFlag& interrupt)
       : BenchLink{interrupt},
         name_{std::move(name)},
@@ -53,11 +54,12 @@ class StreamLink : public BenchLink {
   // Writes as much as the stream takes without waiting; the number of bytes. The rest is written later.
   virtual std::size_t WriteAtOnce(std::string_view /*bytes*/) { return 0; }
 
-  // The user waits no longer: for a command that has left after the second interrupt, for anything else after the first.
+  // The user waits no longer: for a command that has left after the second interrupt, for anything else after
+  // the first.
   bool IsCutShort() const { return isCommandOut_ ? Interrupt().IsUrgent() : Interrupt().IsRaised(); }
 
-  // Calls `wait` with moments to wait until, one after the other, until `isDone`; false when the deadline comes or the
-  // user cuts it short before that. A signal does not end a wait by itself, so each is short.
+  // Calls `wait` with moments to wait until, one after the other, until `isDone`; false when the deadline
+  // comes or the user cuts it short before that. A signal does not end a wait by itself, so each is short.
   template <class IsDone, class Wait>
   bool WaitUntil(Clock::time_point deadline, IsDone isDone, Wait wait) const {
     constexpr std::chrono::milliseconds glance{20};
@@ -147,10 +149,10 @@ class StreamLink : public BenchLink {
     return std::nullopt;
   }
 
-  // Sees to it that the stream is open and that nothing lies in it.
+  // Makes sure that the stream is open and empty.
   bool MakeReady(Clock::time_point deadline, Delivery& delivery) {
     if (Port && !DropInput(deadline)) {
-      Close();  // the other side has closed it, or talks without end
+      Close();  // the other side has closed it, or never stops sending
     }
     if (!Port) {
       if (const auto reason = Open(deadline)) {
@@ -167,8 +169,8 @@ class StreamLink : public BenchLink {
     return Port.has_value();
   }
 
-  // Bytes that lie there before a command is sent are no reply to it. Does not wait. False when the stream has ended,
-  // or has more to drop at the deadline.
+  // Bytes that lie there before a command is sent are no reply to it. Does not wait. False when the stream
+  // has ended, or has more to drop at the deadline.
   bool DropInput(Clock::time_point deadline) {
     Io.restart();
     do {
@@ -195,7 +197,7 @@ class StreamLink : public BenchLink {
     return RunUntil(deadline, [this] { return !isWriting_ || !isReading_; }) && hasWritten_;
   }
 
-  // Goes on until the stream ends, or until more has come than a line can be.
+  // Goes on until the stream ends, or until more has come than a line can hold.
   void Read() {
     isReading_ = true;
     hasEnded_ = false;

@@ -48,7 +48,7 @@ TcpLink::Addresses TcpLink::LookUp(const HostAndPort& place) {
   return addresses;
 }
 
-// A look-up cannot be broken off: one that takes longer goes on in the background, and nobody waits for it.
+// A look-up cannot be cancelled: one that takes longer goes on in the background, and nobody waits for it.
 TcpLink::Addresses TcpLink::LookUpUntil(Clock::time_point deadline) const {
   std::error_code error;
   const auto address = asio::ip::make_address(place_.Host, error);
@@ -80,7 +80,7 @@ std::error_code TcpLink::Connect(const Addresses& addresses, Clock::time_point d
   return asio::error::timed_out;
 }
 
-// A failure shows again, and is dealt with, when the rest is written.
+// A failure shows up again, and is handled, when the rest is written.
 std::size_t TcpLink::WriteAtOnce(std::string_view bytes) {
   std::error_code ignored;
   return Port->write_some(asio::buffer(bytes), ignored);

@@ -21,7 +21,8 @@ std::optional<std::string> KeyAskedBy(std::string_view command) {
                                        : std::nullopt;
 }
 
-// A text with blanks, commas or control characters in front of its "=" is no key: status texts and lists may hold a "=".
+// A text with blanks, commas or control characters in front of its "=" is no key: status texts and lists may
+// hold a "=".
 bool IsKey(std::string_view text) {
   return !text.empty() && std::ranges::all_of(text, [](char character) {
     const auto byte = static_cast<unsigned char>(character);
@@ -91,12 +92,12 @@ WireRules::Verdict WireRules::HearBare(std::string_view line) {
   return IsRefusal(line) ? HearRefusal() : HearBareValue(line);
 }
 
-// Of a question that was sent twice both are refused, and the second refusal is not left for the next question.
+// If a question was sent twice, both are refused, and the second refusal is not left for the next question.
 WireRules::Verdict WireRules::HearRefusal() {
   return SettleFirstOfTwo() ? Verdict::Skip : Close();
 }
 
-// Values without their key have to prove themselves: the same question is asked again, and brings the same value.
+// A value without its key needs proof: the same question, asked again, has to bring the same value.
 WireRules::Verdict WireRules::HearBareValue(std::string_view line) {
   const bool isValue = StrictNumber(line).has_value();
   if (isValue && (answersBare_ || bareValue_ == line)) {
@@ -121,7 +122,7 @@ void WireRules::TimeOut() {
 
 void WireRules::Disconnect() {
   if (command_) {
-    // Two late values that are the same would prove themselves for the next question.
+    // Two equal late values would pass as the proof for the next question.
     isLost_ |= answersToCome_ > 1;
     lastGivenUp_ = key_;
     LetGo();
@@ -134,7 +135,7 @@ std::optional<std::string> WireRules::AskForPlace() {
     TakeInHand(std::string{question} + *key, key);
     return command_;
   }
-  // Whatever was sent before it has been answered, or never will be, when the answer to the last line comes.
+  // When the answer to the last line comes, whatever was sent before it has been answered or never will be.
   if (lastGivenUp_ && std::ranges::count(owed_, *lastGivenUp_) == 1) {
     std::erase(owed_, *lastGivenUp_);
     TakeInHand(std::string{question} + *lastGivenUp_, lastGivenUp_);

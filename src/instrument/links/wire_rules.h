@@ -1,12 +1,12 @@
-// Which line answers which command, on a wire whose lines bear no numbers.
+// Which line answers which command, on a wire whose lines carry no numbers.
 //
-// An instrument may be late, echo, greet, repeat itself, or sit behind a converter that keeps its lines while the
-// connection is new. A reply to GET_CALIBRATION says which key it is for, and that name alone decides. Replies that name
-// nothing ("OK", the texts of STATUS) can only be told apart by their order, so after a missing reply nothing leaves
-// until a reply that names itself has shown the place.
+// An instrument may be late, echo, greet, repeat itself, or sit behind a converter that keeps its lines while
+// the connection is new. A reply to GET_CALIBRATION says which key it is for, and that name alone decides.
+// Replies that name nothing ("OK", the texts of STATUS) can only be told apart by their order, so after a
+// missing reply nothing leaves until a reply that names itself has shown the place.
 //
-// Knows nothing of ports and clocks: whoever owns them sends what is asked here, hands in the lines that come, and says
-// when the time is over. Of one thread.
+// Knows nothing of ports and clocks: their owner sends what is asked here, passes in the lines that come, and
+// says when time is up. For one thread only.
 #pragma once
 
 #include <cstdint>
@@ -28,32 +28,34 @@ class WireRules {
   // A connection has been opened. What is owed stays owed: it may come over the new connection.
   void Connect();
 
-  // A command is about to leave and is in hand until it is answered or given up. Not after a missing reply: see below.
+  // A command is about to leave and is in hand until it is answered or given up. Not after a missing reply:
+  // see below.
   void Ask(std::string_view command);
 
   // A whole line has come, without its end. With no command in hand it is skipped.
   Verdict Hear(std::string_view line);
 
-  // A line lay there before a command left. It is no reply to that command, but may be what an earlier one is owed, or
-  // the answer to the first of the two times that the command in hand is sent.
+  // A line lay there before a command left. It is no reply to that command, but may be what an earlier one is
+  // owed, or the answer to the first of the two times that the command in hand is sent.
   void Overhear(std::string_view line);
 
-  // The command in hand has got no answer in its time. Its reply may still come, and the place is lost.
+  // The command in hand was not answered in time. Its reply may still come, and the place is lost.
   void TimeOut();
 
-  // The connection has ended before the command in hand was answered. The place is lost only if it was sent twice.
+  // The connection has ended before the command in hand was answered. The place is lost only if it was sent
+  // twice.
   void Disconnect();
 
   // ---- After a missing reply
 
   bool IsLost() const { return isLost_; }
 
-  // There is a question whose answer would show the place: for the key last answered by name, or one that every
-  // instrument holds; never for a key that is owed an answer.
+  // There is a question whose answer would show the place: for the key last answered by name, or one that
+  // every instrument holds; never for a key that is owed an answer.
   bool HasQuestionForPlace() const { return KeyForPlace().has_value(); }
 
-  // Takes that question in hand; the line to send. Nothing where there is none: what was sent last is in hand again if
-  // its late answer can show the place, and there is only waiting.
+  // Takes that question in hand; the line to send. Empty if there is none: what was sent last is in hand
+  // again if its late answer can show the place, and there is only waiting.
   std::optional<std::string> AskForPlace();
 
   // ---- For people

@@ -13,7 +13,7 @@
 namespace zolvane {
 namespace {
 
-// The kinds there are, and the one that was probably meant.
+// All kinds, and the one that the user probably meant.
 std::string KnownKinds(std::string_view typed) {
   std::string names;
   std::vector<std::string_view> known;

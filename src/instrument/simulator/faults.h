@@ -42,7 +42,7 @@ inline constexpr std::array<FaultRow, 8> faultRows{{
 // By the number of the command, counted from 1 since the program was started.
 using FaultPlan = std::map<std::size_t, Fault>;
 
-// Adds "KIND@N" to the plan. Throws UsageError when it reads otherwise.
+// Adds "KIND@N" to the plan. Throws UsageError for any other text.
 void AddFault(FaultPlan& plan, const std::string& text);
 
 }  // namespace zolvane

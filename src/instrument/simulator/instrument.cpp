@@ -34,7 +34,7 @@ std::optional<std::string> SimulatedInstrument::Answer(std::string_view command)
 
 std::optional<std::string> SimulatedInstrument::Reply(std::string_view command) {
   if (command == "SET_CALIBRATION SAVE") {
-    // Nobody looks at the text of this reply, so an instrument that could not keep its memory gives none.
+    // The text of this reply is never checked, so an instrument that could not save its memory sends none.
     return memory_->Save() ? std::optional<std::string>{"OK"} : std::nullopt;
   }
   if (command.starts_with(setPrefix)) {
@@ -55,7 +55,8 @@ std::optional<std::string> SimulatedInstrument::Reply(std::string_view command) 
                                      : std::string{syntaxError};
 }
 
-// Everything behind the key is the value, blanks included. What has a line break in it could not be told in one line.
+// Everything after the key is the value, blanks included. A value with a line break would not fit into one
+// line.
 std::string SimulatedInstrument::Set(std::string_view keyAndValue) {
   const auto blank = keyAndValue.find(' ');
   if (blank == 0 || blank == std::string_view::npos || blank + 1 == keyAndValue.size() ||

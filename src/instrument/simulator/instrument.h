@@ -20,21 +20,22 @@ class SimulatedInstrument {
     std::string Tag = "5A4C0150AA7F2032";
     std::string Pumps = "PUMPS CLOSED";
 
-    // The file that keeps what was saved of the calibration memory; empty for a memory that ends with the process.
+    // The file that keeps what was saved of the calibration memory; empty for a memory that ends with the
+    // process.
     std::string StateFile{};
 
-    // After so many answers the instrument falls silent.
+    // The instrument falls silent after this many answers.
     std::optional<std::size_t> FailAfter{};
   };
 
-  // Takes over what the state file holds, and creates nothing yet. Throws UsageError when the file cannot be
-  // used, or another instrument uses it.
+  // Loads the state file, and creates nothing yet. Throws UsageError if the file cannot be used, or if
+  // another instrument uses it.
   explicit SimulatedInstrument(Setup setup);
 
   // Creates a missing state file. Throws UsageError when that fails.
   void SwitchOn() const;
 
-  // The reply to one command, or nothing when the instrument keeps silent. Keys are taken to the letter.
+  // The reply to one command; empty if the instrument keeps silent. Keys are case-sensitive.
   std::optional<std::string> Answer(std::string_view command);
 
  private:

@@ -20,8 +20,8 @@ namespace {
 
 // ---- Bytes as texts ----
 
-// JSON holds text alone. A byte that is none stands in it as "\x9b", and a backslash that could be mistaken for the
-// beginning of such a number as "\x5c".
+// JSON holds text alone. A byte that is none stands in it as "\x9b", and a backslash that could be mistaken
+// for the beginning of such a number as "\x5c".
 constexpr std::string_view byteMark = "\\x";
 
 void AppendByteNumber(std::string& text, char byte) {
@@ -152,8 +152,8 @@ bool InstrumentMemory::Save() {
   if (!disk_ || (unsaved_.empty() && isKept_)) {
     return true;
   }
-  // Members that are out of date never are more than half of the document, so that bringing it into order costs no more
-  // than what was appended since the last time.
+  // Outdated members never make up more than half of the document, so that tidying it costs no more than what
+  // was appended since the last time.
   const bool canAppend = isKept_ && isOurLayout_ && !kept_.empty() && outdated_ <= document_.size() / 2;
   isKept_ = canAppend && Append();
   for (const auto& key : unsaved_) {
@@ -163,7 +163,7 @@ bool InstrumentMemory::Save() {
   return isKept_ || Rewrite();
 }
 
-// Of two members of one key the later one counts.
+// If two members have the same key, the later one counts.
 bool InstrumentMemory::Append() {
   std::string members;
   for (const auto& key : unsaved_) {

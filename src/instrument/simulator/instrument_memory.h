@@ -15,8 +15,8 @@ namespace zolvane {
 
 class InstrumentMemory {
  public:
-  // Takes over what the file holds, and claims it, so that no other instrument uses it; creates nothing yet. An empty
-  // name stands for a memory that ends with the process. Throws UsageError if the file cannot be used.
+  // Loads the file and claims it, so that no other instrument uses it; creates nothing yet. An empty name
+  // means a memory that ends with the process. Throws UsageError if the file cannot be used.
   explicit InstrumentMemory(std::string file);
 
   // What was never saved is gone.
@@ -30,11 +30,11 @@ class InstrumentMemory {
 
   void Set(std::string_view key, std::string_view value);
 
-  // Null if there is no such key. Keys are taken to the letter.
+  // Null if there is no such key. Keys are case-sensitive.
   const std::string* Find(std::string_view key) const;
 
-  // Brings what was set since the last time into the file, whole or not at all; costs what was set and not what the
-  // file holds. False if that failed.
+  // Saves what was set since the last time, all of it or nothing; the cost depends on that, not on the size
+  // of the file. False if that failed.
   bool Save();
 
  private:

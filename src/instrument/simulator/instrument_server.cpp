@@ -33,7 +33,7 @@ std::string NameOf(const tcp::endpoint& place) {
 
 }  // namespace
 
-// Those who want to be served, in the order in which they came; the first of them is being served.
+// The clients in the order in which they came; the first is being served.
 class ClientQueue final : public ClientWatch {
  public:
   ClientQueue(asio::io_context& io, std::chrono::milliseconds patience)
@@ -64,7 +64,7 @@ class ClientQueue final : public ClientWatch {
   void End() override { Await(false); }
 
  private:
-  // Patience begins anew with each line and each reply, and when the first other client comes.
+  // Patience starts afresh with each line and each reply, and when the first other client comes.
   void Await(bool isAwaited) {
     isAwaited_ = isAwaited;
     end_.cancel();

@@ -12,7 +12,8 @@
 
 namespace zolvane {
 
-// Told when the server begins to wait for its client, to send a line or to take a reply, and when that ends.
+// Called when the server begins to wait for its client, to send a line or to take a reply, and when that
+// ends.
 class ClientWatch {
  public:
   virtual ~ClientWatch() = default;
@@ -36,9 +37,9 @@ class InstrumentServer {
   InstrumentServer(SimulatedInstrument& instrument, Setup setup)
       : instrument_{instrument}, setup_{std::move(setup)} {}
 
-  // Listens on HOST:PORT and serves one client after another until `io` is stopped. A client that sends no whole line,
-  // or takes no reply, while another waits is let go of when the patience with it is over. Returns where it listens
-  // ("tcp:127.0.0.1:PORT"). Throws UsageError when it cannot listen there.
+  // Listens on HOST:PORT and serves one client after another until `io` is stopped. A client that sends no
+  // whole line, or takes no reply, while another waits is dropped when patience with it runs out. Returns
+  // where it listens ("tcp:127.0.0.1:PORT"). Throws UsageError when it cannot listen there.
   std::string ServeTcp(asio::io_context& io, const std::string& place);
 
   // Opens a pseudo-terminal and serves whoever opens its other end until `io` is stopped. Returns its path.

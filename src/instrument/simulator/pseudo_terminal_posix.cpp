@@ -48,7 +48,7 @@ Descriptor Opened(asio::io_context& io, int descriptor) {
   return Descriptor{io, descriptor};
 }
 
-// Both ends: our own hold on the other end keeps the line alive between two clients.
+// Both ends: keeping the other end open too keeps the line alive between two clients.
 struct PseudoTerminal {
   explicit PseudoTerminal(asio::io_context& io)
       : Master{Opened(io, ::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC))},

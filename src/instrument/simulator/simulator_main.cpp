@@ -65,7 +65,7 @@ std::size_t NumberBehind(std::string_view option, const std::string& text, std::
   return *number;
 }
 
-// A reply of two lines would answer two commands, and a comma in the tag would make a sixth field.
+// A reply of two lines would answer two commands, and a comma in the tag would add a field.
 void DemandPlainReplies(const SimulatedInstrument::Setup& instrument) {
   if (instrument.Tag.find(',') != std::string::npos) {
     throw UsageError{Joined("--rfid: a tag has no comma: ", Quoted(instrument.Tag))};

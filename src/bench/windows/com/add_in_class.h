@@ -12,8 +12,8 @@ namespace zolvane {
 inline constexpr const wchar_t* addInModuleName = L"HZOCalibrateDevice.dll";
 inline constexpr const wchar_t* addInProgId = L"HZOCalibrateDevice.Connect";
 
-// The module of an add-in in a file of its own, without any registration. Throws std::runtime_error when it is no such
-// module. It stays loaded while this lives; the caller releases the add-in's objects first.
+// The module of an add-in in a file of its own, without any registration. Throws std::runtime_error when it
+// is no such module. It stays loaded while this lives; the caller releases the add-in's objects first.
 class AddInFile {
  public:
   explicit AddInFile(const std::wstring& path);

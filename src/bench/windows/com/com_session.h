@@ -14,8 +14,8 @@ namespace zolvane {
 
 class ComSession {
  public:
-  // Asks for caption and page, hands over window and host object, and loads the page. Throws std::runtime_error when
-  // there is no page.
+  // Asks for caption and page, hands over window and host object, and loads the page. Throws
+  // std::runtime_error when there is no page.
   ComSession(ComPtr<IAddIn> addIn, const ComPtr<IDispatch>& object, const ComPtr<IDispatch>& window);
 
   // Saves, detaches and releases.

@@ -45,7 +45,7 @@ HWND FileNameField(HWND dialogue) {
   return nullptr;
 }
 
-// The window may belong to a thread that does not look at its messages just now.
+// The window may belong to a thread that is not handling its messages just now.
 LRESULT Ask(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
   constexpr UINT patience = 5000;
   DWORD_PTR result = 0;
@@ -59,7 +59,7 @@ std::string TextIn(HWND window) {
   return Utf8(text.data());
 }
 
-// The one button of a box that has a single one answers to "Cancel", whatever stands on it.
+// The single button of a box answers to "Cancel", whatever its text.
 std::int32_t FirstButton(HWND box) {
   for (const std::int32_t button : {IDOK, IDYES, IDCANCEL, IDNO}) {
     if (GetDlgItem(box, button) != nullptr) {
@@ -123,8 +123,8 @@ void DialogueAnswerer::Run(const std::stop_token& ending) {
   }
 }
 
-// True when nothing is left to do. A file dialogue stays with us until it is closed: it may ask whether the file is to
-// be replaced, or say that it cannot be used.
+// True when nothing is left to do. A file dialogue stays with us until it is closed: it may ask whether the
+// file is to be replaced, or say that it cannot be used.
 bool DialogueAnswerer::Attempt(const Order& order) {
   if (order.What == Task::Button && pressing_.Order == order.Number) {
     return PressAgain();
@@ -167,8 +167,8 @@ void DialogueAnswerer::AnswerBox(HWND box, const Order& order) {
   PostMessageW(box, WM_COMMAND, static_cast<WPARAM>(pressing_.Button), 0);
 }
 
-// A dialogue that is still being set up writes its own proposal over what was typed, so the name is accepted only when it
-// has stayed. A dialogue that is still there long after that does not accept it.
+// A dialogue that is still being set up writes its own proposal over what was typed, so the name is accepted
+// only when it has stayed. A dialogue that is still there long after that does not accept it.
 void DialogueAnswerer::AnswerFileDialogue(HWND dialogue, const Order& order) {
   constexpr auto patience = std::chrono::seconds{15};
   constexpr auto settling = std::chrono::milliseconds{20};

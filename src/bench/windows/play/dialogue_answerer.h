@@ -1,5 +1,5 @@
-// A user at the keyboard for the boxes and file dialogues of another thread: a thread of its own that waits for the next
-// one to appear and answers it there.
+// Answers the boxes and file dialogues of another thread as a user at the keyboard would: on a thread of its
+// own that waits for the next one to appear.
 #pragma once
 
 #include <chrono>
@@ -22,11 +22,11 @@ class DialogueAnswerer {
   DialogueAnswerer(const DialogueAnswerer&) = delete;
   DialogueAnswerer& operator=(const DialogueAnswerer&) = delete;
 
-  // To be called when the box or dialogue is about to appear.
+  // Call these when the box or dialogue is about to appear.
   void PressButton(std::int32_t button);
-  void ChooseFile(std::optional<std::string> path);  // nothing: Cancel
+  void ChooseFile(std::optional<std::string> path);  // empty: Cancel
 
-  // It is gone; what was left to do is not done any more.
+  // It is gone; what was left to do is dropped.
   void Closed();
 
  private:
@@ -65,8 +65,8 @@ class DialogueAnswerer {
 
   DWORD user_;
   mutable std::mutex mutex_;
-  // Set by an order and by the end. Not a condition of the standard library: MinGW's now and then sleeps through being
-  // notified while another thread begins to wait, and then nobody ends the thread any more.
+  // Set by an order and by the end. Not a condition of the standard library: MinGW's now and then sleeps
+  // through being notified while another thread begins to wait, and then nobody ends the thread any more.
   UniqueHandle<HANDLE, CloseHandle> changed_;
   Order order_;
   Typing typing_;

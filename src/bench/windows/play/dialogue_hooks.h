@@ -1,5 +1,6 @@
-// Standing between a module and the system's boxes and file dialogues: what it shows can be written down, and answered
-// by somebody else than the user. The real boxes and dialogues appear all the same, unless the listener does without.
+// Stands between a module and the system's boxes and file dialogues: what it shows can be traced, and
+// answered by a program instead of the user. The real boxes and dialogues still appear, unless the listener
+// does without them.
 #pragma once
 
 #include <functional>
@@ -14,7 +15,7 @@
 
 namespace zolvane {
 
-// Hears of a box or dialogue when it is about to appear, on the thread that shows it.
+// Called when a box or dialogue is about to appear, on the thread that shows it.
 class DialogueListener {
  public:
   virtual ~DialogueListener() = default;

@@ -1,4 +1,4 @@
-// The user at the page's controls, and what they see there: everything goes through the page's real windows.
+// A user at the page's real windows: what they do with its controls, and what they see there.
 #pragma once
 
 #include <string>
@@ -10,7 +10,7 @@ namespace zolvane {
 
 class PageDriver {
  public:
-  // The frame container that the add-in gives. It may be destroyed meanwhile; then nothing reacts any more.
+  // The frame container that the add-in gives. It may be destroyed meanwhile; then nothing reacts.
   explicit PageDriver(HWND frame) : frame_{frame} {}
 
   // Each returns when all that it started has ended. A control that is disabled does not react.
@@ -21,7 +21,7 @@ class PageDriver {
   // A click on the frame, beside all controls.
   void ClickFrame() const;
 
-  // What the controls show. The colours of lists are not among it.
+  // What the controls show, except for the colours of lists.
   PageModel Shown() const;
 
  private:

@@ -21,8 +21,8 @@ class Player final : public DialogueListener {
   // Of the thread that the page lives on.
   Player(const BoxAnswers::Setup& answers, Complaint complain);
 
-  // Returns when all that the command started has ended. False when it does not fit the page: the control is disabled,
-  // or the list has no such entry.
+  // Returns when all that the command started has ended. False when it does not fit the page: the control is
+  // disabled, or the list has no such entry.
   bool Play(const Action& action, const PageDriver& page);
 
   // Answers a message of the host's own dialogue that has just been opened.

@@ -9,8 +9,8 @@ namespace zolvane {
 
 enum class Announcement : std::uint8_t { Information, Error };
 
-// Says it on `stream` if the program's standard output (for an error: its standard error) leads somewhere; else on the
-// console that the program was started from. False when there is neither.
+// Says it on `stream` if the program's standard output (for an error: its standard error) leads somewhere;
+// else on the console that the program was started from. False when there is neither.
 bool SayOnTerminal(Announcement kind, const std::string& text, std::ostream& stream);
 
 // The same; where there is neither, in a box, which it waits for.

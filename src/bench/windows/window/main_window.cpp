@@ -258,8 +258,8 @@ void MainWindow::AppendLog(std::string_view line) {
   UpdateWindow(log_);
 }
 
-// Some systems keep what was drawn to themselves until the thread looks for messages, and the instrument may keep it
-// from doing so for long.
+// Some systems keep what was drawn to themselves until the thread looks for messages, and the instrument may
+// keep it from doing so for long.
 void MainWindow::ShowPart(int part, std::string_view text) const {
   SendMessageW(statusBar_, SB_SETTEXTW, static_cast<WPARAM>(part),
                reinterpret_cast<LPARAM>(Wide(text).c_str()));

@@ -58,7 +58,8 @@ class MainWindow {
   void ShowTitle(std::string_view page);
   void ShowPlace(std::string_view folder, std::string_view link);
 
-  // While an operation runs it can be stopped, and of the host's other buttons only those of an end can be pressed.
+  // While an operation runs it can be stopped, and of the host's other buttons only those of an end can be
+  // pressed.
   void ShowOperation(bool isRunning);
 
   // Each is on the screen when it returns. A line of the log begins with the time.
@@ -73,8 +74,8 @@ class MainWindow {
   // Handles messages until the window is gone.
   void Run();
 
-  // For an operation that waits: handles messages until the event is set, except those that are meant for the page. Its
-  // controls are disabled, and it does not expect to be called meanwhile. Escape asks for a stop.
+  // For an operation that waits: handles messages until the event is set, except those that are meant for the
+  // page. Its controls are disabled, and it does not expect to be called meanwhile. Escape asks for a stop.
   void PumpUntil(HANDLE event);
 
  private:

@@ -17,12 +17,13 @@ struct WindowedHostSetup {
   std::shared_ptr<InstrumentLink> Link;
   bool OffersDialog = false;
 
-  // Hears of each message of the host's own dialogue, when it is open.
+  // Called for each message of the host's own dialogue, when it is open.
   std::function<void(const Question&)> MessageOpened;
 };
 
 std::shared_ptr<HostObject> MakeWindowedObject(WindowedHostSetup setup);
-// `told` hears of each text of the status panel.
+
+// `told` gets each text of the status panel.
 std::shared_ptr<HostWindow> MakeWindowedWindow(MainWindow& window,
                                                std::function<void(const std::string&)> told);
 
