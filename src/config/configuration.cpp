@@ -10,7 +10,7 @@ std::string SettingsFiles::ConfigFilePath() const {
   if (!path.ends_with(separator)) {
     path += separator;
   }
-  return path + "Zolvane.ini";
+  return path.append(configFileName);
 }
 
 std::string SettingsFiles::Resolved(std::string_view file) const {

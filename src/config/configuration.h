@@ -14,6 +14,8 @@
 
 namespace zolvane {
 
+inline constexpr std::string_view configFileName = "Zolvane.ini";
+
 // The settings-file service as the tables use it. One service object is created on first use and kept; a
 // failed creation is tried again. A call without a service fails like a call that the service refused.
 class SettingsFiles {
@@ -21,7 +23,7 @@ class SettingsFiles {
   // The process outlives this object.
   explicit SettingsFiles(HostProcess& process) : process_{&process} {}
 
-  // "Zolvane.ini" in the program folder, computed afresh at each use.
+  // configFileName in the program folder, computed afresh at each use.
   std::string ConfigFilePath() const;
 
   // The file a caller means: `file` itself, or ConfigFilePath when it is empty.
@@ -32,7 +34,7 @@ class SettingsFiles {
   Status WriteValue(std::string_view section, std::string_view key, std::string_view file,
                     std::string_view value) const;
 
-  // The pieces of a text; none when the service failed.
+  // The pieces of a text; none if the service failed.
   std::vector<std::string> SplitText(std::string_view delimiter, std::string_view text) const;
 
  private:

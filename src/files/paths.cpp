@@ -2,6 +2,7 @@
 
 #include <system_error>
 
+#include "config/configuration.h"
 #include "text/joined.h"
 #include "text/usage_error.h"
 
@@ -34,7 +35,7 @@ bool NamesFolder(std::string_view text) {
 }
 
 std::string ConfigFileIn(const std::string& folder) {
-  return TextOf(PathOf(folder) / "Zolvane.ini");
+  return TextOf(PathOf(folder) / configFileName);
 }
 
 bool IsSameFile(const std::string& left, const std::string& right) {

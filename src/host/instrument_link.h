@@ -4,10 +4,14 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "host/status.h"
 
 namespace zolvane {
+
+// Stands in the reply to a command whose key the instrument does not know.
+inline constexpr std::string_view syntaxErrorReply = "SYNTAX_ERROR";
 
 class InstrumentLink {
  public:

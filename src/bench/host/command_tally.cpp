@@ -3,6 +3,7 @@
 #include <array>
 #include <cstdint>
 
+#include "host/instrument_link.h"
 #include "operations/instrument_command.h"
 
 namespace zolvane {
@@ -17,7 +18,7 @@ bool Holds(std::string_view text, std::string_view part) {
 }
 
 bool IsSyntaxError(std::string_view reply) {
-  return Holds(reply, "SYNTAX_ERROR");
+  return Holds(reply, syntaxErrorReply);
 }
 
 Verdict OfSetting(std::string_view reply) {

@@ -11,6 +11,7 @@
 #include "files/file_settings_service.h"
 #include "files/sectioned_text.h"
 #include "host/forwarding.h"
+#include "host/instrument_link.h"
 #include "operations/download.h"
 #include "operations/file_copy.h"
 #include "operations/hardware_detection.h"
@@ -79,7 +80,7 @@ class CountingLink final : public InstrumentLink {
 
   std::optional<bool> SendCommand(std::string&, std::string& reply, std::int32_t) override {
     ++Count;
-    reply = "SYNTAX_ERROR";
+    reply = syntaxErrorReply;
     return true;
   }
 };

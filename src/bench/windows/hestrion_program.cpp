@@ -294,7 +294,7 @@ ComPtr<IAddIn> HestrionBench::CreateAddIn() {
   if (!addIn) {
     if (!file_) {
       const auto folder = options_.Folder.empty() ? OwnFolder() : AbsolutePath(options_.Folder);
-      if (!std::filesystem::exists(PathOf(folder) / "Zolvane.ini")) {
+      if (!std::filesystem::exists(PathOf(ConfigFileIn(folder)))) {
         throw UsageError{Joined("there is no Zolvane.ini in ", folder)};
       }
       installed_.emplace(folder);

@@ -6,12 +6,12 @@
 
 #include "config/conversions.h"
 #include "config/text.h"
+#include "host/instrument_link.h"
 
 namespace zolvane {
 namespace {
 
 constexpr std::string_view question = "GET_CALIBRATION ";
-constexpr std::string_view unknownKey = "SYNTAX_ERROR";
 
 // Keys that every instrument holds.
 constexpr std::array<std::string_view, 2> commonKeys{"STAGE1_X", "STAGE2_X"};
@@ -31,7 +31,7 @@ bool IsKey(std::string_view text) {
 }
 
 bool IsRefusal(std::string_view line) {
-  return line.find(unknownKey) != std::string_view::npos;
+  return line.find(syntaxErrorReply) != std::string_view::npos;
 }
 
 bool HoldsInAnyCase(const std::vector<std::string>& keys, std::string_view key) {

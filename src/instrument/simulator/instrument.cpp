@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "host/instrument_link.h"
 #include "text/joined.h"
 #include "text/printable.h"
 #include "text/usage_error.h"
@@ -9,7 +10,6 @@
 namespace zolvane {
 namespace {
 
-constexpr std::string_view syntaxError = "SYNTAX_ERROR";
 constexpr std::string_view setPrefix = "SET_CALIBRATION ";
 constexpr std::string_view getPrefix = "GET_CALIBRATION ";
 
@@ -52,7 +52,7 @@ std::optional<std::string> SimulatedInstrument::Reply(std::string_view command) 
   return command == "STATUS_STAGE"   ? setup_.Stage
          : command == "STATUS_MECH"  ? setup_.Mechanics
          : command == "STATUS PUMPS" ? setup_.Pumps
-                                     : std::string{syntaxError};
+                                     : std::string{syntaxErrorReply};
 }
 
 // Everything after the key is the value, blanks included. A value with a line break would not fit into one
@@ -61,7 +61,7 @@ std::string SimulatedInstrument::Set(std::string_view keyAndValue) {
   const auto blank = keyAndValue.find(' ');
   if (blank == 0 || blank == std::string_view::npos || blank + 1 == keyAndValue.size() ||
       keyAndValue.find_first_of("\r\n") != std::string_view::npos) {
-    return std::string{syntaxError};
+    return std::string{syntaxErrorReply};
   }
   memory_->Set(keyAndValue.substr(0, blank), keyAndValue.substr(blank + 1));
   return "OK";
@@ -69,7 +69,7 @@ std::string SimulatedInstrument::Set(std::string_view keyAndValue) {
 
 std::string SimulatedInstrument::Get(std::string_view key) const {
   const auto* const value = memory_->Find(key);
-  return value == nullptr ? std::string{syntaxError} : Joined(key, "=", *value);
+  return value == nullptr ? std::string{syntaxErrorReply} : Joined(key, "=", *value);
 }
 
 }  // namespace zolvane
