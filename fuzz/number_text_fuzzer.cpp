@@ -27,6 +27,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const auto picture = zolvane::PictureText(value, zolvane::NumberPicture::Hundredths);
   Check(zolvane::StrictNumber(picture).has_value());
   Check(!picture.starts_with("-0.00"));
-  (void)zolvane::StrictFlag(text);
+  (void)zolvane::StrictBoolean(text);
   return 0;
 }

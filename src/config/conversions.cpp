@@ -145,8 +145,8 @@ void CarryUp(std::string& digits) {
   std::fill(digits.begin() + static_cast<std::ptrdiff_t>(lastBelowNine) + 1, digits.end(), '0');
 }
 
-// All digits down to the last decimal place, rounded half away from zero: value times ten to the power
-// `decimals`.
+// All digits down to the last decimal place, rounded half away from zero: value times ten
+// to the power `decimals`.
 std::string RoundedDigits(const DecimalForm& form, int decimals) {
   const int kept = form.PointPosition + decimals;
   if (kept < 0) {
@@ -201,7 +201,7 @@ std::optional<double> StrictNumber(std::string_view text) {
   return length == 0 || length != number.size() ? std::nullopt : ReadNumber(number);
 }
 
-std::optional<bool> StrictFlag(std::string_view text) {
+std::optional<bool> StrictBoolean(std::string_view text) {
   const auto word = Trimmed(text);
   if (EqualIgnoringCase(word, "True")) {
     return true;
@@ -213,7 +213,7 @@ std::optional<bool> StrictFlag(std::string_view text) {
   return number ? std::optional{*number != 0.0} : std::nullopt;
 }
 
-bool NumericFlag(std::string_view text) {
+bool LeadingBoolean(std::string_view text) {
   return LeadingNumber(text) != 0.0;
 }
 

@@ -1,9 +1,11 @@
 // The forms in which a record's members stand in the settings file: each reads a text into a member's type
 // and writes it back, with both directions next to each other.
 //
-// Read gives nothing when the text does not convert (the member then keeps its value); Write gives nothing
-// when the value cannot be brought into file units, as with a zero factor (the piece of the line then stays
-// empty). A form without Write belongs to members that are never saved. Values says for people which texts convert.
+// Strict forms take a text only if all of it converts; Leading forms take the number at its start, or else 0.
+//
+// Read returns nullopt if the text does not convert; the member then keeps its value. Write returns nullopt
+// if the value has no file units, as with a zero factor; the piece of the line then stays empty. A form
+// without Write belongs to members that are never saved. Values says for people which texts convert.
 #pragma once
 
 #include <cstdint>
@@ -37,24 +39,24 @@ struct QuotedText {
 };
 
 // A flag that fails to load unless it is a word or a number.
-struct WordOrNumberFlag {
+struct StrictFlag {
   static constexpr std::string_view Values = "1 or 0, True or False";
-  static std::optional<bool> Read(std::string_view text, const StepFactors&) { return StrictFlag(text); }
+  static std::optional<bool> Read(std::string_view text, const StepFactors&) { return StrictBoolean(text); }
   static std::optional<std::string> Write(bool flag, const StepFactors&) { return FlagText(flag); }
 };
 
 // A flag that always loads: a leading number that is not zero is true.
-struct LeadingNumberFlag {
+struct LeadingFlag {
   static constexpr std::string_view Values = "1 or 0";
-  static std::optional<bool> Read(std::string_view text, const StepFactors&) { return NumericFlag(text); }
+  static std::optional<bool> Read(std::string_view text, const StepFactors&) { return LeadingBoolean(text); }
   static std::optional<std::string> Write(bool flag, const StepFactors&) { return FlagText(flag); }
 };
 
 // The opposite of the flag in the line.
 struct NegatedFlag {
-  static constexpr std::string_view Values = WordOrNumberFlag::Values;
+  static constexpr std::string_view Values = StrictFlag::Values;
   static std::optional<bool> Read(std::string_view text, const StepFactors&) {
-    const auto flag = StrictFlag(text);
+    const auto flag = StrictBoolean(text);
     return flag ? std::optional{!*flag} : std::nullopt;
   }
 };
@@ -81,7 +83,7 @@ struct StrictSingle {
 
 // A leading number, rounded half to even.
 template <WholeNumber T>
-struct RoundedWhole {
+struct LeadingWhole {
   static constexpr std::string_view Values = sizeof(T) == 2 ? "whole, -32768 to 32767" : "whole, 32 bits";
   static std::optional<T> Read(std::string_view text, const StepFactors&) {
     return RoundHalfToEven<T>(LeadingNumber(text));
@@ -100,6 +102,11 @@ struct StrictWhole {
   }
   static std::optional<std::string> Write(T value, const StepFactors&) { return WholeText(value); }
 };
+
+using LeadingShort = LeadingWhole<std::int16_t>;
+using LeadingLong = LeadingWhole<std::int32_t>;
+using StrictShort = StrictWhole<std::int16_t>;
+using StrictLong = StrictWhole<std::int32_t>;
 
 // Serial-dilute XY steps on their way to the file: whole file units, rounded half away from zero.
 struct SDStepsWriting {

@@ -10,7 +10,7 @@ namespace {
 std::string DefaultName(const SettingsFiles& settings, std::string_view section, std::string_view file) {
   auto choice = settings.ReadValue(section, "Default", file).value_or("");
   if (choice.empty()) {
-    AssignIf(choice, settings.ReadValue(section, "Installed", file));
+    AssignIf(choice, settings.ReadValue(section, installedKey, file));
   }
   if (choice.empty()) {
     return {};

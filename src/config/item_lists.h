@@ -1,5 +1,5 @@
 // A section's items as a list for the page, and the search for the item that the instrument reports. Both
-// always read ConfigFilePath. Their different end rules are wanted.
+// always read ConfigFilePath. They end at different items, on purpose.
 #pragma once
 
 #include <cstddef>
@@ -25,9 +25,9 @@ struct ListContent {
   std::optional<std::size_t> Preselected;  // the entry that the section's "Default" names
 };
 
-// Items 0 to 9 are always probed, gaps allowed; beyond 9 the first missing item ends the list. Items without
-// a name are left out. A "Default" (or else "Installed") of the form text="name" preselects the entry of
-// exactly that name.
+// Items 0 to 9 are always probed, gaps allowed; beyond 9 the first missing item ends the list. Items
+// without a name are left out. A "Default" (or else "Installed") of the form text="name" preselects the
+// entry of exactly that name.
 ListContent ReadListContent(const SettingsFiles& settings, std::string_view section);
 
 // The number of the first item from 1 on whose piece (from 0, double quotes removed) equals the text in any

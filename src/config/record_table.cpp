@@ -2,6 +2,10 @@
 
 namespace zolvane {
 
+std::string ItemKey(std::string_view item) {
+  return std::string{"Item"}.append(item);
+}
+
 Status WriteFieldList(const SettingsFiles& settings, std::string_view section, std::string_view key,
                       std::span<const std::string> fields, std::string_view file) {
   std::string line;

@@ -1,16 +1,23 @@
 // The records of the configuration tables, as they stand in memory. Fresh records are empty, zero and false.
 //
-// Members named Field followed by a number are kept without interpretation and carry the number of their
-// position in the record line; where the upload or download gives one of them a use, its comment says which.
-// Positions that pass through a step factor are motor steps in memory and file units (millimetres) in the
-// file.
+// A member is named after what the instrument or the page uses it for. Field, Flag or Value with a number is
+// only kept; the number is its place in the record line. Positions that pass through a step factor are motor
+// steps in memory and file units (millimetres) in the file.
 #pragma once
 
 #include <array>
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace zolvane {
+
+// The classes of modules, heads and tips, as their Code says.
+namespace code {
+inline constexpr std::string_view microtiter = "MICROTITER";
+inline constexpr std::string_view serialDilute = "SERIALDILUTE";
+inline constexpr std::string_view calibrate = "CALIBRATE";
+}  // namespace code
 
 // Section "DeviceType": a model of the instrument, and the device-wide switches of the one that is installed.
 struct DeviceTypeRecord {
@@ -30,88 +37,96 @@ struct DeviceTypeRecord {
   bool CollisionDetectEnableSDXY = false;
   bool SDXYCollisionStatus = false;
   bool IsUnread = false;  // its line could not be read
+
+  bool operator==(const DeviceTypeRecord&) const = default;
 };
 
 // Section "CageType": a carrier of pipetting modules.
 struct CageTypeRecord {
   std::string ID;
   std::string Name;
-  std::string Code;  // "MICROTITER", "SERIALDILUTE"
+  std::string Code;  // its class
   bool Field2 = false;
   std::int32_t CageReleaseBarHeight = 0;
   std::int32_t CageReleaseHeight = 0;
   bool Field3 = false;
   bool Field4 = false;
-  std::int32_t Field5 = 0;  // head-change S, steps
+  std::int32_t HeadChangeS = 0;  // steps
   std::int32_t Field6 = 0;
-  std::int32_t Field7 = 0;  // tip-change S, steps
+  std::int32_t TipChangeS = 0;  // steps
   std::int32_t Field8 = 0;
   bool IsUnread = false;  // its line could not be read
+
+  bool operator==(const CageTypeRecord&) const = default;
 };
 
-// Section "HeadType": a pipette head. The five offsets are named in millimetres, as their keys are; in memory
-// they hold motor steps.
+// Section "HeadType": a pipette head. The five offsets are named in millimetres, as their keys are; in
+// memory they hold motor steps.
 struct HeadTypeRecord {
   std::string ID;
   std::string Name;
-  std::string Code;  // the head's class: "MICROTITER", "SERIALDILUTE", "CALIBRATE"
+  std::string Code;  // its class
   double Field2 = 0.0;
   double TipVolume = 0.0;  // microlitres
   double Field4 = 0.0;
-  std::int16_t Field5 = 0;  // channel count
+  std::int16_t Channels = 0;
   double Field6 = 0.0;
   bool Field7 = false;
   bool Field8 = false;
   bool Field9 = false;
-  std::int32_t Field10 = 0;  // serial-dilute head-eject S, steps
-  std::int32_t Field11 = 0;  // serial-dilute head-lock S, steps
-  double Field14 = 0.0;      // drop-off Z
-  double Field15 = 0.0;      // pick-up Z
-  std::string ChannelCode;   // the head's name: "1_CH_SHORT", "1_CH_LONG", "8_CH", "12_CH"
+  std::int32_t HeadEjectS = 0;  // steps
+  std::int32_t HeadLockS = 0;   // steps
+  double DropOffZ = 0.0;        // steps; also of tip and head change
+  double PickUpZ = 0.0;         // steps
+  std::string ChannelCode;      // layout of the channels: "1_CH_SHORT", "1_CH_LONG", "8_CH", "12_CH"
   bool Field17 = false;
-  std::int32_t Field12 = 0;    // aspirate origin, steps
-  double Field13 = 0.0;        // tip-eject S
-  double TipMountDepth = 0.0;  // of the head's tip volume, taken from the height calibration on loading
-  std::string Field18;         // RFID identifier
+  std::int32_t AspirateOrigin = 0;  // steps
+  double TipEjectS = 0.0;           // millimetres
+  double TipMountDepth = 0.0;       // millimetres; of the tip volume, taken from the heights on loading
+  std::string Tag;                  // RFID identifier
   double SDTeachToolOffsetMM = 0.0;
   double SDHomeSensorSeekOffsetMM = 0.0;
   double SDPreCollectHeightMM = 0.0;
   double SDRFIDReadHeightMM = 0.0;
   double SDHeadEjectOffsetMM = 0.0;
   bool IsUnread = false;  // its line could not be read
+
+  bool operator==(const HeadTypeRecord&) const = default;
 };
 
 // Section "TipType": a kind of tip.
 struct TipTypeRecord {
   std::string ID;
   std::string Name;
-  std::string Code;  // the tip's class
+  std::string Code;  // its class
   double Field2 = 0.0;
   double Field3 = 0.0;
   std::int16_t Field4 = 0;
   std::int16_t Field5 = 0;
   bool Field6 = false;
-  std::int32_t Field7 = 0;  // rack-eject Z
-  std::int32_t Field8 = 0;  // rack-pick-up Z
-  std::int32_t Field9 = 0;  // chute-eject Z
+  std::int32_t RackEjectZ = 0;   // millimetres
+  std::int32_t RackPickUpZ = 0;  // millimetres
+  std::int32_t ChuteEjectZ = 0;  // steps
   double Field10 = 0.0;
   std::int32_t Field11 = 0;
   bool Field12 = false;
   bool Field13 = false;
-  bool Field14 = false;  // first tip-size flag (1250 microlitres)
-  bool Field15 = false;  // second tip-size flag
-  bool Field16 = false;  // third tip-size flag
-  bool Field17 = false;  // fourth tip-size flag
-  std::string Field18;   // name of the tip's volume-correction section
-  double TipChuteClearOffset = 0.0;
-  bool IsUnread = false;  // its line could not be read
+  bool FirstSize = false;  // FirstSize to FourthSize: size flags, the first of 1250 microlitres
+  bool SecondSize = false;
+  bool ThirdSize = false;
+  bool FourthSize = false;
+  std::string CorrectionSection;     // of its volume correction
+  double TipChuteClearOffset = 0.0;  // millimetres
+  bool IsUnread = false;             // its line could not be read
+
+  bool operator==(const TipTypeRecord&) const = default;
 };
 
 // One line "Axis1", "Axis2", ... of the section of the current device and cage.
 struct AxisRecord {
   bool Defined = false;
   std::string Name;
-  float UnitsPerStep = 0.0F;  // millimetres per step
+  float UnitsPerStep = 0.0F;  // millimetres per step; SDX and SDY: per file unit in the file
   std::int32_t Field3 = 0;
   std::int32_t Field4 = 0;
   std::int32_t Field5 = 0;
@@ -125,11 +140,13 @@ struct AxisRecord {
   std::int16_t Field13 = 0;
   std::int16_t Field14 = 0;
   std::int32_t Field15 = 0;
+
+  bool operator==(const AxisRecord&) const = default;
 };
 
 // Section "PlateType": the labware library. The two SBSA1 values are one pair for the whole section.
 struct PlateTypeRecord {
-  std::string Key;
+  std::string ID;
   std::string Name;
   std::string Field2;
   std::int16_t Field3 = 0;
@@ -154,11 +171,13 @@ struct PlateTypeRecord {
   bool Field20 = false;
   bool Field21 = false;
   bool IsUnread = false;  // its line could not be read
+
+  bool operator==(const PlateTypeRecord&) const = default;
 };
 
 // Section "Calibration_" and the device's name: the stage calibration table.
 struct CalibrationRecord {
-  std::string Key;
+  std::string ID;
   std::string Name;
   std::int32_t Field2 = 0;
   std::int32_t Field3 = 0;
@@ -169,16 +188,18 @@ struct CalibrationRecord {
   std::int32_t Field8 = 0;
   std::int32_t Field9 = 0;
   bool IsUnread = false;  // its line could not be read
+
+  bool operator==(const CalibrationRecord&) const = default;
 };
 
 // Section "Position_" and the device's name: a place on the stage.
 struct PositionRecord {
-  std::string Key;
+  std::string ID;
   std::string PositionName;  // "STAGE1", "TIPCHUTE", ...
   std::string Name;          // the display name; empty at the end of the table
   std::string Field3;
-  std::int32_t Field4 = 0;  // stage X, motor counts
-  std::int32_t Field5 = 0;  // stage Y, motor counts
+  std::int32_t StageX = 0;  // motor counts
+  std::int32_t StageY = 0;  // motor counts
   std::int32_t X = 0;       // serial-dilute X, steps
   std::int32_t Y = 0;       // serial-dilute Y, steps
   std::int32_t Field8 = 0;  // Field8 to Field11: steps
@@ -192,9 +213,12 @@ struct PositionRecord {
   bool Flag15 = false;
   bool Flag16 = false;
   bool IsUnread = false;  // its line could not be read
+
+  bool operator==(const PositionRecord&) const = default;
 };
 
-// Section "Z_Calibration": the heights. The names' irregular capitals are part of the file's format.
+// Section "Z_Calibration": the heights; those that are called height or depth are millimetres. The irregular
+// capitals of the names are part of the file's format.
 struct ZCalibrationRecord {
   double MountHeight = 0.0;
   double StageHeightLower = 0.0;
@@ -216,11 +240,13 @@ struct ZCalibrationRecord {
   double CalibrationPlateDepth = 0.0;
   double DeltaZ = 0.0;
   double DeltaZTolerance = 0.0;
+
+  bool operator==(const ZCalibrationRecord&) const = default;
 };
 
 // Section "NestCalibration".
 struct NestCalibrationRecord {
-  std::string Key;
+  std::string ID;
   std::string Name;
   std::int32_t Value1 = 0;  // Value1 to Value6: steps
   std::int32_t Value2 = 0;
@@ -229,6 +255,8 @@ struct NestCalibrationRecord {
   std::int32_t Value5 = 0;
   std::int32_t Value6 = 0;
   bool IsUnread = false;  // its line could not be read
+
+  bool operator==(const NestCalibrationRecord&) const = default;
 };
 
 // One of the three places of a nest.
@@ -239,6 +267,8 @@ struct NestPosition {
   std::int32_t X = 0;  // steps
   std::int32_t Y = 0;  // steps
   std::int32_t Z = 0;  // steps
+
+  bool operator==(const NestPosition&) const = default;
 };
 
 // Section "NestType": a holder in which pipette heads are parked.
@@ -248,6 +278,8 @@ struct NestTypeRecord {
   std::string Code;  // "NEST8", "NEST12"
   std::array<NestPosition, 3> Nests;
   bool IsUnread = false;  // its line could not be read
+
+  bool operator==(const NestTypeRecord&) const = default;
 };
 
 }  // namespace zolvane

@@ -12,8 +12,8 @@ struct StepFactors {
   double S = 0.0;     // millimetres per step of the S axis
 };
 
-// The serial-dilute XY factor of a device: with its encoders or without them. A factor that the file lacks is
-// 0.
+// The serial-dilute XY factor of a device: with its encoders or without them. A factor
+// missing from the file is 0.
 double SDXYStepFactor(const DeviceTypeRecord& device);
 
 // The factors of the records in force. Every load and save takes them once, at its start.

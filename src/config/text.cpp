@@ -8,8 +8,8 @@
 namespace zolvane {
 namespace {
 
-// The Latin letters of Windows-1252 beyond ASCII all take two bytes in UTF-8, and so do their upper-case
-// partners.
+// The Latin letters of Windows-1252 beyond ASCII all take two bytes in UTF-8, and so do
+// their upper-case partners.
 using LetterBytes = std::array<char, 2>;
 
 constexpr LetterBytes Encoded(char32_t codePoint) {
@@ -85,10 +85,6 @@ std::string_view Trimmed(std::string_view text) {
     text.remove_suffix(1);
   }
   return text;
-}
-
-std::string ItemKey(std::string_view item) {
-  return std::string{"Item"}.append(item);
 }
 
 }  // namespace zolvane

@@ -22,9 +22,6 @@ std::string Replaced(std::string_view text, std::string_view what, std::string_v
 // Without the spaces and tabs at either end.
 std::string_view Trimmed(std::string_view text);
 
-// The key of record n in a table's section.
-std::string ItemKey(std::string_view item);
-
 inline constexpr std::string_view lineBreak = "\r\n";
 
 }  // namespace zolvane

@@ -11,7 +11,7 @@
 namespace zolvane {
 
 // Sets the status text, disables the controls, loads the records in force and asks the question in a box with
-// OK and Cancel. The number of the button, or nothing when the box could not be shown.
+// OK and Cancel. Returns the number of the button, or nullopt if the box could not be shown.
 inline std::optional<std::int32_t> StartAndConfirm(const OperationContext& context, std::string_view status,
                                                    std::string_view title, std::string_view question) {
   PassOver(context.Host.SetStatusText(status));

@@ -6,13 +6,16 @@
 #include <string>
 
 #include "config/conversions.h"
-#include "config/tables/height_tables.h"
-#include "config/tables/labware_tables.h"
+#include "config/tables/heads.h"
+#include "config/tables/heights.h"
+#include "config/tables/modules.h"
+#include "config/tables/stage.h"
+#include "config/tables/tips.h"
 #include "config/text.h"
+#include "host/instrument_link.h"
 #include "operations/confirmation.h"
 #include "operations/instrument_command.h"
 #include "operations/instrument_keys.h"
-#include "operations/table_walks.h"
 
 namespace zolvane {
 namespace {
@@ -25,11 +28,11 @@ void ShowStep(const OperationContext& context, std::string_view step) {
 
 // ---- Replies and their way into a field ----
 
-// The value of a reply: what stands after its first "=", or the whole reply. Nothing when the instrument does
-// not know the key, and then the field keeps the value that it had in the file.
+// The value of a reply: what stands after its first "=", or the whole reply. Returns nullopt if the
+// instrument does not know the key; the field then keeps the value it had in the file.
 std::optional<double> ReplyValue(std::string_view reply) {
   const auto text = StrippedReply(reply);
-  if (text.find("SYNTAX_ERROR") != std::string::npos) {
+  if (text.find(syntaxErrorReply) != std::string::npos) {
     return std::nullopt;
   }
   const auto sign = text.find('=');
@@ -63,8 +66,7 @@ void StoreScaledLong(std::int32_t& field, double value, double scale) {
 
 // ---- Queries ----
 
-// The queries of one record. They are asked while the ones before were answered; the first that is not ends
-// them.
+// The queries of one record. The first that is not answered ends them.
 class Queries {
  public:
   explicit Queries(const OperationContext& context) : context_{context} {}
@@ -112,19 +114,24 @@ std::string ConfigFile(const OperationContext& context) {
   return context.Config.Settings.ConfigFilePath();
 }
 
-// X and Y of one position: the record is loaded once X was answered and saved once Y was. False on a failed
-// send.
+template <class Record>
+void SaveRecord(const OperationContext& context, const RecordTable<Record>& table, const Record& record) {
+  Save(table, context.Config, record, ConfigFile(context));
+}
+
+// X and Y of one position. Loads the record once X is answered and saves it once Y is. False if a
+// send failed.
 bool AskPosition(const OperationContext& context, const PositionKeys& keys, std::int32_t PositionRecord::*x,
                  std::int32_t PositionRecord::*y) {
   Queries queries{context};
   if (!queries.Send(std::string{keys.InstrumentName} + "_X")) {
     return false;
   }
-  auto position = LoadPosition(context.Config, "", keys.PositionName, "");
+  auto position = FindByName(positionTable, context.Config, &PositionRecord::PositionName, keys.PositionName);
   queries.Take([&](double value) { StoreLong(position.*x, value); });
   queries.AskLong(std::string{keys.InstrumentName} + "_Y", position.*y);
   if (queries.AllAnswered()) {
-    SavePosition(context.Config, position, ConfigFile(context));
+    SaveRecord(context, positionTable, position);
   }
   return queries.AllAnswered();
 }
@@ -133,14 +140,14 @@ bool AskPosition(const OperationContext& context, const PositionKeys& keys, std:
 
 void AskTipAndHeadChange(const OperationContext& context, HeadTypeRecord head, CageTypeRecord& cage) {
   Queries queries{context};
-  queries.AskReal("TipChange_Z", head.Field14);
-  queries.AskLong("TipChange_S", cage.Field7);
-  queries.AskReal("HeadChange_Z", head.Field14);
-  queries.AskLong("HeadChange_S", cage.Field5);
-  queries.AskLong("AspirateOrigin_96_384", head.Field12);
+  queries.AskReal("TipChange_Z", head.DropOffZ);
+  queries.AskLong("TipChange_S", cage.TipChangeS);
+  queries.AskReal("HeadChange_Z", head.DropOffZ);
+  queries.AskLong("HeadChange_S", cage.HeadChangeS);
+  queries.AskLong("AspirateOrigin_96_384", head.AspirateOrigin);
   if (queries.AllAnswered()) {
-    SaveHeadType(context.Config, head, ConfigFile(context));
-    SaveCageType(context.Config, cage, ConfigFile(context));
+    SaveRecord(context, headTable, head);
+    SaveRecord(context, cageTable, cage);
   }
 }
 
@@ -149,58 +156,58 @@ void AskTipAndHeadChange(const OperationContext& context, HeadTypeRecord head, C
 // A calibration head asks by its own name and a serial-dilute head for the teach tool: the other way round
 // from the upload's naming, and the pairing that instruments in the field answer to.
 std::string HeadHeightName(const HeadTypeRecord& head) {
-  return head.Code == "CALIBRATE" ? Replaced(head.ChannelCode, "_", "") : "TeachTool";
+  return head.Code == code::calibrate ? Replaced(head.ChannelCode, "_", "") : "TeachTool";
 }
 
 void AskHeadHeights(const OperationContext& context, HeadTypeRecord& head) {
   const auto name = HeadHeightName(head);
   Queries queries{context};
-  queries.AskReal("PickUp_" + name + "_Z", head.Field15);
-  queries.AskReal("DropOff_" + name + "_Z", head.Field14);
+  queries.AskReal("PickUp_" + name + "_Z", head.PickUpZ);
+  queries.AskReal("DropOff_" + name + "_Z", head.DropOffZ);
 }
 
 void AskTipEject(const OperationContext& context, HeadTypeRecord& head) {
-  if (head.Code != "SERIALDILUTE" || !context.Host.MayGoOn()) {
+  if (head.Code != code::serialDilute || !context.Host.MayGoOn()) {
     return;
   }
   if (const auto keys = TipEjectKeysOf(head)) {
     const double scale = context.Config.Current.Axes.S.UnitsPerStep;
     Queries queries{context};
-    queries.Ask(keys->TipEject, [&](double value) { StoreEject(head.Field13, value, scale); });
-    queries.AskLong(keys->AspirateOrigin, head.Field12);
+    queries.Ask(keys->TipEject, [&](double value) { StoreEject(head.TipEjectS, value, scale); });
+    queries.AskLong(keys->AspirateOrigin, head.AspirateOrigin);
   }
 }
 
 void AskLiquidHandling(const OperationContext& context, HeadTypeRecord head) {
   Queries queries{context};
-  queries.AskLong("HeadEject_SD_S", head.Field10);
-  queries.AskLong("HeadLock_SD_S", head.Field11);
+  queries.AskLong("HeadEject_SD_S", head.HeadEjectS);
+  queries.AskLong("HeadLock_SD_S", head.HeadLockS);
   if (queries.AllAnswered()) {
     AskHeadHeights(context, head);
     AskTipEject(context, head);
   }
   if (context.Host.MayGoOn()) {
-    SaveHeadType(context.Config, head, ConfigFile(context));
+    SaveRecord(context, headTable, head);
   }
 }
 
 // ---- Tip data ----
 
-// Tips of all sizes are filled from the rack of the small ones: the instrument does not give the large rack
-// back.
+// Tips of all sizes are filled from the rack of the small ones: the instrument does not
+// give the large rack back.
 void AskTipData(const OperationContext& context, TipTypeRecord tip) {
-  const bool isSmall = tip.Field15 || tip.Field16 || tip.Field17;
+  const bool isSmall = tip.SecondSize || tip.ThirdSize || tip.FourthSize;
   const double scale = context.Config.Current.Axes.Z.UnitsPerStep;
   Queries queries{context};
   if (isSmall) {
-    queries.AskLong("ChuteEject_Z", tip.Field9);
+    queries.AskLong("ChuteEject_Z", tip.ChuteEjectZ);
   }
-  if (isSmall || tip.Field14) {
-    queries.Ask("RackPickup_12_300_Z", [&](double value) { StoreScaledLong(tip.Field8, value, scale); });
-    queries.Ask("RackEject_12_300_Z", [&](double value) { StoreScaledLong(tip.Field7, value, scale); });
+  if (isSmall || tip.FirstSize) {
+    queries.Ask("RackPickup_12_300_Z", [&](double value) { StoreScaledLong(tip.RackPickUpZ, value, scale); });
+    queries.Ask("RackEject_12_300_Z", [&](double value) { StoreScaledLong(tip.RackEjectZ, value, scale); });
   }
   if (context.Host.MayGoOn()) {
-    SaveTipType(context.Config, tip, ConfigFile(context));
+    SaveRecord(context, tipTable, tip);
   }
 }
 
@@ -235,7 +242,7 @@ void DownloadPosition(const OperationContext& context, std::string_view instrume
                       std::string_view positionName) {
   if (context.Host.MayGoOn()) {
     AskPosition(context, {.PositionName = positionName, .InstrumentName = instrumentName},
-                &PositionRecord::Field4, &PositionRecord::Field5);
+                &PositionRecord::StageX, &PositionRecord::StageY);
   }
 }
 
@@ -245,8 +252,8 @@ void DownloadHeights(const OperationContext& context) {
   }
   ShowStep(context, "Heights");
   Queries{context}.Ask("Delta_Z", [&context](double value) {
-    PassOver(
-        context.Config.Settings.WriteValue(heightSection, "DeltaZ", ConfigFile(context), GeneralText(value)));
+    PassOver(context.Config.Settings.WriteValue(heightSection, deltaZKey, ConfigFile(context),
+                                                GeneralText(value)));
   });
 }
 
@@ -255,8 +262,8 @@ void DownloadTipAndHeadChange(const OperationContext& context) {
     return;
   }
   auto cage = FindMicrotiterCage(context.Config);
-  ForEachRecord(Heads(context.Config), [&](const HeadTypeRecord& head) {
-    if (head.Code == "MICROTITER") {
+  ForEach(headTable, context.Config, [&](const HeadTypeRecord& head) {
+    if (head.Code == code::microtiter) {
       AskTipAndHeadChange(context, head, cage);
     }
   });
@@ -264,8 +271,8 @@ void DownloadTipAndHeadChange(const OperationContext& context) {
 
 void DownloadLiquidHandling(const OperationContext& context) {
   ShowStep(context, "Liquid Handling");
-  ForEachRecord(Heads(context.Config), [&](const HeadTypeRecord& head) {
-    if (head.Code == "CALIBRATE" || head.Code == "SERIALDILUTE") {
+  ForEach(headTable, context.Config, [&](const HeadTypeRecord& head) {
+    if (head.Code == code::calibrate || head.Code == code::serialDilute) {
       AskLiquidHandling(context, head);
     }
   });
@@ -273,8 +280,8 @@ void DownloadLiquidHandling(const OperationContext& context) {
 
 void DownloadTipData(const OperationContext& context) {
   ShowStep(context, "Tip Data");
-  ForEachRecord(Tips(context.Config), [&](const TipTypeRecord& tip) {
-    if (tip.Code == "SERIALDILUTE") {
+  ForEach(tipTable, context.Config, [&](const TipTypeRecord& tip) {
+    if (tip.Code == code::serialDilute) {
       AskTipData(context, tip);
     }
   });

@@ -4,10 +4,14 @@
 #include <optional>
 
 #include "config/tables/current_records.h"
-#include "config/tables/height_tables.h"
-#include "config/tables/labware_tables.h"
+#include "config/tables/devices.h"
+#include "config/tables/heads.h"
+#include "config/tables/heights.h"
+#include "config/tables/modules.h"
+#include "config/tables/nests.h"
+#include "config/tables/plates.h"
+#include "config/tables/stage.h"
 #include "config/text.h"
-#include "operations/table_walks.h"
 
 namespace zolvane {
 namespace {
@@ -20,56 +24,50 @@ struct Copy {
   const std::string& Destination;
   bool Separate;
 
-  template <class Load, class Save>
-  void Table(Load load, Save save) const {
+  template <class Record>
+  void Table(const RecordTable<Record>& table) const {
     const auto& configuration = Context.Config;
-    ForEachRecord([&](std::string item) { return load(configuration, item, Source); },
-                  [&](const auto& record) { save(configuration, record, Destination); });
-    AppendBlankLine(Context, Destination, Separate);
+    const auto save = [&](const Record& record) { Save(table, configuration, record, Destination); };
+    ForEach(table, configuration, save, Source);
+    if (Separate) {
+      AppendBlankLine();
+    }
   }
+
+  void AppendBlankLine() const { PassOver(Context.Process.AppendBlankLine(Destination)); }
 };
-
-PositionRecord LoadPositionByItem(const Configuration& configuration, const std::string& item,
-                                  std::string_view file) {
-  return LoadPosition(configuration, item, "", file);
-}
-
-NestCalibrationRecord LoadNestCalibrationByItem(const Configuration& configuration, const std::string& item,
-                                                std::string_view file) {
-  return LoadNestCalibration(configuration, item, "", file);
-}
 
 void CopyDevices(const Copy& copy) {
   RefreshCurrentRecords(copy.Context.Config);
-  copy.Table(LoadDeviceType, SaveDeviceType);
+  copy.Table(deviceTable);
 }
 
 void CopyCages(const Copy& copy) {
-  copy.Table(LoadCageType, SaveCageType);
+  copy.Table(cageTable);
 }
 
 void CopyHeights(const Copy& copy) {
   const auto& configuration = copy.Context.Config;
-  SaveZCalibration(configuration, LoadZCalibration(configuration, copy.Source), copy.Destination);
-  AppendBlankLine(copy.Context, copy.Destination, true);
+  Save(heightTable, configuration, Load(heightTable, configuration, copy.Source), copy.Destination);
+  copy.AppendBlankLine();
 }
 
 void CopyNests(const Copy& copy) {
-  copy.Table(LoadNestCalibrationByItem, SaveNestCalibration);
-  copy.Table(LoadNestType, SaveNestType);
+  copy.Table(nestCalibrationTable);
+  copy.Table(nestTable);
 }
 
 void CopyHeads(const Copy& copy) {
-  copy.Table(LoadHeadType, SaveHeadType);
+  copy.Table(headTable);
 }
 
 void CopyPositions(const Copy& copy) {
-  copy.Table(LoadCalibration, SaveCalibration);
-  copy.Table(LoadPositionByItem, SavePosition);
+  copy.Table(calibrationTable);
+  copy.Table(positionTable);
 }
 
 void CopyPlates(const Copy& copy) {
-  copy.Table(LoadPlateType, SavePlateType);
+  copy.Table(plateTable);
 }
 
 struct CopyStep {
@@ -77,7 +75,7 @@ struct CopyStep {
   void (*Run)(const Copy& copy);
 };
 
-constexpr std::array<CopyStep, 7> copySteps{{
+constexpr auto copySteps = std::to_array<CopyStep>({
     {"...Device setup data", CopyDevices},
     {"...Pipetting module data", CopyCages},
     {"...Height data", CopyHeights},
@@ -85,7 +83,7 @@ constexpr std::array<CopyStep, 7> copySteps{{
     {"...Pipette head data", CopyHeads},
     {"...Stage position data", CopyPositions},
     {"...Labware library data", CopyPlates},
-}};
+});
 
 // ---- Choosing the file ----
 
@@ -97,7 +95,7 @@ void SetUp(FileDialogue& dialogue, std::string_view title) {
   dialogue.CancelIsError = true;
 }
 
-// The chosen file, or nothing when the user chose none.
+// The chosen file, or nullopt if the user chose none.
 std::optional<std::string> ChooseFile(const OperationContext& context, FileDialogueKind kind,
                                       FileDialogue& dialogue) {
   const auto chosen = context.Dialogues.ShowFileDialogue(kind, dialogue);
@@ -200,12 +198,6 @@ void CopyAllTables(const OperationContext& context, const std::string& source, c
   for (const auto& step : copySteps) {
     PassOver(context.Host.SetStatusText(std::string{prefix}.append(step.Status)));
     step.Run(copy);
-  }
-}
-
-void AppendBlankLine(const OperationContext& context, const std::string& file, bool flag) {
-  if (flag) {
-    PassOver(context.Process.AppendBlankLine(file));
   }
 }
 

@@ -28,7 +28,4 @@ void ExportCalibrationFile(const OperationContext& context, FileDialogue& cdgFil
 void CopyAllTables(const OperationContext& context, const std::string& source, const std::string& destination,
                    bool separate, std::string_view prefix);
 
-// Appends one empty line to the file when the flag is set.
-void AppendBlankLine(const OperationContext& context, const std::string& file, bool flag);
-
 }  // namespace zolvane

@@ -8,16 +8,16 @@
 #include "config/item_lists.h"
 #include "config/record_table.h"
 #include "config/tables/current_records.h"
-#include "config/tables/device_tables.h"
-#include "config/tables/head_and_tip_tables.h"
+#include "config/tables/devices.h"
+#include "config/tables/heads.h"
+#include "config/tables/modules.h"
 #include "operations/instrument_command.h"
 
 namespace zolvane {
 namespace {
 
-constexpr std::string_view installedKey = "Installed";
-
-// One status text, one command, one reply without line ends. Nothing when the instrument did not answer.
+// One status text, one command, one reply without line ends. Returns nullopt if the
+// instrument did not answer.
 std::optional<std::string> Ask(const OperationContext& context, std::string_view status,
                                std::string_view command) {
   PassOver(context.Host.SetStatusText(status));
@@ -45,8 +45,9 @@ void WriteInstalledByCode(const OperationContext& context, std::string_view sect
 
 bool IsRFIDEnabled(const OperationContext& context) {
   const auto& settings = context.Config.Settings;
-  const auto text = settings.ReadValue(deviceTypeSection, "SensorEnableRFID", settings.ConfigFilePath(), "1");
-  return MetOnlyIf(text ? StrictFlag(*text) : std::nullopt);
+  const auto text =
+      settings.ReadValue(deviceTypeSection, sensorEnableRFIDKey, settings.ConfigFilePath(), "1");
+  return MetOnlyIf(text ? StrictBoolean(*text) : std::nullopt);
 }
 
 void SelectByName(const OperationContext& context, ListControl list, std::string_view name) {
@@ -64,9 +65,8 @@ std::optional<std::string> TagIn(const OperationContext& context, std::string_vi
 // Looks for the head with that tag. A head without a match writes 0, and selecting its empty name then
 // selects the first entry, whose handler writes that entry's number.
 void RecordHeadWithTag(const OperationContext& context, const std::optional<std::string>& tag) {
-  const auto matches = [&tag](const HeadTypeRecord& candidate) { return candidate.Field18 == tag; };
-  const auto load = [&context](std::string item) { return LoadHeadType(context.Config, item, ""); };
-  const auto head = tag ? FindRecord(load, matches) : HeadTypeRecord{};
+  const auto matches = [&tag](const HeadTypeRecord& candidate) { return candidate.Tag == tag; };
+  const auto head = tag ? Find(headTable, context.Config, matches) : HeadTypeRecord{};
   WriteInstalled(context, headTypeSection, tag && matches(head) ? head.ID : "0");
   SelectByName(context, ListControl::HeadType, head.Name);
 }
@@ -82,9 +82,9 @@ void ReadHeadTag(const OperationContext& context) {
 
 void RecordModule(const OperationContext& context, std::string_view reply) {
   if (reply == "96/384") {
-    WriteInstalledByCode(context, cageTypeSection, "MICROTITER", cageCodePiece);
+    WriteInstalledByCode(context, cageTypeSection, code::microtiter, cageCodePiece);
   } else if (reply == "SD") {
-    WriteInstalledByCode(context, cageTypeSection, "SERIALDILUTE", cageCodePiece);
+    WriteInstalledByCode(context, cageTypeSection, code::serialDilute, cageCodePiece);
   } else {
     WriteInstalled(context, cageTypeSection, "0");
   }
@@ -107,7 +107,7 @@ void DetectDeviceType(const OperationContext& context) {
   if (const auto reply = Ask(context, "Getting Zolvane Type", "STATUS_STAGE")) {
     WriteInstalledByCode(context, deviceTypeSection, *reply, deviceCodePiece);
     ReloadCurrentDevice(context.Config);
-    // Looked up among the devices, applied to the modules: the crossing is wanted.
+    // Looked up among the devices and applied to the modules, on purpose.
     const auto index =
         context.Page.FindListIndex(context.Config.Current.Device.Name, ListControl::DeviceType);
     PassOver(context.Page.SelectEntry(ListControl::CageType, index));
@@ -137,7 +137,7 @@ void DetectHeadType(const OperationContext& context) {
 void DetectPumpModule(const OperationContext& context) {
   if (const auto reply = Ask(context, "Getting Pump Module Status", "STATUS PUMPS")) {
     // The file keeps "0" either way: only the label tells whether the module answered.
-    WriteSetting(context, "PumpControl", "ModuleInstalled", "0");
+    WriteSetting(context, pumpSection, pumpModuleInstalledKey, "0");
     PassOver(context.Page.ShowPumpModule(reply->find("OPEN") == std::string::npos));
   }
   PassOver(context.Host.SetStatusText(""));

@@ -5,7 +5,7 @@
 namespace zolvane {
 namespace {
 
-// The link is asked for anew for each of the three calls: the host may exchange it in between.
+// Each of the three calls asks for the link again: the host may exchange it in between.
 bool SendThroughLink(const HostAttachment& host, std::string& command, std::string& reply) {
   if (const auto link = host.Link()) {
     PassOver(link->SetStop(false));

@@ -9,8 +9,7 @@
 namespace zolvane {
 
 // Sends the command through the host's link and waits for the answer. `ok` tells whether the instrument
-// answered; if not, the user has been shown one "Communication Error" box, and `reply` is as the link left
-// it.
+// answered. If not, the user has seen one "Communication Error" box and `reply` is as the link left it.
 void SendInstrumentCommand(const OperationContext& context, std::string command, std::string& reply,
                            bool& ok);
 

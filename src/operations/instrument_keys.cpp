@@ -24,7 +24,7 @@ std::optional<TipEjectKeys> TipEjectKeysOf(const HeadTypeRecord& head) {
   if (!volume) {
     return std::nullopt;
   }
-  const auto ending = WholeText(head.Field5) + "Ch_" + *volume + "_S";
+  const auto ending = WholeText(head.Channels) + "Ch_" + *volume + "_S";
   return TipEjectKeys{.TipEject = "TipEject_" + ending, .AspirateOrigin = "AspirateOrigin_" + ending};
 }
 

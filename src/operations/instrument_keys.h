@@ -18,7 +18,7 @@ struct PositionKeys {
   std::string_view InstrumentName;
 };
 
-inline constexpr std::array<PositionKeys, 13> stagePositions{{
+inline constexpr auto stagePositions = std::to_array<PositionKeys>({
     {"STAGE1", "STAGE1"},
     {"STAGE2", "STAGE2"},
     {"STAGE3", "STAGE3"},
@@ -32,17 +32,17 @@ inline constexpr std::array<PositionKeys, 13> stagePositions{{
     {"TIPWASH", "WASH"},
     {"TIPRACKSTAGE1", "RACK_STAGE1"},
     {"TIPRACKSTAGE2", "RACK_STAGE2"},
-}};
+});
 
-inline constexpr std::array<PositionKeys, 4> serialDilutePositions{{
+inline constexpr auto serialDilutePositions = std::to_array<PositionKeys>({
     {"STAGE1", "WELL_A1_SD"},
     {"TIPCHUTE", "CHUTE_SD"},
     {"NEST8", "NEST8_SD"},
     {"NEST12", "NEST12_SD"},
-}};
+});
 
-// The keys of a serial-dilute head's tip eject and aspirate origin: channel count and tip volume. Nothing for
-// a volume that the instrument does not know. 12.5 microlitres are written "12".
+// The keys of a serial-dilute head's tip eject and aspirate origin: channel count and tip volume. Returns
+// nullopt for a volume that the instrument does not know. 12.5 microlitres are written "12".
 struct TipEjectKeys {
   std::string TipEject;
   std::string AspirateOrigin;

@@ -23,7 +23,7 @@ void SendScript(const OperationContext& context, std::string_view script) {
   PassOver(context.Host.SetStatusText(uploadStatus));
   std::string reply;
   for (const auto& line : context.Config.Settings.SplitText(lineBreak, script)) {
-    // The flag is read for every line, also when it has been found true: each line asks for itself.
+    // Reads the flag for every line, even once it has been true: each line decides for itself.
     if (!context.Host.MayGoOn()) {
       continue;
     }

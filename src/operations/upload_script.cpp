@@ -9,10 +9,13 @@
 
 #include "config/conversions.h"
 #include "config/tables/current_records.h"
-#include "config/tables/labware_tables.h"
+#include "config/tables/heads.h"
+#include "config/tables/modules.h"
+#include "config/tables/nests.h"
+#include "config/tables/stage.h"
+#include "config/tables/tips.h"
 #include "config/text.h"
 #include "operations/instrument_keys.h"
-#include "operations/table_walks.h"
 
 namespace zolvane {
 namespace {
@@ -41,8 +44,8 @@ ValueText RoundedText(std::optional<double> value) {
   return value ? std::optional{PictureText(*value, NumberPicture::Whole)} : std::nullopt;
 }
 
-// The instrument takes the three serial-dilute distances and the nest positions in hundredths of a
-// millimetre.
+// The instrument takes the three serial-dilute distances and the nest positions in
+// hundredths of a millimetre.
 ValueText HundredthsText(double scale, double steps) {
   const auto millimetres = Product(scale, steps);
   return RoundedText(millimetres ? Product(*millimetres, 100.0) : std::nullopt);
@@ -75,6 +78,10 @@ constexpr auto TimesZStep = [](const auto& record, const AxisScales& scales) -> 
 
 // ---- The script ----
 
+std::string SettingLine(std::string_view setting) {
+  return std::string{"SET_CALIBRATION "}.append(setting).append(lineBreak);
+}
+
 class ScriptBuilder {
  public:
   explicit ScriptBuilder(Configuration& configuration)
@@ -85,7 +92,7 @@ class ScriptBuilder {
 
   void Append(std::string_view key, const ValueText& value) {
     if (value) {
-      text_.append("SET_CALIBRATION ").append(key).append(" ").append(*value).append(lineBreak);
+      AppendLines(SettingLine(std::string{key}.append(" ").append(*value)));
     }
   }
 
@@ -99,7 +106,7 @@ class ScriptBuilder {
   void AppendLines(std::string_view lines) { text_.append(lines); }
 
   std::string Finished() && {
-    AppendLines("SET_CALIBRATION SAVE\r\n");
+    AppendLines(SettingLine("SAVE"));
     return std::move(text_);
   }
 
@@ -107,152 +114,152 @@ class ScriptBuilder {
   std::string text_;
 };
 
-std::string Joined(std::string_view first, std::string_view middle, std::string_view last) {
-  return std::string{first}.append(middle).append(last);
-}
-
 // ---- Stage positions ----
 
 void AppendPositions(ScriptBuilder& script, std::span<const PositionKeys> positions,
                      std::int32_t PositionRecord::*x, std::int32_t PositionRecord::*y) {
   for (const auto& keys : positions) {
-    const auto position = LoadPosition(script.Config, "", keys.PositionName, "");
-    script.Append(Joined(keys.InstrumentName, "", "_X"), WholeText(position.*x));
-    script.Append(Joined(keys.InstrumentName, "", "_Y"), WholeText(position.*y));
+    const auto position =
+        FindByName(positionTable, script.Config, &PositionRecord::PositionName, keys.PositionName);
+    const std::string name{keys.InstrumentName};
+    script.Append(name + "_X", WholeText(position.*x));
+    script.Append(name + "_Y", WholeText(position.*y));
   }
 }
 
 void AppendStagePositions(ScriptBuilder& script) {
   ReloadCurrentDevice(script.Config);
-  AppendPositions(script, stagePositions, &PositionRecord::Field4, &PositionRecord::Field5);
+  AppendPositions(script, stagePositions, &PositionRecord::StageX, &PositionRecord::StageY);
 }
 
 // ---- Heights ----
 
-using Z = ZCalibrationRecord;
+using Heights = ZCalibrationRecord;
 
-constexpr std::array<Command<Z>, 18> heightCommands{{
-    {"MountHeight", PerZStep<&Z::MountHeight>},
-    {"StageHeightLower", PerZStep<&Z::StageHeightLower>},
-    {"StageHeightUpper", PerZStep<&Z::StageHeightUpper>},
-    {"HeadDepth_1ChShort", PerZStep<&Z::HeadDepth_1ch_Short>},
-    {"HeadDepth_1ChLong", PerZStep<&Z::Headdepth_1ch_Long>},
-    {"HeadDepth_8Ch", PerZStep<&Z::HeadDepth_8ch>},
-    {"HeadDepth_12Ch", PerZStep<&Z::HeadDepth_12ch>},
-    {"HeadDepth_96_384", PerZStep<&Z::HeadDepth_96_384>},
-    {"HeadDepth_TeachTool_1Ch", PerZStep<&Z::HeadDepth_TeachTool_1Ch>},
-    {"HeadDepth_TeachTool_96_384", PerZStep<&Z::HeadDepth_TeachTool_96_384>},
-    {"NestDepth_Y", PerZStep<&Z::NestDepth_Y>},
-    {"NestDepth_XY_6", PerZStep<&Z::NestDepth_XY_6>},
-    {"TipMountDepth12", PerZStep<&Z::TipMountDepth12>},
-    {"TipMountDepth30", PerZStep<&Z::TipMountDepth30>},
-    {"TipMountDepth125", PerZStep<&Z::TipMountDepth125>},
-    {"TipMountDepth300", PerZStep<&Z::TipMountDepth300>},
-    {"TipMountDepth1250", PerZStep<&Z::TipMountDepth1250>},
-    {"Delta_Z", Number<&Z::DeltaZ>},
-}};
+constexpr auto heightCommands = std::to_array<Command<Heights>>({
+    {"MountHeight", PerZStep<&Heights::MountHeight>},
+    {"StageHeightLower", PerZStep<&Heights::StageHeightLower>},
+    {"StageHeightUpper", PerZStep<&Heights::StageHeightUpper>},
+    {"HeadDepth_1ChShort", PerZStep<&Heights::HeadDepth_1ch_Short>},
+    {"HeadDepth_1ChLong", PerZStep<&Heights::Headdepth_1ch_Long>},
+    {"HeadDepth_8Ch", PerZStep<&Heights::HeadDepth_8ch>},
+    {"HeadDepth_12Ch", PerZStep<&Heights::HeadDepth_12ch>},
+    {"HeadDepth_96_384", PerZStep<&Heights::HeadDepth_96_384>},
+    {"HeadDepth_TeachTool_1Ch", PerZStep<&Heights::HeadDepth_TeachTool_1Ch>},
+    {"HeadDepth_TeachTool_96_384", PerZStep<&Heights::HeadDepth_TeachTool_96_384>},
+    {"NestDepth_Y", PerZStep<&Heights::NestDepth_Y>},
+    {"NestDepth_XY_6", PerZStep<&Heights::NestDepth_XY_6>},
+    {"TipMountDepth12", PerZStep<&Heights::TipMountDepth12>},
+    {"TipMountDepth30", PerZStep<&Heights::TipMountDepth30>},
+    {"TipMountDepth125", PerZStep<&Heights::TipMountDepth125>},
+    {"TipMountDepth300", PerZStep<&Heights::TipMountDepth300>},
+    {"TipMountDepth1250", PerZStep<&Heights::TipMountDepth1250>},
+    {"Delta_Z", Number<&Heights::DeltaZ>},
+});
 
 void AppendHeights(ScriptBuilder& script) {
-  script.AppendAll<Z>(heightCommands, script.Config.Current.Heights);
+  script.AppendAll<Heights>(heightCommands, script.Config.Current.Heights);
 }
 
 // ---- Tip and head change ----
 
-using H = HeadTypeRecord;
-
 void AppendTipAndHeadChange(ScriptBuilder& script) {
   const auto cage = FindMicrotiterCage(script.Config);
-  const auto isChangeHead = [](const H& head) { return head.Code == "MICROTITER" && head.Field5 == 96; };
-  const auto head = FindRecord(Heads(script.Config), isChangeHead);
+  const auto isChangeHead = [](const HeadTypeRecord& head) {
+    return head.Code == code::microtiter && head.Channels == 96;
+  };
+  const auto head = Find(headTable, script.Config, isChangeHead);
   if (!isChangeHead(head)) {
     return;
   }
   // Both changes happen at the head's one drop-off height.
-  script.Append("TipChange_Z", GeneralText(head.Field14));
-  script.Append("TipChange_S", WholeText(cage.Field7));
-  script.Append("HeadChange_Z", GeneralText(head.Field14));
-  script.Append("HeadChange_S", WholeText(cage.Field5));
-  script.Append("AspirateOrigin_96_384", WholeText(head.Field12));
+  script.Append("TipChange_Z", GeneralText(head.DropOffZ));
+  script.Append("TipChange_S", WholeText(cage.TipChangeS));
+  script.Append("HeadChange_Z", GeneralText(head.DropOffZ));
+  script.Append("HeadChange_S", WholeText(cage.HeadChangeS));
+  script.Append("AspirateOrigin_96_384", WholeText(head.AspirateOrigin));
 }
 
 // ---- Serial-dilute heads and the teach tool ----
 
-constexpr std::array<Command<H>, 5> shortHeadCommands{{
-    {"HeadEject_SD_S", Integer<&H::Field10>},
-    {"HeadLock_SD_S", Integer<&H::Field11>},
-    {"SDHomeSensorSeekOffsetMM", TimesZStep<&H::SDHomeSensorSeekOffsetMM>},
-    {"SDPreCollectHeightMM", TimesZStep<&H::SDPreCollectHeightMM>},
-    {"SDRFIDReadHeightMM", TimesZStep<&H::SDRFIDReadHeightMM>},
-}};
+constexpr auto shortHeadCommands = std::to_array<Command<HeadTypeRecord>>({
+    {"HeadEject_SD_S", Integer<&HeadTypeRecord::HeadEjectS>},
+    {"HeadLock_SD_S", Integer<&HeadTypeRecord::HeadLockS>},
+    {"SDHomeSensorSeekOffsetMM", TimesZStep<&HeadTypeRecord::SDHomeSensorSeekOffsetMM>},
+    {"SDPreCollectHeightMM", TimesZStep<&HeadTypeRecord::SDPreCollectHeightMM>},
+    {"SDRFIDReadHeightMM", TimesZStep<&HeadTypeRecord::SDRFIDReadHeightMM>},
+});
 
 struct HeadRow {
   std::string_view Code;
   std::string_view ChannelCode;
-  std::string_view InstrumentName;            // between "PickUp_" or "DropOff_" and "_Z"
-  std::span<const Command<H>> OwnCommands{};  // in front of the two heights
+  std::string_view InstrumentName;                         // between "PickUp_" or "DropOff_" and "_Z"
+  std::span<const Command<HeadTypeRecord>> OwnCommands{};  // in front of the two heights
 };
 
-constexpr std::array<HeadRow, 5> headRows{{
-    {"SERIALDILUTE", "1_CH_SHORT", "1ChShort", shortHeadCommands},
-    {"SERIALDILUTE", "1_CH_LONG", "1ChLong"},
-    {"SERIALDILUTE", "8_CH", "8Ch"},
-    {"SERIALDILUTE", "12_CH", "12Ch"},
-    {"CALIBRATE", "1_CH_SHORT", "TeachTool"},
-}};
+constexpr auto headRows = std::to_array<HeadRow>({
+    {code::serialDilute, "1_CH_SHORT", "1ChShort", shortHeadCommands},
+    {code::serialDilute, "1_CH_LONG", "1ChLong"},
+    {code::serialDilute, "8_CH", "8Ch"},
+    {code::serialDilute, "12_CH", "12Ch"},
+    {code::calibrate, "1_CH_SHORT", "TeachTool"},
+});
 
 void AppendSerialDiluteHeads(ScriptBuilder& script) {
   for (const auto& row : headRows) {
-    const auto matches = [&row](const H& head) {
+    const auto matches = [&row](const HeadTypeRecord& head) {
       return head.Code == row.Code && head.ChannelCode == row.ChannelCode;
     };
-    const auto head = FindRecord(Heads(script.Config), matches);
+    const auto head = Find(headTable, script.Config, matches);
     if (matches(head)) {
       script.AppendAll(row.OwnCommands, head);
-      script.Append(Joined("PickUp_", row.InstrumentName, "_Z"), GeneralText(head.Field15));
-      script.Append(Joined("DropOff_", row.InstrumentName, "_Z"), GeneralText(head.Field14));
+      const std::string name{row.InstrumentName};
+      script.Append("PickUp_" + name + "_Z", GeneralText(head.PickUpZ));
+      script.Append("DropOff_" + name + "_Z", GeneralText(head.DropOffZ));
     }
   }
 }
 
 // ---- Tip racks ----
 
-using T = TipTypeRecord;
+constexpr auto smallRackCommands = std::to_array<Command<TipTypeRecord>>({
+    {"RackPickup_12_300_Z", PerZStep<&TipTypeRecord::RackPickUpZ>},
+    {"RackEject_12_300_Z", PerZStep<&TipTypeRecord::RackEjectZ>},
+    {"ChuteEject_Z", Integer<&TipTypeRecord::ChuteEjectZ>},
+});
 
-constexpr std::array<Command<T>, 3> smallRackCommands{{
-    {"RackPickup_12_300_Z", PerZStep<&T::Field8>},
-    {"RackEject_12_300_Z", PerZStep<&T::Field7>},
-    {"ChuteEject_Z", Integer<&T::Field9>},
-}};
+constexpr auto largeRackCommands = std::to_array<Command<TipTypeRecord>>({
+    {"RackPickup_1250_Z", PerZStep<&TipTypeRecord::RackPickUpZ>},
+    {"RackEject_1250_Z", PerZStep<&TipTypeRecord::RackEjectZ>},
+});
 
-constexpr std::array<Command<T>, 2> largeRackCommands{{
-    {"RackPickup_1250_Z", PerZStep<&T::Field8>},
-    {"RackEject_1250_Z", PerZStep<&T::Field7>},
-}};
-
-void AppendRack(ScriptBuilder& script, bool T::*sizeFlag, std::span<const Command<T>> commands) {
-  const auto matches = [sizeFlag](const T& tip) { return tip.Code == "SERIALDILUTE" && tip.*sizeFlag; };
-  const auto tip = FindRecord(Tips(script.Config), matches);
+void AppendRack(ScriptBuilder& script, bool TipTypeRecord::*sizeFlag,
+                std::span<const Command<TipTypeRecord>> commands) {
+  const auto matches = [sizeFlag](const TipTypeRecord& tip) {
+    return tip.Code == code::serialDilute && tip.*sizeFlag;
+  };
+  const auto tip = Find(tipTable, script.Config, matches);
   if (matches(tip)) {
     script.AppendAll(commands, tip);
   }
 }
 
 void AppendTipRacks(ScriptBuilder& script) {
-  AppendRack(script, &T::Field15, smallRackCommands);
-  AppendRack(script, &T::Field14, largeRackCommands);
+  AppendRack(script, &TipTypeRecord::SecondSize, smallRackCommands);
+  AppendRack(script, &TipTypeRecord::FirstSize, largeRackCommands);
 }
 
 // ---- Tip eject and aspirate origin ----
 
 void AppendTipEject(ScriptBuilder& script) {
-  ForEachRecordAndTheEnd(Heads(script.Config), [&script](const H& head) {
-    const auto keys = head.Code == "SERIALDILUTE" ? TipEjectKeysOf(head) : std::nullopt;
+  ForEachAndTheEnd(headTable, script.Config, [&script](const HeadTypeRecord& head) {
+    const auto keys = head.Code == code::serialDilute ? TipEjectKeysOf(head) : std::nullopt;
     if (!keys) {
       return;
     }
-    const auto steps = Quotient(head.Field13, script.Scales.S);
+    const auto steps = Quotient(head.TipEjectS, script.Scales.S);
     script.Append(keys->TipEject, steps ? std::optional{NegatedPictureText(*steps)} : std::nullopt);
-    script.Append(keys->AspirateOrigin, WholeText(head.Field12));
+    script.Append(keys->AspirateOrigin, WholeText(head.AspirateOrigin));
   });
 }
 
@@ -264,16 +271,16 @@ struct NestRow {
   std::array<std::string_view, 3> Places;
 };
 
-constexpr std::array<NestRow, 2> nestRows{{
+constexpr auto nestRows = std::to_array<NestRow>({
     {"NEST8", {"1A", "8B", "1C"}},
     {"NEST12", {"1E", "12D", "1F"}},
-}};
+});
 
 void AppendNestHeights(ScriptBuilder& script) {
-  ForEachRecord(Nests(script.Config), [&script](const NestTypeRecord& nest) {
+  ForEach(nestTable, script.Config, [&script](const NestTypeRecord& nest) {
     for (const auto& row : nestRows) {
       for (std::size_t place = 0; nest.Code == row.Code && place < row.Places.size(); ++place) {
-        script.Append(Joined("Nest_", row.Places[place], "_Z"), WholeText(nest.Nests[place].Z));
+        script.Append("Nest_" + std::string{row.Places[place]} + "_Z", WholeText(nest.Nests[place].Z));
       }
     }
   });
@@ -282,11 +289,12 @@ void AppendNestHeights(ScriptBuilder& script) {
 // Unlike the heights, only the first nest of each class has its positions sent.
 void AppendNestPositions(ScriptBuilder& script, const NestRow& row) {
   const auto matches = [&row](const NestTypeRecord& nest) { return nest.Code == row.Code; };
-  const auto nest = FindRecord(Nests(script.Config), matches);
+  const auto nest = Find(nestTable, script.Config, matches);
   for (std::size_t place = 0; matches(nest) && place < row.Places.size(); ++place) {
     const auto& position = nest.Nests[place];
-    script.Append(Joined("NEST_", row.Places[place], "_SD_X"), HundredthsText(script.Scales.SDX, position.X));
-    script.Append(Joined("NEST_", row.Places[place], "_SD_Y"), HundredthsText(script.Scales.SDY, position.Y));
+    const auto name = "NEST_" + std::string{row.Places[place]};
+    script.Append(name + "_SD_X", HundredthsText(script.Scales.SDX, position.X));
+    script.Append(name + "_SD_Y", HundredthsText(script.Scales.SDY, position.Y));
   }
 }
 
@@ -300,7 +308,7 @@ void AppendSerialDiluteXY(ScriptBuilder& script) {
 // ---- Volume precision ----
 
 // The 8- and 12-channel heads have no correction for 125 microlitres.
-constexpr std::array<std::pair<std::string_view, std::string_view>, 11> correctedHeads{{
+constexpr auto correctedHeads = std::to_array<std::pair<std::string_view, std::string_view>>({
     {"1_CH_LONG", "12.5"},
     {"1_CH_LONG", "30"},
     {"1_CH_LONG", "125"},
@@ -312,15 +320,15 @@ constexpr std::array<std::pair<std::string_view, std::string_view>, 11> correcte
     {"12_CH", "12.5"},
     {"12_CH", "30"},
     {"12_CH", "300"},
-}};
+});
 
 void AppendVolumePrecision(ScriptBuilder& script) {
   for (const auto& [headName, tipVolume] : correctedHeads) {
-    script.AppendLines(BuildVolumeCorrection(script.Config, headName, tipVolume, ""));
+    script.AppendLines(BuildVolumeCorrection(script.Config, VolumeCorrectionSection(headName, tipVolume)));
   }
-  ForEachRecord(Tips(script.Config), [&script](const T& tip) {
-    if (!tip.Field18.empty()) {
-      script.AppendLines(BuildVolumeCorrection(script.Config, "", "", tip.Field18));
+  ForEach(tipTable, script.Config, [&script](const TipTypeRecord& tip) {
+    if (!tip.CorrectionSection.empty()) {
+      script.AppendLines(BuildVolumeCorrection(script.Config, tip.CorrectionSection));
     }
   });
 }
@@ -342,7 +350,7 @@ std::string VolumeCorrectionLine(std::span<const std::string> pieces) {
   if (key.empty() || !value) {
     return {};
   }
-  return "SET_CALIBRATION " + key + " " + *value + "\r\n";
+  return SettingLine(key + " " + *value);
 }
 
 // ---- All groups ----
@@ -352,7 +360,7 @@ struct ScriptGroup {
   void (*Append)(ScriptBuilder& script);
 };
 
-constexpr std::array<ScriptGroup, 9> scriptGroups{{
+constexpr auto scriptGroups = std::to_array<ScriptGroup>({
     {"Stage XY", AppendStagePositions},
     {"Heights", AppendHeights},
     {"", AppendTipAndHeadChange},
@@ -362,7 +370,7 @@ constexpr std::array<ScriptGroup, 9> scriptGroups{{
     {"", AppendNestHeights},
     {"SD XY", AppendSerialDiluteXY},
     {"Volume Precision", AppendVolumePrecision},
-}};
+});
 
 }  // namespace
 
@@ -377,17 +385,18 @@ std::string BuildUploadScript(Configuration& configuration, const GroupAnnouncem
   return std::move(script).Finished();
 }
 
-std::string BuildVolumeCorrection(const Configuration& configuration, std::string_view headName,
-                                  std::string_view tipVolume, std::string_view section) {
-  const auto source =
-      section.empty() ? Joined("VolumeCorrection_", headName, "_").append(tipVolume) : std::string{section};
+std::string VolumeCorrectionSection(std::string_view headName, std::string_view tipVolume) {
+  return std::string{"VolumeCorrection_"}.append(headName).append("_").append(tipVolume);
+}
+
+std::string BuildVolumeCorrection(const Configuration& configuration, std::string_view section) {
   const auto& settings = configuration.Settings;
   std::string lines;
   const auto appendItem = [&](const std::string& item, int /*number*/) {
     lines += VolumeCorrectionLine(settings.SplitText(",", item));
     return true;
   };
-  ForEachNumberedValue(settings, source, settings.ConfigFilePath(), VolumeItemKey, appendItem);
+  ForEachNumberedValue(settings, section, settings.ConfigFilePath(), VolumeItemKey, appendItem);
   return lines;
 }
 

@@ -18,7 +18,7 @@ namespace {
 
 std::optional<bool> ReadFlag(const SettingsFiles& settings, std::string_view section, std::string_view key) {
   const auto text = settings.ReadValue(section, key, settings.ConfigFilePath());
-  return text ? StrictFlag(*text) : std::nullopt;
+  return text ? StrictBoolean(*text) : std::nullopt;
 }
 
 // The first failure of a sequence of steps, or success.
@@ -88,7 +88,7 @@ void DeviceSetupPage::AddNotInstalled(ListControl list) {
 }
 
 void DeviceSetupPage::LoadPumpModule() {
-  if (const auto isConnected = ReadFlag(configuration_.Settings, "PumpControl", "ModuleInstalled")) {
+  if (const auto isConnected = ReadFlag(configuration_.Settings, pumpSection, pumpModuleInstalledKey)) {
     PassOver(ShowPumpModule(*isConnected));
   }
 }
@@ -135,7 +135,7 @@ Status DeviceSetupPage::OnListSelected(ListControl list) {
   const auto number = model.Entries[static_cast<std::size_t>(model.Selected)].Data;
   ResetChanged();  // the host may have the page loaded again meanwhile, and the list be another one
   const auto& settings = configuration_.Settings;
-  return settings.WriteValue(RowOf(list).Section, "Installed", settings.ConfigFilePath(), WholeText(number));
+  return settings.WriteValue(RowOf(list).Section, installedKey, settings.ConfigFilePath(), WholeText(number));
 }
 
 Status DeviceSetupPage::OnCheckClicked(CheckControl box) {

@@ -8,9 +8,11 @@
 #include <string_view>
 
 #include "config/records.h"
-#include "config/tables/device_tables.h"
-#include "config/tables/head_and_tip_tables.h"
-#include "config/tables/nest_table.h"
+#include "config/tables/devices.h"
+#include "config/tables/heads.h"
+#include "config/tables/modules.h"
+#include "config/tables/nests.h"
+#include "config/tables/tips.h"
 #include "operations/page_port.h"
 
 namespace zolvane {
@@ -20,18 +22,18 @@ inline constexpr std::string_view pageCaption = "Zolvane Setup";
 struct ListRow {
   std::string_view Name;
   std::string_view Label;
-  std::string_view Section;     // of its entries; the choice is the key "Installed"
+  std::string_view Section;     // of its entries; the choice is its installedKey
   bool HasNotInstalled = true;  // ends with an entry "Not installed" of number 0
 };
 
 // In the order of ListControl.
-inline constexpr std::array<ListRow, 5> listRows{{
+inline constexpr auto listRows = std::to_array<ListRow>({
     {"cboDeviceType", "Zolvane", deviceTypeSection, false},
     {"cboCageType", "Pipette Module", cageTypeSection},
     {"cboHeadType", "Pipette Head", headTypeSection},
     {"cboNestType", "Pipette Head Nest", nestTypeSection},
     {"cboTipType", "Tip Type", tipTypeSection},
-}};
+});
 
 enum class CheckControl : std::uint8_t { RFID, HeadSensor, TipSensor, Encoders };
 
@@ -42,12 +44,12 @@ struct CheckRow {
 };
 
 // In the order of CheckControl.
-inline constexpr std::array<CheckRow, 4> checkRows{{
-    {"chkRFID", "Enable RFID", "SensorEnableRFID"},
+inline constexpr auto checkRows = std::to_array<CheckRow>({
+    {"chkRFID", "Enable RFID", sensorEnableRFIDKey},
     {"chkHeadSensor", "Enable 96/384 Head Sensor", "SensorEnableHeadInstalled"},
     {"chkTipSensor", "Enable 96/384 Tip Sensor", "SensorEnableTipsInstalled"},
     {"chkEncoders", "Enable 1/8/12 Module Encoders", "SDXYEncodersEnable"},
-}};
+});
 
 // Of a check box; any value but unticked counts as ticked in the file.
 inline constexpr int untickedValue = 0;
@@ -67,13 +69,13 @@ struct ButtonRow {
 };
 
 // In the order of the button's index.
-inline constexpr std::array<ButtonRow, 5> buttonRows{{
+inline constexpr auto buttonRows = std::to_array<ButtonRow>({
     {"cmdButton(0)", "Save To Zolvane", &DeviceTypeRecord::UploadCalibrationData},
     {"cmdButton(1)", "Load From Zolvane", &DeviceTypeRecord::DownloadCalibrationData},
     {"cmdButton(2)", "Query Zolvane", nullptr},
     {"cmdButton(3)", "Load from File", &DeviceTypeRecord::ImportCalibrationData},
     {"cmdButton(4)", "Save To File", &DeviceTypeRecord::ExportCalibrationData},
-}};
+});
 
 struct LabelRow {
   std::string_view Name;

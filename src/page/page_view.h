@@ -1,5 +1,4 @@
-// What shows the page: a native window, or the bench. A view owns no rule; it shows what the page's model
-// says.
+// What shows the page: a native window, or the bench. A view has no rules; it shows the page's model.
 #pragma once
 
 #include <cstdint>
@@ -32,7 +31,7 @@ class PageEvents {
   virtual void ClickFrame() = 0;
 };
 
-// A failed call means that the control has not changed.
+// If a call fails, the control has not changed.
 class PageView {
  public:
   virtual ~PageView() = default;
@@ -71,8 +70,7 @@ class PageViewFactory {
  public:
   virtual ~PageViewFactory() = default;
 
-  // Creates the controls, all enabled and empty. `events` outlives the view. Null when they cannot be
-  // created.
+  // Creates the controls, all enabled and empty. `events` outlives the view. Null if they cannot be created.
   virtual std::unique_ptr<PageView> CreatePageView(PageEvents& events) = 0;
 };
 

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "config/configuration.h"
+#include "config/record_printing.h"
 #include "host/ini_file_service.h"
 #include "support/fake_environment.h"
 #include "support/journal.h"

@@ -198,37 +198,37 @@ TEST(StrictNumber, TakesALongMantissaAgainstItsExponent) {
 
 // ---- Flags ----
 
-TEST(StrictFlag, ReadsTheWordsInAnyCase) {
+TEST(StrictBoolean, ReadsTheWordsInAnyCase) {
   for (const auto* text : {"True", "true", "TRUE", "tRuE", " True\t"}) {
-    EXPECT_EQ(StrictFlag(text), true) << text;
+    EXPECT_EQ(StrictBoolean(text), true) << text;
   }
   for (const auto* text : {"False", "false", "FALSE", "fAlSe", " False "}) {
-    EXPECT_EQ(StrictFlag(text), false) << text;
+    EXPECT_EQ(StrictBoolean(text), false) << text;
   }
 }
 
-TEST(StrictFlag, ReadsNumbersAndAnyButZeroIsTrue) {
+TEST(StrictBoolean, ReadsNumbersAndAnyButZeroIsTrue) {
   for (const auto* text : {"1", "-1", "2", "0.4", "-0.0001", " 1 ", "+1", "1e-300", "00.1"}) {
-    EXPECT_EQ(StrictFlag(text), true) << text;
+    EXPECT_EQ(StrictBoolean(text), true) << text;
   }
   for (const auto* text : {"0", "0.0", "-0", "000", " 0 ", "0e5", "+0"}) {
-    EXPECT_EQ(StrictFlag(text), false) << text;
+    EXPECT_EQ(StrictBoolean(text), false) << text;
   }
 }
 
-TEST(StrictFlag, FailsOnOtherTexts) {
+TEST(StrictBoolean, FailsOnOtherTexts) {
   for (const auto* text : {"", " ", "yes", "no", "on", "off", "T", "F", "Truee", "Tru", "2.5abc", "1 1",
                            "wahr", "\"1\"", "\"True\"", "inf", "1e309", "#TRUE#"}) {
-    EXPECT_EQ(StrictFlag(text), nullopt) << text;
+    EXPECT_EQ(StrictBoolean(text), nullopt) << text;
   }
 }
 
-TEST(NumericFlag, IsWhetherTheLeadingNumberIsNotZero) {
+TEST(LeadingBoolean, IsWhetherTheLeadingNumberIsNotZero) {
   for (const auto* text : {"1", "-1", "2.5abc", "0.4", " 3", "1e-5"}) {
-    EXPECT_TRUE(NumericFlag(text)) << text;
+    EXPECT_TRUE(LeadingBoolean(text)) << text;
   }
   for (const auto* text : {"", "0", "abc", "True", "true1", "-0", "0.0x", "0x1", "inf", "nan"}) {
-    EXPECT_FALSE(NumericFlag(text)) << text;
+    EXPECT_FALSE(LeadingBoolean(text)) << text;
   }
 }
 
@@ -604,11 +604,11 @@ TEST(NumberReaders, AgreeOnEveryText) {
     const double leading = LeadingNumber(text);
     ASSERT_TRUE(std::isfinite(leading)) << text;
     ASSERT_TRUE(leading != 0.0 || IsPlainZero(leading)) << text;
-    ASSERT_EQ(NumericFlag(text), leading != 0.0) << text;
+    ASSERT_EQ(LeadingBoolean(text), leading != 0.0) << text;
     if (const auto strict = StrictNumber(text)) {
       ++numbers;
       ASSERT_EQ(*strict, leading) << text;
-      ASSERT_EQ(StrictFlag(text), *strict != 0.0) << text;
+      ASSERT_EQ(StrictBoolean(text), *strict != 0.0) << text;
     }
   }
   EXPECT_GT(numbers, 1000);
@@ -625,7 +625,7 @@ TEST(NumberReaders, SurviveArbitraryBytes) {
     ASSERT_TRUE(std::isfinite(LeadingNumber(text)));
     const auto strict = StrictNumber(text);
     ASSERT_TRUE(!strict || *strict == LeadingNumber(text));
-    const auto flag = StrictFlag(text);
+    const auto flag = StrictBoolean(text);
     ASSERT_TRUE(!flag || !strict || *flag == (*strict != 0.0));
   }
 }
@@ -646,8 +646,8 @@ TEST(NumberTexts, DoNotDependOnTheLocale) {
   EXPECT_EQ(LeadingNumber("1,5"), 1.0);
   EXPECT_EQ(StrictNumber("1234.5"), 1234.5);
   EXPECT_EQ(StrictNumber("1,5"), nullopt);
-  EXPECT_EQ(StrictFlag("FALSE"), false);
-  EXPECT_EQ(StrictFlag("wahr"), nullopt);
+  EXPECT_EQ(StrictBoolean("FALSE"), false);
+  EXPECT_EQ(StrictBoolean("wahr"), nullopt);
   EXPECT_EQ(GeneralText(1234567.25), "1234567.25");
   EXPECT_EQ(GeneralText(0.00001), "1E-05");
   EXPECT_EQ(WholeText(1234567), "1234567");

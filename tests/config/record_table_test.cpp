@@ -3,8 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
+#include <ostream>
+#include <set>
 #include <string>
+#include <string_view>
+#include <type_traits>
 
 #include "config/config_fixture.h"
 
@@ -81,63 +86,109 @@ TEST(ReadRecordLine, HasNoPiecesWhenTheLineCannotBeCut) {
   EXPECT_EQ(ReadRecordLine(fixture.Config.Settings, "S", "Item1", fixture.ConfigFile()), Texts{});
 }
 
+TEST(ItemKey, IsTheWordAndTheNumberAsItStands) {
+  EXPECT_EQ(ItemKey("0"), "Item0");
+  EXPECT_EQ(ItemKey("12"), "Item12");
+  EXPECT_EQ(ItemKey("007"), "Item007");
+  EXPECT_EQ(ItemKey(""), "Item");
+}
+
 // ---- A small table of its own: what rows do, apart from any real table ----
 
 struct Box {
-  std::string Number;
+  std::string ID;
   std::string Name = "old";
   bool IsUnread = false;
   double Width = 1.5;
   std::int32_t Far = 40;
   bool Lid = true;
   bool Closed = false;
+
+  bool operator==(const Box&) const = default;
 };
 
-using Row = Field<Box>;
+void PrintTo(const Box& box, std::ostream* stream) {
+  PrintMembers<&Box::ID, &Box::Name, &Box::IsUnread, &Box::Width, &Box::Far, &Box::Lid, &Box::Closed>(
+      "Box", box, *stream);
+}
+
 constexpr std::array boxRows{
-    Row::Line<&Box::Name, BareText>(0),        Row::Key<&Box::Width, StrictReal>("Width", "9"),
-    Row::Line<&Box::Far, SDStepsByPicture>(2), Row::Line<&Box::Lid, WordOrNumberFlag>(1),
-    Row::Line<&Box::Closed, NegatedFlag>(1),
+    InLine<&Box::Name, BareText>(0),                  //
+    UnderKey<&Box::Width, StrictReal>("Width", "9"),  //
+    InLine<&Box::Far, SDStepsByPicture>(2),           //
+    InLine<&Box::Lid, StrictFlag>(1),                 //
+    InLine<&Box::Closed, NegatedFlag>(1),             //
 };
-constexpr RecordTable<Box> boxTable{boxRows, 3, &Box::Number};
+constexpr RecordTable<Box> boxTable = MakeTable(TableSection{"S"}, boxRows);
 
-TEST(CoversLine, IsTrueOnlyWhenEveryPieceIsFilledOnce) {
-  static_assert(CoversLine<Box>(boxRows, 3));
-  static_assert(!CoversLine<Box>(boxRows, 4), "a forgotten piece");
-  constexpr std::array doubled{Row::Line<&Box::Name, BareText>(0), Row::Line<&Box::Far, SDSteps>(0)};
-  static_assert(!CoversLine<Box>(doubled, 1), "a doubled piece");
-  constexpr std::array onlyRead{Row::Line<&Box::Name, BareText>(0).OnlyRead()};
-  static_assert(!CoversLine<Box>(onlyRead, 1), "a piece that is never saved");
-  constexpr std::array key{Row::Key<&Box::Width, StrictReal>("Width")};
-  static_assert(!CoversLine<Box>(key, 1), "a key is no piece");
+TEST(RecordPrinting, NamesTheMembersThatDifferFromAFreshRecord) {
+  EXPECT_EQ(testing::PrintToString(Box{.ID = "3", .Far = 7}), "Box{.ID = \"3\", .Far = 7}");
+  EXPECT_EQ(testing::PrintToString(Box{}), "Box{}");
+}
+
+template <const auto& rows>
+concept MakesATable = requires {
+  typename std::bool_constant<(MakeTable(TableSection{"S"}, rows), true)>;
+};
+
+constexpr std::array forgottenRows{InLine<&Box::Name, BareText>(0), InLine<&Box::Far, SDSteps>(2)};
+constexpr std::array doubledRows{InLine<&Box::Name, BareText>(0), InLine<&Box::Far, SDSteps>(0)};
+constexpr std::array unsavedRows{InLine<&Box::Name, BareText>(0).OnlyRead(), InLine<&Box::Far, SDSteps>(1)};
+constexpr std::array onlyKeys{UnderKey<&Box::Width, StrictReal>("Width")};
+
+TEST(MakeTable, RefusesRowsThatLeaveOutOrRepeatAPiece) {
+  static_assert(MakesATable<boxRows>);
+  static_assert(MakesATable<onlyKeys>);
+  static_assert(!MakesATable<forgottenRows>);
+  static_assert(!MakesATable<doubledRows>);
+  static_assert(!MakesATable<unsavedRows>, "a piece that is never saved");
   SUCCEED();
+}
+
+TEST(MakeTable, CountsThePiecesOfTheLine) {
+  EXPECT_EQ(boxTable.Pieces, 3U);
+  EXPECT_EQ(MakeTable(TableSection{"S"}, onlyKeys).Pieces, 0U);
+}
+
+struct Scale {
+  std::string Name;
+  float Step = 0.0F;
+};
+constexpr std::array scaleRows{InLine<&Scale::Name, BareText>(0), InLine<&Scale::Step, StrictSingle>(1)};
+constexpr std::array scaleRowsWithAGap{InLine<&Scale::Name, BareText>(0),
+                                       InLine<&Scale::Step, StrictSingle>(2)};
+
+TEST(MakeTable, CountsWhatIsReadOfLinesThatAreNeverSaved) {
+  EXPECT_EQ(MakeTable(TableSection{"S"}, scaleRows).Pieces, 2U);
+  static_assert(!MakesATable<scaleRowsWithAGap>);
+}
+
+TEST(TableSection, IsATextOrNamedAfterTheRecordsInForce) {
+  CurrentRecords current;
+  current.Device.Name = "A";
+  EXPECT_EQ(TableSection{"S"}.Name(current), "S");
+  const auto naming = [](const CurrentRecords& records) { return "Of_" + records.Device.Name; };
+  EXPECT_EQ(TableSection{naming}.Name(current), "Of_A");
 }
 
 TEST(LoadInto, LeavesMembersAloneWhosePieceIsMissing) {
   ConfigFixture fixture;
   Box box;
-  LoadInto<Box>(box, boxRows, Texts{"new"}, fixture.Config, "S", fixture.ConfigFile());
-  EXPECT_EQ(box.Name, "new");
-  EXPECT_EQ(box.Far, 40);
-  EXPECT_TRUE(box.Lid);
-  EXPECT_FALSE(box.Closed);
+  LoadInto(box, boxTable, Texts{"new"}, fixture.Config, fixture.ConfigFile());
+  EXPECT_EQ(box, (Box{.Name = "new", .Width = 9.0}));
 }
 
 TEST(LoadInto, LeavesMembersAloneWhosePieceDoesNotConvert) {
   ConfigFixture fixture{"[S]\nWidth=wide\n"};
   Box box;
-  LoadInto<Box>(box, boxRows, Texts{"new", "perhaps", "9999999999"}, fixture.Config, "S",
-                fixture.ConfigFile());
-  EXPECT_EQ(box.Far, 40);
-  EXPECT_TRUE(box.Lid);
-  EXPECT_FALSE(box.Closed);
-  EXPECT_EQ(box.Width, 1.5);
+  LoadInto(box, boxTable, Texts{"new", "perhaps", "9999999999"}, fixture.Config, fixture.ConfigFile());
+  EXPECT_EQ(box, (Box{.Name = "new"}));
 }
 
 TEST(LoadInto, ReadsKeysWithTheirDefault) {
   ConfigFixture fixture;
   Box box;
-  LoadInto<Box>(box, boxRows, Texts{}, fixture.Config, "S", "/other");
+  LoadInto(box, boxTable, Texts{}, fixture.Config, "/other");
   EXPECT_EQ(box.Width, 9.0);
   EXPECT_EQ(fixture.Reads(), Texts{"read [S] Width default \"9\" in /other"});
 }
@@ -146,168 +197,224 @@ TEST(LoadInto, LeavesAMemberAloneWhoseKeyCannotBeRead) {
   ConfigFixture fixture{"[S]\nWidth=3\n"};
   fixture.Calls.FailEverythingThatStartsWith("read");
   Box box;
-  LoadInto<Box>(box, boxRows, Texts{"new", "0"}, fixture.Config, "S", fixture.ConfigFile());
-  EXPECT_EQ(box.Width, 1.5);
-  EXPECT_EQ(box.Name, "new");
-  EXPECT_FALSE(box.Lid);
-  EXPECT_TRUE(box.Closed);
+  LoadInto(box, boxTable, Texts{"new", "0"}, fixture.Config, fixture.ConfigFile());
+  EXPECT_EQ(box, (Box{.Name = "new", .Lid = false, .Closed = true}));
 }
 
-TEST(SaveRecord, WritesKeysFirstAndThenTheLineAndNeverADerivedMember) {
+TEST(Load, TellsARecordWhoseLineCannotBeRead) {
+  ConfigFixture fixture{"[S]\nItem1=new\n"};
+  EXPECT_FALSE(Load(boxTable, fixture.Config, "1").IsUnread);
+  fixture.Calls.FailEverythingThatStartsWith("read [S] Item");
+  EXPECT_EQ(Load(boxTable, fixture.Config, "1"), (Box{.ID = "1", .IsUnread = true, .Width = 9.0}));
+}
+
+TEST(Load, CompletesTheRecordWithTheFileThatItCameFrom) {
+  constexpr RecordTable<Box> completed = MakeTable(
+      TableSection{"S"}, boxRows,
+      [](Box& box, const Configuration&, std::string_view file) { box.Name.append(" from ").append(file); });
+  ConfigFixture fixture{"[S]\nItem1=new\n"};
+  EXPECT_EQ(Load(completed, fixture.Config, "1").Name, "new from " + fixture.ConfigFile());
+  EXPECT_EQ(Load(completed, fixture.Config, "1", "/other").Name, "old from /other");
+}
+
+TEST(LoadInstalled, LoadsTheItemThatTheFileNames) {
+  ConfigFixture fixture{"[S]\nInstalled=2\nItem1=a\nItem2=b\n"};
+  fixture.Settings.Load("/other", "[S]\nInstalled=1\nItem1=c\n");
+  EXPECT_EQ(LoadInstalled(boxTable, fixture.Config).ID, "2");
+  EXPECT_EQ(LoadInstalled(boxTable, fixture.Config).Name, "b");
+  EXPECT_EQ(LoadInstalled(boxTable, fixture.Config, "/other").ID, "1");
+  EXPECT_EQ(LoadInstalled(boxTable, fixture.Config, "/other").Name, "c");
+}
+
+TEST(Save, WritesKeysFirstAndThenTheLineAndNeverADerivedMember) {
   ConfigFixture fixture;
-  Box box;
-  box.Number = "3";
-  SaveRecord(boxTable, box, fixture.Config, "S", backup);
+  Save(boxTable, fixture.Config, Box{.ID = "3"}, backup);
   EXPECT_EQ(fixture.Writes(),
             (Texts{"write [S] Width=1.5 in /backup.bak", "write [S] Item3=old,1,20 in /backup.bak"}));
 }
 
-TEST(SaveRecord, LeavesAPieceEmptyThatCannotBeConverted) {
+TEST(Save, LeavesAPieceEmptyThatCannotBeConverted) {
   ConfigFixture fixture;
   fixture.SetFactor(0.0);
-  Box box;
-  box.Number = "3";
-  SaveRecord(boxTable, box, fixture.Config, "S", backup);
+  Save(boxTable, fixture.Config, Box{.ID = "3"}, backup);
   EXPECT_EQ(fixture.Settings.Value("S", "Item3", backup), "old,1");
 }
 
-TEST(SaveRecord, GoesOnAfterAFailedWrite) {
+TEST(Save, GoesOnAfterAFailedWrite) {
   ConfigFixture fixture;
-  Box box;
-  box.Number = "3";
   fixture.Calls.FailEverythingThatStartsWith("write [S] Width");
-  SaveRecord(boxTable, box, fixture.Config, "S", backup);
+  Save(boxTable, fixture.Config, Box{.ID = "3"}, backup);
   EXPECT_EQ(fixture.Settings.Text(std::string{backup}), "[S]\nItem3=old,1,20\n");
 }
 
 // ---- Walks ----
 
 struct Entry {
-  std::string Number;
+  std::string ID;
   std::string Name;
   std::string Code;
   bool IsUnread = false;
 };
 
-// A table of records with these names, and which numbers were asked for. The record of a name "?" cannot be read.
-struct CountedEntries {
-  Texts Names;
-  Texts Asked;
+constexpr std::array entryRows{InLine<&Entry::Name, BareText>(0), InLine<&Entry::Code, BareText>(1)};
+constexpr RecordTable<Entry> entryTable = MakeTable(TableSection{"T"}, entryRows);
 
-  auto Loader() {
-    return [this](const std::string& number) {
-      Asked.push_back(number);
-      const auto index = static_cast<std::size_t>(std::stoi(number)) - 1;
-      const auto name = index < Names.size() ? Names[index] : "";
-      return name == "?" ? Entry{.Number = number, .Name = "", .Code = "", .IsUnread = true}
-                         : Entry{.Number = number, .Name = name, .Code = "c" + number};
-    };
+// A table of records with these names and the codes c1, c2, ... The line of a record of the name "?" cannot be read.
+struct EntryFixture : ConfigFixture {
+  explicit EntryFixture(const Texts& names) {
+    std::string text = "[T]\n";
+    for (std::size_t index = 0; index < names.size(); ++index) {
+      const auto number = std::to_string(index + 1);
+      text.append("Item").append(number).append("=").append(names[index]).append(",c").append(number) += '\n';
+      if (names[index] == "?") {
+        Unread.insert("read [T] Item" + number);
+      }
+    }
+    Settings.Load(text);
+    Calls.FailsIf = [this](std::string_view event) { return Unread.contains(std::string{event}); };
+  }
+
+  std::set<std::string> Unread;
+
+  // The numbers of the items that were read.
+  Texts Asked() const {
+    Texts numbers;
+    for (const auto& event : Reads()) {
+      numbers.push_back(event.substr(std::string_view{"read [T] Item"}.size()));
+    }
+    return numbers;
   }
 };
 
-TEST(FindRecord, StartsAtItemOneAndStopsAtTheFirstThatMatches) {
-  CountedEntries entries{{"a", "b", "b", "c"}, {}};
-  const auto found = FindRecord(entries.Loader(), [](const Entry& entry) { return entry.Name == "b"; });
-  EXPECT_EQ(found.Number, "2");
-  EXPECT_EQ(entries.Asked, (Texts{"1", "2"}));
+const auto none = [](const Entry&) { return false; };
+
+TEST(Find, StartsAtItemOneAndStopsAtTheFirstThatMatches) {
+  EntryFixture fixture{{"a", "b", "b", "c"}};
+  const auto isB = [](const Entry& entry) { return entry.Name == "b"; };
+  EXPECT_EQ(Find(entryTable, fixture.Config, isB).ID, "2");
+  EXPECT_EQ(fixture.Asked(), (Texts{"1", "2"}));
 }
 
-TEST(FindRecord, GivesTheNamelessRecordAtTheEndWhenNothingMatches) {
-  CountedEntries entries{{"a", "b", "", "z"}, {}};
-  const auto found = FindRecord(entries.Loader(), [](const Entry& entry) { return entry.Name == "z"; });
-  EXPECT_EQ(found.Number, "3");
+TEST(Find, GivesTheNamelessRecordAtTheEndWhenNothingMatches) {
+  EntryFixture fixture{{"a", "b", "", "z"}};
+  const auto found = Find(entryTable, fixture.Config, [](const Entry& entry) { return entry.Name == "z"; });
+  EXPECT_EQ(found.ID, "3");
   EXPECT_EQ(found.Name, "");
-  EXPECT_EQ(entries.Asked, (Texts{"1", "2", "3"}));
+  EXPECT_EQ(fixture.Asked(), (Texts{"1", "2", "3"}));
 }
 
-TEST(FindRecord, ComparesBeforeItTestsForTheEnd) {
-  CountedEntries entries{{"a", "", "b"}, {}};
-  const auto found = FindRecord(entries.Loader(), [](const Entry& entry) { return entry.Code == "c2"; });
-  EXPECT_EQ(found.Number, "2");
+TEST(Find, ComparesBeforeItTestsForTheEnd) {
+  EntryFixture fixture{{"a", "", "b"}};
+  const auto isSecond = [](const Entry& entry) { return entry.Code == "c2"; };
+  EXPECT_EQ(Find(entryTable, fixture.Config, isSecond).ID, "2");
 }
 
-TEST(FindRecord, LeavesOutARecordThatCannotBeReadAndGoesOn) {
-  CountedEntries entries{{"a", "?", "b"}, {}};
-  EXPECT_EQ(FindRecord(entries.Loader(), [](const Entry& entry) { return entry.Code != "c1"; }).Number, "3");
+TEST(Find, LeavesOutARecordThatCannotBeReadAndGoesOn) {
+  EntryFixture fixture{{"a", "?", "b"}};
+  const auto isLater = [](const Entry& entry) { return entry.Code != "c1"; };
+  EXPECT_EQ(Find(entryTable, fixture.Config, isLater).ID, "3");
 }
 
-TEST(FindRecord, DoesNotTakeARecordThatCannotBeReadForTheEnd) {
-  CountedEntries entries{{"a", "?", "b"}, {}};
-  EXPECT_EQ(FindRecord(entries.Loader(), [](const Entry&) { return false; }).Number, "4");
+TEST(Find, DoesNotTakeARecordThatCannotBeReadForTheEnd) {
+  EntryFixture fixture{{"a", "?", "b"}};
+  EXPECT_EQ(Find(entryTable, fixture.Config, none).ID, "4");
 }
 
-TEST(FindRecord, EndsAtOnceWhereTheFirstRecordCannotBeRead) {
-  CountedEntries entries{{"?", "b"}, {}};
-  EXPECT_EQ(FindRecord(entries.Loader(), [](const Entry&) { return false; }).Number, "1");
-  EXPECT_EQ(entries.Asked, Texts{"1"});
+TEST(Find, EndsAtOnceWhereTheFirstRecordCannotBeRead) {
+  EntryFixture fixture{{"?", "b"}};
+  EXPECT_EQ(Find(entryTable, fixture.Config, none).ID, "1");
+  EXPECT_EQ(fixture.Asked(), Texts{"1"});
 }
 
-TEST(FindRecord, EndsWhere16BitCountersEndAlsoWhenNothingCanBeReadAnyMore) {
-  CountedEntries entries{Texts(40000, "?"), {}};
-  entries.Names.front() = "a";
-  EXPECT_TRUE(FindRecord(entries.Loader(), [](const Entry&) { return false; }).IsUnread);
-  EXPECT_EQ(entries.Asked.size(), 32767U);
+TEST(Find, EndsWhere16BitCountersEndAlsoWhenNothingCanBeReadAnyMore) {
+  EntryFixture fixture{{"a"}};
+  fixture.Calls.FailsIf = [](std::string_view event) {
+    return event.starts_with("read [T] Item") && event != "read [T] Item1";
+  };
+  EXPECT_TRUE(Find(entryTable, fixture.Config, none).IsUnread);
+  EXPECT_EQ(fixture.Asked().size(), 32767U);
 }
 
-TEST(FindRecord, OfAnEmptyTableIsItsEnd) {
-  CountedEntries entries;
-  EXPECT_EQ(FindRecord(entries.Loader(), [](const Entry&) { return false; }).Number, "1");
-  EXPECT_EQ(entries.Asked, Texts{"1"});
+TEST(Find, OfAnEmptyTableIsItsEnd) {
+  EntryFixture fixture{{}};
+  EXPECT_EQ(Find(entryTable, fixture.Config, none).ID, "1");
+  EXPECT_EQ(fixture.Asked(), Texts{"1"});
 }
 
-TEST(FindRecord, EndsWhere16BitCountersEnd) {
-  CountedEntries entries{Texts(40000, "n"), {}};
-  const auto last = FindRecord(entries.Loader(), [](const Entry&) { return false; });
-  EXPECT_EQ(last.Number, "32767");
-  EXPECT_EQ(entries.Asked.size(), 32767U);
-}
-
-TEST(FindRecord, StillComparesTheLastNumber) {
-  CountedEntries entries{Texts(40000, "n"), {}};
+TEST(Find, EndsWhere16BitCountersEndAndStillComparesTheLastNumber) {
+  ConfigFixture fixture;
+  const auto settings = fixture.WithoutEnd("n");
   int compared = 0;
-  FindRecord(entries.Loader(), [&compared](const Entry&) {
+  const auto last = Find(entryTable, fixture.Config, [&compared](const Entry&) {
     ++compared;
     return false;
   });
+  EXPECT_EQ(last.ID, "32767");
+  EXPECT_EQ(settings->LastItem, "Item32767");
   EXPECT_EQ(compared, 32767);
 }
 
-TEST(ForEachRecord, VisitsTheRecordsBeforeTheFirstNamelessOne) {
-  CountedEntries entries{{"a", "b", "", "d"}, {}};
+TEST(FindByName, ComparesTheMemberItIsGiven) {
+  EntryFixture fixture{{"a", "c1", "c"}};
+  EXPECT_EQ(FindByName(entryTable, fixture.Config, &Entry::Name, "c1").ID, "2");
+  EXPECT_EQ(FindByName(entryTable, fixture.Config, &Entry::Code, "c1").ID, "1");
+}
+
+TEST(FindByName, WithoutANameIsAnEmptyRecordAndReadsNothing) {
+  EntryFixture fixture{{"", "b"}};
+  EXPECT_EQ(FindByName(entryTable, fixture.Config, &Entry::Name, "").ID, "");
+  EXPECT_EQ(fixture.Reads(), Texts{});
+}
+
+template <class Walk>
+Texts Visited(EntryFixture& fixture, Walk walk) {
   Texts visited;
-  ForEachRecord(entries.Loader(), [&visited](const Entry& entry) { visited.push_back(entry.Number); });
-  EXPECT_EQ(visited, (Texts{"1", "2"}));
-  EXPECT_EQ(entries.Asked, (Texts{"1", "2", "3"}));
+  walk(fixture, [&visited](const Entry& entry) { visited.push_back(entry.ID); });
+  return visited;
 }
 
-TEST(ForEachRecord, LeavesOutWhatCannotBeRead) {
-  CountedEntries entries{{"a", "?", "c", "?", "", "f"}, {}};
-  Texts visited;
-  ForEachRecord(entries.Loader(), [&visited](const Entry& entry) { visited.push_back(entry.Number); });
-  EXPECT_EQ(visited, (Texts{"1", "3"}));
+const auto forEach = [](EntryFixture& fixture, auto visit) { ForEach(entryTable, fixture.Config, visit); };
+
+TEST(ForEach, VisitsTheRecordsBeforeTheFirstNamelessOne) {
+  EntryFixture fixture{{"a", "b", "", "d"}};
+  EXPECT_EQ(Visited(fixture, forEach), (Texts{"1", "2"}));
+  EXPECT_EQ(fixture.Asked(), (Texts{"1", "2", "3"}));
 }
 
-TEST(ForEachRecord, VisitsNothingOfAnEmptyTable) {
-  CountedEntries entries;
+TEST(ForEach, LeavesOutWhatCannotBeRead) {
+  EntryFixture fixture{{"a", "?", "c", "?", "", "f"}};
+  EXPECT_EQ(Visited(fixture, forEach), (Texts{"1", "3"}));
+}
+
+TEST(ForEach, VisitsNothingOfAnEmptyTable) {
+  EntryFixture fixture{{}};
+  EXPECT_EQ(Visited(fixture, forEach), Texts{});
+}
+
+TEST(ForEach, VisitsTheRecordsOfTheFileItIsGiven) {
+  EntryFixture fixture{{"a", "b"}};
+  fixture.Settings.Load("/other", "[T]\nItem1=c\n");
+  Texts names;
+  ForEach(
+      entryTable, fixture.Config, [&names](const Entry& entry) { names.push_back(entry.Name); }, "/other");
+  EXPECT_EQ(names, Texts{"c"});
+}
+
+TEST(ForEach, EndsWhere16BitCountersEnd) {
+  ConfigFixture fixture;
+  fixture.WithoutEnd("n");
   int visits = 0;
-  ForEachRecord(entries.Loader(), [&visits](const Entry&) { ++visits; });
-  EXPECT_EQ(visits, 0);
-}
-
-TEST(ForEachRecord, EndsWhere16BitCountersEnd) {
-  CountedEntries entries{Texts(40000, "n"), {}};
-  int visits = 0;
-  ForEachRecord(entries.Loader(), [&visits](const Entry&) { ++visits; });
+  ForEach(entryTable, fixture.Config, [&visits](const Entry&) { ++visits; });
   EXPECT_EQ(visits, 32767);
 }
 
-TEST(ForEachRecordAndTheEnd, VisitsTheNamelessRecordToo) {
-  CountedEntries entries{{"a", "b", "", "d"}, {}};
-  Texts visited;
-  ForEachRecordAndTheEnd(entries.Loader(),
-                         [&visited](const Entry& entry) { visited.push_back(entry.Number); });
-  EXPECT_EQ(visited, (Texts{"1", "2", "3"}));
-  EXPECT_EQ(entries.Asked, (Texts{"1", "2", "3"}));
+TEST(ForEachAndTheEnd, VisitsTheNamelessRecordToo) {
+  EntryFixture fixture{{"a", "b", "", "d"}};
+  const auto walk = [](EntryFixture& entries, auto visit) {
+    ForEachAndTheEnd(entryTable, entries.Config, visit);
+  };
+  EXPECT_EQ(Visited(fixture, walk), (Texts{"1", "2", "3"}));
+  EXPECT_EQ(fixture.Asked(), (Texts{"1", "2", "3"}));
 }
 
 }  // namespace

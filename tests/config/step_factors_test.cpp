@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "config/config_fixture.h"
-#include "config/tables/device_tables.h"
+#include "config/tables/devices.h"
 
 namespace zolvane {
 namespace {
@@ -25,8 +25,7 @@ TEST(SDXYStepFactor, IsTheFactorWithoutEncodersWhenTheyAreOff) {
 
 TEST(SDXYStepFactor, OfAFactorThatIsMissingOrNoNumberIsZero) {
   ConfigFixture fixture{"[DeviceType]\nItem1=\"A\"\nSDXYEncoderStatus=1\nSDXYEncoderMMStepFactorOff=many\n"};
-  std::string item = "1";
-  auto device = LoadDeviceType(fixture.Config, item, "");
+  auto device = Load(deviceTable, fixture.Config, "1");
   EXPECT_EQ(SDXYStepFactor(device), 0.0);
   device.SDXYEncoderStatus = false;
   EXPECT_EQ(SDXYStepFactor(device), 0.0);
@@ -37,8 +36,7 @@ TEST(SDXYStepFactor, FollowsTheEncoderStatusAndNotTheCheckBoxOfThePage) {
   ConfigFixture fixture{
       "[DeviceType]\nItem1=\"A\"\nSDXYEncoderStatus=0\nSDXYEncodersEnable=1\nSDXYEncoderMMStepFactorOn=80\n"
       "SDXYEncoderMMStepFactorOff=100\n"};
-  std::string item = "1";
-  EXPECT_EQ(SDXYStepFactor(LoadDeviceType(fixture.Config, item, "")), 100.0);
+  EXPECT_EQ(SDXYStepFactor(Load(deviceTable, fixture.Config, "1")), 100.0);
 }
 
 TEST(CurrentStepFactors, AreThoseOfTheCurrentDeviceAndOfTheZAndSAxes) {

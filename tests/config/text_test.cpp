@@ -108,12 +108,5 @@ TEST(Trimmed, DropsSpacesAndTabsAtBothEnds) {
   EXPECT_EQ(Trimmed("\n8\r"), "\n8\r");
 }
 
-TEST(ItemKey, IsTheWordAndTheNumberAsItStands) {
-  EXPECT_EQ(ItemKey("0"), "Item0");
-  EXPECT_EQ(ItemKey("12"), "Item12");
-  EXPECT_EQ(ItemKey("007"), "Item007");
-  EXPECT_EQ(ItemKey(""), "Item");
-}
-
 }  // namespace
 }  // namespace zolvane

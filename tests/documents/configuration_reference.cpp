@@ -10,11 +10,15 @@
 #include <utility>
 #include <vector>
 
-#include "config/tables/device_tables.h"
-#include "config/tables/head_and_tip_tables.h"
-#include "config/tables/height_tables.h"
-#include "config/tables/labware_tables.h"
-#include "config/tables/nest_table.h"
+#include "config/tables/axes.h"
+#include "config/tables/devices.h"
+#include "config/tables/heads.h"
+#include "config/tables/heights.h"
+#include "config/tables/modules.h"
+#include "config/tables/nests.h"
+#include "config/tables/plates.h"
+#include "config/tables/stage.h"
+#include "config/tables/tips.h"
 #include "operations/upload_script.h"
 #include "page/page_controls.h"
 #include "support/form_session.h"
@@ -61,7 +65,7 @@ std::string OtherText(const std::string& text, std::string_view values) {
   if (values == BareText::Values) {
     return "X" + text;
   }
-  const bool isFlag = values == WordOrNumberFlag::Values || values == LeadingNumberFlag::Values;
+  const bool isFlag = values == StrictFlag::Values || values == LeadingFlag::Values;
   return isFlag ? FlagText(text != "1") : GeneralText(LeadingNumber(text) + 8);
 }
 

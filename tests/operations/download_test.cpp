@@ -190,7 +190,7 @@ TEST(Download, DoesNotRefreshThePageOrTheRecordsInForce) {
   fixture.Reply("HeadLock_SD_S", "=7");
   DownloadCalibration(fixture.Context);
   EXPECT_EQ(fixture.Value("HeadType", "Item1"), "\"h\",CALIBRATE,0,0,0,1,0,0,0,0,0,7,0,0,0,0,,0,\"\"");
-  EXPECT_EQ(fixture.Config.Current.Head.Field11, 0);
+  EXPECT_EQ(fixture.Config.Current.Head.HeadLockS, 0);
   EXPECT_EQ(fixture.Calls.Of({"load", "select"}), Texts{});
 }
 

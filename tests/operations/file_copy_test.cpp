@@ -314,16 +314,6 @@ TEST(CopyAllTables, CopiesItsOwnResultUnchanged) {
   EXPECT_EQ(fixture.Settings().Text(second), fixture.BackupText());
 }
 
-// ---- Blank lines ----
-
-TEST(AppendBlankLine, AppendsOnlyWhenTheFlagIsSet) {
-  CopyFixture fixture;
-  AppendBlankLine(fixture.Context, backup, false);
-  EXPECT_EQ(fixture.Calls.Events, Texts{});
-  AppendBlankLine(fixture.Context, backup, true);
-  EXPECT_EQ(fixture.Calls.Events, Texts{std::string{"append blank line to "} + backup});
-}
-
 // ---- The file dialogue ----
 
 TEST(FileDialogueOfThePage, IsDesignedForASettingsFile) {

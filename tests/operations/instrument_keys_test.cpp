@@ -14,7 +14,7 @@ namespace {
 
 HeadTypeRecord HeadOf(std::int16_t channels, double volume) {
   HeadTypeRecord head;
-  head.Field5 = channels;
+  head.Channels = channels;
   head.TipVolume = volume;
   return head;
 }

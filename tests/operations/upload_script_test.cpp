@@ -604,15 +604,19 @@ TEST(UploadScript, SendsNoCorrectionOfTheNamelessTipAtTheEnd) {
 
 std::string Correction(const std::string& items) {
   OperationFixture fixture{"[S]\n" + items};
-  return BuildVolumeCorrection(fixture.Config, "", "", "S");
+  return BuildVolumeCorrection(fixture.Config, "S");
 }
 
-TEST(VolumeCorrection, TakesItsSectionFromTheHeadAndTheVolumeOrAsItIsGiven) {
-  OperationFixture fixture{
-      "[VolumeCorrection_8_CH_12.5]\n1Item=x,1,A\n[VolumeCorrection__]\n1Item=x,2,B\n[Own]\n1Item=x,3,C\n"};
-  EXPECT_EQ(BuildVolumeCorrection(fixture.Config, "8_CH", "12.5", ""), "SET_CALIBRATION A 100000\r\n");
-  EXPECT_EQ(BuildVolumeCorrection(fixture.Config, "", "", ""), "SET_CALIBRATION B 200000\r\n");
-  EXPECT_EQ(BuildVolumeCorrection(fixture.Config, "8_CH", "12.5", "Own"), "SET_CALIBRATION C 300000\r\n");
+TEST(VolumeCorrection, OfAHeadStandsInASectionOfItsLayoutAndTheTipVolume) {
+  EXPECT_EQ(VolumeCorrectionSection("8_CH", "12.5"), "VolumeCorrection_8_CH_12.5");
+  EXPECT_EQ(VolumeCorrectionSection("", ""), "VolumeCorrection__");
+}
+
+TEST(VolumeCorrection, IsReadFromTheSectionItIsGiven) {
+  OperationFixture fixture{"[VolumeCorrection_8_CH_12.5]\n1Item=x,1,A\n[Own]\n1Item=x,3,C\n"};
+  EXPECT_EQ(BuildVolumeCorrection(fixture.Config, "VolumeCorrection_8_CH_12.5"),
+            "SET_CALIBRATION A 100000\r\n");
+  EXPECT_EQ(BuildVolumeCorrection(fixture.Config, "Own"), "SET_CALIBRATION C 300000\r\n");
 }
 
 TEST(VolumeCorrection, HasALineForEachItemWithItsThirdFieldAsKeyAndItsSecondInHundredThousandths) {
@@ -622,7 +626,7 @@ TEST(VolumeCorrection, HasALineForEachItemWithItsThirdFieldAsKeyAndItsSecondInHu
 
 TEST(VolumeCorrection, AsksForItsItemsByNumberUntilTheFirstEmptyOne) {
   OperationFixture fixture{"[S]\n1Item=x,1,A\n2Item=\n3Item=x,1,C\n"};
-  EXPECT_EQ(BuildVolumeCorrection(fixture.Config, "", "", "S"), "SET_CALIBRATION A 100000\r\n");
+  EXPECT_EQ(BuildVolumeCorrection(fixture.Config, "S"), "SET_CALIBRATION A 100000\r\n");
   EXPECT_EQ(fixture.Calls.Of({"read"}), (Texts{"read [S] 1Item", "read [S] 2Item"}));
 }
 
@@ -655,20 +659,20 @@ TEST(VolumeCorrection, HasNoLineForAFactorThatCannotBeMultiplied) {
 TEST(VolumeCorrection, LeavesOutAnItemThatCannotBeReadAndGoesOn) {
   OperationFixture fixture{"[S]\n1Item=x,1,A\n2Item=x,2,B\n3Item=x,3,C\n"};
   fixture.Calls.FailEverythingThatStartsWith("read [S] 2Item");
-  EXPECT_EQ(BuildVolumeCorrection(fixture.Config, "", "", "S"),
+  EXPECT_EQ(BuildVolumeCorrection(fixture.Config, "S"),
             "SET_CALIBRATION A 100000\r\nSET_CALIBRATION C 300000\r\n");
 }
 
 TEST(VolumeCorrection, IsEmptyWhenItsFirstItemCannotBeRead) {
   OperationFixture fixture{"[S]\n1Item=x,1,A\n2Item=x,2,B\n"};
   fixture.Calls.FailEverythingThatStartsWith("read [S] 1Item");
-  EXPECT_EQ(BuildVolumeCorrection(fixture.Config, "", "", "S"), "");
+  EXPECT_EQ(BuildVolumeCorrection(fixture.Config, "S"), "");
 }
 
 TEST(VolumeCorrection, HasNoLineForAnItemThatCannotBeSplit) {
   OperationFixture fixture{"[S]\n1Item=x,1,A\n2Item=x,2,B\n3Item=x,3,C\n"};
   fixture.Calls.FailsIf = [](auto event) { return event == "split \",\" of \"x,2,B\""; };
-  EXPECT_EQ(BuildVolumeCorrection(fixture.Config, "", "", "S"),
+  EXPECT_EQ(BuildVolumeCorrection(fixture.Config, "S"),
             "SET_CALIBRATION A 100000\r\nSET_CALIBRATION C 300000\r\n");
 }
 

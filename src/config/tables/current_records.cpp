@@ -1,41 +1,32 @@
 #include "config/tables/current_records.h"
 
-#include <string>
-
-#include "config/tables/device_tables.h"
-#include "config/tables/head_and_tip_tables.h"
-#include "config/tables/height_tables.h"
-#include "config/tables/labware_tables.h"
-#include "config/tables/nest_table.h"
+#include "config/tables/axes.h"
+#include "config/tables/devices.h"
+#include "config/tables/heads.h"
+#include "config/tables/heights.h"
+#include "config/tables/modules.h"
+#include "config/tables/nests.h"
+#include "config/tables/tips.h"
 
 namespace zolvane {
-namespace {
-
-// Loads the installed record of a table.
-template <class Load>
-auto Installed(Load load, const Configuration& configuration) {
-  std::string item;
-  return load(configuration, item, "");
-}
-
-}  // namespace
 
 void RefreshCurrentRecords(Configuration& configuration) {
-  configuration.Current.Heights = LoadZCalibration(configuration, "");
+  auto& current = configuration.Current;
+  current.Heights = Load(heightTable, configuration);
   ReloadCurrentDevice(configuration);
   ReloadCurrentCage(configuration);
   LoadAxes(configuration);
-  configuration.Current.Head = Installed(LoadHeadType, configuration);
-  configuration.Current.Tip = Installed(LoadTipType, configuration);
-  configuration.Current.Nest = Installed(LoadNestType, configuration);
+  current.Head = LoadInstalled(headTable, configuration);
+  current.Tip = LoadInstalled(tipTable, configuration);
+  current.Nest = LoadInstalled(nestTable, configuration);
 }
 
 void ReloadCurrentDevice(Configuration& configuration) {
-  configuration.Current.Device = Installed(LoadDeviceType, configuration);
+  configuration.Current.Device = LoadInstalled(deviceTable, configuration);
 }
 
 void ReloadCurrentCage(Configuration& configuration) {
-  configuration.Current.Cage = Installed(LoadCageType, configuration);
+  configuration.Current.Cage = LoadInstalled(cageTable, configuration);
 }
 
 }  // namespace zolvane

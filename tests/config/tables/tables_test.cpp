@@ -8,16 +8,21 @@
 #include <random>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "config/config_fixture.h"
 #include "config/item_lists.h"
+#include "config/tables/axes.h"
 #include "config/tables/current_records.h"
-#include "config/tables/device_tables.h"
-#include "config/tables/head_and_tip_tables.h"
-#include "config/tables/height_tables.h"
-#include "config/tables/labware_tables.h"
-#include "config/tables/nest_table.h"
+#include "config/tables/devices.h"
+#include "config/tables/heads.h"
+#include "config/tables/heights.h"
+#include "config/tables/modules.h"
+#include "config/tables/nests.h"
+#include "config/tables/plates.h"
+#include "config/tables/stage.h"
+#include "config/tables/tips.h"
 #include "support/other_locale.h"
 
 namespace zolvane {
@@ -29,41 +34,30 @@ struct Table {
   std::function<void(Configuration&, std::string_view from, std::string_view to)> Copy;
 };
 
-template <auto Load, auto Save>
-Table InstalledTable(std::string section) {
-  return {std::move(section), [](Configuration& configuration, std::string_view from, std::string_view to) {
-            std::string item = "1";
-            Save(configuration, Load(configuration, item, from), to);
+template <class Record>
+Table TableOf(std::string section, const RecordTable<Record>& table) {
+  return {std::move(section),
+          [&table](Configuration& configuration, std::string_view from, std::string_view to) {
+            if constexpr (ItemRecord<Record>) {
+              Save(table, configuration, Load(table, configuration, "1", from), to);
+            } else {
+              Save(table, configuration, Load(table, configuration, from), to);
+            }
           }};
 }
 
 std::vector<Table> AllTables() {
   return {
-      InstalledTable<LoadDeviceType, SaveDeviceType>("DeviceType"),
-      InstalledTable<LoadCageType, SaveCageType>("CageType"),
-      InstalledTable<LoadHeadType, SaveHeadType>("HeadType"),
-      InstalledTable<LoadTipType, SaveTipType>("TipType"),
-      InstalledTable<LoadNestType, SaveNestType>("NestType"),
-      {"PlateType",
-       [](Configuration& configuration, std::string_view from, std::string_view to) {
-         SavePlateType(configuration, LoadPlateType(configuration, "1", from), to);
-       }},
-      {"Calibration_D",
-       [](Configuration& configuration, std::string_view from, std::string_view to) {
-         SaveCalibration(configuration, LoadCalibration(configuration, "1", from), to);
-       }},
-      {"Position_D",
-       [](Configuration& configuration, std::string_view from, std::string_view to) {
-         SavePosition(configuration, LoadPosition(configuration, "1", "", from), to);
-       }},
-      {"NestCalibration",
-       [](Configuration& configuration, std::string_view from, std::string_view to) {
-         SaveNestCalibration(configuration, LoadNestCalibration(configuration, "1", "", from), to);
-       }},
-      {"Z_Calibration",
-       [](Configuration& configuration, std::string_view from, std::string_view to) {
-         SaveZCalibration(configuration, LoadZCalibration(configuration, from), to);
-       }},
+      TableOf("DeviceType", deviceTable),
+      TableOf("CageType", cageTable),
+      TableOf("HeadType", headTable),
+      TableOf("TipType", tipTable),
+      TableOf("NestType", nestTable),
+      TableOf("PlateType", plateTable),
+      TableOf("Calibration_D", calibrationTable),
+      TableOf("Position_D", positionTable),
+      TableOf("NestCalibration", nestCalibrationTable),
+      TableOf("Z_Calibration", heightTable),
   };
 }
 
@@ -163,8 +157,27 @@ TEST(RecordTables, IgnoreFieldsBeyondTheirOwn) {
     ExpectToComeToRest(fixture, table, line);
   }
   fixture.Settings.Load("/a", "[NestCalibration]\nItem1=" + line + "\n");
-  SaveNestCalibration(fixture.Config, LoadNestCalibration(fixture.Config, "1", "", "/a"), "/b");
+  Save(nestCalibrationTable, fixture.Config, Load(nestCalibrationTable, fixture.Config, "1", "/a"), "/b");
   EXPECT_EQ(fixture.Settings.Value("NestCalibration", "Item1", "/b"), "1,1,1,1,1,1,1");
+}
+
+template <class Record>
+Texts NamesOf(ConfigFixture& fixture, const RecordTable<Record>& table) {
+  Texts names;
+  ForEach(table, fixture.Config, [&names](const Record& record) { names.push_back(record.Name); });
+  return names;
+}
+
+TEST(RecordTables, AreWalkedByTheNamedItemsFromOneOn) {
+  ConfigFixture fixture{
+      "[CageType]\nInstalled=2\nItem0=\"zero\"\nItem1=\"c1\"\nItem2=\"c2\"\n"
+      "[HeadType]\nItem1=\"h1\"\nItem2=\"h2\"\nItem4=\"h4\"\n"
+      "[TipType]\nItem1=\"t1\"\nItem2=\"\",CODE\nItem3=\"t3\"\n"
+      "[NestType]\nItem1=\"n1\"\n"};
+  EXPECT_EQ(NamesOf(fixture, cageTable), (Texts{"c1", "c2"}));
+  EXPECT_EQ(NamesOf(fixture, headTable), (Texts{"h1", "h2"}));
+  EXPECT_EQ(NamesOf(fixture, tipTable), Texts{"t1"});
+  EXPECT_EQ(NamesOf(fixture, nestTable), Texts{"n1"});
 }
 
 TEST(Axes, ReachTheLastLineWhateverBytesTheLinesHold) {
@@ -218,12 +231,12 @@ std::string RefreshedAndSaved() {
   ConfigFixture fixture{ordinaryFile};
   RefreshCurrentRecords(fixture.Config);
   const auto& current = fixture.Config.Current;
-  SaveZCalibration(fixture.Config, current.Heights, backup);
-  SaveDeviceType(fixture.Config, current.Device, backup);
-  SaveCageType(fixture.Config, current.Cage, backup);
-  SaveHeadType(fixture.Config, current.Head, backup);
-  SaveTipType(fixture.Config, current.Tip, backup);
-  SaveNestType(fixture.Config, current.Nest, backup);
+  Save(heightTable, fixture.Config, current.Heights, backup);
+  Save(deviceTable, fixture.Config, current.Device, backup);
+  Save(cageTable, fixture.Config, current.Cage, backup);
+  Save(headTable, fixture.Config, current.Head, backup);
+  Save(tipTable, fixture.Config, current.Tip, backup);
+  Save(nestTable, fixture.Config, current.Nest, backup);
   return fixture.Settings.Text(std::string{backup});
 }
 
