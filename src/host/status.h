@@ -26,6 +26,12 @@ class [[nodiscard]] Status {
   constexpr bool Ok() const { return code_ == 0; }
   constexpr std::int32_t Code() const { return code_; }
 
+  // The outcome of the next step, or this failure without taking it.
+  template <class Step>
+  constexpr Status Then(Step step) const {
+    return Ok() ? step() : *this;
+  }
+
  private:
   explicit constexpr Status(std::int32_t code) : code_{code} {}
   std::int32_t code_;

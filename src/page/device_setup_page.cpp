@@ -21,15 +21,14 @@ std::optional<bool> ReadFlag(const SettingsFiles& settings, std::string_view sec
   return text ? StrictBoolean(*text) : std::nullopt;
 }
 
-// The first failure of a sequence of steps, or success.
+// Takes the steps in turn up to the first that fails.
 template <class Range, class Step>
 Status UntilFailure(const Range& range, Step step) {
+  auto status = Status::Success();
   for (const auto& element : range) {
-    if (const Status status = step(element); !status.Ok()) {
-      return status;
-    }
+    status = status.Then([&] { return step(element); });
   }
-  return Status::Success();
+  return status;
 }
 
 }  // namespace
@@ -106,11 +105,10 @@ Status DeviceSetupPage::UserSelects(ListControl list, int index) {
 }
 
 Status DeviceSetupPage::UserSetsCheck(CheckControl box, int value) {
-  if (const Status status = view_.ShowCheck(box, value); !status.Ok()) {
-    return status;
-  }
-  model_.Of(box).Value = value;
-  return OnCheckClicked(box);
+  return view_.ShowCheck(box, value).Then([&] {
+    model_.Of(box).Value = value;
+    return OnCheckClicked(box);
+  });
 }
 
 void DeviceSetupPage::PressButton(int index) {
@@ -159,14 +157,13 @@ Status DeviceSetupPage::SelectEntry(ListControl list, int index) {
   if (index < 0 || static_cast<std::size_t>(index) >= model.Entries.size()) {
     return Status::Failure();
   }
-  if (const Status status = view_.ShowSelection(list, index); !status.Ok()) {
-    return status;
-  }
-  model.Selected = index;
-  return OnListSelected(list);
+  return view_.ShowSelection(list, index).Then([&] {
+    model.Selected = index;
+    return OnListSelected(list);
+  });
 }
 
-// A box answers a change and not a value: set to what it shows already, its handler does not run.
+// The handler runs only if the value changes.
 Status DeviceSetupPage::SetCheck(CheckControl box, int value) {
   const bool isChange = model_.Of(box).Value != value;
   return isChange ? UserSetsCheck(box, value) : view_.ShowCheck(box, value);
@@ -188,33 +185,29 @@ bool DeviceSetupPage::IsPermitted(int button) const {
 }
 
 Status DeviceSetupPage::EnableButton(int index, bool enabled) {
-  const Status status = view_.ShowButtonEnabled(index, enabled);
-  if (status.Ok()) {
+  return view_.ShowButtonEnabled(index, enabled).Then([&] {
     model_.ButtonsEnabled[static_cast<std::size_t>(index)] = enabled;
-  }
-  return status;
+    return Status::Success();
+  });
 }
 
 Status DeviceSetupPage::EnableCheck(CheckControl box, bool enabled) {
-  const Status status = view_.ShowCheckEnabled(box, enabled);
-  if (status.Ok()) {
+  return view_.ShowCheckEnabled(box, enabled).Then([&] {
     model_.Of(box).Enabled = enabled;
-  }
-  return status;
+    return Status::Success();
+  });
 }
 
-Status DeviceSetupPage::SetControlEnabled(ListControl list, HostBoolean enabled) {
-  const auto colour = enabled == hostTrue ? windowBackground : buttonFace;
-  if (const Status status = view_.ShowListColour(list, colour); !status.Ok()) {
-    return status;
-  }
-  model_.Of(list).BackColour = colour;
-  const bool isEnabled = enabled != hostFalse;
-  const Status status = view_.ShowListEnabled(list, isEnabled);
-  if (status.Ok()) {
-    model_.Of(list).Enabled = isEnabled;
-  }
-  return status;
+Status DeviceSetupPage::SetControlEnabled(ListControl list, bool enabled) {
+  const auto colour = enabled ? windowBackground : buttonFace;
+  const auto showEnabled = [&] {
+    model_.Of(list).BackColour = colour;
+    return view_.ShowListEnabled(list, enabled);
+  };
+  return view_.ShowListColour(list, colour).Then(showEnabled).Then([&] {
+    model_.Of(list).Enabled = enabled;
+    return Status::Success();
+  });
 }
 
 Status DeviceSetupPage::EnableControls(bool enabled) {
@@ -225,32 +218,25 @@ Status DeviceSetupPage::EnableControls(bool enabled) {
                              ListControl::NestType, ListControl::TipType};
   const auto enableButton = [&](int index) { return EnableButton(index, enabled && IsPermitted(index)); };
   const auto enableBox = [&](CheckControl box) { return EnableCheck(box, enabled); };
-  const auto enableList = [&](ListControl list) {
-    return SetControlEnabled(list, enabled ? hostTrue : hostFalse);
-  };
-
-  Status status = UntilFailure(buttons, enableButton);
-  if (status.Ok()) {
-    status = UntilFailure(boxes, enableBox);
-  }
-  return status.Ok() ? UntilFailure(lists, enableList) : status;
+  const auto enableList = [&](ListControl list) { return SetControlEnabled(list, enabled); };
+  return UntilFailure(buttons, enableButton).Then([&] { return UntilFailure(boxes, enableBox); }).Then([&] {
+    return UntilFailure(lists, enableList);
+  });
 }
 
 Status DeviceSetupPage::ShowPumpModule(bool connected) {
   const auto text = connected ? pumpConnectedText : pumpNotConnectedText;
-  const Status status = view_.ShowPumpText(text);
-  if (status.Ok()) {
+  return view_.ShowPumpText(text).Then([&] {
     model_.PumpText = text;
-  }
-  return status;
+    return Status::Success();
+  });
 }
 
 std::int16_t DeviceSetupPage::ShowMessage(const std::string& message, std::int16_t style,
                                           const std::string& title) {
   // The host's answers may release the page's host object while the message is open; this reference keeps it.
   const auto host = host_.ObjectParent;
-  const std::int16_t extraStyle = 0;
-  return zolvane::ShowMessage(environment_, host.get(), message, style, title, host.get(), extraStyle);
+  return zolvane::ShowMessage(environment_, host.get(), message, style, title);
 }
 
 }  // namespace zolvane

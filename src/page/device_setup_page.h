@@ -19,11 +19,6 @@
 
 namespace zolvane {
 
-// A boolean as hosts pass it: exactly true is -1, any other value is itself.
-using HostBoolean = std::int16_t;
-inline constexpr HostBoolean hostTrue = -1;
-inline constexpr HostBoolean hostFalse = 0;
-
 class DeviceSetupPage final : public PagePort {
  public:
   // All of these outlive the page. `host` is filled and emptied by the hosting contract.
@@ -54,9 +49,9 @@ class DeviceSetupPage final : public PagePort {
   Status ShowPumpModule(bool connected) override;
   std::int16_t ShowMessage(const std::string& message, std::int16_t style, const std::string& title) override;
 
-  // Sets a list's colour and then its enabled state: the window colour when `enabled` is exactly true,
-  // otherwise the button-face colour. Any value but 0 enables.
-  Status SetControlEnabled(ListControl list, HostBoolean enabled);
+  // Sets a list's colour and then its enabled state: the window colour if it is enabled,
+  // otherwise the button-face colour.
+  Status SetControlEnabled(ListControl list, bool enabled);
 
   // Tells the host window that nothing is pending: every edit is stored at once, so "Changed" is set to
   // false. Does nothing without a window and while the page is loading.

@@ -12,8 +12,8 @@ void Log(HostObject* host, const std::string& line) {
   }
 }
 
-// Polls without pause, with the message loop running in between, so that the host stays responsive. A result that
-// cannot be read ends the wait; a dialogue that the host did not give has none.
+// Polls without pause, with the message loop running in between, so that the host stays responsive. A result
+// that cannot be read ends the wait; a dialogue that the host did not give has none.
 std::int16_t WaitForResult(HostProcess& process, HostDialog* dialogue) {
   const auto read = [dialogue] { return dialogue != nullptr ? dialogue->Result() : std::nullopt; };
   std::int16_t answer = 0;
@@ -51,14 +51,13 @@ std::int16_t ShowInMessageBox(SystemDialogues& dialogues, const std::string& mes
 
 }  // namespace
 
-std::int16_t ShowMessage(Environment& environment, HostObject* log, const std::string& message,
-                         std::int16_t style, const std::string& title, HostObject* dialogueHost,
-                         const std::int16_t& extraStyle) {
-  Log(log, title + " [" + Replaced(message, lineBreak, ", ") + "]");
-  const bool hasDialogue = dialogueHost != nullptr && MetOnlyIf(dialogueHost->HostDialogAvailable());
-  const auto answer = hasDialogue ? ShowInHostDialogue(environment, *dialogueHost, message, style, title)
-                                  : ShowInMessageBox(environment, message, style + extraStyle, title);
-  Log(log, "button selected : " + WholeText(answer));
+std::int16_t ShowMessage(Environment& environment, HostObject* host, const std::string& message,
+                         std::int16_t style, const std::string& title) {
+  Log(host, title + " [" + Replaced(message, lineBreak, ", ") + "]");
+  const bool hasDialogue = host != nullptr && MetOnlyIf(host->HostDialogAvailable());
+  const auto answer = hasDialogue ? ShowInHostDialogue(environment, *host, message, style, title)
+                                  : ShowInMessageBox(environment, message, style, title);
+  Log(host, "button selected : " + WholeText(answer));
   return answer;
 }
 

@@ -32,6 +32,21 @@ TEST(AssignIf, StoresAValueThatIsThere) {
   EXPECT_EQ(target, "");
 }
 
+TEST(Status, GoesOnToTheNextStepAfterASuccess) {
+  EXPECT_TRUE(Status::Success().Then([] { return Status::Success(); }).Ok());
+  EXPECT_EQ(Status::Success().Then([] { return Status::Failure(5); }).Code(), 5);
+}
+
+TEST(Status, KeepsItsFailureAndTakesNoFurtherStep) {
+  bool isTaken = false;
+  const auto step = [&isTaken] {
+    isTaken = true;
+    return Status::Success();
+  };
+  EXPECT_EQ(Status::Failure(5).Then(step).Code(), 5);
+  EXPECT_FALSE(isTaken);
+}
+
 TEST(AssignIf, KeepsTheTargetWithoutAValue) {
   std::int32_t target = 7;
   AssignIf(target, std::optional<std::int32_t>{});
