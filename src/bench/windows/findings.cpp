@@ -2,8 +2,9 @@
 
 #include <array>
 
-#include "config/tables/device_tables.h"
-#include "config/tables/head_and_tip_tables.h"
+#include "config/tables/devices.h"
+#include "config/tables/heads.h"
+#include "config/tables/modules.h"
 #include "operations/instrument_command.h"
 #include "page/page_controls.h"
 #include "text/joined.h"
@@ -12,10 +13,9 @@
 namespace zolvane {
 namespace {
 
-template <auto Load>
+template <const auto& table>
 std::string InstalledName(const Configuration& configuration, const std::string& file) {
-  std::string item;
-  return Load(configuration, item, file).Name;
+  return LoadInstalled(table, configuration, file).Name;
 }
 
 struct QuestionRow {
@@ -26,9 +26,9 @@ struct QuestionRow {
 
 // Not what the page's lists show: a query leaves the list of devices on the entry that it was on.
 constexpr std::array<QuestionRow, 3> questionRows{{
-    {"STATUS_STAGE", RowOf(ListControl::DeviceType).Label, InstalledName<LoadDeviceType>},
-    {"STATUS_MECH", RowOf(ListControl::CageType).Label, InstalledName<LoadCageType>},
-    {"RFID READ_PERSISTENT", RowOf(ListControl::HeadType).Label, InstalledName<LoadHeadType>},
+    {"STATUS_STAGE", RowOf(ListControl::DeviceType).Label, InstalledName<deviceTable>},
+    {"STATUS_MECH", RowOf(ListControl::CageType).Label, InstalledName<cageTable>},
+    {"RFID READ_PERSISTENT", RowOf(ListControl::HeadType).Label, InstalledName<headTable>},
 }};
 constexpr std::string_view pumpCommand = "STATUS PUMPS";
 
