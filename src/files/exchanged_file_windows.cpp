@@ -1,16 +1,14 @@
 // Each change is written as a complete new file beside the visible one, made durable, and moved into its
-// place in one step: ReplaceFile would keep the access list by itself, but takes two steps, and a crash between
-// them leaves no file under the name. So the new file is given what the old one has.
+// place in one step: ReplaceFile would keep the access list by itself, but takes two steps, and a crash
+// between them leaves no file under the name. So the new file gets what the old one has.
 //
-// The system does not let a file be replaced that somebody has open, nor one be opened for reading under a
-// promise that nobody writes while somebody does. The first guards the file until the step is done, the second
-// tells who writes. Only a program that opens the file, writes and closes it again between the last look and the
-// step is not noticed; the system offers no exchange that would show it.
+// The system refuses to replace a file that a program has open, and refuses to open one for reading without
+// sharing writes while a program writes. The first guards the file until the step is done; the second shows
+// that somebody writes. Only a program that opens the file, writes and closes it between the last look and
+// the step goes unnoticed; no exchange that the system offers would show it.
 //
-// Writers of this kind exclude each other by an empty file that only one of them can have open, and that goes
-// away with its handle, also when the program is killed.
-#include <windows.h>
-
+// Writers of this kind exclude each other by an empty file that only one of them can have open. It goes away
+// with its handle, even if the program is killed.
 #include <algorithm>
 #include <cstddef>
 #include <filesystem>
@@ -18,36 +16,15 @@
 #include <vector>
 
 #include "files/exchanged_file.h"
+#include "win32/file.h"
+#include "win32/text.h"
 
 namespace zolvane {
 namespace {
 
-class FileHandle {
- public:
-  explicit FileHandle(HANDLE handle) : handle_{handle} {}
-  FileHandle(const FileHandle&) = delete;
-  FileHandle& operator=(const FileHandle&) = delete;
-  FileHandle(FileHandle&& other) noexcept : handle_{std::exchange(other.handle_, INVALID_HANDLE_VALUE)} {}
-  FileHandle& operator=(FileHandle&& other) noexcept {
-    std::swap(handle_, other.handle_);
-    return *this;
-  }
-  ~FileHandle() { Close(); }
-
-  HANDLE Get() const { return handle_; }
-  bool IsOpen() const { return handle_ != INVALID_HANDLE_VALUE; }
-  void Close() {
-    if (IsOpen()) {
-      ::CloseHandle(std::exchange(handle_, INVALID_HANDLE_VALUE));
-    }
-  }
-
- private:
-  HANDLE handle_;
-};
-
-// What the system tells of a path without opening the file, which costs next to nothing. Two different ones are two
-// states; two equal ones may still be two files, if somebody took care to give them the same times.
+// What the system says about a path without opening the file, which costs next to nothing. If two of
+// these differ, so do the states of the file. Two equal ones may still be two files, if someone gave them
+// the same times.
 struct FileLook {
   bool Exists = false;
   bool IsFolder = false;
@@ -58,7 +35,7 @@ struct FileLook {
   friend bool operator==(const FileLook&, const FileLook&) = default;
 };
 
-// What the system tells of an open file. Two equal ones are the same state of the same file.
+// What the system says about an open file. Two equal ones are the same state of the same file.
 struct FileState {
   FileLook Look;
   DWORD Volume = 0;
@@ -67,17 +44,8 @@ struct FileState {
   friend bool operator==(const FileState&, const FileState&) = default;
 };
 
-// No user's file is a hidden file of the system.
+// No user's file is both hidden and the system's.
 constexpr DWORD ourMark = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM;
-
-constexpr DWORD sharedWithAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-
-std::wstring WidePath(const std::string& path) {
-  const int size = ::MultiByteToWideChar(CP_UTF8, 0, path.data(), static_cast<int>(path.size()), nullptr, 0);
-  std::wstring wide(static_cast<std::size_t>(size), L'\0');
-  ::MultiByteToWideChar(CP_UTF8, 0, path.data(), static_cast<int>(path.size()), wide.data(), size);
-  return wide;
-}
 
 constexpr std::uint64_t Number64(DWORD high, DWORD low) {
   return (static_cast<std::uint64_t>(high) << 32) | low;
@@ -87,7 +55,7 @@ constexpr std::uint64_t Number64(const FILETIME& time) {
   return Number64(time.dwHighDateTime, time.dwLowDateTime);
 }
 
-// The two descriptions of a file that the system has call these parts the same.
+// The system's two descriptions of a file have the same names for these parts.
 template <class Description>
 FileLook LookOf(const Description& file) {
   return {.Exists = true,
@@ -97,15 +65,15 @@ FileLook LookOf(const Description& file) {
           .Modified = Number64(file.ftLastWriteTime)};
 }
 
-// A link is told of by itself and not by its file, so that it never looks like what was read through it.
+// Describes a link itself, not its target, so that it never looks like what was read through it.
 FileLook LookAt(const std::wstring& path) {
   WIN32_FILE_ATTRIBUTE_DATA file{};
   return ::GetFileAttributesExW(path.c_str(), GetFileExInfoStandard, &file) != 0 ? LookOf(file) : FileLook{};
 }
 
-FileState StateOf(const FileHandle& file) {
+FileState StateOf(const UniqueKernelHandle& file) {
   BY_HANDLE_FILE_INFORMATION information{};
-  if (!file.IsOpen() || ::GetFileInformationByHandle(file.Get(), &information) == 0) {
+  if (!file || ::GetFileInformationByHandle(file.Get(), &information) == 0) {
     return {};
   }
   return {.Look = LookOf(information),
@@ -114,12 +82,12 @@ FileState StateOf(const FileHandle& file) {
 }
 
 FileState StateOfPath(const std::wstring& path) {
-  const FileHandle file{::CreateFileW(path.c_str(), FILE_READ_ATTRIBUTES, sharedWithAll, nullptr,
-                                      OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr)};
+  const auto file =
+      OpenedFile(path, FILE_READ_ATTRIBUTES, sharedWithAll, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS);
   return StateOf(file);
 }
 
-// A change so recent that another one could follow under the same time stamp cannot be told from it.
+// Another change right after a recent one could have the same time stamp.
 bool IsOldEnough(const FileLook& look) {
   FILETIME now{};
   ::GetSystemTimeAsFileTime(&now);
@@ -167,11 +135,10 @@ bool IsMarkedAsOurs(const std::wstring& path) {
   return attributes != INVALID_FILE_ATTRIBUTES && (attributes & ourMark) == ourMark;
 }
 
-// The system refuses a reader who wants nobody to write when somebody does.
+// The system refuses a reader that does not share writing while a program writes.
 bool IsOpenForWriting(const std::wstring& path) {
-  const FileHandle file{::CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_DELETE,
-                                      nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr)};
-  return !file.IsOpen() && ::GetLastError() == ERROR_SHARING_VIOLATION;
+  const auto file = OpenedFile(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_DELETE, OPEN_EXISTING);
+  return !file && ::GetLastError() == ERROR_SHARING_VIOLATION;
 }
 
 // Who may do what with the file, as the system describes it.
@@ -184,52 +151,53 @@ std::optional<std::vector<std::byte>> AccessListOf(const std::wstring& path) {
   return isRead ? std::optional{std::move(list)} : std::nullopt;
 }
 
-// Mostly both have theirs from the folder. A file system without such lists does not let them be set.
+// Usually both inherit theirs from the folder. A file system without such lists does not let them be set.
 bool GiveAccessList(const std::wstring& from, const std::wstring& to) {
   auto list = AccessListOf(from);
   return list && (AccessListOf(to) == list ||
                   ::SetFileSecurityW(to.c_str(), DACL_SECURITY_INFORMATION, list->data()) != 0);
 }
 
-// Held from its making until its end, by one writer at a time.
+// Held by one writer at a time, from its construction until its end.
 class WriterLock {
  public:
   explicit WriterLock(const std::wstring& path)
       : file_{Open(path, CREATE_NEW, ourMark | FILE_FLAG_DELETE_ON_CLOSE)} {
-    if (file_.IsOpen()) {
+    if (file_) {
       return;
     }
     const DWORD error = ::GetLastError();
-    // A file that is just being removed is refused like one in a folder that lets nothing be made.
+    // A file that is just being removed is refused in the same way as one in a folder where nothing
+    // may be made.
     isThere_ = error == ERROR_FILE_EXISTS || (error == ERROR_ACCESS_DENIED &&
                                               ::GetFileAttributesW(path.c_str()) == INVALID_FILE_ATTRIBUTES &&
                                               !IsMissing(::GetLastError()));
     if (isThere_) {
-      // Left behind by a power cut, or somebody's own: then it serves as it is, and stays.
-      file_ = FileHandle{Open(path, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL)};
+      // Left behind by a power cut, or a user's own: it then serves as it is, and stays.
+      file_ = Open(path, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL);
     }
   }
 
-  bool IsHeld() const { return file_.IsOpen(); }
+  bool IsHeld() const { return static_cast<bool>(file_); }
 
   bool IsHeldElsewhere() const { return isThere_; }
 
  private:
-  static HANDLE Open(const std::wstring& path, DWORD disposition, DWORD flags) {
-    return ::CreateFileW(path.c_str(), GENERIC_READ | DELETE, 0, nullptr, disposition, flags, nullptr);
+  static UniqueKernelHandle Open(const std::wstring& path, DWORD disposition, DWORD flags) {
+    return OpenedFile(path, GENERIC_READ | DELETE, 0, disposition, flags);
   }
 
-  FileHandle file_;
+  UniqueKernelHandle file_;
   bool isThere_ = false;
 };
 
 class WindowsExchangedFile final : public ExchangedFile {
  public:
   WindowsExchangedFile(const std::string& path, const ExchangedFileOptions& options)
-      : path_{WidePath(path)}, options_{options} {}
+      : path_{Wide(path)}, options_{options} {}
 
-  // Asked with every reading, hundreds of times while a page loads; opening the file each time takes longer than
-  // all else. Before a write the file itself is compared.
+  // Asked before every read, hundreds of times while a page loads; opening the file each time would take
+  // longer than everything else. Before a write the file itself is compared.
   bool IsCurrent() override { return isSettled_ && LookAt(path_) == known_.Look; }
   FileContent Read() override;
   WriteOutcome Write(std::string_view text, const Splice& change) override;
@@ -259,9 +227,8 @@ FileContent WindowsExchangedFile::Read() {
   if (path_.find(L'\0') != std::wstring::npos) {
     return {};
   }
-  const FileHandle file{::CreateFileW(path_.c_str(), GENERIC_READ, sharedWithAll, nullptr, OPEN_EXISTING,
-                                      FILE_ATTRIBUTE_NORMAL, nullptr)};
-  if (!file.IsOpen()) {
+  const auto file = OpenedFile(path_, GENERIC_READ, sharedWithAll, OPEN_EXISTING);
+  if (!file) {
     const DWORD error = ::GetLastError();
     isSettled_ = IsMissing(error);
     return {.Is = isSettled_ ? FileContent::State::Missing : FileContent::State::Unreadable,
@@ -321,27 +288,25 @@ WriteOutcome WindowsExchangedFile::Exchange(std::string_view text, const Spliced
   return outcome;
 }
 
-// The file that looks as it did when it was read also has the bytes that it had then, if that is long ago.
+// A settled file that still looks the same also holds the same bytes.
 bool WindowsExchangedFile::Holds(std::string_view text) const {
   if (isSettled_ || !known_.Look.Exists) {
     return true;
   }
-  const FileHandle file{::CreateFileW(path_.c_str(), GENERIC_READ, sharedWithAll, nullptr, OPEN_EXISTING,
-                                      FILE_ATTRIBUTE_NORMAL, nullptr)};
-  return file.IsOpen() && ReadAll(file.Get()) == text;
+  const auto file = OpenedFile(path_, GENERIC_READ, sharedWithAll, OPEN_EXISTING);
+  return file && ReadAll(file.Get()) == text;
 }
 
 Status WindowsExchangedFile::Flush() {
   if (isDurable_) {
     return Status::Success();
   }
-  const FileHandle file{::CreateFileW(path_.c_str(), GENERIC_WRITE, sharedWithAll, nullptr, OPEN_EXISTING,
-                                      FILE_ATTRIBUTE_NORMAL, nullptr)};
-  isDurable_ = file.IsOpen() && ::FlushFileBuffers(file.Get()) != 0;
+  const auto file = OpenedFile(path_, GENERIC_WRITE, sharedWithAll, OPEN_EXISTING);
+  isDurable_ = file && ::FlushFileBuffers(file.Get()) != 0;
   return isDurable_ ? Status::Success() : Status::Failure();
 }
 
-// The first free name. What a killed program of this kind has left under one is removed.
+// The first free name. What a killed program of this kind has left under one of them is removed.
 bool WindowsExchangedFile::ChooseNewPath() {
   constexpr int mostNames = 100;
   for (int number = 1; number <= mostNames; ++number) {
@@ -357,28 +322,25 @@ bool WindowsExchangedFile::ChooseNewPath() {
   return false;
 }
 
-// As a copy, with the named streams and attributes that the file has; its bytes are then written anew.
+// As a copy, with the file's named streams and attributes; its bytes are then written anew.
 bool WindowsExchangedFile::MakeNewFile() const {
   constexpr BOOL failsIfThere = TRUE;
   const bool isMade = known_.Look.Exists
                           ? ::CopyFileW(path_.c_str(), newPath_.c_str(), failsIfThere) != 0
-                          : FileHandle{::CreateFileW(newPath_.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW,
-                                                     FILE_ATTRIBUTE_NORMAL, nullptr)}
-                                .IsOpen();
+                          : static_cast<bool>(OpenedFile(newPath_, GENERIC_WRITE, 0, CREATE_NEW));
   return isMade && ::SetFileAttributesW(newPath_.c_str(), ourMark) != 0;
 }
 
 bool WindowsExchangedFile::WriteNewFile(const SplicedText& next) const {
-  const FileHandle file{::CreateFileW(newPath_.c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
-                                      FILE_ATTRIBUTE_NORMAL, nullptr)};
-  const bool isWritten = file.IsOpen() && next.VisitRange({0, next.Size()}, [&file](std::size_t, auto bytes) {
+  const auto file = OpenedFile(newPath_, GENERIC_WRITE, 0, OPEN_EXISTING);
+  const bool isWritten = file && next.VisitRange({0, next.Size()}, [&file](std::size_t, auto bytes) {
     return WriteAll(file.Get(), bytes);
   });
   return isWritten && ::SetEndOfFile(file.Get()) != 0 &&
          (options_.Survives == Durability::OnFlush || ::FlushFileBuffers(file.Get()) != 0);
 }
 
-// The new file was marked until now; in its place it gets the attributes of the file that it replaces.
+// The new file was marked until now; it gets the attributes of the file that it replaces.
 bool WindowsExchangedFile::GiveProperties() const {
   const DWORD attributes =
       known_.Look.Exists ? ::GetFileAttributesW(path_.c_str()) : DWORD{FILE_ATTRIBUTE_NORMAL};
@@ -427,7 +389,7 @@ std::unique_ptr<ExchangedFile> OpenExchangedFile(const std::string& path,
 }
 
 std::optional<std::string> ReasonFileIsInaccessible(const std::string& path, FileUse use) {
-  const std::wstring widePath = WidePath(path);
+  const std::wstring widePath = Wide(path);
   const FileLook look = StateOfPath(widePath).Look;
   if (!look.Exists) {
     return ReasonAgainstMaking(widePath, use);
@@ -439,9 +401,7 @@ std::optional<std::string> ReasonFileIsInaccessible(const std::string& path, Fil
     return "is too large for a settings file";
   }
   const auto opens = [&widePath](DWORD access) {
-    return FileHandle{::CreateFileW(widePath.c_str(), access, sharedWithAll, nullptr, OPEN_EXISTING,
-                                    FILE_ATTRIBUTE_NORMAL, nullptr)}
-        .IsOpen();
+    return static_cast<bool>(OpenedFile(widePath, access, sharedWithAll, OPEN_EXISTING));
   };
   if (!opens(GENERIC_READ)) {
     return "cannot be read";

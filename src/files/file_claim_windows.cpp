@@ -1,13 +1,13 @@
-#include <windows.h>
-
 #include <array>
 #include <system_error>
+#include <utility>
 
 #include "files/file_claim.h"
 #include "files/paths.h"
 #include "text/joined.h"
 #include "text/printable.h"
 #include "text/usage_error.h"
+#include "win32/file.h"
 
 namespace zolvane {
 namespace {
@@ -15,26 +15,20 @@ namespace {
 // The system removes the mark with the handle, however the process ends.
 class WindowsFileClaim final : public FileClaim {
  public:
-  explicit WindowsFileClaim(HANDLE file) : file_{file} {}
-  WindowsFileClaim(const WindowsFileClaim&) = delete;
-  WindowsFileClaim& operator=(const WindowsFileClaim&) = delete;
-  ~WindowsFileClaim() override { ::CloseHandle(file_); }
+  explicit WindowsFileClaim(UniqueKernelHandle file) : file_{std::move(file)} {}
 
  private:
-  HANDLE file_;
+  UniqueKernelHandle file_;
 };
 
 std::string NumberIn(const std::filesystem::path& mark) {
-  constexpr DWORD shareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-  const HANDLE file = ::CreateFileW(mark.c_str(), GENERIC_READ, shareAll, nullptr, OPEN_EXISTING,
-                                    FILE_ATTRIBUTE_NORMAL, nullptr);
-  if (file == INVALID_HANDLE_VALUE) {
+  const auto file = OpenedFile(mark.native(), GENERIC_READ, sharedWithAll, OPEN_EXISTING);
+  if (!file) {
     return "";
   }
   std::array<char, 32> bytes{};
   DWORD count = 0;
-  ::ReadFile(file, bytes.data(), bytes.size(), &count, nullptr);
-  ::CloseHandle(file);
+  ::ReadFile(file.Get(), bytes.data(), bytes.size(), &count, nullptr);
   const std::string number{bytes.data(), count};
   return IsProcessNumber(number) ? number : "";
 }
@@ -42,13 +36,13 @@ std::string NumberIn(const std::filesystem::path& mark) {
 }  // namespace
 
 std::unique_ptr<FileClaim> TryClaim(const std::filesystem::path& mark, std::string& holder) {
-  const HANDLE file = ::CreateFileW(mark.c_str(), GENERIC_WRITE | DELETE, FILE_SHARE_READ, nullptr,
-                                    CREATE_NEW, FILE_ATTRIBUTE_HIDDEN | FILE_FLAG_DELETE_ON_CLOSE, nullptr);
-  if (file != INVALID_HANDLE_VALUE) {
+  auto file = OpenedFile(mark.native(), GENERIC_WRITE | DELETE, FILE_SHARE_READ, CREATE_NEW,
+                         FILE_ATTRIBUTE_HIDDEN | FILE_FLAG_DELETE_ON_CLOSE);
+  if (file) {
     const auto number = std::to_string(::GetCurrentProcessId());
     DWORD written = 0;
-    ::WriteFile(file, number.data(), static_cast<DWORD>(number.size()), &written, nullptr);
-    return std::make_unique<WindowsFileClaim>(file);
+    ::WriteFile(file.Get(), number.data(), static_cast<DWORD>(number.size()), &written, nullptr);
+    return std::make_unique<WindowsFileClaim>(std::move(file));
   }
   const DWORD reason = ::GetLastError();
   if (reason == ERROR_FILE_EXISTS || reason == ERROR_SHARING_VIOLATION || reason == ERROR_ACCESS_DENIED) {

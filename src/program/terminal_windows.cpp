@@ -1,14 +1,15 @@
+#include "program/terminal.h"
+
 #include <fcntl.h>
 #include <io.h>
-#include <windows.h>
-// After <windows.h>, on which it builds.
-#include <shellapi.h>
 
 #include <array>
 #include <atomic>
 #include <cstdio>
 
-#include "program/terminal.h"
+#include "win32/text.h"
+// After the header of the system that it builds on.
+#include <shellapi.h>
 
 namespace zolvane {
 namespace {
@@ -34,14 +35,6 @@ bool IsConsole(DWORD stream) {
   return ::GetConsoleMode(::GetStdHandle(stream), &mode) != 0;
 }
 
-std::string Utf8FromWide(std::wstring_view wide) {
-  const auto length = static_cast<int>(wide.size());
-  const int size = ::WideCharToMultiByte(CP_UTF8, 0, wide.data(), length, nullptr, 0, nullptr, nullptr);
-  std::string text(static_cast<std::size_t>(size), '\0');
-  ::WideCharToMultiByte(CP_UTF8, 0, wide.data(), length, text.data(), size, nullptr, nullptr);
-  return text;
-}
-
 class ConsoleTerminal final : public Questioner {
  public:
   std::optional<std::string> Ask(std::string_view text) override {
@@ -57,7 +50,7 @@ class ConsoleTerminal final : public Questioner {
     while (typed.ends_with(L'\n') || typed.ends_with(L'\r')) {
       typed.remove_suffix(1);
     }
-    return Utf8FromWide(typed);
+    return Utf8(typed);
   }
 };
 
@@ -68,7 +61,7 @@ std::vector<std::string> ProgramArguments(int, char**) {
   wchar_t** const arguments = ::CommandLineToArgvW(::GetCommandLineW(), &count);
   std::vector<std::string> texts;
   for (int index = 1; arguments != nullptr && index < count; ++index) {
-    texts.push_back(Utf8FromWide(arguments[index]));
+    texts.push_back(Utf8(arguments[index]));
   }
   ::LocalFree(arguments);
   return texts;

@@ -1,4 +1,4 @@
-// Things of the system that must be given back, each by its own function.
+// Resources of the system, each given back by its own function.
 #pragma once
 
 #include <utility>
@@ -49,6 +49,6 @@ using UniqueBstr = UniqueHandle<BSTR, SysFreeString>;
 using UniqueSafeArray = UniqueHandle<SAFEARRAY*, SafeArrayDestroy>;
 using UniqueFont = UniqueHandle<HFONT, DeleteObject>;
 using UniqueRegistryKey = UniqueHandle<HKEY, RegCloseKey>;
-using UniqueFile = UniqueHandle<HANDLE, CloseHandle>;
+using UniqueKernelHandle = UniqueHandle<HANDLE, CloseHandle>;
 
 }  // namespace zolvane

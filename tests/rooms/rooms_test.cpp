@@ -44,13 +44,22 @@ bool MayIncludeSystemHeader(std::string_view path, const Room& room, std::string
                                            (path.ends_with("_posix.cpp") && IsPosixHeader(name)));
 }
 
+// A system room has the rooms for Windows that it names in its sources for Windows alone.
+bool MayUseFrom(std::string_view path, const std::vector<Room>& rooms, const Room& room, const Room& used) {
+  if (room.RestsOn == Basis::Windows || used.RestsOn != Basis::Windows) {
+    return MayUse(rooms, room, used);
+  }
+  return room.RestsOn == Basis::System && path.ends_with("_windows.cpp") &&
+         std::ranges::find(room.Uses, used.Folder) != room.Uses.end();
+}
+
 bool MayInclude(const std::vector<Room>& rooms, std::string_view path, const Room& room,
                 const Include& include) {
   if (include.IsSystem) {
     return MayIncludeSystemHeader(path, room, include.Name);
   }
   const auto* const used = RoomOf(rooms, include.Name);
-  return used != nullptr && MayUse(rooms, room, *used);
+  return used != nullptr && MayUseFrom(path, rooms, room, *used);
 }
 
 // What a source below src/ does against the rules.
@@ -187,7 +196,8 @@ const std::vector<Room>& MadeUpRooms() {
       "low        | standard |            | what all use\n"
       "middle     | standard | low        | what some use\n"
       "machine    | windows  | low        | the system\n"
-      "tool       | system   | middle     | with libraries\n"
+      "tool       | system   | middle machine | with libraries\n"
+      "bench      | system   | tool       | with a tool\n"
       "tool/inner | windows  | tool machine | both\n");
   return rooms;
 }
@@ -205,6 +215,16 @@ TEST(RoomRules, RefuseWhatARoomDoesNotName) {
   EXPECT_EQ(Violations("low/a.h", "# include \"middle/b.h\""), Texts{"low/a.h includes middle/b.h"});
   EXPECT_EQ(Violations("machine/a.h", "#include \"middle/b.h\"").size(), 1U);
   EXPECT_EQ(Violations("tool/a.h", "#include \"tool/inner/b.h\"").size(), 1U);
+}
+
+TEST(RoomRules, AllowARoomForWindowsToTheFilesForWindowsOfASystemRoomThatNamesIt) {
+  const auto* const source = "#include \"machine/b.h\"";
+  EXPECT_EQ(Violations("tool/a_windows.cpp", source), Texts{});
+  EXPECT_EQ(Violations("tool/a.cpp", source).size(), 1U);
+  EXPECT_EQ(Violations("tool/a.h", source).size(), 1U);
+  EXPECT_EQ(Violations("tool/a_posix.cpp", source).size(), 1U);
+  EXPECT_EQ(Violations("bench/a_windows.cpp", source).size(), 1U) << "its tool names it, and it does not";
+  EXPECT_EQ(Violations("middle/a_windows.cpp", source).size(), 1U);
 }
 
 TEST(RoomRules, RefusePathsThatDoNotStartAtTheSources) {

@@ -12,10 +12,10 @@ namespace {
 
 constexpr DWORD processPatience = 60000;
 
-UniqueFile InheritedFile(const std::filesystem::path& path) {
+UniqueKernelHandle InheritedFile(const std::filesystem::path& path) {
   SECURITY_ATTRIBUTES inherited{sizeof(inherited), nullptr, TRUE};
-  return UniqueFile{CreateFileW(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, &inherited,
-                                CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr)};
+  return UniqueKernelHandle{CreateFileW(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                        &inherited, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr)};
 }
 
 // No argument of these tests holds a quote or ends in a backslash.
@@ -38,8 +38,8 @@ std::filesystem::path FileForStream(const char* name) {
 ChildProcess::ChildProcess(const std::filesystem::path& program, const std::vector<std::string>& arguments,
                            StartedFrom from)
     : output_{FileForStream(".out")}, errors_{FileForStream(".err")} {
-  const UniqueFile output = InheritedFile(output_);
-  const UniqueFile errors = InheritedFile(errors_);
+  const UniqueKernelHandle output = InheritedFile(output_);
+  const UniqueKernelHandle errors = InheritedFile(errors_);
   STARTUPINFOW start{};
   start.cb = sizeof(start);
   start.dwFlags = STARTF_USESTDHANDLES;

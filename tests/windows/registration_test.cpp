@@ -94,8 +94,8 @@ DWORD RunRegsvr32(const std::wstring& options) {
       FALSE) {
     return MAXDWORD;
   }
-  const UniqueFile process{started.hProcess};
-  const UniqueFile thread{started.hThread};
+  const UniqueKernelHandle process{started.hProcess};
+  const UniqueKernelHandle thread{started.hThread};
   WaitForSingleObject(process.Get(), INFINITE);
   DWORD status = MAXDWORD;
   GetExitCodeProcess(process.Get(), &status);

@@ -36,7 +36,7 @@ class WaitingLink final : public BenchLink {
 
   std::shared_ptr<BenchLink> inner_;
   Events events_;
-  UniqueHandle<HANDLE, CloseHandle> done_;
+  UniqueKernelHandle done_;
   asio::thread_pool sender_{1};
 };
 

@@ -2,8 +2,8 @@
 
 #include <ostream>
 
+#include "win32/file.h"
 #include "win32/text.h"
-#include "win32/unique_handle.h"
 
 namespace zolvane {
 namespace {
@@ -29,9 +29,8 @@ class ParentsConsole {
     if (!isAttached_) {
       return false;
     }
-    const UniqueFile screen{CreateFileW(L"CONOUT$", GENERIC_READ | GENERIC_WRITE,
-                                        FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0,
-                                        nullptr)};
+    const auto screen = OpenedFile(L"CONOUT$", GENERIC_READ | GENERIC_WRITE,
+                                   FILE_SHARE_READ | FILE_SHARE_WRITE, OPEN_EXISTING);
     DWORD written = 0;
     return WriteConsoleW(screen.Get(), text.data(), static_cast<DWORD>(text.size()), &written, nullptr) !=
            FALSE;

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "shell/windows/host/com_ini_file_service.h"
+#include "win32/file.h"
 #include "win32/guarded.h"
 #include "win32/message_queue.h"
 #include "win32/module_instance.h"
@@ -18,7 +19,7 @@ Status LastFailure() {
   return Status::Failure(HRESULT_FROM_WIN32(GetLastError()));
 }
 
-// Puts the process's current folder back: it belongs to the host, and file dialogues move it.
+// Restores the process's current folder, which belongs to the host and which file dialogues change.
 class CurrentFolder {
  public:
   CurrentFolder() : folder_(GetCurrentDirectoryW(0, nullptr), L'\0') {
@@ -32,7 +33,7 @@ class CurrentFolder {
   std::wstring folder_;
 };
 
-// The system wants the pairs of a filter separated and ended by zeros instead of bars.
+// The system wants a filter's pairs separated and ended by zeros instead of bars.
 std::wstring FilterPairs(std::string_view filter) {
   std::wstring pairs = Wide(filter);
   std::replace(pairs.begin(), pairs.end(), L'|', L'\0');
@@ -64,17 +65,16 @@ std::shared_ptr<IniFileService> WindowsEnvironment::CreateIniFileService() {
 }
 
 Status WindowsEnvironment::AppendBlankLine(const std::string& file) {
-  const HANDLE opened = CreateFileW(Wide(file).c_str(), FILE_APPEND_DATA, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                                    nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
-  if (opened == INVALID_HANDLE_VALUE) {
+  const auto opened =
+      OpenedFile(Wide(file), FILE_APPEND_DATA, FILE_SHARE_READ | FILE_SHARE_WRITE, OPEN_ALWAYS);
+  if (!opened) {
     return LastFailure();
   }
-  const UniqueFile closing{opened};
   constexpr std::string_view blankLine = "\r\n";
+  constexpr auto size = static_cast<DWORD>(blankLine.size());
   DWORD written = 0;
-  return WriteFile(opened, blankLine.data(), static_cast<DWORD>(blankLine.size()), &written, nullptr) != FALSE
-             ? Status::Success()
-             : LastFailure();
+  return WriteFile(opened.Get(), blankLine.data(), size, &written, nullptr) != FALSE ? Status::Success()
+                                                                                     : LastFailure();
 }
 
 void WindowsEnvironment::RunMessageLoopOnce() {
