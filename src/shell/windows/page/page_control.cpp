@@ -66,18 +66,18 @@ bool AnswersKey(HWND control, WPARAM key, bool isRepeated) {
 
 // ---- Access keys ----
 
-// A label's key reaches the list that it stands for.
+// A label's key reaches its list.
 int IdReachedBy(const ControlRow& row) {
   return row.Kind == ControlKind::Label ? row.Id - firstListLabelId + firstListId : row.Id;
 }
 
-// Keys of letters have the number of the capital. The numbers of small letters belong to other keys, Alt+F4
-// among them.
+// A letter key has the number of its capital. The numbers of small letters belong to other keys,
+// Alt+F4 among them.
 bool IsLetterKey(WPARAM key) {
   return key >= 'A' && key <= 'Z';
 }
 
-// What an access key, a letter in either case, reaches. Null when none of the page's enabled controls has it.
+// What an access key, a letter in either case, reaches. Null if it is no key of an enabled control.
 const ControlRow* RowReachedBy(HWND frame, WPARAM letter) {
   for (const auto& row : PageLayout()) {
     if (row.AccessKey != 0 &&
@@ -94,7 +94,8 @@ bool AnswersAccessKey(HWND control, WPARAM letter, bool isRepeated) {
   if (row == nullptr) {
     return false;
   }
-  // The key's character may still wait. A host that knows dialogue keys would answer it a second time.
+  // The key's character may still be waiting. A host that handles dialogue keys would answer it
+  // a second time.
   DiscardMessages(control, WM_SYSCHAR, WM_SYSCHAR);
   const HWND target = GetDlgItem(frame, IdReachedBy(*row));
   MoveFocus(frame, target);
@@ -104,8 +105,8 @@ bool AnswersAccessKey(HWND control, WPARAM letter, bool isRepeated) {
   return true;
 }
 
-// The system hears of the letter too, and first: Alt let go with no other key since it went down asks the host for
-// its menu.
+// The system gets the letter too, and first: if it saw no other key between Alt down and Alt up, it would
+// open the host's menu.
 LRESULT AnswerLetterWithAlt(HWND control, WPARAM letter, LPARAM lParam, bool isRepeated) {
   const LRESULT result = LeaveToSystem(control, WM_SYSKEYDOWN, letter, lParam);
   return AnswersAccessKey(control, letter, isRepeated) ? 0 : result;
@@ -113,8 +114,9 @@ LRESULT AnswerLetterWithAlt(HWND control, WPARAM letter, LPARAM lParam, bool isR
 
 // ---- Check boxes ----
 
-// The system's boxes of two states refuse grey, and those of three have it between ticked and unticked, where
-// a click would only write the same once more. So a box has the third state as long as it shows it.
+// The system's two-state boxes refuse grey; its three-state boxes pass through grey between ticked and
+// unticked, and that click would only write the same value again. So a box has a third state only while
+// it shows it.
 void AllowGreyFor(HWND box, WPARAM value) {
   const LONG_PTR kind = value == BST_INDETERMINATE ? BS_AUTO3STATE : BS_AUTOCHECKBOX;
   if ((GetWindowLongPtrW(box, GWL_STYLE) & BS_TYPEMASK) != kind) {
@@ -128,8 +130,8 @@ bool IsArrow(WPARAM key) {
   return key >= VK_LEFT && key <= VK_DOWN;
 }
 
-// Asked for, so that a host that knows dialogue keys does not press a button of its own by Enter instead. And
-// arrows only move the focus by themselves in a host whose window is a dialogue.
+// The page asks for Enter, so that a host that handles dialogue keys does not press a button of its own
+// instead, and for the arrows, which move the focus by themselves only if the host's window is a dialogue.
 bool IsAskedFor(HWND control, WPARAM key) {
   return key == VK_RETURN ? IsPushButton(control) : IsArrow(key) && !WantsArrows(control);
 }
@@ -153,13 +155,13 @@ LRESULT Answer(HWND control, UINT message, WPARAM wParam, LPARAM lParam) {
       }
       break;
     case WM_CHAR:
-      // The character of a key that was answered: the control has no use for it, and would beep.
+      // The key was answered. The control has no use for its character and would beep.
       if (wParam == VK_TAB || (wParam == VK_RETURN && IsPushButton(control))) {
         return 0;
       }
       break;
     case WM_SYSKEYDOWN:
-      // Not left to a host that knows dialogue keys: some reach their own lists only.
+      // Not left to a host that handles dialogue keys: some reach only their own controls.
       if (IsLetterKey(wParam)) {
         return AnswerLetterWithAlt(control, wParam, lParam, isRepeated);
       }

@@ -33,13 +33,13 @@ class PageWindow final : public PageView {
 
 class PageWindowFactory final : public PageViewFactory {
  public:
-  // `owner` is asked when a page is made.
+  // `owner` is called when a page is made.
   explicit PageWindowFactory(std::function<std::weak_ptr<PageOwner>()> owner) : owner_{std::move(owner)} {}
 
   std::unique_ptr<PageView> CreatePageView(PageEvents& events) override;
 
-  // The window that the page sits in at present, which owns the boxes and dialogues shown meanwhile; without
-  // one, the active window of this thread.
+  // The window that the page is in now, which owns the boxes and dialogues shown meanwhile. Without one, the
+  // active window of this thread.
   HWND OwnerWindow() const;
 
  private:
