@@ -1,5 +1,4 @@
-// The frame of the COM objects that the add-in hands out: what every COM object has, and use by name.
-// They are used on the thread that made them, and each keeps the add-in's state of that thread alive.
+// The base of every COM object that is handed out: what each of them has, and its use by name.
 #pragma once
 
 #include <algorithm>
@@ -14,7 +13,7 @@
 
 namespace zolvane {
 
-// One member of an object, for callers that know its name only. `Invoke` gets the value of a set, otherwise
+// One member of an object, for callers that only know its name. `Invoke` gets the value of a set, otherwise
 // an empty value; it fills `result`, which is never null.
 template <class Self>
 struct NamedMember {
@@ -24,8 +23,7 @@ struct NamedMember {
   HRESULT (*Invoke)(Self& self, const Variant& value, VARIANT* result);
 };
 
-// The name of a member, or a failure when none of that name exists or parameters are named, which none of
-// ours has.
+// Finds a member by name. Fails for unknown names and for named parameters.
 template <class Members>
 HRESULT FindMember(const Members& members, LPOLESTR* names, UINT count, DISPID* ids) {
   if (names == nullptr || ids == nullptr || count == 0) {
@@ -68,7 +66,8 @@ HRESULT InvokeById(Self& self, const Members& members, DISPID id, WORD kinds, co
                                  : DISP_E_MEMBERNOTFOUND;
 }
 
-// A counted object. It says what callers by name may use by a function like Members here, with any number of them.
+// A counted object. What callers by name may use is what its function Members returns; it hides the
+// empty one here.
 template <class Self, class Interface, class... Others>
 class ComObject : public Counted<Self, Interface, IDispatch, Others...> {
  public:
@@ -77,12 +76,20 @@ class ComObject : public Counted<Self, Interface, IDispatch, Others...> {
     return none;
   }
 
-  // Names are all that callers by name get: the description of the types is in the type libraries.
+  // Callers by name get no description of types; the type libraries hold it.
   HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
-    return count != nullptr ? *count = 0, S_OK : E_POINTER;
+    if (count == nullptr) {
+      return E_POINTER;
+    }
+    *count = 0;
+    return S_OK;
   }
   HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo** info) override {
-    return info != nullptr ? *info = nullptr, DISP_E_BADINDEX : E_POINTER;
+    if (info == nullptr) {
+      return E_POINTER;
+    }
+    *info = nullptr;
+    return DISP_E_BADINDEX;
   }
 
   HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, DISPID* ids) override {
@@ -101,8 +108,8 @@ class ComObject : public Counted<Self, Interface, IDispatch, Others...> {
   ComObject() = default;
   ~ComObject() = default;
 
-  // The frame of every member: nothing thrown leaves it, and the object outlives it, whatever the host
-  // releases meanwhile.
+  // Every member runs in this: nothing thrown leaves it, and the object outlives it whatever the
+  // host releases meanwhile.
   template <class Body>
   HRESULT InMember(Body body) noexcept {
     auto& self = static_cast<Self&>(*this);
@@ -111,7 +118,7 @@ class ComObject : public Counted<Self, Interface, IDispatch, Others...> {
   }
 };
 
-// Stores what a property gives, after the check that there is a place for it.
+// Stores a property's value, if there is a place for it.
 template <class Value, class Read>
 HRESULT Give(Value* place, Read read) {
   if (place == nullptr) {

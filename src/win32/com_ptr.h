@@ -28,7 +28,7 @@ class ComPtr {
   Interface* operator->() const { return object_; }
   explicit operator bool() const { return object_ != nullptr; }
 
-  // Lets go. The member is empty before the object hears of it, so an object that calls back finds nothing.
+  // Lets go. The member is empty before the object is released, so an object that calls back finds nothing.
   void Reset() {
     if (auto* const object = std::exchange(object_, nullptr)) {
       object->Release();
@@ -45,7 +45,7 @@ class ComPtr {
   // The reference itself, for a caller who will release it.
   Interface* Detach() { return std::exchange(object_, nullptr); }
 
-  // Another interface of the same object. Empty when it has none.
+  // Another interface of the same object. Empty if the object does not have it.
   template <class Other>
   ComPtr<Other> As() const {
     ComPtr<Other> other;

@@ -1,4 +1,4 @@
-// The first three slots of a COM object: asking for its interfaces, and counting its references.
+// The first three slots of a COM object: its interfaces, and the count of its references.
 #pragma once
 
 #include <atomic>
@@ -8,8 +8,9 @@
 
 namespace zolvane {
 
-// `Self` derives from this, is made with Make and deletes itself with its last reference. Whoever asks for IUnknown,
-// `Interface` or one of `Others` gets its Interface: the others are bases of that or add no member to it.
+// `Self` derives from this, is made by Make and deletes itself with its last reference. Asked for
+// IUnknown, `Interface` or one of `Others`, it gives its Interface: the others are bases of that or add
+// no member to it.
 template <class Self, class Interface, class... Others>
 class Counted : public Interface {
  public:

@@ -1,5 +1,5 @@
-// The frame of every function that the host or the system calls. Nothing thrown (memory ran out, in practice)
-// leaves it.
+// Every function that the host or the system calls runs in one of these. Nothing thrown leaves it; in
+// practice that is std::bad_alloc.
 #pragma once
 
 #include <exception>
@@ -11,7 +11,7 @@
 
 namespace zolvane {
 
-// Runs the body; its result, or the failure that what it threw stands for.
+// Returns the body's result, or the HRESULT for what it threw.
 template <class Body>
 HRESULT Guarded(Body&& body) noexcept {
   try {
@@ -33,7 +33,7 @@ Result GuardedOr(Result fallback, Body&& body) noexcept {
   }
 }
 
-// A status as the system spells it, and back. Every success counts as the one success.
+// A status as the system spells it, and back. Any success code becomes Success.
 constexpr HRESULT ToHresult(const Status& status) {
   if (status.Ok()) {
     return S_OK;

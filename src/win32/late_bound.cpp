@@ -9,7 +9,7 @@ namespace {
 
 constexpr WORD readKinds = DISPATCH_PROPERTYGET | DISPATCH_METHOD;
 
-// What a member that raised an error has to say. Only its number is of use here.
+// What a member says about an error that it raised. Only the number is used.
 struct Exception {
   EXCEPINFO Info{};
 

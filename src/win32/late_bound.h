@@ -1,5 +1,5 @@
-// An object of the host's, used by the names of its members. A member that it does not have, or that fails,
-// is a failed call; nothing is thrown at the caller but what memory throws.
+// One of the host's objects, used by the names of its members. A call fails if the object does not have the
+// member or the member fails. Throws only std::bad_alloc.
 #pragma once
 
 #include <optional>
@@ -21,11 +21,11 @@ class LateBound {
   // A property, or a method without arguments.
   std::optional<Variant> Read(const wchar_t* name) const;
 
-  // A property that is an object. Empty when there is none.
+  // A property that is an object. Empty if there is none.
   LateBound ReadObject(const wchar_t* name) const;
 
-  // The member of a collection under a text key: asks the property with the key as its argument and, where
-  // that is refused, the default member of the property's object.
+  // The member of a collection under a text key: passes the key to the property and, if that is refused, to
+  // the default member of the property's object.
   LateBound ReadItem(const wchar_t* collection, const wchar_t* key) const;
 
   Status Write(const wchar_t* name, const Variant& value) const;

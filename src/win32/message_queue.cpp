@@ -3,7 +3,8 @@
 namespace zolvane {
 namespace {
 
-// Seen first and given back last: put back at once, it would come before all that the user does and all timers.
+// Given back only at the end: put back at once, it would come before all timers and everything that
+// the user does.
 class QuitRequest {
  public:
   QuitRequest() = default;

@@ -1,5 +1,4 @@
-// The component's own module, as opposed to the program that loaded it, and the count of what keeps it
-// loaded.
+// The module that this code is in, not the program that loaded it, and the count of what keeps it loaded.
 #pragma once
 
 #include <string>
@@ -10,7 +9,7 @@ namespace zolvane {
 
 HINSTANCE ThisModule();
 
-// The module's full path. Empty when the system cannot tell.
+// The module's full path. Empty if the system does not give it.
 std::wstring ModulePath();
 
 // Keeps the module loaded while it lives: DllCanUnloadNow says no. Whatever the host can hold on to has one.

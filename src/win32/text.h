@@ -1,5 +1,5 @@
-// The add-in's texts are UTF-8, the system's UTF-16. What is not text on one side becomes U+FFFD on the
-// other.
+// The add-in's texts are UTF-8, the system's UTF-16. What is no valid text on one side becomes U+FFFD
+// on the other.
 #pragma once
 
 #include <string>
@@ -15,7 +15,7 @@ std::string Utf8(std::wstring_view text);
 // A null BSTR is the empty text. Embedded zeros are kept.
 std::string Utf8FromBstr(BSTR text);
 
-// Throws when memory runs out, as a string does.
+// Throws std::bad_alloc, as a string does.
 UniqueBstr Bstr(std::string_view text);
 UniqueBstr Bstr(std::wstring_view text);
 

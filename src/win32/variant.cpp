@@ -7,7 +7,7 @@
 namespace zolvane {
 namespace {
 
-// The system's functions only read it, but do not say so in every version of their headers.
+// The system's functions only read it, though not every version of their headers says so.
 VARIANT* Unchanged(const VARIANT& value) {
   return const_cast<VARIANT*>(&value);
 }

@@ -18,7 +18,7 @@ class Variant {
   explicit Variant(std::string_view text);
   explicit Variant(const wchar_t* text);
 
-  // A copy of the value, also where `source` only refers to it. Nothing when it cannot be copied.
+  // A copy of the value, even if `source` only refers to it. Returns nullopt if it cannot be copied.
   static std::optional<Variant> CopyOf(const VARIANT& source);
 
   Variant(Variant&& other) noexcept;
@@ -28,13 +28,14 @@ class Variant {
   const VARIANT& Get() const { return value_; }
   VARIANT* Put();
 
-  // The value as the type asked for, converted where the system knows how; nothing otherwise. Conversions do
-  // not depend on the user's locale.
+  // The value as the type asked for, converted if the system knows how, else nullopt. Conversions do not
+  // depend on the user's locale.
   std::optional<bool> ToBool() const;
   std::optional<std::int16_t> ToInt16() const;
   std::optional<std::string> ToText() const;
 
-  // The object's late-bound face; empty when the value is no object, or no object that has one.
+  // The object as callers by name use it. Empty if the value is no object, or one that cannot be
+  // used by name.
   ComPtr<IDispatch> ToObject() const;
 
  private:

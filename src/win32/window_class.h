@@ -9,10 +9,10 @@ namespace zolvane {
 inline constexpr const wchar_t* pageClassName = L"ZolvaneSetupPage";
 inline constexpr const wchar_t* frameClassName = L"ZolvaneSetupFrame";
 
-// Registers a class of this module; does nothing when it is there. False when the system refuses.
+// Registers a class of this module, unless it is there already. False if the system refuses.
 bool RegisterWindowClass(const wchar_t* name, WNDPROC procedure);
 
-// Classes outlive a module that is unloaded, and point into nothing then: for the module's last moment.
+// To be called when the module is about to be unloaded: the classes would outlive it and point into nothing.
 void UnregisterWindowClasses();
 
 }  // namespace zolvane

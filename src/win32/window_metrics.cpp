@@ -8,7 +8,7 @@
 namespace zolvane {
 namespace {
 
-// Functions that came with later systems than the oldest one meant. Null on those before.
+// Functions newer than the oldest supported Windows; null where they are missing.
 template <class Function>
 Function UserFunction(const char* name) {
   const HMODULE user = GetModuleHandleW(L"user32.dll");

@@ -1,5 +1,5 @@
-// How large things are on the screen that a window is on: its dots per inch, the system's font at that scale,
-// and the dialogue units of that font.
+// How large things are on a window's screen: its dots per inch, the system's font at that scale, and the
+// dialogue units of that font.
 #pragma once
 
 #include <span>
@@ -9,10 +9,11 @@
 
 namespace zolvane {
 
-// The dots per inch that the window is drawn at: 96 at 100 %. Systems that know only one scale tell that one.
+// The dots per inch that the window is drawn at: 96 at 100 %. On systems without a scale for each screen,
+// the system's own.
 UINT DpiOf(HWND window);
 
-// The fonts of the page at a scale. The system's own font for everything but the title, which is in Arial.
+// The fonts of the page at a scale: Arial for the title, the system's own font for everything else.
 struct PageFonts {
   UniqueFont Text;
   UniqueFont Title;

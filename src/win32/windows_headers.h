@@ -1,5 +1,4 @@
-// The system's headers, in the one combination that the component uses. UNICODE and the oldest Windows meant
-// are set by the build.
+// The system's headers, in the one combination in use here. The build defines UNICODE and _WIN32_WINNT.
 #pragma once
 
 #include <windows.h>

@@ -1,4 +1,4 @@
-// What automation.idl stands for on the C++ side.
+// Stands for automation.idl on the C++ side.
 #pragma once
 
 #include <oaidl.h>

@@ -1,5 +1,5 @@
 // The class Connect as a COM object: the host's interface IAddIn, and the class's own default interface
-// _Connect, which has no members beside those of IDispatch.
+// _Connect, which adds no members to those of IDispatch.
 #pragma once
 
 #include <add_in.h>
@@ -18,7 +18,7 @@ class ComConnect final : public ComObject<ComConnect, IAddIn, _Connect> {
  public:
   explicit ComConnect(std::shared_ptr<ThreadModule> module);
 
-  // Loads the page. Call it before the object is handed out; after a failure it is not.
+  // Loads the page. Called once, before the object is handed out; if it fails, the object is not.
   HRESULT Initialize() { return ToHresult(connect_.Class_Initialize()); }
 
   HRESULT STDMETHODCALLTYPE get_Form(IAddInForm** form) override;

@@ -13,7 +13,7 @@ constexpr VARIANT_BOOL ToVariantBool(bool value) {
   return value ? VARIANT_TRUE : VARIANT_FALSE;
 }
 
-// Hosts set an object with or without the word that says so.
+// Hosts set an object by either kind of put.
 constexpr WORD setObject = DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF;
 
 bool IsNothing(const VARIANT& value) {
@@ -67,11 +67,17 @@ ComForm::~ComForm() {
 }
 
 HRESULT ComForm::SaveChanges() {
-  return InMember([](ComForm& self) { return self.page_->IAddInForm_SaveChanges(), S_OK; });
+  return InMember([](ComForm& self) {
+    self.page_->IAddInForm_SaveChanges();
+    return S_OK;
+  });
 }
 
 HRESULT ComForm::LoadDefaults() {
-  return InMember([](ComForm& self) { return self.page_->IAddInForm_LoadDefaults(), S_OK; });
+  return InMember([](ComForm& self) {
+    self.page_->IAddInForm_LoadDefaults();
+    return S_OK;
+  });
 }
 
 HRESULT ComForm::putref_ObjectParent(IDispatch* objectParent) {

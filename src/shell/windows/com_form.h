@@ -1,6 +1,5 @@
-// The page as a COM object: the host's interface IAddInForm over the page's members. A member fails only when
-// memory runs out or the host gives no place for a result; what the host's own objects answer changes
-// nothing.
+// The page as a COM object: the host's interface IAddInForm over the page's members. A member fails only if
+// memory runs out or the host gives no place for a result, whatever the host's own objects answer.
 #pragma once
 
 #include <hestrion_cmds.h>

@@ -1,4 +1,4 @@
-// The frame container picFrame as the object that IAddInForm.Frame returns: all it has is its window handle.
+// The frame container picFrame as the object that IAddInForm.Frame returns. All it has is a window handle.
 #pragma once
 
 #include <array>

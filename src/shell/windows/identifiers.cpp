@@ -1,5 +1,5 @@
-// Gives the identifiers of our type libraries their place in memory: the generated headers define them only
-// after initguid.h.
+// Defines the identifiers of our type libraries: after initguid.h the generated headers define what
+// they otherwise declare.
 #include "win32/windows_headers.h"
 
 #include <initguid.h>

@@ -15,7 +15,7 @@ constexpr const wchar_t* programId = L"HZOCalibrateDevice.Connect";
 constexpr const wchar_t* libraryName = L"HZOCalibrateDevice";
 constexpr const wchar_t* version = L"1.0";
 
-// Of the system's marshaler for interfaces that a type library describes.
+// The class of the system's marshaler for interfaces that a type library describes.
 constexpr const wchar_t* typeLibraryMarshaler = L"{00020424-0000-0000-C000-000000000046}";
 
 constexpr bool isFor64Bits = sizeof(void*) == 8;
@@ -28,7 +28,7 @@ std::wstring TextOf(const GUID& identifier) {
   return text.data();
 }
 
-// The keys, each with all that is in it. Program and library are the same for programs of both kinds.
+// The keys, each with everything in it. Program and library are the same for programs of both kinds.
 struct Keys {
   std::wstring Class = L"CLSID\\" + TextOf(__uuidof(::Connect));
   std::wstring Interface = L"Interface\\" + TextOf(__uuidof(_Connect));

@@ -13,7 +13,7 @@ std::wstring Full(const std::wstring& key) {
   return L"Software\\Classes\\" + key;
 }
 
-// A function, because the system's macro for it carries its argument out twice.
+// A function, because the system's macro evaluates its argument twice.
 constexpr HRESULT ResultOf(LSTATUS status) {
   return __HRESULT_FROM_WIN32(status);
 }
@@ -51,7 +51,7 @@ struct Value {
   std::vector<BYTE> Data;
 };
 
-// Nothing: there is no such value.
+// Returns nullopt if there is no such value.
 std::optional<Value> Read(HKEY key, const std::wstring& name) {
   Value value{};
   DWORD size = 0;
@@ -91,7 +91,7 @@ RegistryChanges::~RegistryChanges() {
 
 HRESULT RegistryChanges::SetText(const std::wstring& key, const std::wstring& name,
                                  const std::wstring& text) {
-  // Noted first: the system may make some of the keys on the way and then refuse.
+  // Noted first: the system may create some of the keys on the way and then refuse.
   undo_.emplace_back([made = MissingKeys(key)] { DeleteKeys(made); });
   UniqueRegistryKey opened;
   const auto created = RegCreateKeyExW(HKEY_LOCAL_MACHINE, Full(key).c_str(), 0, nullptr, 0,

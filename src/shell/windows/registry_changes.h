@@ -1,5 +1,5 @@
-// The machine's registered classes, "Software\Classes" of the machine, and changes to them that are made all
-// together or not at all. Keys are named from there.
+// The machine's registered classes, and changes to them that are made all together or not at all. Keys are
+// named from the machine's "Software\Classes".
 #pragma once
 
 #include <functional>
@@ -10,7 +10,7 @@
 
 namespace zolvane {
 
-// Remembers what stood where it writes, and puts that back at its end unless the changes are kept.
+// Remembers what stood where it writes, and restores it at its end unless the changes are kept.
 class RegistryChanges {
  public:
   RegistryChanges() = default;
@@ -18,7 +18,7 @@ class RegistryChanges {
   RegistryChanges(const RegistryChanges&) = delete;
   RegistryChanges& operator=(const RegistryChanges&) = delete;
 
-  // Sets a text value, making the keys on the way. An empty name is the key's own value.
+  // Sets a text value, creating the keys on the way. An empty name stands for the key's own value.
   HRESULT SetText(const std::wstring& key, const std::wstring& name, const std::wstring& text);
 
   void Keep() { undo_.clear(); }
@@ -28,16 +28,16 @@ class RegistryChanges {
 };
 
 // Whether the key is there for programs of this kind (0), or of 32 or 64 bits (KEY_WOW64_32KEY,
-// KEY_WOW64_64KEY); also when the caller may not look into it.
+// KEY_WOW64_64KEY), even if the caller may not look into it.
 bool ClassesKeyExists(const std::wstring& key, REGSAM view = 0);
 
-// Whether the caller may delete the key with all that is in it; also when there is none.
+// Succeeds if the caller may delete the key with everything in it, or if there is none.
 HRESULT MayDeleteClassesKey(const std::wstring& key);
 
-// Deletes the key with all that is in it; succeeds when there is none.
+// Deletes the key with everything in it; succeeds if there is none.
 HRESULT DeleteClassesKey(const std::wstring& key);
 
-// Deletes the key unless there is something in it; succeeds in any case but a refusal.
+// Deletes the key unless something is in it; fails only if the system refuses.
 HRESULT DeleteEmptyClassesKey(const std::wstring& key);
 
 }  // namespace zolvane

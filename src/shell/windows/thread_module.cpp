@@ -7,8 +7,8 @@
 namespace zolvane {
 namespace {
 
-// A place per thread, given back when the module is unloaded. A thread_local object would keep the module
-// loaded until its thread ends.
+// One pointer for each thread, given back when the module is unloaded. A thread_local object would keep the
+// module loaded until its thread ends.
 class ThreadSlot {
  public:
   ThreadSlot() : index_{TlsAlloc()} {}
@@ -41,7 +41,7 @@ ThreadModule::ThreadModule()
       environment_{[this] { return views_.OwnerWindow(); }},
       addIn_{environment_, views_} {}
 
-// The host may come back while the page is taken down. It then gets a fresh module and not this one.
+// The host may call while the page is taken down. It then gets a fresh module and not this one.
 ThreadModule::~ThreadModule() {
   if (threadSlot.Get() == this) {
     threadSlot.Set(nullptr);

@@ -13,11 +13,11 @@ namespace zolvane {
 
 class ComForm;
 
-// Lives as long as an object of that thread refers to it, so that the host's objects are released while the
-// host still runs, and neither at the thread's end nor when the module is unloaded.
+// Lives as long as one of that thread's objects refers to it. So the host's objects are released while the
+// host still runs, and neither when the thread ends nor when the module is unloaded.
 class ThreadModule final : public PageOwner, public std::enable_shared_from_this<ThreadModule> {
  public:
-  // The calling thread's; made when there is none.
+  // The calling thread's, made if there is none.
   static std::shared_ptr<ThreadModule> OfThisThread();
 
   ~ThreadModule() override;
@@ -26,13 +26,13 @@ class ThreadModule final : public PageOwner, public std::enable_shared_from_this
 
   AddInModule& AddIn() { return addIn_; }
 
-  // The COM object of a page: the same one as long as somebody holds it.
+  // The COM object of a page: the same one as long as anything holds it.
   ComPtr<ComForm> FormOf(const std::shared_ptr<frmAddIn>& page);
 
   // The object is gone.
   void Forget(const ComForm& form);
 
-  // In a box over the window that the page sits in.
+  // In a box over the window that the page is in.
   void TellNotStored() override;
 
  private:

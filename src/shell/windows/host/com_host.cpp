@@ -13,8 +13,8 @@
 namespace zolvane {
 namespace {
 
-// A call that memory does not suffice for is one more call that fails. A page that is taken down makes some, and
-// nothing may be thrown there.
+// Out of memory counts as a failed call. A page that is taken down makes such calls, and nothing may
+// be thrown there.
 template <class Body>
 auto OrFailure(Body body) noexcept {
   using Result = decltype(body());
@@ -38,7 +38,7 @@ Status Call(const LateBound& object, const wchar_t* name, const Value& value) {
   });
 }
 
-// A property, converted by the member of Variant that is given.
+// A property, converted by a member of Variant.
 template <auto Convert>
 auto ReadAs(const LateBound& object, const wchar_t* name) {
   return OrFailure([&] {
@@ -47,7 +47,7 @@ auto ReadAs(const LateBound& object, const wchar_t* name) {
   });
 }
 
-// The object behind the interface; null when `find` finds none.
+// The found object behind the interface; null if there is none.
 template <class Wrapper, class Interface, class Find>
 std::shared_ptr<Interface> Wrapped(Find find) {
   return OrFailure([&]() -> std::shared_ptr<Interface> {

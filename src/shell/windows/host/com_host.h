@@ -1,5 +1,5 @@
 // The host's objects as the add-in uses them: the interfaces of host/ over the host's COM objects, reached by
-// name. Each keeps a reference to its object; a failed call keeps the host's own number.
+// name. Each keeps a reference to its object. A failed call keeps the host's own status.
 #pragma once
 
 #include <memory>

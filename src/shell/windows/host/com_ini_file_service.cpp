@@ -41,7 +41,7 @@ Status ComIniFileService::WriteValue(std::string_view section, std::string_view 
       service_->WriteValue(Bstr(section).Get(), Bstr(key).Get(), Bstr(file).Get(), Bstr(value).Get()));
 }
 
-// The texts of an array that the service made, whatever it made. No array is no text.
+// The texts of an array that the service made, whatever it made. No array means no texts.
 std::optional<std::vector<std::string>> TextsOf(SAFEARRAY* array) {
   std::vector<std::string> texts;
   if (array == nullptr) {

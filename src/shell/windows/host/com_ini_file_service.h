@@ -7,7 +7,7 @@
 
 namespace zolvane {
 
-// Creates the host's service object. Empty when the host has not registered it or refuses.
+// Creates the host's service object. Null if the host has not registered it or refuses.
 std::shared_ptr<IniFileService> CreateComIniFileService();
 
 }  // namespace zolvane

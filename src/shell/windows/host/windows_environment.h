@@ -11,8 +11,8 @@ namespace zolvane {
 
 class WindowsEnvironment final : public Environment {
  public:
-  // `owner` names the window that boxes and dialogues belong to, which is locked while they are open; asked
-  // each time.
+  // `owner` is asked each time for the window that boxes and dialogues belong to, which is disabled while
+  // they are open.
   explicit WindowsEnvironment(std::function<HWND()> owner) : owner_{std::move(owner)} {}
 
   // Without a final backslash, unless it is a drive's root.
@@ -20,15 +20,15 @@ class WindowsEnvironment final : public Environment {
 
   std::shared_ptr<IniFileService> CreateIniFileService() override;
 
-  // Creates the file when there is none.
+  // Creates the file if there is none.
   Status AppendBlankLine(const std::string& file) override;
 
-  // Dispatches every message that waits now. A request to quit is left for the host's own loop.
+  // Dispatches every message that is waiting now. A request to quit is left for the host's own loop.
   void RunMessageLoopOnce() override;
 
   std::optional<std::int32_t> ShowMessageBox(const MessageBoxRequest& request) override;
 
-  // The process's current folder is the same afterwards, wherever the user looked for a file.
+  // Leaves the process's current folder as it is, wherever the user looks for a file.
   std::optional<std::string> ShowFileDialogue(FileDialogueKind kind, const FileDialogue& dialogue) override;
 
  private:
