@@ -8,9 +8,9 @@
 #include "bench/windows/play/dialogue_answerer.h"
 #include "bench/windows/play/dialogue_hooks.h"
 #include "bench/windows/play/player.h"
-#include "dialogue_spectator.h"
-#include "hosted_page.h"
 #include "page/page_controls.h"
+#include "windows/support/dialogue_spectator.h"
+#include "windows/support/hosted_page.h"
 
 namespace zolvane {
 namespace {

@@ -17,10 +17,10 @@
 #include "bench/windows/play/player.h"
 #include "files/file_settings_service.h"
 #include "page/page_controls.h"
-#include "program_folder.h"
 #include "shell/windows/host/late_bound_names.h"
 #include "win32/late_bound.h"
 #include "win32/text.h"
+#include "windows/support/program_folder.h"
 
 namespace zolvane {
 namespace {

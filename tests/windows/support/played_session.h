@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "bench/windows/com/offered_host.h"
-#include "program_folder.h"
+#include "windows/support/program_folder.h"
 
 namespace zolvane {
 

@@ -1,4 +1,4 @@
-#include "memory_balance.h"
+#include "windows/module/memory_balance.h"
 
 #include <psapi.h>
 

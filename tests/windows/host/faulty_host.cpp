@@ -1,4 +1,4 @@
-#include "faulty_host.h"
+#include "windows/host/faulty_host.h"
 
 #include <hestrion_cmds.h>
 

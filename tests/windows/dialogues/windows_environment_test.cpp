@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "bench/windows/play/dialogue_answerer.h"
-#include "program_folder.h"
 #include "win32/text.h"
+#include "windows/support/program_folder.h"
 
 namespace zolvane {
 namespace {

@@ -5,9 +5,9 @@
 #include <sstream>
 
 #include "bench/program/bench_program.h"
-#include "child_process.h"
-#include "played_session.h"
-#include "program_folder.h"
+#include "windows/support/child_process.h"
+#include "windows/support/played_session.h"
+#include "windows/support/program_folder.h"
 
 namespace zolvane {
 namespace {

@@ -15,7 +15,7 @@
 
 #include "bench/windows/com/offered_settings.h"
 #include "files/file_settings_service.h"
-#include "program_folder.h"
+#include "windows/support/program_folder.h"
 
 namespace zolvane {
 namespace {

@@ -1,4 +1,4 @@
-#include "played_session.h"
+#include "windows/support/played_session.h"
 
 #include <hestrion_cmds.h>
 
@@ -14,9 +14,9 @@
 #include "bench/windows/com/com_session.h"
 #include "bench/windows/com/offered_settings.h"
 #include "bench/windows/play/player.h"
-#include "dialogue_spectator.h"
 #include "instrument/links/link_factory.h"
-#include "program_folder.h"
+#include "windows/support/dialogue_spectator.h"
+#include "windows/support/program_folder.h"
 
 namespace zolvane {
 namespace {

@@ -4,10 +4,10 @@
 
 #include <random>
 
-#include "../instrument/links/running_instrument.h"
 #include "bench/windows/com/offered_settings.h"
-#include "played_session.h"
-#include "program_folder.h"
+#include "instrument/links/running_instrument.h"
+#include "windows/support/played_session.h"
+#include "windows/support/program_folder.h"
 
 namespace zolvane {
 namespace {

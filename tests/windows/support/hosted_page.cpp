@@ -1,4 +1,4 @@
-#include "hosted_page.h"
+#include "windows/support/hosted_page.h"
 
 #include <array>
 #include <optional>

@@ -21,13 +21,13 @@
 
 #include "bench/windows/com/offered_object.h"
 #include "bench/windows/com/offered_settings.h"
-#include "program_folder.h"
 #include "shell/windows/class_factory.h"
 #include "shell/windows/host/late_bound_names.h"
 #include "shell/windows/page/page_layout.h"
 #include "win32/late_bound.h"
 #include "win32/module_instance.h"
 #include "win32/text.h"
+#include "windows/support/program_folder.h"
 
 namespace zolvane {
 namespace {

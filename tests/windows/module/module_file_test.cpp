@@ -13,10 +13,10 @@
 #include <string>
 #include <vector>
 
-#include "child_process.h"
-#include "manifest_in_force.h"
-#include "program_folder.h"
 #include "win32/text.h"
+#include "windows/module/manifest_in_force.h"
+#include "windows/support/child_process.h"
+#include "windows/support/program_folder.h"
 
 namespace zolvane {
 namespace {

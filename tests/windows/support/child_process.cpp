@@ -1,11 +1,11 @@
-#include "child_process.h"
+#include "windows/support/child_process.h"
 
 #include <gtest/gtest.h>
 
 #include <stdexcept>
 
-#include "program_folder.h"
 #include "win32/text.h"
+#include "windows/support/program_folder.h"
 
 namespace zolvane {
 namespace {

@@ -5,10 +5,10 @@
 
 #include <string>
 
-#include "manifest_in_force.h"
-#include "program_folder.h"
-#include "registered_classes.h"
 #include "win32/text.h"
+#include "windows/module/manifest_in_force.h"
+#include "windows/module/registered_classes.h"
+#include "windows/support/program_folder.h"
 
 namespace zolvane {
 namespace {

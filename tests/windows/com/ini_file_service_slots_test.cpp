@@ -9,8 +9,8 @@
 #include <set>
 #include <string>
 
-#include "program_folder.h"
 #include "win32/text.h"
+#include "windows/support/program_folder.h"
 
 namespace zolvane {
 namespace {

@@ -1,4 +1,4 @@
-#include "program_folder.h"
+#include "windows/support/program_folder.h"
 
 #include <fstream>
 #include <iterator>

@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "program_folder.h"
-#include "registered_classes.h"
 #include "win32/text.h"
+#include "windows/module/registered_classes.h"
+#include "windows/support/program_folder.h"
 
 namespace zolvane {
 namespace {

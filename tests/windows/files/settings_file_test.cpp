@@ -11,7 +11,7 @@
 #include <thread>
 
 #include "files/exchanged_file.h"
-#include "program_folder.h"
+#include "windows/support/program_folder.h"
 
 namespace zolvane {
 namespace {

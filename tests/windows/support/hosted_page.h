@@ -11,8 +11,8 @@
 #include "bench/windows/com/com_session.h"
 #include "bench/windows/com/offered_host.h"
 #include "bench/windows/com/offered_settings.h"
-#include "program_folder.h"
 #include "shell/windows/page/page_layout.h"
+#include "windows/support/program_folder.h"
 
 namespace zolvane {
 

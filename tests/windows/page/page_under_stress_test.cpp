@@ -6,10 +6,10 @@
 #include <string>
 #include <vector>
 
-#include "hosted_page.h"
 #include "shell/windows/page/page_window.h"
-#include "silent_events.h"
 #include "win32/text.h"
+#include "windows/page/silent_events.h"
+#include "windows/support/hosted_page.h"
 
 namespace zolvane {
 namespace {

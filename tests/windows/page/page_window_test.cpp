@@ -7,10 +7,10 @@
 #include <string_view>
 #include <vector>
 
-#include "hosted_page.h"
 #include "shell/windows/page/page_frame.h"
-#include "silent_events.h"
 #include "win32/text.h"
+#include "windows/page/silent_events.h"
+#include "windows/support/hosted_page.h"
 
 namespace zolvane {
 namespace {

@@ -10,17 +10,17 @@
 #include <set>
 #include <sstream>
 
-#include "../instrument/links/running_instrument.h"
 #include "bench/windows/play/player.h"
 #include "bench/windows/window/main_window.h"
 #include "bench/windows/window/message_window.h"
-#include "child_process.h"
-#include "hosted_page.h"
-#include "played_session.h"
-#include "program_folder.h"
+#include "instrument/links/running_instrument.h"
 #include "shell/windows/page/page_layout.h"
 #include "win32/text.h"
 #include "win32/window_class.h"
+#include "windows/support/child_process.h"
+#include "windows/support/hosted_page.h"
+#include "windows/support/played_session.h"
+#include "windows/support/program_folder.h"
 
 namespace zolvane {
 namespace {

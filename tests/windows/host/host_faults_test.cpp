@@ -17,18 +17,18 @@
 #include "bench/windows/com/offered_host.h"
 #include "bench/windows/play/dialogue_hooks.h"
 #include "bench/windows/play/page_driver.h"
-#include "dialogue_spectator.h"
-#include "faulty_host.h"
 #include "files/file_settings_service.h"
 #include "files/sectioned_text.h"
 #include "host/forwarding.h"
 #include "instrument/links/link_factory.h"
-#include "program_folder.h"
 #include "shell/add_in_module.h"
 #include "shell/connect.h"
 #include "shell/windows/host/late_bound_names.h"
 #include "win32/late_bound.h"
 #include "win32/text.h"
+#include "windows/host/faulty_host.h"
+#include "windows/support/dialogue_spectator.h"
+#include "windows/support/program_folder.h"
 
 namespace zolvane {
 namespace {

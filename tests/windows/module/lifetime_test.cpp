@@ -17,11 +17,11 @@
 #include "bench/windows/com/offered_settings.h"
 #include "files/file_settings_service.h"
 #include "instrument/links/link_factory.h"
-#include "memory_balance.h"
-#include "program_folder.h"
 #include "win32/com_object.h"
 #include "win32/late_bound.h"
 #include "win32/text.h"
+#include "windows/module/memory_balance.h"
+#include "windows/support/program_folder.h"
 
 namespace zolvane {
 namespace {

@@ -1,4 +1,4 @@
-#include "registered_classes.h"
+#include "windows/module/registered_classes.h"
 
 #include <sddl.h>
 
