@@ -113,7 +113,7 @@ class HestrionPlays : public testing::TestWithParam<Plan> {
   Folder folder_;
 };
 
-TEST_P(HestrionPlays, WhatTheBenchPlaysWithTheSameTraceFilesAndStatus) {
+TEST_P(HestrionPlays, TheSameTraceFilesAndStatusAsTheBench) {
   const auto bench = Play(ZolvaneBenchPath(), {"--quiet", "run", folder_.File("commands.txt")});
   const auto host = Play(HestrionBenchPath(), {"--play", folder_.File("commands.txt"), "--quit"});
   EXPECT_EQ(host.Result.Status, GetParam().Status) << host.Result.Errors;
@@ -161,7 +161,7 @@ std::ostream& operator<<(std::ostream& out, const Misuse& misuse) {
 
 class HestrionRefuses : public testing::TestWithParam<Misuse> {};
 
-TEST_P(HestrionRefuses, WithStatusTwoBeforeAnythingIsChanged) {
+TEST_P(HestrionRefuses, MisuseWithStatusTwoBeforeAnythingIsChanged) {
   const Folder folder;
   Store(folder.File("job.txt"), "tick chkRFID 0\nimport " + folder.File("missing.bak") + "\n");
   Store(folder.File("nonsense.txt"), "dance\n");
@@ -299,9 +299,9 @@ class Screen {
   bool IsOpen() const { return isOpen_; }
 
   std::string Text() const {
-    const UniqueFile screen{CreateFileW(L"CONOUT$", GENERIC_READ | GENERIC_WRITE,
-                                        FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0,
-                                        nullptr)};
+    const UniqueKernelHandle screen{CreateFileW(L"CONOUT$", GENERIC_READ | GENERIC_WRITE,
+                                                FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0,
+                                                nullptr)};
     std::wstring text(10000, L' ');
     DWORD length = 0;
     ReadConsoleOutputCharacterW(screen.Get(), text.data(), static_cast<DWORD>(text.size()), {}, &length);
@@ -750,9 +750,9 @@ TEST_F(HestrionWindows, ClaimsNothingFoundThatTheInstrumentDidNotSay) {
 }
 
 // Another program that has the configuration open for writing.
-UniqueFile Opened(const std::string& file) {
-  return UniqueFile{CreateFileW(std::filesystem::path{file}.c_str(), GENERIC_READ | GENERIC_WRITE,
-                                FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr)};
+UniqueKernelHandle Opened(const std::string& file) {
+  return UniqueKernelHandle{CreateFileW(std::filesystem::path{file}.c_str(), GENERIC_READ | GENERIC_WRITE,
+                                        FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr)};
 }
 
 TEST_F(HestrionWindows, EachChoiceThatCouldNotBeStoredIsInABoxAndInTheLogAndInTheStatus) {

@@ -44,23 +44,23 @@ std::wstring Units(BSTR text) {
   return {text, SysStringLen(text)};
 }
 
-TEST(Bstr, GoesBothWaysUnchanged) {
+TEST(Bstr, TextGoesBothWaysUnchanged) {
   for (const auto& [ours, theirs] : Spellings()) {
     EXPECT_TRUE(Units(Bstr(ours).Get()) == theirs) << theirs.size();
     EXPECT_TRUE(Utf8FromBstr(RawBstr(theirs).Get()) == ours) << ours.size();
   }
 }
 
-TEST(Bstr, OfNothingIsTheEmptyText) {
+TEST(Bstr, NullIsTheEmptyText) {
   EXPECT_EQ(Utf8FromBstr(nullptr), "");
 }
 
-TEST(Bstr, OfTheEmptyTextIsNotNull) {
+TEST(Bstr, TheEmptyTextIsNotNull) {
   EXPECT_NE(Bstr(std::string_view{}).Get(), nullptr);
   EXPECT_EQ(SysStringLen(Bstr(std::string_view{}).Get()), 0U);
 }
 
-TEST(Bstr, HasAReplacementForWhatIsNoText) {
+TEST(Bstr, WhatIsNoTextIsReplaced) {
   EXPECT_EQ(Utf8FromBstr(RawBstr(L"a\xD83E").Get()), "a\xEF\xBF\xBD");
   EXPECT_EQ(Utf8FromBstr(RawBstr(L"\xDDEAz").Get()), "\xEF\xBF\xBDz");
   EXPECT_EQ(Units(Bstr("a\xFFz").Get()), L"a\xFFFDz");
@@ -95,7 +95,7 @@ struct RawLink {
   }
 };
 
-TEST(TextsOfTheLink, GoBothWaysUnchanged) {
+TEST(LinkTexts, CommandAndReplyAreUnchanged) {
   RawLink raw;
   for (const auto& [ours, theirs] : Spellings()) {
     raw.Reply = theirs;
@@ -109,7 +109,7 @@ TEST(TextsOfTheLink, GoBothWaysUnchanged) {
   EXPECT_EQ(OfferedObjectsAlive(), 0);
 }
 
-TEST(TextsOfTheLink, AreEmptyForANullReply) {
+TEST(LinkTexts, ANullReplyIsEmpty) {
   RawLink raw;
   std::string command;
   std::string reply = "before";
@@ -141,7 +141,7 @@ class LastText final : public IniFileService {
   std::string& text_;
 };
 
-TEST(TextsOfTheSettings, GoBothWaysUnchanged) {
+TEST(SettingsTexts, ValuesAreUnchangedBothWays) {
   OleInitialize(nullptr);
   {
     std::string last;

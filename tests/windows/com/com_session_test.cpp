@@ -220,7 +220,7 @@ class Generator {
 
 class GeneratedSession : public testing::TestWithParam<unsigned> {};
 
-TEST_P(GeneratedSession, IsTheSameForTheHost) {
+TEST_P(GeneratedSession, TheHostHearsWhatTheBenchHears) {
   const auto plan = Generator{GetParam()}.Plan();
   std::string commands;
   for (const auto& command : plan.Commands) {
@@ -230,7 +230,7 @@ TEST_P(GeneratedSession, IsTheSameForTheHost) {
   ExpectSameSession(plan);
 }
 
-INSTANTIATE_TEST_SUITE_P(ComSession, GeneratedSession, testing::Range(1U, 106U));
+INSTANTIATE_TEST_SUITE_P(Seed, GeneratedSession, testing::Range(1U, 106U));
 
 }  // namespace
 }  // namespace zolvane

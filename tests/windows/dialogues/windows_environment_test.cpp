@@ -6,11 +6,13 @@
 #include <array>
 #include <filesystem>
 #include <string>
-#include <thread>
+#include <utility>
 #include <vector>
 
 #include "bench/windows/play/dialogue_answerer.h"
+#include "bench/windows/play/dialogue_hooks.h"
 #include "win32/text.h"
+#include "windows/support/dialogue_spectator.h"
 #include "windows/support/program_folder.h"
 
 namespace zolvane {
@@ -51,7 +53,7 @@ class MessageLoop : public testing::Test {
   WindowsEnvironment environment_{[] { return HWND{}; }};
 };
 
-TEST_F(MessageLoop, DispatchesEverythingThatWaits) {
+TEST_F(MessageLoop, EverythingThatWaitsIsDispatched) {
   for (int message = 0; message < 100; ++message) {
     PostMessageW(window_, WM_APP, 0, 0);
   }
@@ -63,7 +65,7 @@ TEST_F(MessageLoop, DispatchesEverythingThatWaits) {
 
 // The system gives a request to quit before timers and what the user does. A dialogue waited for would never be
 // answered if these were held back by it.
-TEST_F(MessageLoop, LeavesARequestToQuitToTheHostAndGoesOnWithTheRest) {
+TEST_F(MessageLoop, ARequestToQuitIsLeftToTheHostAndTheRestGoesOn) {
   SetTimer(window_, 1, 10, nullptr);
   PostQuitMessage(7);
   for (int poll = 0; poll < 3; ++poll) {
@@ -115,28 +117,55 @@ class FileDialogues : public testing::Test {
   WindowsEnvironment environment_{[this] { return owner_; }};
 };
 
-TEST_F(FileDialogues, GiveAFileInAFolderOfAnyNameAndAddTheExtension) {
+TEST_F(FileDialogues, AFileInAFolderOfAnyNameGetsTheExtension) {
   EXPECT_EQ(Choose(FileDialogueKind::Save, InFolder(L"\u03b1 \u0436")), InFolder(L"\u03b1 \u0436.bak"));
   EXPECT_EQ(Choose(FileDialogueKind::Save, InFolder(L"named.txt")), InFolder(L"named.txt"));
 }
 
-TEST_F(FileDialogues, ProposeTheFileChosenLastWhereverItLies) {
+TEST_F(FileDialogues, TheFileChosenLastIsProposedWhereverItLies) {
   Store(folder_ / L"old \u00fc.bak", "x");
   dialogue_.FileName = InFolder(L"old \u00fc.bak");
   dialogue_.Flags = std::nullopt;
   EXPECT_EQ(Choose(FileDialogueKind::Open, InFolder(L"old \u00fc.bak")), dialogue_.FileName);
 }
 
-TEST_F(FileDialogues, GiveNothingWhenCancelled) {
+TEST_F(FileDialogues, CancelGivesNoFile) {
   EXPECT_EQ(Choose(FileDialogueKind::Open, std::nullopt), std::nullopt);
   EXPECT_EQ(Choose(FileDialogueKind::Save, std::nullopt), std::nullopt);
 }
 
-TEST_F(FileDialogues, LeaveTheCurrentFolderOfTheProcessAlone) {
+TEST_F(FileDialogues, TheCurrentFolderOfTheProcessStays) {
   const auto before = std::filesystem::current_path();
   ASSERT_NE(before, folder_);
   ASSERT_TRUE(Choose(FileDialogueKind::Save, InFolder(L"new.bak")));
   EXPECT_EQ(std::filesystem::current_path(), before);
+}
+
+// Wine's dialogue takes no longer paths than the system once did, so this one does not appear.
+class ChosenUnseen final : public DialogueSpectator {
+ public:
+  explicit ChosenUnseen(std::string path) : path_{std::move(path)} {}
+
+  bool ShowsDialogues() const override { return false; }
+  std::optional<std::string> ChooseUnshown(FileDialogueKind) override { return path_; }
+
+ private:
+  std::string path_;
+};
+
+TEST_F(FileDialogues, APathOfAThousandCharactersArrivesWhole) {
+  std::string path = "C:";
+  for (int folder = 0; folder < 20; ++folder) {
+    path += "\\" + std::string(49, 'f');
+  }
+  path += "\\new.bak";
+  ChosenUnseen user{path};
+  const DialogueHooks hooks{GetModuleHandleW(nullptr), nullptr, user};
+  for (const auto kind : {FileDialogueKind::Open, FileDialogueKind::Save}) {
+    EXPECT_EQ(environment_.ShowFileDialogue(kind, dialogue_), path);
+  }
+  dialogue_.FileName = path;
+  EXPECT_EQ(environment_.ShowFileDialogue(FileDialogueKind::Save, dialogue_), path) << "proposed as well";
 }
 
 // What a user sees of the dialogue while it is open.
@@ -187,7 +216,7 @@ void CALLBACK LookAndCancel(HWND, UINT, UINT_PTR, DWORD) {
   }
 }
 
-TEST_F(FileDialogues, ShowTitleFiltersAndProposedNameOverTheOwnersWindow) {
+TEST_F(FileDialogues, TitleFiltersAndProposedNameAppearOverTheOwner) {
   whatTheUserSaw.reset();
   // A timer of the thread: it is only served by the dialogue's own loop.
   const UINT_PTR timer = SetTimer(nullptr, 0, 50, LookAndCancel);

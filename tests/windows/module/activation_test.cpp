@@ -37,7 +37,7 @@ std::filesystem::path HostOf(const std::string& version) {
   return file;
 }
 
-TEST(Activation, ByAManifestNeedsNoRegistration) {
+TEST(Activation, AManifestReplacesTheRegistration) {
   ASSERT_EQ(ClassesBelow(addInProgId), RegistryLines{});
   ASSERT_FALSE(CreateRegisteredAddIn());
   {
@@ -53,7 +53,7 @@ TEST(Activation, ByAManifestNeedsNoRegistration) {
   EXPECT_EQ(ClassesBelow(addInProgId), RegistryLines{});
 }
 
-TEST(Activation, ByAManifestGivesTheTypeLibrary) {
+TEST(Activation, AManifestGivesTheTypeLibrary) {
   const ManifestInForce manifest{HostOf("1.0.0.135")};
   ASSERT_TRUE(manifest);
   ComPtr<ITypeLib> library;
@@ -63,7 +63,7 @@ TEST(Activation, ByAManifestGivesTheTypeLibrary) {
   EXPECT_EQ(Utf8FromBstr(name.Get()), "HZOCalibrateDevice");
 }
 
-TEST(Activation, IsRefusedForALaterVersionThanTheModules) {
+TEST(Activation, AManifestForALaterVersionIsRefused) {
   EXPECT_FALSE(ManifestInForce{HostOf("1.0.0.136")});
 }
 

@@ -1,4 +1,4 @@
-// What objects of the module come to and leave behind, and hosts that do not keep to the usual order.
+// What objects of the module leave behind, and how long the module stays.
 #include <gtest/gtest.h>
 
 #include <add_in.h>
@@ -18,9 +18,9 @@
 #include "files/file_settings_service.h"
 #include "instrument/links/link_factory.h"
 #include "win32/com_object.h"
-#include "win32/late_bound.h"
-#include "win32/text.h"
+#include "win32/unique_handle.h"
 #include "windows/module/memory_balance.h"
+#include "windows/support/add_in_use.h"
 #include "windows/support/program_folder.h"
 
 namespace zolvane {
@@ -28,12 +28,6 @@ namespace {
 
 const AddInFile& Module() {
   return ProgramFolder::OfThisRun().Module();
-}
-
-ComPtr<IAddInForm> FormOf(const ComPtr<IAddIn>& addIn) {
-  ComPtr<IAddInForm> form;
-  addIn->get_Form(form.Put());
-  return form;
 }
 
 // ---- Counters of the system that count
@@ -293,65 +287,14 @@ TEST(Lifetime, EachThreadHasAPageOfItsOwn) {
   EXPECT_NE(here, there);
 }
 
-// ---- Hosts that do not keep to the usual order
-
-TEST(OddHost, AnswersThatDoNotDependOnTheHost) {
-  const auto addIn = Module().Create();
-  UniqueBstr caption;
-  EXPECT_EQ(addIn->get_Caption(caption.Put()), S_OK);
-  EXPECT_EQ(Utf8FromBstr(caption.Get()), "Zolvane Setup");
-  const auto form = FormOf(addIn);
-  long topic = 0;
-  VARIANT_BOOL buttons = VARIANT_FALSE;
-  VARIANT_BOOL statusBar = VARIANT_FALSE;
-  EXPECT_EQ(form->get_HelpContextID(&topic), S_OK);
-  EXPECT_EQ(form->get_ShowButtons(&buttons), S_OK);
-  EXPECT_EQ(form->get_ShowStatusBar(&statusBar), S_OK);
-  EXPECT_EQ(topic, 9014);
-  EXPECT_EQ(buttons, VARIANT_TRUE);
-  EXPECT_EQ(statusBar, VARIANT_TRUE);
-}
-
-TEST(OddHost, GivesNoPlaceForAResult) {
-  const auto addIn = Module().Create();
-  const auto form = FormOf(addIn);
-  EXPECT_EQ(addIn->get_Caption(nullptr), E_POINTER);
-  EXPECT_EQ(addIn->get_Form(nullptr), E_POINTER);
-  EXPECT_EQ(form->get_Frame(nullptr), E_POINTER);
-  EXPECT_EQ(form->get_hwnd(nullptr), E_POINTER);
-  EXPECT_EQ(form->get_HelpContextID(nullptr), E_POINTER);
-  EXPECT_EQ(addIn->QueryInterface(IID_IUnknown, nullptr), E_POINTER);
-}
-
-TEST(OddHost, GivesNothingAtAll) {
-  const auto addIn = Module().Create();
-  const auto form = FormOf(addIn);
-  EXPECT_EQ(form->putref_FormParent(nullptr), S_OK);
-  EXPECT_EQ(form->LoadDefaults(), S_OK);
-  EXPECT_EQ(form->SaveChanges(), S_OK);
-  EXPECT_EQ(form->putref_ObjectParent(nullptr), S_OK);
-  EXPECT_EQ(form->putref_ObjectParent(nullptr), S_OK);
-  EXPECT_EQ(form->LoadDefaults(), S_OK);
-}
-
-TEST(OddHost, GivesObjectsWithoutMembers) {
-  {
-    const auto addIn = Module().Create();
-    const auto form = FormOf(addIn);
-    EXPECT_EQ(form->putref_FormParent(Offer({}).Get()), S_OK);
-    EXPECT_EQ(form->putref_ObjectParent(Offer({}).Get()), S_OK);
-    EXPECT_EQ(form->LoadDefaults(), S_OK);
-    EXPECT_EQ(form->SaveChanges(), S_OK);
-    EXPECT_EQ(form->putref_ObjectParent(nullptr), S_OK);
-  }
-  EXPECT_EQ(OfferedObjectsAlive(), 0);
-}
+// ---- Errors ----
 
 // Knows every name; each use raises an error that has much to say.
 class RaisingObject final : public ComObject<RaisingObject, IDispatch> {
  public:
   HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID* ids) override {
-    return *ids = 1, S_OK;
+    *ids = 1;
+    return S_OK;
   }
   HRESULT STDMETHODCALLTYPE Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO* exception,
                                    UINT*) override {
@@ -363,7 +306,7 @@ class RaisingObject final : public ComObject<RaisingObject, IDispatch> {
   }
 };
 
-TEST(OddHost, RaisesErrorsWhoseTextsAreNotKept) {
+TEST(Lifetime, TheTextsOfAnErrorThatAMemberRaisesAreNotKept) {
   const auto addIn = Module().Create();
   const auto form = FormOf(addIn);
   const auto window = RaisingObject::Make();
@@ -377,45 +320,6 @@ TEST(OddHost, RaisesErrorsWhoseTextsAreNotKept) {
   const MemoryBalance memory;
   use();
   EXPECT_EQ(memory.Bytes(), 0);
-}
-
-TEST(OddHost, DestroysItsWindowWithThePageInIt) {
-  const auto addIn = Module().Create();
-  const auto form = FormOf(addIn);
-  const HWND host = CreateWindowExW(0, L"STATIC", L"", WS_POPUP | WS_VISIBLE, 0, 0, 900, 600, nullptr,
-                                    nullptr, nullptr, nullptr);
-  ComPtr<IDispatch> frameObject;
-  ASSERT_EQ(form->get_Frame(frameObject.Put()), S_OK);
-  const auto text = LateBound{frameObject}.Read(L"hWnd")->ToText();
-  auto* const frame = reinterpret_cast<HWND>(static_cast<LONG_PTR>(std::stoll(*text)));
-  ASSERT_TRUE(IsWindow(frame));
-  ASSERT_NE(SetParent(frame, host), nullptr);
-  DestroyWindow(host);
-  EXPECT_FALSE(IsWindow(frame));
-  EXPECT_EQ(form->LoadDefaults(), S_OK);
-  EXPECT_EQ(form->putref_ObjectParent(nullptr), S_OK);
-}
-
-TEST(OddHost, LeavesOutTheDetaching) {
-  {
-    const auto addIn = Module().Create();
-    const auto form = FormOf(addIn);
-    form->putref_FormParent(Offer({}).Get());
-    form->putref_ObjectParent(Offer({}).Get());
-    form->LoadDefaults();
-  }
-  EXPECT_EQ(OfferedObjectsAlive(), 0);
-  EXPECT_EQ(Module().CanUnloadNow(), S_OK);
-}
-
-TEST(OddHost, UsesThePageByNameOnly) {
-  const auto addIn = Module().Create();
-  const LateBound byName{addIn.As<IDispatch>()};
-  EXPECT_EQ(byName.Read(L"caption")->ToText(), "Zolvane Setup");
-  const auto form = byName.ReadObject(L"FORM");
-  EXPECT_EQ(form.Read(L"HelpContextID")->ToText(), "9014");
-  EXPECT_TRUE(form.Call(L"LoadDefaults", {}).Ok());
-  EXPECT_FALSE(form.Read(L"NoSuchMember"));
 }
 
 }  // namespace

@@ -84,6 +84,19 @@ RegistryLines OwnClasses() {
   return lines;
 }
 
+HRESULT CallEntryPoint(const char* name) {
+  auto* const entry = reinterpret_cast<void*>(GetProcAddress(Module().Module(), name));
+  return reinterpret_cast<HRESULT(STDAPICALLTYPE*)()>(entry)();
+}
+
+HRESULT Register() {
+  return CallEntryPoint("DllRegisterServer");
+}
+
+HRESULT Unregister() {
+  return CallEntryPoint("DllUnregisterServer");
+}
+
 // The system's own program for it, and its exit status.
 DWORD RunRegsvr32(const std::wstring& options) {
   std::wstring line = L"regsvr32.exe " + options + L" \"" + ModulePath() + L"\"";
@@ -149,62 +162,62 @@ class Neighbours {
   std::vector<std::unique_ptr<ForeignKey>> foreign_;
 };
 
-TEST_F(Registration, WritesItsOwnKeysAndIsTakenBackWithoutATrace) {
+TEST_F(Registration, ItsOwnKeysAreWrittenAndTakenBackWithoutATrace) {
   const auto before = AllClasses();
   ASSERT_GT(before.size(), 100U);
-  ASSERT_EQ(Module().Register(), S_OK);
+  ASSERT_EQ(Register(), S_OK);
   EXPECT_EQ(OwnClasses(), RegisteredLines());
   const auto registered = AllClasses();
   EXPECT_EQ(Without(before, registered), RegistryLines{});
   const auto written = Without(registered, before);
   EXPECT_EQ(written.size(), RegisteredLines().size()) << testing::PrintToString(written);
-  ASSERT_EQ(Module().Unregister(), S_OK);
+  ASSERT_EQ(Unregister(), S_OK);
   EXPECT_EQ(AllClasses(), before);
 }
 
-TEST_F(Registration, TwiceIsTheSameAsOnce) {
-  ASSERT_EQ(Module().Register(), S_OK);
-  ASSERT_EQ(Module().Register(), S_OK);
+TEST_F(Registration, RegisteringTwiceIsTheSameAsOnce) {
+  ASSERT_EQ(Register(), S_OK);
+  ASSERT_EQ(Register(), S_OK);
   EXPECT_EQ(OwnClasses(), RegisteredLines());
-  ASSERT_EQ(Module().Unregister(), S_OK);
+  ASSERT_EQ(Unregister(), S_OK);
   EXPECT_EQ(OwnClasses(), RegistryLines{});
-  EXPECT_EQ(Module().Unregister(), S_OK);
+  EXPECT_EQ(Unregister(), S_OK);
   EXPECT_EQ(OwnClasses(), RegistryLines{});
 }
 
-TEST_F(Registration, LeavesItsNeighboursAlone) {
+TEST_F(Registration, NeighbouringKeysStay) {
   const Neighbours neighbours;
   const auto before = Neighbours::Lines();
-  ASSERT_EQ(Module().Register(), S_OK);
+  ASSERT_EQ(Register(), S_OK);
   EXPECT_EQ(Without(before, Neighbours::Lines()), RegistryLines{});
-  ASSERT_EQ(Module().Unregister(), S_OK);
+  ASSERT_EQ(Unregister(), S_OK);
   EXPECT_EQ(Neighbours::Lines(), before);
 }
 
-TEST_F(Registration, ReplacesWhatAnOlderCopyLeft) {
+TEST_F(Registration, WhatAnOlderCopyLeftIsReplaced) {
   ForeignKey older{std::wstring{classKey} + L"\\InprocServer32"};
   older.SetText(L"", L"C:\\old\\HZOCalibrateDevice.dll");
   older.SetText(L"ThreadingModel", L"Both");
-  ASSERT_EQ(Module().Register(), S_OK);
+  ASSERT_EQ(Register(), S_OK);
   EXPECT_EQ(OwnClasses(), RegisteredLines());
 }
 
-TEST_F(Registration, IsDoneAndTakenBackByTheSystemsProgram) {
+TEST_F(Registration, TheSystemsProgramRegistersAndUnregisters) {
   EXPECT_EQ(RunRegsvr32(L"/s"), 0U);
   EXPECT_EQ(OwnClasses(), RegisteredLines());
   EXPECT_EQ(RunRegsvr32(L"/s /u"), 0U);
   EXPECT_EQ(OwnClasses(), RegistryLines{});
 }
 
-TEST_F(Registration, KeepsWhatTheComponentForOtherProgramsNeeds) {
+TEST_F(Registration, WhatTheComponentOfTheOtherKindNeedsStays) {
   if (!isFor64Bits) {
     GTEST_SKIP() << "this system has programs of one kind only";
   }
   const ForeignKey otherClass{classKey, Lifetime::Lasts, KEY_WOW64_32KEY};
-  ASSERT_EQ(Module().Register(), S_OK);
+  ASSERT_EQ(Register(), S_OK);
   ForeignKey otherLibrary{std::wstring{libraryKey} + L"\\1.0\\0\\win32"};
   otherLibrary.SetText(L"", L"C:\\other\\HZOCalibrateDevice.dll");
-  ASSERT_EQ(Module().Unregister(), S_OK);
+  ASSERT_EQ(Unregister(), S_OK);
   EXPECT_EQ(ClassesBelow(classKey), RegistryLines{});
   EXPECT_EQ(ClassesBelow(interfaceKey), RegistryLines{});
   EXPECT_EQ(ClassesBelow(programKey).size(), 4U);
@@ -238,7 +251,7 @@ std::vector<Refusal> Refusals() {
   };
 }
 
-TEST_F(Registration, ThatIsRefusedAnywhereChangesNothing) {
+TEST_F(Registration, ARefusalAnywhereChangesNothing) {
   const auto untouched = AllClasses();
   for (const auto& [where, keys] : Refusals()) {
     SCOPED_TRACE(where);
@@ -250,7 +263,7 @@ TEST_F(Registration, ThatIsRefusedAnywhereChangesNothing) {
         planted.back()->SetText(L"Version", L"0.9");
       }
       const auto before = OwnClasses();
-      EXPECT_EQ(Module().Register(), childMustBeVolatile);
+      EXPECT_EQ(Register(), childMustBeVolatile);
       EXPECT_EQ(OwnClasses(), before);
     }
     ASSERT_EQ(OwnClasses(), RegistryLines{});
@@ -258,7 +271,7 @@ TEST_F(Registration, ThatIsRefusedAnywhereChangesNothing) {
   EXPECT_EQ(AllClasses(), untouched);
 }
 
-TEST_F(Registration, ThatIsRefusedForWantOfRightsSaysSo) {
+TEST_F(Registration, ARefusalForMissingRightsSaysSo) {
   struct Rights {
     const char* Missing;
     const wchar_t* Descriptor;
@@ -277,7 +290,7 @@ TEST_F(Registration, ThatIsRefusedForWantOfRightsSaysSo) {
       guarded.SetText(L"", L"somebody else's");
       const auto before = OwnClasses();
       guarded.Allow(descriptor);
-      EXPECT_EQ(Module().Register(), E_ACCESSDENIED);
+      EXPECT_EQ(Register(), E_ACCESSDENIED);
       guarded.Allow(everybodyMayAll);
       EXPECT_EQ(OwnClasses(), before);
     }
@@ -285,30 +298,30 @@ TEST_F(Registration, ThatIsRefusedForWantOfRightsSaysSo) {
   }
 }
 
-TEST_F(Registration, ThatIsRefusedFailsInTheSystemsProgramToo) {
+TEST_F(Registration, ARefusalFailsInTheSystemsProgramToo) {
   const ForeignKey refusing{interfaceKey, Lifetime::Volatile};
   const auto before = OwnClasses();
   EXPECT_NE(RunRegsvr32(L"/s"), 0U);
   EXPECT_EQ(OwnClasses(), before);
 }
 
-TEST_F(Registration, ThatMayNotBeTakenBackStaysWhole) {
+TEST_F(Registration, WhatMayNotBeTakenBackStaysWhole) {
   for (const auto& key : {std::wstring{classKey}, std::wstring{programKey},
                           libraryKey + std::wstring{L"\\1.0"}, std::wstring{interfaceKey}}) {
     SCOPED_TRACE(Utf8(key));
     ForeignKey guarded{key};
-    ASSERT_EQ(Module().Register(), S_OK);
+    ASSERT_EQ(Register(), S_OK);
     guarded.Allow(L"D:(D;;0x10000;;;WD)(A;;KA;;;WD)");  // the right to delete
-    EXPECT_EQ(Module().Unregister(), E_ACCESSDENIED);
+    EXPECT_EQ(Unregister(), E_ACCESSDENIED);
     EXPECT_EQ(OwnClasses(), RegisteredLines());
   }
 }
 
 // ---- What a host finds
 
-TEST_F(Registration, LetsAHostCreateTheClassByItsName) {
+TEST_F(Registration, AHostCreatesTheClassByItsName) {
   EXPECT_FALSE(CreateRegisteredAddIn());
-  ASSERT_EQ(Module().Register(), S_OK);
+  ASSERT_EQ(Register(), S_OK);
   {
     const auto addIn = CreateRegisteredAddIn();
     ASSERT_TRUE(addIn);
@@ -321,10 +334,10 @@ TEST_F(Registration, LetsAHostCreateTheClassByItsName) {
   EXPECT_EQ(Module().CanUnloadNow(), S_OK);
 }
 
-TEST_F(Registration, LetsAHostLoadTheTypeLibrary) {
+TEST_F(Registration, AHostLoadsTheTypeLibrary) {
   ComPtr<ITypeLib> library;
   EXPECT_EQ(LoadRegTypeLib(LIBID_HZOCalibrateDevice, 1, 0, 0, library.Put()), TYPE_E_LIBNOTREGISTERED);
-  ASSERT_EQ(Module().Register(), S_OK);
+  ASSERT_EQ(Register(), S_OK);
   UniqueBstr path;
   ASSERT_EQ(QueryPathOfRegTypeLib(LIBID_HZOCalibrateDevice, 1, 0, 0, path.Put()), S_OK);
   EXPECT_EQ(Utf8(path.Get()), Utf8(ModulePath()));

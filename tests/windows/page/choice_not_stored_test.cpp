@@ -60,7 +60,7 @@ class ChoiceNotStored : public testing::Test {
   DialogueHooks hooks_{ProgramFolder::OfThisRun().Module().Module(), nullptr, shown_};
 };
 
-TEST_F(ChoiceNotStored, OfAListIsToldInAStopBoxThatNamesTheFile) {
+TEST_F(ChoiceNotStored, AStopBoxNamesTheFile) {
   Choose(anotherTip);
   ASSERT_EQ(shown_.Boxes.size(), 1U);
   const auto& box = shown_.Boxes.front();
@@ -72,7 +72,7 @@ TEST_F(ChoiceNotStored, OfAListIsToldInAStopBoxThatNamesTheFile) {
                 "be written, then choose again.");
 }
 
-TEST_F(ChoiceNotStored, OfAListStaysOnThePageAsTheUserMadeIt) {
+TEST_F(ChoiceNotStored, AListKeepsTheChoiceOnThePage) {
   const auto stored = HostedPage::Stored("TipType", "Installed");
   ASSERT_NE(SendMessageW(Control(tipList), CB_GETCURSEL, 0, 0), anotherTip);
   Choose(anotherTip);
@@ -80,7 +80,7 @@ TEST_F(ChoiceNotStored, OfAListStaysOnThePageAsTheUserMadeIt) {
   EXPECT_EQ(HostedPage::Stored("TipType", "Installed"), stored);
 }
 
-TEST_F(ChoiceNotStored, OfABoxIsToldOnceAndStaysOnThePage) {
+TEST_F(ChoiceNotStored, ABoxKeepsItsStateAndTheUserIsToldOnce) {
   ASSERT_EQ(SendMessageW(Control(rfidBox), BM_GETCHECK, 0, 0), BST_CHECKED);
   SendMessageW(Control(rfidBox), BM_CLICK, 0, 0);
   EXPECT_EQ(shown_.Boxes.size(), 1U);
@@ -88,14 +88,14 @@ TEST_F(ChoiceNotStored, OfABoxIsToldOnceAndStaysOnThePage) {
   EXPECT_EQ(HostedPage::Stored("DeviceType", "SensorEnableRFID"), "1");
 }
 
-TEST_F(ChoiceNotStored, IsToldForEachOfTheUsersActions) {
+TEST_F(ChoiceNotStored, TheUserIsToldAfterEachAction) {
   Choose(anotherTip);
   Choose(0);
   SendMessageW(Control(rfidBox), BM_CLICK, 0, 0);
   EXPECT_EQ(shown_.Boxes.size(), 3U);
 }
 
-TEST_F(ChoiceNotStored, InAListThatClosesIsToldOnce) {
+TEST_F(ChoiceNotStored, TheUserIsToldOnceWhenAListCloses) {
   SendMessageW(Control(tipList), CB_SHOWDROPDOWN, TRUE, 0);
   SendMessageW(Control(tipList), CB_SETCURSEL, anotherTip, 0);
   Notify(tipList, CBN_SELCHANGE);
@@ -104,8 +104,8 @@ TEST_F(ChoiceNotStored, InAListThatClosesIsToldOnce) {
   EXPECT_EQ(shown_.Boxes.size(), 1U);
 }
 
-// Not every system tells of an entry that is chosen and was selected already.
-TEST_F(ChoiceNotStored, OfAListIsStoredWhenTheSameEntryIsChosenAgain) {
+// Not every system reports the choice of an entry that was selected already.
+TEST_F(ChoiceNotStored, ChoosingTheSameEntryAgainStoresIt) {
   Choose(anotherTip);
   page_.Host().RefusesWrites = false;
   SendMessageW(Control(tipList), CB_SHOWDROPDOWN, TRUE, 0);
@@ -115,7 +115,7 @@ TEST_F(ChoiceNotStored, OfAListIsStoredWhenTheSameEntryIsChosenAgain) {
   EXPECT_EQ(shown_.Boxes.size(), 1U);
 }
 
-TEST_F(ChoiceNotStored, IsToldOnceEachTimeThatTheSameEntryIsChosenAgain) {
+TEST_F(ChoiceNotStored, TheUserIsToldOnceEachTimeTheSameEntryIsChosenAgain) {
   Choose(anotherTip);
   SendMessageW(Control(tipList), CB_SHOWDROPDOWN, TRUE, 0);
   Notify(tipList, CBN_SELCHANGE);
@@ -124,12 +124,12 @@ TEST_F(ChoiceNotStored, IsToldOnceEachTimeThatTheSameEntryIsChosenAgain) {
   EXPECT_EQ(shown_.Boxes.size(), 2U);
 }
 
-TEST_F(ChoiceNotStored, IsNotToldOfWhatThePageItselfSelects) {
+TEST_F(ChoiceNotStored, TheUserIsNotToldWhatThePageItselfSelects) {
   page_.Form()->LoadDefaults();
   EXPECT_TRUE(shown_.Boxes.empty());
 }
 
-TEST_F(ChoiceNotStored, IsNotToldWhenItWasStored) {
+TEST_F(ChoiceNotStored, TheUserIsNotToldWhenTheChoiceWasStored) {
   page_.Host().RefusesWrites = false;
   Choose(anotherTip);
   SendMessageW(Control(rfidBox), BM_CLICK, 0, 0);
@@ -160,7 +160,7 @@ class OverTheHost final : public DialogueSpectator {
   DialogueAnswerer answerer_;
 };
 
-TEST(AChoiceThatCouldNotBeStored, IsToldInABoxThatAppearsAndGivesTheHostBack) {
+TEST(ChoiceNotStoredOnScreen, TheBoxAppearsAndGivesTheHostBack) {
   HostedPage page;
   OverTheHost user{page.Window()};
   const DialogueHooks hooks{ProgramFolder::OfThisRun().Module().Module(), nullptr, user};
@@ -171,7 +171,7 @@ TEST(AChoiceThatCouldNotBeStored, IsToldInABoxThatAppearsAndGivesTheHostBack) {
   EXPECT_NE(user.Text.find(ProgramFolder::OfThisRun().FileText("Zolvane.ini")), std::string::npos);
 }
 
-TEST(AChoiceThatCouldNotBeStored, DoesNotHoldUpARunFileAndCountsAsFailed) {
+TEST(ChoiceNotStoredOnScreen, ARunFileGoesOnAndCountsItAsFailed) {
   HostedPage page;
   Player player{{.Listed = {}, .AffirmsRest = false}, [](const std::string&) {}};
   const DialogueHooks hooks{ProgramFolder::OfThisRun().Module().Module(), nullptr, player};

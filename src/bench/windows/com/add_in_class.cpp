@@ -14,11 +14,6 @@ Function* EntryPoint(HMODULE module, const char* name) {
   return reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(module, name)));
 }
 
-HRESULT CallEntry(HMODULE module, const char* name) {
-  auto* const entry = EntryPoint<HRESULT STDAPICALLTYPE()>(module, name);
-  return entry != nullptr ? entry() : E_NOTIMPL;
-}
-
 }  // namespace
 
 AddInFile::AddInFile(const std::wstring& path)
@@ -39,15 +34,8 @@ HRESULT AddInFile::GetClassObject(REFCLSID classId, REFIID iid, void** object) c
 }
 
 HRESULT AddInFile::CanUnloadNow() const {
-  return CallEntry(module_, "DllCanUnloadNow");
-}
-
-HRESULT AddInFile::Register() const {
-  return CallEntry(module_, "DllRegisterServer");
-}
-
-HRESULT AddInFile::Unregister() const {
-  return CallEntry(module_, "DllUnregisterServer");
+  auto* const entry = EntryPoint<HRESULT STDAPICALLTYPE()>(module_, "DllCanUnloadNow");
+  return entry != nullptr ? entry() : E_NOTIMPL;
 }
 
 ComPtr<IAddIn> AddInFile::Create() const {

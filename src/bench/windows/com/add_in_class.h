@@ -26,8 +26,6 @@ class AddInFile {
   // What the module answers.
   HRESULT GetClassObject(REFCLSID classId, REFIID iid, void** object) const;
   HRESULT CanUnloadNow() const;
-  HRESULT Register() const;
-  HRESULT Unregister() const;
 
   // A new object of the class Connect. Throws std::runtime_error.
   ComPtr<IAddIn> Create() const;
