@@ -1,5 +1,5 @@
-// The programs without windows, as processes on Windows: what they print and trace is what the same code does in the
-// test's own process, and the wire carries it.
+// The programs without windows, as processes on Windows: what they print and trace is what the same code does
+// in the test's own process, and the wire carries it.
 #include <gtest/gtest.h>
 
 #include <sstream>

@@ -27,7 +27,7 @@ namespace {
 
 using Arguments = std::vector<std::string>;
 
-// A folder with a configuration and nothing else, as a user keeps one for the bench.
+// A folder with only a configuration in it, as a user keeps one for the bench.
 class Folder {
  public:
   Folder() : path_{ProgramFolder::OfThisRun().Path() / "bench"} {

@@ -1,6 +1,6 @@
-// What the add-in says to the host's late-bound objects, to the letter: the names of members and the types of values.
-// The host here shares nothing with the add-in. It has its own spelling of the names, and looks at what arrives before
-// anything could convert it.
+// What the add-in says to the host's late-bound objects, to the letter: the names of members and the types of
+// values. The host here shares no code with the add-in. It spells the names itself, and looks at what arrives
+// before anything could convert it.
 #include <gtest/gtest.h>
 
 #include <hestrion_cmds.h>
@@ -61,7 +61,8 @@ std::string_view KindOf(WORD flags) {
   return (flags & DISPATCH_PROPERTYPUT) != 0 ? "put" : (flags & DISPATCH_PROPERTYGET) != 0 ? "get" : "call";
 }
 
-// One object of the host. Its members answer with an object or a value of their own, and each use of one is written down.
+// One object of the host. Its members answer with an object or a value of their own, and each use of one
+// is written down.
 class HandMade final : public IDispatch {
  public:
   struct Member {

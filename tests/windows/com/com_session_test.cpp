@@ -1,5 +1,5 @@
-// Whole sessions through COM, against the same sessions on the bench: the host must hear the same calls in the same
-// order, and files and page must end up the same.
+// Whole sessions through COM, against the same sessions on the bench: the host must get the same calls in the
+// same order, and files and page must end up the same.
 #include <gtest/gtest.h>
 
 #include <random>

@@ -1,5 +1,5 @@
-// The host's settings-file service as a bare table of functions, written from the numbers of its slots and without the
-// interface that the module was built with. Only the three documented operations may be called.
+// The host's settings-file service as a bare table of functions, written from the numbers of its slots and
+// without the interface that the module was built with. Only the three documented operations may be called.
 #include <gtest/gtest.h>
 
 #include <add_in.h>
@@ -50,7 +50,8 @@ ULONG WINAPI Release(Service* self) {
   return static_cast<ULONG>(--self->Log.References);
 }
 
-// What else stands in the table: nobody may call it. The arguments are unknown, so a caller in 32 bits does not survive.
+// What else stands in the table: nobody may call it. The arguments are unknown, so a caller in 32 bits
+// does not survive.
 template <int Number>
 HRESULT WINAPI NotForTheAddIn(Service*) {
   ADD_FAILURE() << "slot " << Number << " was called";

@@ -85,7 +85,7 @@ TEST_F(UseByName, ANullObjectDetachesThePage) {
   EXPECT_EQ(PageWindow(), 0);
 }
 
-// An object without the face that late binding needs.
+// An object that cannot be used by name.
 struct Faceless final : IUnknown {
   HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
     *object = iid == IID_IUnknown ? this : nullptr;

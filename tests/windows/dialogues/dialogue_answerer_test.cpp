@@ -1,4 +1,4 @@
-// The user of these tests, who has a thread of its own.
+// The user of these tests, who runs in a thread of its own.
 #include "bench/windows/play/dialogue_answerer.h"
 
 #include <gtest/gtest.h>
@@ -12,8 +12,8 @@ void LetTimePass(int microseconds) {
   }
 }
 
-// The thread is told to end while it starts, while it begins to wait, and while it waits. One that misses it is waited
-// for without end.
+// The thread is asked to end while it starts, while it begins to wait, and while it waits. If it missed that,
+// the test would wait for ever.
 TEST(DialogueAnswerer, EndsAtWhateverMomentItIsToldTo) {
   for (int round = 0; round < 2000; ++round) {
     const DialogueAnswerer user;
@@ -21,7 +21,7 @@ TEST(DialogueAnswerer, EndsAtWhateverMomentItIsToldTo) {
   }
 }
 
-// With nothing to press it looks again and again, and ends from there as well.
+// With no box to answer it looks again and again, and ends from there as well.
 TEST(DialogueAnswerer, EndsWithWorkLeftToDo) {
   for (int round = 0; round < 500; ++round) {
     DialogueAnswerer user;

@@ -1,4 +1,4 @@
-// Boxes, file dialogues and the message loop as the operations get them from the system.
+// Boxes, file dialogues and the message loop, as operations get them from the system.
 #include "shell/windows/host/windows_environment.h"
 
 #include <gtest/gtest.h>
@@ -63,8 +63,8 @@ TEST_F(MessageLoop, EverythingThatWaitsIsDispatched) {
   EXPECT_EQ(Heard(WM_APP), 100) << "and returns when nothing waits";
 }
 
-// The system gives a request to quit before timers and what the user does. A dialogue waited for would never be
-// answered if these were held back by it.
+// The system gives a request to quit before timers and what the user does. A dialogue waited for would never
+// be answered if these were held back by it.
 TEST_F(MessageLoop, ARequestToQuitIsLeftToTheHostAndTheRestGoesOn) {
   SetTimer(window_, 1, 10, nullptr);
   PostQuitMessage(7);

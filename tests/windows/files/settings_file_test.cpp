@@ -1,5 +1,5 @@
-// The bench's settings file on Windows: other programs' changes are seen although a look opens nothing, and what
-// Windows keeps beside the bytes of a file. What holds on every system is in files/.
+// The bench's settings file on Windows: other programs' changes are seen although a look opens nothing, and
+// what Windows keeps beside the bytes of a file. What holds on every system is in files/.
 #include <gtest/gtest.h>
 
 #include <windows.h>
@@ -98,7 +98,7 @@ TEST_F(SettledFile, IsAFailedReadWhileAnotherProgramSharesItWithNobody) {
   EXPECT_EQ(file_->Read().Bytes, "[A]\r\nx=1\r\n");
 }
 
-// The system does not let a file be replaced that somebody has open.
+// The system refuses to replace a file that a program has open.
 TEST_F(SettledFile, IsInUseWhileAnotherProgramReadsIt) {
   {
     const OpenFile other{path_, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE};
@@ -119,7 +119,7 @@ std::string AccessListOf(const std::filesystem::path& path) {
   return list;
 }
 
-// Nobody but one group may do anything: such a list no new file in this folder gets by itself.
+// Only one group may do anything: no new file in this folder inherits such a list.
 void LetOnlyAdministratorsIn(const std::filesystem::path& path) {
   std::array<std::byte, SECURITY_MAX_SID_SIZE> group{};
   auto groupSize = static_cast<DWORD>(group.size());

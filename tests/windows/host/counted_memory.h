@@ -1,4 +1,5 @@
-// The memory of this program, which the component's sources are a part of here: it can run out, and is counted.
+// The memory of this program, which the component's sources are a part of here: it can run out,
+// and is counted.
 #pragma once
 
 #include <limits>

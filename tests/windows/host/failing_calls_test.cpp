@@ -1,5 +1,6 @@
-// Every operation again and again, each time with another one of its host calls failing: over COM, in the ways in which
-// such calls fail, and on the portable parts. The host must hear the same calls, and files and page must end up the same.
+// Every operation again and again, each time with another one of its host calls failing: over COM, in the
+// ways in which such calls fail, and on the portable parts. The host must get the same calls, and files and
+// page must end up the same.
 #include <gtest/gtest.h>
 
 #include <add_in.h>
@@ -115,10 +116,10 @@ RunOutcome PlayOnModule(const PlayedOperation& operation, const FailingCall& fai
 
 // ---- Which calls fail ----
 
-// Most calls of an operation differ in nothing but the number of their record or in their values, and what they come to in
-// the module is the same few lines. So each kind of call fails where it comes first and where it comes last, and beside
-// these every so-many-th call, to meet other states of the operation. Calls by name fail in each of the ways, from the
-// first to the last of their kind; those of the settings-file service take turns.
+// Most calls of an operation differ only in the number of their record or in their values, and run the same
+// few lines of the module. So each kind of call fails where it comes first and where it comes last, and so
+// does every n-th call, to meet other states of the operation. Calls by name fail in each of the ways, spread
+// from the first to the last of their kind; for those of the settings-file service the ways take turns.
 std::vector<FailingCall> FailuresOf(const std::vector<HostCall>& calls) {
   const std::size_t stride = calls.size() / 16;
   std::vector<FailingCall> failures;

@@ -17,7 +17,7 @@
 
 namespace zolvane {
 
-// How a call over COM fails. Where a way does not fit the call it is Refusal.
+// How a call over COM fails. A way that does not fit the call counts as Refusal.
 enum class FailureWay : std::uint8_t {
   NoSuchName,         // the member's name is not understood
   Refusal,            // a failing status
@@ -35,13 +35,13 @@ struct HostCall {
   bool IsByName = false;
 };
 
-// All calls of a host in their order, from the call of Begin to that of End. The failing one, counted from 1, does not
+// All calls of a host in their order, between Begin and End. The failing one, counted from 1, does not
 // reach the host.
 class HostFaults {
  public:
   void Begin(std::size_t failing, FailureWay way);
 
-  // From now on the host does this in the call that would fail, which then is as any other.
+  // From now on the host does this at the call that would fail, and the call then goes on as usual.
   void ActInsteadOfFailing(std::function<void()> act) { act_ = std::move(act); }
 
   void End() { isCounting_ = false; }

@@ -20,7 +20,7 @@ void PrepareFiles() {
   std::filesystem::remove(PathOfBackup());
 }
 
-// What the module does by itself and no host hears of.
+// What the module does on its own, which no host sees.
 bool IsHeard(const std::string& line) {
   return line.find(R"("event":"yield")") == std::string::npos &&
          line.find(R"("event":"append_blank_line")") == std::string::npos;

@@ -1,5 +1,5 @@
-// One run of an operation with a host one of whose calls fails, or does something else: what the runs over COM and on
-// the portable parts share.
+// One run of an operation with a host one of whose calls fails, or does something else: what the runs over
+// COM and on the portable parts share.
 #pragma once
 
 #include <cstddef>
@@ -37,8 +37,8 @@ struct FailingCall {
 // The file that the operation's dialogue gives; nullopt for operations without one.
 std::optional<std::string> FileFor(const PlayedOperation& operation);
 
-// Settings files in memory: thousands of sessions on the disk would take too long. What the add-in does to a file
-// without the service still happens on the disk.
+// Settings files in memory, as thousands of sessions on the disk would take too long. What the add-in does to
+// a file without the service still happens on the disk.
 class MemorySettings final : public IniFileService {
  public:
   MemorySettings();
@@ -81,7 +81,7 @@ class MemoryProcess final : public ForwardingEnvironment {
   std::shared_ptr<IniFileService> CreateIniFileService() override { return Files; }
 };
 
-// The host of one run, as far as both sides share it.
+// The host of one run: the part that both sides share.
 class FaultyRun {
  public:
   explicit FaultyRun(const PlayedOperation& operation);
@@ -122,7 +122,7 @@ class FaultyRun {
   static BenchHost::Setup SetupFor(const PlayedOperation& operation);
 };
 
-// Boxes and dialogues are answered at once: that they appear is looked at elsewhere.
+// Answers boxes and dialogues at once, without showing them: other tests show that they appear.
 class UnshownDialogues final : public DialogueSpectator {
  public:
   explicit UnshownDialogues(const PlayedOperation& operation) : file_{FileFor(operation)} {}

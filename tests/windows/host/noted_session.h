@@ -1,5 +1,5 @@
-// The session of a test with a host in good order, which notes what the add-in does. Tests take something away from it,
-// or end the session when they like.
+// The session of a test with a host in good order, which notes what the add-in does. Tests take something
+// away from it, or end the session when they like.
 #pragma once
 
 #include <gtest/gtest.h>

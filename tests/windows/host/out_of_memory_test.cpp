@@ -1,4 +1,4 @@
-// Memory that runs out in each step of a session.
+// Memory that runs out in each step of a session, at every allocation.
 #include <gtest/gtest.h>
 
 #include <hestrion_cmds.h>

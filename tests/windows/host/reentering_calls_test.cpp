@@ -1,4 +1,4 @@
-// Hosts that call back into the page, or let go of it, at each of their calls in turn.
+// Hosts that call back into the page, or release it, at each of their calls in turn.
 #include <gtest/gtest.h>
 
 #include <hestrion_cmds.h>
@@ -33,7 +33,7 @@ constexpr std::array reentries{Reentry::Detaches,
                                Reentry::GivesItsObjectsAgain,
                                Reentry::Sends};
 
-// A session whose host calls back into the page, or lets go of it, at one of its calls.
+// A session whose host calls back into the page, or releases it, at one of its calls.
 class ReenteringSession {
  public:
   ReenteringSession(const PlayedOperation& operation, std::size_t call, Reentry reentry)

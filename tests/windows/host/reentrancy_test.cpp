@@ -1,4 +1,4 @@
-// Hosts that call back, detach the page or let go of it in the middle of a call.
+// Hosts that call back, detach the page or release it in the middle of a call.
 #include <gtest/gtest.h>
 
 #include <cstddef>

@@ -49,7 +49,7 @@ class OneRecordEach final : public IniFileService {
   }
 };
 
-// The host's objects, all that a session needs.
+// The host's objects that a session needs.
 struct HostObjects {
   ComPtr<IDispatch> Link =
       Offer({{names::hold, set, Accept},

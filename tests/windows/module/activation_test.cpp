@@ -1,4 +1,4 @@
-// A host whose manifest names the module as an assembly creates the class with nothing registered.
+// A host whose manifest names the module as an assembly creates the class without any registration.
 #include <gtest/gtest.h>
 
 #include <add_in.h>

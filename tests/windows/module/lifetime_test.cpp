@@ -184,7 +184,7 @@ void PlayWholeSession(Host& host) {
   EXPECT_EQ(session.Caption(), "Zolvane Setup");
 }
 
-// Runs the session until all that is made once and kept is made, and then so often.
+// Warms up until everything is made that is made once and kept; then runs the session `count` times.
 template <class Session>
 void ExpectNothingLeftBehind(int count, const Session& session) {
   constexpr int warmUp = 20;

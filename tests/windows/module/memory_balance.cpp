@@ -19,7 +19,7 @@ long long SizeOf(HANDLE heap, const void* block) {
   return size != static_cast<SIZE_T>(-1) ? static_cast<long long>(size) : 0;
 }
 
-// ---- What the modules call instead of the heap. Whichever function of the system a program calls, it ends in one of
+// ---- What the modules call instead of the heap. Whichever of the system's functions a program calls ends in one of
 // these three, and once.
 
 struct Heap {

@@ -5,9 +5,9 @@
 
 namespace zolvane {
 
-// Counts, while it lives, in all heaps and for all modules that are loaded when it is made. One at a time in a process.
-// It stands between the modules and the heap, because a walk through a heap does not show every block: Wine 10 hands
-// small ones out of groups, each of which it shows as one block.
+// Counts, while it lives, in all heaps and for all modules that are loaded when it is made. One at a time in
+// a process. It stands between the modules and the heap, because a walk through a heap does not show every
+// block: Wine 10 hands small ones out of groups, each of which it shows as one block.
 class MemoryBalance {
  public:
   MemoryBalance();

@@ -1,5 +1,5 @@
-// The registered classes of the machine, "Software\Classes", as tests look at them and tamper with them. Keys are named
-// from there.
+// The registered classes of the machine, "Software\Classes", as tests look at them and tamper with them. Keys
+// are named from there.
 #pragma once
 
 #include <set>
@@ -23,8 +23,8 @@ RegistryLines Without(const RegistryLines& lines, const RegistryLines& others);
 // A security descriptor.
 inline constexpr const wchar_t* everybodyMayAll = L"D:(A;;KA;;;WD)";
 
-// A key of somebody else's, gone with all that is in it when this ends. In a volatile one no other key can be made that
-// is to last.
+// A foreign key, which goes with everything in it when this ends. In a volatile one no other key can be made
+// that is to last.
 class ForeignKey {
  public:
   enum class Lifetime { Lasts, Volatile };

@@ -115,7 +115,7 @@ DWORD RunRegsvr32(const std::wstring& options) {
   return status;
 }
 
-// The registry is the machine's: whatever a test comes to, nothing of it stays there.
+// The registry is the machine's: however a test ends, it leaves nothing there.
 class Registration : public testing::Test {
  protected:
   Registration() { Clean(); }

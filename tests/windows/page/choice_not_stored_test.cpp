@@ -1,4 +1,4 @@
-// What the page's window says when a choice of the user could not be stored.
+// What the page's window says if one of the user's choices could not be stored.
 #include <gtest/gtest.h>
 
 #include <string>

@@ -1,4 +1,4 @@
-// The page as a user of the host sees and uses it, after the host has taken its frame into a window of its own.
+// The page as a user sees and uses it once the host has taken its frame into one of its windows.
 #include <gtest/gtest.h>
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-// A page that nothing happens on.
+// Ignores what the user does on a page.
 #pragma once
 
 #include "page/page_view.h"

@@ -1,4 +1,4 @@
-// A program as a process of its own, with what it prints.
+// A program in a process of its own, with what it prints.
 #pragma once
 
 #include <filesystem>
@@ -29,7 +29,7 @@ class ChildProcess {
   DWORD Id() const { return id_; }
   bool IsRunning() const;
 
-  // Its exit status. A failure of the test, and nothing, when it does not end.
+  // Its exit status. Fails the test and returns nullopt if it does not end.
   std::optional<int> Wait();
 
   // What it has printed until now.

@@ -16,7 +16,8 @@
 
 namespace zolvane {
 
-// A host that hears what the page asks for. Each command to the instrument is shown to the test while it is under way.
+// A host that notes what the page asks for. The test sees each command to the instrument while it
+// is under way.
 struct PageHost {
   int FocusRequests = 0;
   int Writes = 0;              // to settings files

@@ -25,7 +25,7 @@ constexpr const char* runFile = "commands.txt";
 constexpr const char* traceFile = "trace.jsonl";
 constexpr const char* backupFile = "new.bak";
 
-// What the module does by itself and no host hears of.
+// What the module does on its own, which no host sees.
 bool IsHeardByHost(const std::string& line) {
   static const std::set<std::string> unheard{"control", "yield", "append_blank_line"};
   return !unheard.contains(nlohmann::json::parse(line).at("event").get<std::string>());

@@ -1,4 +1,5 @@
-// A session as the bench plays it on the portable parts, and the same session as a host of the module sees it.
+// A session as the bench plays it on the portable parts, and the same session as a host of the
+// module sees it.
 #pragma once
 
 #include <istream>
@@ -32,7 +33,7 @@ struct PlayedSession {
   nlohmann::json Page;             // at the end, as the bench prints it
 };
 
-// The events of a trace that the host hears of. The others are the module's own.
+// The events of a trace that are calls of the host. The others are the module's own.
 std::vector<std::string> HostCalls(std::istream& trace);
 
 PlayedSession PlayOnBench(const SessionPlan& plan);

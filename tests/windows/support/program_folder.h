@@ -1,4 +1,4 @@
-// A program folder of its own, with the module and a configuration in it, as an installation leaves them.
+// A program folder for the tests, with the module and a configuration in it, as an installation leaves them.
 #pragma once
 
 #include <filesystem>
@@ -18,7 +18,8 @@ std::string SampleConfiguration();
 // One record of a kind, and all operations permitted.
 std::string SmallConfiguration();
 
-// One for the whole test program, since a module is loaded once in the life of a host. COM is in use meanwhile.
+// One for the whole test program, since a module is loaded once in the life of a host. COM is
+// in use meanwhile.
 class ProgramFolder {
  public:
   static ProgramFolder& OfThisRun();

@@ -113,8 +113,7 @@ void PageAppearance::FitDropDown(ListControl list) const {
 
 bool PageAppearance::HasControlAt(POINT place) const {
   const DialogueUnits units{fonts_.Text.Get()};
-  const auto rows = PageLayout();
-  return std::any_of(rows.begin(), rows.end(), [&](const ControlRow& row) {
+  return std::ranges::any_of(PageLayout(), [&](const ControlRow& row) {
     const RECT area = InPixels(row.Place, units);
     return TakesFocus(row.Kind) && PtInRect(&area, place);
   });

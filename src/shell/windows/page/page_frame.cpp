@@ -85,9 +85,8 @@ bool PageFrame::CreateWindows() {
 }
 
 bool PageFrame::CreateControls() const {
-  const auto rows = PageLayout();
-  return std::all_of(rows.begin(), rows.end(),
-                     [this](const ControlRow& row) { return CreateControl(windows_.Frame, row); });
+  return std::ranges::all_of(PageLayout(),
+                             [this](const ControlRow& row) { return CreateControl(windows_.Frame, row); });
 }
 
 // The frame is destroyed on its own, as it may lie in one of the host's windows.
