@@ -15,6 +15,7 @@
 
 #include "bench/windows/com/offered_settings.h"
 #include "files/file_settings_service.h"
+#include "support/texts.h"
 #include "windows/support/program_folder.h"
 
 namespace zolvane {
@@ -207,8 +208,6 @@ class CallsByName : public testing::Test {
  protected:
   IAddInForm& Form() const { return *form_.Get(); }
 };
-
-using Texts = std::vector<std::string>;
 
 TEST_F(CallsByName, TheWindowIsAskedForItsStatusPanel) {
   Open();

@@ -22,12 +22,11 @@
 #include "bench/windows/play/player.h"
 #include "files/file_settings_service.h"
 #include "page/page_controls.h"
+#include "support/texts.h"
 #include "windows/support/add_in_use.h"
 #include "windows/support/program_folder.h"
 
 namespace zolvane {
-
-using Texts = std::vector<std::string>;
 
 class NotedLink final : public InstrumentLink {
  public:
