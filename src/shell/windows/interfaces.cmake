@@ -12,7 +12,7 @@ find_path(ZOLVANE_STDOLE_FOLDER stdole2.tlb REQUIRED NO_CMAKE_FIND_ROOT_PATH
 function(add_type_library name)
   set(idl ${CMAKE_CURRENT_SOURCE_DIR}/shell/windows/${name}.idl)
   set(made ${ZOLVANE_INTERFACES}/${name})
-  # A fixed time, so that the same sources make the same file.
+  # At a fixed time, so that the same sources make the same file.
   set(widl ${CMAKE_COMMAND} -E env WIDL_TIME_OVERRIDE=0 ${ZOLVANE_WIDL} -I ${CMAKE_CURRENT_SOURCE_DIR}/shell/windows)
   set(sources ${idl} ${CMAKE_CURRENT_SOURCE_DIR}/shell/windows/automation.idl ${ARGN})
   add_custom_command(OUTPUT ${made}.tlb DEPENDS ${sources} VERBATIM

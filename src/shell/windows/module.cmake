@@ -1,4 +1,4 @@
-# The component as one module: what it is made of forwards only, and nothing in it takes time.
+# The component as one module. Its own rooms only hand calls on, so they are built for size.
 foreach(room win32 shell_windows_page shell_windows_host shell_windows)
   target_compile_options(zolvane_${room} PRIVATE $<$<CONFIG:Release>:-Os>)
 endforeach()
@@ -9,7 +9,7 @@ if(CMAKE_SIZEOF_VOID_P EQUAL 8)
 endif()
 configure_file(shell/windows/add_in.manifest.in ${ZOLVANE_INTERFACES}/add_in.manifest @ONLY)
 
-# By itself: the warnings of the compiler mean nothing to the resource compiler.
+# A library of its own, as the resource compiler does not know the warnings of the compiler.
 add_library(zolvane_resources OBJECT shell/windows/add_in.rc)
 target_include_directories(zolvane_resources PRIVATE ${ZOLVANE_INTERFACES})
 set_source_files_properties(shell/windows/add_in.rc PROPERTIES OBJECT_DEPENDS
