@@ -68,10 +68,11 @@ PageAppearance::PageAppearance(const PageHandles& windows, ScaleOf scaleOf)
 // ---- Places ----
 
 void PageAppearance::Arrange() {
-  if (windows_.Frame == nullptr) {
+  const HWND frame = windows_.Frame;
+  if (frame == nullptr) {
     return;
   }
-  dpi_ = scaleOf_(windows_.Frame);
+  dpi_ = scaleOf_(frame);
   PageFonts fonts = MakePageFonts(dpi_);
   const DialogueUnits units{fonts.Text.Get()};
   for (const auto& row : PageLayout()) {
@@ -82,22 +83,24 @@ void PageAppearance::Arrange() {
     FitDropDown(static_cast<ListControl>(list));
   }
   Resize({units.Across(pageWidth), units.Down(pageHeight)});
-  RedrawWindow(windows_.Frame, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
+  RedrawWindow(frame, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
 }
 
 void PageAppearance::FollowScale() {
-  if (windows_.Frame != nullptr && scaleOf_(windows_.Frame) != dpi_) {
+  const HWND frame = windows_.Frame;
+  if (frame != nullptr && scaleOf_(frame) != dpi_) {
     Arrange();
   }
 }
 
 // A host may have given the frame a size of its own, which is then kept.
 void PageAppearance::Resize(SIZE naturalSize) {
-  const SIZE size = SizeOf(windows_.Frame);
+  const HWND frame = windows_.Frame;
+  const SIZE size = SizeOf(frame);
   const bool isNatural = size.cx == naturalSize_.cx && size.cy == naturalSize_.cy;
   naturalSize_ = naturalSize;
   if (isNatural) {
-    SetWindowPos(windows_.Frame, nullptr, 0, 0, naturalSize.cx, naturalSize.cy,
+    SetWindowPos(frame, nullptr, 0, 0, naturalSize.cx, naturalSize.cy,
                  SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
   }
 }

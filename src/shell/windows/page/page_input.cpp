@@ -103,9 +103,9 @@ void PageInput::StoreShownChoices() {
 // What the user did with the page while it was disabled has waited until now, and would meet enabled
 // controls: a second, impatient click would start the operation again.
 void PageInput::DiscardWaiting() const {
-  if (windows_.Frame != nullptr) {
-    DiscardMessages(windows_.Frame, WM_KEYFIRST, WM_KEYLAST);
-    DiscardMessages(windows_.Frame, WM_MOUSEFIRST, WM_MOUSELAST);
+  if (const HWND frame = windows_.Frame; frame != nullptr) {
+    DiscardMessages(frame, WM_KEYFIRST, WM_KEYLAST);
+    DiscardMessages(frame, WM_MOUSEFIRST, WM_MOUSELAST);
   }
 }
 
