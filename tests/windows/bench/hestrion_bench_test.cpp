@@ -620,16 +620,6 @@ TEST_F(HestrionWindows, EscapeStopsAsTheButtonDoes) {
   EXPECT_TRUE(Logs("Save To Zolvane: stopped (1 of 178 commands sent"));
 }
 
-TEST(HestrionBench, TakesNoEscapeFromABoxThatHasOkAloneForARefusal) {
-  constexpr std::int32_t communicationError = 65584;
-  constexpr std::int32_t confirmation = 49;
-  Happenings happened;
-  NoteAnswer(happened, communicationError, message_answer::cancel);
-  EXPECT_FALSE(happened.WasCancelled);
-  NoteAnswer(happened, confirmation, message_answer::cancel);
-  EXPECT_TRUE(happened.WasCancelled);
-}
-
 TEST_F(HestrionWindows, ASecondStopNoLongerWaitsForTheReply) {
   StopTwice([this] { Press(GetDlgItem(Main(), stopId)); });
 }
