@@ -22,3 +22,7 @@ endif()
 # another way than it was allocated. None of them uses it.
 target_compile_definitions(zolvane_header_libraries INTERFACE ASIO_STANDALONE ASIO_NO_DEPRECATED
                                                               ASIO_DISABLE_STD_ALIGNED_ALLOC)
+# Debian 12's Asio knows clang's coroutines by the name that they had before they became standard.
+if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+  target_compile_definitions(zolvane_header_libraries INTERFACE ASIO_HAS_CO_AWAIT ASIO_HAS_STD_COROUTINE)
+endif()

@@ -24,10 +24,12 @@ install_packages() {
 
 build_packages=(g++ cmake ninja-build libcli11-dev nlohmann-json3-dev libasio-dev)
 test_packages=(libgtest-dev gcovr python3)
+# One release of the tools on every system, so that all agree on what is clean.
+check_packages=(clang-19 clang-format-19 clang-tidy-19 libclang-rt-19-dev shellcheck)
 benchmark_packages=(libbenchmark-dev libsimpleini-dev libglib2.0-dev pkg-config)
 
-# Configures and builds a preset, says so in a line, and shows what the tools said only when they failed. What follows the preset goes to
-# the build: "--target NAME".
+# Configures and builds a preset, says so in a line, and shows what the tools said only when they failed. What follows the
+# preset goes to the build: "--target NAME".
 build_preset() {
   local root=$1 preset=$2
   shift 2

@@ -21,7 +21,7 @@ add_library(HZOCalibrateDevice MODULE shell/windows/module.cpp shell/windows/add
 set_target_properties(HZOCalibrateDevice PROPERTIES PREFIX "" LIBRARY_OUTPUT_DIRECTORY
                                                               ${CMAKE_RUNTIME_OUTPUT_DIRECTORY})
 add_version_resource(HZOCalibrateDevice "Zolvane Setup, an add-in for Hestrion")
-target_link_libraries(HZOCalibrateDevice PRIVATE zolvane_shell_windows)
+target_link_libraries(HZOCalibrateDevice PRIVATE zolvane_shell_windows zolvane_warnings)
 target_link_options(HZOCalibrateDevice PRIVATE
                     -static            # no compiler runtime has to lie beside the module
                     -Wl,--no-insert-timestamp
