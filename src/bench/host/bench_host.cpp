@@ -47,7 +47,7 @@ namespace {
 // ---- Boxes ----
 
 // An answer that keeps something from being done is an error; any other that the user did not type is a note.
-void ReportAnswer(HostState& state, const Question& question, const Answer& answer) {
+void ReportAnswer(HostState& state, const Question& question, const BoxAnswer& answer) {
   if (!IsHarmless(question, answer)) {
     state.Complain(AnswerText(question, answer));
   } else if (answer.By != AnsweredBy::User) {
@@ -57,7 +57,7 @@ void ReportAnswer(HostState& state, const Question& question, const Answer& answ
 
 std::int32_t AskUser(HostState& state, const Question& question) {
   state.Out.ClearStatus();
-  const Answer answer = state.Answers.AnswerTo(question);
+  const BoxAnswer answer = state.Answers.AnswerTo(question);
   ReportAnswer(state, question, answer);
   auto& tally = state.Seen.Tally();
   tally.Messages.push_back({.Title = question.Title, .Text = question.Text, .Answer = answer.Button});

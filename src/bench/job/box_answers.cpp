@@ -80,7 +80,7 @@ std::int32_t ParseAnswer(std::string_view word) {
 }
 
 // Who answered the box, and how. Empty for a box with a single button.
-std::string AnswerNote(const Answer& answer) {
+std::string AnswerNote(const BoxAnswer& answer) {
   const auto button = ButtonName(answer.Button);
   switch (answer.By) {
     case AnsweredBy::List:
@@ -138,12 +138,12 @@ std::vector<std::int32_t> ParseAnswers(std::string_view list) {
   return answers;
 }
 
-bool IsHarmless(const Question& question, const Answer& answer) {
+bool IsHarmless(const Question& question, const BoxAnswer& answer) {
   return answer.By == AnsweredBy::OnlyButton ? HasIcon(question.Style, message_style::informationIcon)
                                              : !IsDeclining(answer.Button);
 }
 
-std::string AnswerText(const Question& question, const Answer& answer) {
+std::string AnswerText(const Question& question, const BoxAnswer& answer) {
   return Joined(Printable(question.Title), ": ", OneLine(question.Text), AnswerNote(answer));
 }
 
@@ -153,7 +153,7 @@ BoxAnswers::BoxAnswers(const Setup& setup, Questioner* terminal, Complaint compl
       terminal_{terminal},
       complain_{std::move(complain)} {}
 
-Answer BoxAnswers::AnswerTo(const Question& question) {
+BoxAnswer BoxAnswers::AnswerTo(const Question& question) {
   const auto buttons = ButtonsOf(question.Style);
   if (buttons.size() == 1) {
     return {buttons.front(), AnsweredBy::OnlyButton};

@@ -38,16 +38,16 @@ std::vector<std::int32_t> ParseAnswers(std::string_view list);
 
 enum class AnsweredBy { OnlyButton, List, Affirmation, User, Caution };
 
-struct Answer {
+struct BoxAnswer {
   std::int32_t Button = 0;
   AnsweredBy By = AnsweredBy::Caution;
 };
 
 // The answer does not stop anything: not worth an error message.
-bool IsHarmless(const Question& question, const Answer& answer);
+bool IsHarmless(const Question& question, const BoxAnswer& answer);
 
 // The box as one line, and who answered it, and how: "Upload: Go on? (--yes: OK)".
-std::string AnswerText(const Question& question, const Answer& answer);
+std::string AnswerText(const Question& question, const BoxAnswer& answer);
 
 class BoxAnswers {
  public:
@@ -62,7 +62,7 @@ class BoxAnswers {
   BoxAnswers(const Setup& setup, Questioner* terminal, Complaint complain);
 
   // A box with one button is answered with it and uses up no answer.
-  Answer AnswerTo(const Question& question);
+  BoxAnswer AnswerTo(const Question& question);
 
  private:
   std::optional<std::int32_t> ListedAnswer(const Question& question,
