@@ -150,8 +150,10 @@ TEST_F(BesideAnEditor, ThatMovesTheFileAwayBeforeItSavesNothingIsLost) {
       std::this_thread::sleep_for(editorsPace);
     }};
     RunBeside(editor, [](const auto& result) {
+      // Before the run began, or between its first look and its first reading.
       const bool wasMissingAtFirst =
-          result.Status == 2 && result.Errors.find("does not exist") != std::string::npos;
+          result.Status == 2 && (result.Errors.find("does not exist") != std::string::npos ||
+                                 result.Errors.find("cannot be read") != std::string::npos);
       EXPECT_TRUE(result.Status == 0 || wasMissingAtFirst) << result.Errors;
     });
   }
