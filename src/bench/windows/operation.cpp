@@ -56,8 +56,7 @@ std::string Operation::Progress() const {
 }
 
 std::string Operation::Result(const ActionTally& tally, Clock::time_point now) const {
-  auto text =
-      ResultText({.Request = {.Kind = ActionKind::PressButton, .Command = name_}, .Tally = tally});
+  auto text = ResultText({.Request = {.Kind = ActionKind::PressButton, .Command = name_}, .Tally = tally});
   text.resize(text.find_last_not_of('\n') + 1);
   return Joined(text, ", ", Seconds(now - begin_));
 }

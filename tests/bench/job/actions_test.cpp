@@ -174,7 +174,10 @@ TEST(RunFile, OneFileMayBeRunTwice) {
 }
 
 TEST(RunFile, AnEndlessFileIsRefused) {
-  EXPECT_EQ(Refusal([] { Parsed({"run", "/dev/zero"}); }), "/dev/zero is larger than 16 megabytes, too large for a run file");
+  EXPECT_EQ(Refusal([] {
+              Parsed({"run", "/dev/zero"});
+            }),
+            "/dev/zero is larger than 16 megabytes, too large for a run file");
 }
 
 TEST(RunFile, OddBytesAreJustNoCommand) {

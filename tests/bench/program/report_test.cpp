@@ -51,7 +51,7 @@ TEST(Report, ShortensAReplyThatGoesOnAndOn) {
   ActionTally tally;
   tally.Commands.Count("SET_CALIBRATION A 1", true, std::string(1000, 'x'));
   EXPECT_EQ(ReasonsOf(tally), std::vector<std::string>{"1 of 1 command refused, first A with \"" +
-                                                          std::string(60, 'x') + "\"..."});
+                                                       std::string(60, 'x') + "\"..."});
 }
 
 TEST(Report, TellsWhyTheLinkDidNotDeliver) {

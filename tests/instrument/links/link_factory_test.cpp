@@ -79,7 +79,8 @@ TEST(LinkFactory, AMissingScriptIsNamed) {
 }
 
 TEST(LinkFactory, AScriptWithoutEndIsRefused) {
-  EXPECT_EQ(RefusedLink("script:/dev/zero"), "/dev/zero is larger than 16 megabytes, too large for a JSON file");
+  EXPECT_EQ(RefusedLink("script:/dev/zero"),
+            "/dev/zero is larger than 16 megabytes, too large for a JSON file");
 }
 
 TEST(BenchLink, NoLinkFailsEverySendAndLeavesTheReply) {
