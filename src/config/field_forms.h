@@ -147,7 +147,7 @@ struct NestZSteps {
 };
 
 // A head offset: strict millimetres in the file, whole motor steps of the given axis in memory.
-template <double StepFactors::*Factor>
+template <double StepFactors::* Factor>
 struct OffsetSteps {
   static constexpr std::string_view Values = StrictReal::Values;
   static std::optional<double> Read(std::string_view text, const StepFactors& factors) {

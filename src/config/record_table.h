@@ -95,7 +95,7 @@ struct Field {
 // ---- Rows ----
 
 template <class Record, class Value>
-Record RecordWith(Value Record::*member);
+Record RecordWith(Value Record::* member);
 
 // A member in a form. `Member` is a pointer to a member, or a captureless accessor of one.
 template <auto Member, class Form, class Record>
@@ -249,8 +249,9 @@ void LoadInto(Record& record, const RecordTable<Record>& table, std::span<const 
 
 // The one record of a table without items.
 template <class Record>
-requires(!ItemRecord<Record>) Record
-    Load(const RecordTable<Record>& table, const Configuration& configuration, std::string_view file = "") {
+  requires(!ItemRecord<Record>)
+Record Load(const RecordTable<Record>& table, const Configuration& configuration,
+            std::string_view file = "") {
   Record record;
   LoadInto(record, table, {}, configuration, configuration.Settings.Resolved(file));
   return record;
@@ -322,8 +323,9 @@ void Save(const RecordTable<Record>& table, const Configuration& configuration, 
 
 // The one record of a table without items is its keys.
 template <class Record>
-requires(!ItemRecord<Record>) void Save(const RecordTable<Record>& table, const Configuration& configuration,
-                                        const Record& record, std::string_view file) {
+  requires(!ItemRecord<Record>)
+void Save(const RecordTable<Record>& table, const Configuration& configuration, const Record& record,
+          std::string_view file) {
   SaveKeys(table, configuration, record, file);
 }
 
@@ -376,7 +378,7 @@ Record Find(const RecordTable<Record>& table, const Configuration& configuration
 // The first record whose `member` equals the name, or the end of the table. Without a name: an empty record.
 template <ItemRecord Record>
 Record FindByName(const RecordTable<Record>& table, const Configuration& configuration,
-                  std::string Record::*member, std::string_view name) {
+                  std::string Record::* member, std::string_view name) {
   if (name.empty()) {
     return {};
   }

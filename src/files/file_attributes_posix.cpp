@@ -92,8 +92,8 @@ bool GiveExtendedAttributes(const FileHandle& from, const FileHandle& to) {
 
 // The permissions come last: a change of owner takes some away, and an access list brings its own.
 bool GiveAttributes(const FileHandle& from, const FileHandle& to) {
-  struct stat wanted {};
-  struct stat present {};
+  struct stat wanted{};
+  struct stat present{};
   if (::fstat(from.Number(), &wanted) != 0 || ::fstat(to.Number(), &present) != 0 ||
       !GiveOwner(wanted, present, to) || !GiveExtendedAttributes(from, to)) {
     return false;

@@ -34,8 +34,8 @@ class PosixFileClaim final : public FileClaim {
 
 // The name still leads to the file that was opened, and not to nothing or to a later one.
 bool IsNamed(const FileHandle& file, const std::string& mark) {
-  struct stat opened {};
-  struct stat named {};
+  struct stat opened{};
+  struct stat named{};
   return ::fstat(file.Number(), &opened) == 0 && ::lstat(mark.c_str(), &named) == 0 &&
          opened.st_dev == named.st_dev && opened.st_ino == named.st_ino;
 }

@@ -25,7 +25,7 @@ bool Control(const FileHandle& file, int command, int argument) {
 bool IsOnAnotherComputer(const FileHandle& file) {
   constexpr std::array<std::uint32_t, 4> kinds{0x6969, 0x517B, 0xFF534D42,
                                                0xFE534D42};  // NFS, and three of SMB
-  struct statfs system {};
+  struct statfs system{};
   return ::fstatfs(file.Number(), &system) == 0 &&
          std::ranges::find(kinds, static_cast<std::uint32_t>(system.f_type)) != kinds.end();
 }

@@ -48,22 +48,22 @@ bool FileState::IsSameAcrossExchange(const FileState& other) const {
 }
 
 FileState StateOf(const FileHandle& file) {
-  struct stat status {};
+  struct stat status{};
   return StateFrom(::fstat(file.Number(), &status), status);
 }
 
 FileState StateOfPath(const std::string& path) {
-  struct stat status {};
+  struct stat status{};
   return StateFrom(::stat(path.c_str(), &status), status);
 }
 
 FileState StateOfName(const FileHandle& folder, const std::string& name) {
-  struct stat status {};
+  struct stat status{};
   return StateFrom(::fstatat(folder.Number(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW), status);
 }
 
 std::uint64_t IdentityOf(const FileHandle& file) {
-  struct statx status {};
+  struct statx status{};
   if (::statx(file.Number(), "", AT_EMPTY_PATH, STATX_INO | STATX_BTIME, &status) != 0) {
     return 0;
   }

@@ -117,7 +117,7 @@ class ScriptBuilder {
 // ---- Stage positions ----
 
 void AppendPositions(ScriptBuilder& script, std::span<const PositionKeys> positions,
-                     std::int32_t PositionRecord::*x, std::int32_t PositionRecord::*y) {
+                     std::int32_t PositionRecord::* x, std::int32_t PositionRecord::* y) {
   for (const auto& keys : positions) {
     const auto position =
         FindByName(positionTable, script.Config, &PositionRecord::PositionName, keys.PositionName);
@@ -233,7 +233,7 @@ constexpr auto largeRackCommands = std::to_array<Command<TipTypeRecord>>({
     {"RackEject_1250_Z", PerZStep<&TipTypeRecord::RackEjectZ>},
 });
 
-void AppendRack(ScriptBuilder& script, bool TipTypeRecord::*sizeFlag,
+void AppendRack(ScriptBuilder& script, bool TipTypeRecord::* sizeFlag,
                 std::span<const Command<TipTypeRecord>> commands) {
   const auto matches = [sizeFlag](const TipTypeRecord& tip) {
     return tip.Code == code::serialDilute && tip.*sizeFlag;

@@ -65,7 +65,7 @@ inline constexpr int exportButton = 4;
 struct ButtonRow {
   std::string_view Name;
   std::string_view Caption;
-  bool DeviceTypeRecord::*Permission;  // the device's switch for it; null: always allowed
+  bool DeviceTypeRecord::* Permission;  // the device's switch for it; null: always allowed
 };
 
 // In the order of the button's index.

@@ -129,7 +129,7 @@ int OpenQuestionOutput() {
 }
 
 bool IsIgnored(int signal) {
-  struct sigaction current {};
+  struct sigaction current{};
   return ::sigaction(signal, nullptr, &current) == 0 && current.sa_handler == SIG_IGN;
 }
 
@@ -173,7 +173,7 @@ void KeepStandardStreams() {
 
 void TakeInterrupts(void (*interrupt)()) {
   Signals().Call = interrupt;
-  struct sigaction action {};
+  struct sigaction action{};
   action.sa_handler = OnInterruptSignal;
   ::sigemptyset(&action.sa_mask);
   for (const int signal : interruptSignals) {

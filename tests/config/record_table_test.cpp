@@ -127,9 +127,7 @@ TEST(RecordPrinting, NamesTheMembersThatDifferFromAFreshRecord) {
 }
 
 template <const auto& rows>
-concept MakesATable = requires {
-  typename std::bool_constant<(MakeTable(TableSection{"S"}, rows), true)>;
-};
+concept MakesATable = requires { typename std::bool_constant<(MakeTable(TableSection{"S"}, rows), true)>; };
 
 constexpr std::array forgottenRows{InLine<&Box::Name, BareText>(0), InLine<&Box::Far, SDSteps>(2)};
 constexpr std::array doubledRows{InLine<&Box::Name, BareText>(0), InLine<&Box::Far, SDSteps>(0)};

@@ -65,7 +65,7 @@ class WrittenFile {
 };
 
 struct stat StatusOf(const std::string& path) {
-  struct stat status {};
+  struct stat status{};
   EXPECT_EQ(::lstat(path.c_str(), &status), 0) << path;
   return status;
 }
@@ -562,7 +562,9 @@ TEST(SecondCopy, OfALivingProgramIsNotTouched) {
 TEST(SecondCopy, AnOrdinaryFileUnderTheNameOfOneIsNotRemoved) {
   const TemporaryFolder folder;
   const std::string path = folder.Put("file", "text");
-  { const KilledWriter writer{path}; }
+  {
+    const KilledWriter writer{path};
+  }
   ASSERT_EQ(CopiesIn(folder).size(), 1U);
   const std::string name = CopiesIn(folder).front();
   std::filesystem::remove(folder.Path(name));
@@ -636,7 +638,9 @@ TEST(SecondCopy, IsKeptForTheUserIfAnotherProgramHasWrittenIntoIt) {
 TEST(SecondCopy, OfAKilledProgramIsKeptForTheUserIfAnotherProgramHasWrittenIntoIt) {
   const TemporaryFolder folder;
   const std::string path = folder.Put("file", "text");
-  { const KilledWriter writer{path}; }
+  {
+    const KilledWriter writer{path};
+  }
   folder.Put(CopiesIn(folder).at(0), "a whole save");
   WrittenFile file{path};
   ASSERT_TRUE(file.Append("+"));

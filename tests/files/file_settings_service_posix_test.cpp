@@ -116,10 +116,10 @@ TEST(FileSettingsService, AValueThatIsThereAlreadyDoesNotTouchTheFile) {
   const std::string path = folder.Put("Zolvane.ini", "[A]\nx=1\n");
   FileSettingsService service;
   ASSERT_TRUE(service.WriteValue("A", "x", path, "2").Ok());
-  struct stat before {};
+  struct stat before{};
   ::stat(path.c_str(), &before);
   EXPECT_TRUE(service.WriteValue("A", "x", path, "2").Ok());
-  struct stat after {};
+  struct stat after{};
   ::stat(path.c_str(), &after);
   EXPECT_EQ(after.st_ino, before.st_ino);
   EXPECT_EQ(after.st_ctim.tv_sec, before.st_ctim.tv_sec);

@@ -33,8 +33,8 @@ using std::chrono::steady_clock;
 class SharedNumber {
  public:
   SharedNumber()
-      : number_{new (::mmap(nullptr, sizeof(std::atomic<int>), PROT_READ | PROT_WRITE,
-                            MAP_SHARED | MAP_ANONYMOUS, -1, 0)) std::atomic<int>{0}} {}
+      : number_{new(::mmap(nullptr, sizeof(std::atomic<int>), PROT_READ | PROT_WRITE,
+                           MAP_SHARED | MAP_ANONYMOUS, -1, 0)) std::atomic<int>{0}} {}
   SharedNumber(const SharedNumber&) = delete;
   SharedNumber& operator=(const SharedNumber&) = delete;
   ~SharedNumber() { ::munmap(number_, sizeof(std::atomic<int>)); }

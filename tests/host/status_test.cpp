@@ -54,9 +54,7 @@ TEST(AssignIf, KeepsTheTargetWithoutAValue) {
 }
 
 template <class Target, class Value>
-concept Assignable = requires(Target& target, std::optional<Value> value) {
-  AssignIf(target, value);
-};
+concept Assignable = requires(Target& target, std::optional<Value> value) { AssignIf(target, value); };
 
 TEST(AssignIf, TakesOnlyAValueOfTheTargetsOwnType) {
   EXPECT_TRUE((Assignable<std::int32_t, std::int32_t>));

@@ -222,9 +222,8 @@ Action MakeAction(const Words& words, const std::optional<std::string>& file) {
 
 std::vector<CommandHelp> CommandsHelp() {
   std::vector<CommandHelp> help;
-  std::ranges::transform(commandRows, std::back_inserter(help), [](const auto& row) {
-    return CommandHelp{row.Usage, row.Effect};
-  });
+  std::ranges::transform(commandRows, std::back_inserter(help),
+                         [](const auto& row) { return CommandHelp{row.Usage, row.Effect}; });
   return help;
 }
 

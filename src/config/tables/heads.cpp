@@ -44,7 +44,7 @@ constexpr std::array headRows{
 // Files in the field spell the section of the last four with a lower-case t.
 constexpr std::string_view offsetSection = "Headtype";
 
-template <auto Member, double StepFactors::*Factor>
+template <auto Member, double StepFactors::* Factor>
 constexpr Field<Head> Offset(std::string_view key, std::string_view title) {
   return UnderKey<Member, OffsetSteps<Factor>>(key).Means(title, Unit::Millimetres);
 }

@@ -11,9 +11,7 @@ using Nest = NestTypeRecord;
 
 // A member of one of the three places.
 template <std::size_t Place, auto Member>
-constexpr auto inPlace = [](auto& nest) -> auto& {
-  return nest.Nests[Place].*Member;
-};
+constexpr auto inPlace = [](auto& nest) -> auto& { return nest.Nests[Place].*Member; };
 
 template <std::size_t Place, auto Member, class Form>
 constexpr Field<Nest> InGroup(std::size_t piece) {

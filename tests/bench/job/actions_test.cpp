@@ -64,9 +64,7 @@ TEST(Commands, AFileBecomesAbsoluteWithoutDetours) {
 
 TEST(Commands, ANameThatOnlyAFolderCanHaveIsNoFile) {
   for (const auto* name : {"/nowhere/", "/nowhere/.", "/nowhere/x/.."}) {
-    EXPECT_EQ(Refusal([name] {
-                ParsedAction({"export", name});
-              }),
+    EXPECT_EQ(Refusal([name] { ParsedAction({"export", name}); }),
               "\"" + std::string{name} + "\" is the name of a folder and not of a file");
   }
 }
@@ -78,9 +76,7 @@ TEST(Commands, AButtonHasAnyWholeNumber) {
   EXPECT_EQ(ParsedAction({"press", "99999999999999999999"}).Button, INT_MAX);
   EXPECT_EQ(ParsedAction({"press", "-99999999999999999999"}).Button, INT_MIN);
   for (const auto* word : {"", "-", "+", "+-1", "1.0", "1e1", " 1", "one"}) {
-    EXPECT_EQ(Refusal([word] {
-                ParsedAction({"press", word});
-              }),
+    EXPECT_EQ(Refusal([word] { ParsedAction({"press", word}); }),
               "press takes the number of a button, not \"" + std::string{word} + "\"");
   }
 }
@@ -149,9 +145,7 @@ TEST(RunFile, AnErrorNamesFileAndLineOfEveryFileOnItsWay) {
   const TemporaryFolder folder;
   const auto inner = folder.Put("inner.txt", "page\nfly\n");
   const auto outer = folder.Put("outer.txt", "\nrun \"" + inner + "\"\n");
-  EXPECT_EQ(Refusal([&] {
-              Parsed({"run", outer});
-            }),
+  EXPECT_EQ(Refusal([&] { Parsed({"run", outer}); }),
             outer + ", line 2: " + inner + ", line 2: there is no command \"fly\"; see zolvane-bench --help");
 }
 
@@ -160,9 +154,7 @@ TEST(RunFile, FilesThatRunEachOtherAreRefused) {
   const auto other = folder.Path("b.txt");
   const auto one = folder.Put("a.txt", "run " + other + "\n");
   folder.Put("b.txt", "run " + one + "\n");
-  EXPECT_EQ(Refusal([&] {
-              Parsed({"run", one});
-            }),
+  EXPECT_EQ(Refusal([&] { Parsed({"run", one}); }),
             one + ", line 1: " + other + ", line 1: " + one + " runs itself");
   EXPECT_EQ(Refusal([] { ParsedRun("run -"); }), "standard input, line 1: standard input runs itself");
 }
@@ -174,9 +166,7 @@ TEST(RunFile, OneFileMayBeRunTwice) {
 }
 
 TEST(RunFile, AnEndlessFileIsRefused) {
-  EXPECT_EQ(Refusal([] {
-              Parsed({"run", "/dev/zero"});
-            }),
+  EXPECT_EQ(Refusal([] { Parsed({"run", "/dev/zero"}); }),
             "/dev/zero is larger than 16 megabytes, too large for a run file");
 }
 
@@ -186,9 +176,7 @@ TEST(RunFile, OddBytesAreJustNoCommand) {
 }
 
 TEST(RunFile, ZeroBytesAreNoText) {
-  EXPECT_EQ(Refusal([] {
-              ParsedRun(std::string{"page\nimport backup.bak\0\n", 24});
-            }),
+  EXPECT_EQ(Refusal([] { ParsedRun(std::string{"page\nimport backup.bak\0\n", 24}); }),
             "standard input is no list of commands in UTF-8, as there are zero bytes in it");
 }
 

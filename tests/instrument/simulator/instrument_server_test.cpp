@@ -136,8 +136,12 @@ TEST(InstrumentServer, AClientThatWaitsForASlowReplyIsNotSilent) {
 
 TEST(InstrumentServer, AClientThatLeavesInTheMiddleDoesNotEndTheService) {
   const RunningInstrument instrument;
-  { Client{instrument}.Send("SET_CALIBRATION HALF_SENT 16"); }
-  { Client{instrument}.Send("STATUS_STAGE\r\nSTATUS_STAGE\r\nSTATUS_STAGE\r\n"); }
+  {
+    Client{instrument}.Send("SET_CALIBRATION HALF_SENT 16");
+  }
+  {
+    Client{instrument}.Send("STATUS_STAGE\r\nSTATUS_STAGE\r\nSTATUS_STAGE\r\n");
+  }
   Client last{instrument};
   EXPECT_EQ(last.Send("GET_CALIBRATION HALF_SENT\r\n").Line(), "SYNTAX_ERROR\r\n");
 }

@@ -113,10 +113,10 @@ ComPtr<IDispatch> OfferStatusBar(const std::shared_ptr<HostWindow>& window, Pane
   if (shape == PanelsShape::IndexedProperty) {
     return Offer({{names::panels, get, givePanel}});
   }
-  return Offer(
-      {{names::panels, get, [givePanel](const MemberUse& use) {
-          return use.Arguments.empty() ? use.Give(Offer({{L"", get, givePanel}})) : DISP_E_BADPARAMCOUNT;
-        }}});
+  return Offer({{names::panels, get, [givePanel](const MemberUse& use) {
+                   return use.Arguments.empty() ? use.Give(Offer({{L"", get, givePanel}}))
+                                                : DISP_E_BADPARAMCOUNT;
+                 }}});
 }
 
 }  // namespace
