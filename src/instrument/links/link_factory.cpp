@@ -25,23 +25,30 @@ namespace {
 
 using LinkPointer = std::shared_ptr<BenchLink>;
 
+struct LinkNeeds {
+  double Timeout;
+  const FaultPlan& Faults;
+  const InterruptFlag& Interrupt;
+};
+
 [[noreturn]] void Refuse(std::string_view demand, const std::string& text) {
   throw UsageError{Joined("--link: ", demand, ", not ", Quoted(text))};
 }
 
-LinkPointer CreateSimulated(const std::string& file, double /*timeout*/, const InterruptFlag& interrupt) {
-  return std::make_shared<SimulatedLink>(SimulatedInstrument{{.StateFile = file}}, interrupt);
+LinkPointer CreateSimulated(const std::string& file, const LinkNeeds& needs) {
+  return std::make_shared<SimulatedLink>(SimulatedInstrument{{.StateFile = file}}, needs.Faults,
+                                         needs.Interrupt);
 }
 
-LinkPointer CreateTcp(const std::string& place, double timeout, const InterruptFlag& interrupt) {
+LinkPointer CreateTcp(const std::string& place, const LinkNeeds& needs) {
   auto hostAndPort = ParseHostAndPort(place, 1);
   if (!hostAndPort) {
     Refuse("tcp takes HOST:PORT with a port from 1 to 65535", place);
   }
-  return std::make_shared<TcpLink>(*std::move(hostAndPort), LinkTimeout{timeout}, interrupt);
+  return std::make_shared<TcpLink>(*std::move(hostAndPort), LinkTimeout{needs.Timeout}, needs.Interrupt);
 }
 
-LinkPointer CreateSerial(const std::string& place, double timeout, const InterruptFlag& interrupt) {
+LinkPointer CreateSerial(const std::string& place, const LinkNeeds& needs) {
   const auto comma = place.rfind(',');
   const auto device = place.substr(0, comma);
   const auto baud = comma == std::string::npos ? std::optional{defaultBaud}
@@ -50,18 +57,18 @@ LinkPointer CreateSerial(const std::string& place, double timeout, const Interru
   if (device.empty() || !baud || !IsBaudRate(*baud)) {
     Refuse("serial takes DEVICE or DEVICE,BAUD with a baud rate such as 9600", place);
   }
-  return std::make_shared<SerialLink>(device, *baud, LinkTimeout{timeout}, interrupt);
+  return std::make_shared<SerialLink>(device, *baud, LinkTimeout{needs.Timeout}, needs.Interrupt);
 }
 
-LinkPointer CreateScripted(const std::string& file, double /*timeout*/, const InterruptFlag& interrupt) {
+LinkPointer CreateScripted(const std::string& file, const LinkNeeds& needs) {
   if (file.empty()) {
     Refuse("script takes the name of a file", file);
   }
-  return std::make_shared<ScriptedLink>(ReadLinkScript(file), interrupt);
+  return std::make_shared<ScriptedLink>(ReadLinkScript(file), needs.Interrupt);
 }
 
-LinkPointer CreateNone(const std::string& /*place*/, double /*timeout*/, const InterruptFlag& interrupt) {
-  return std::make_shared<NoLink>(interrupt);
+LinkPointer CreateNone(const std::string& /*place*/, const LinkNeeds& needs) {
+  return std::make_shared<NoLink>(needs.Interrupt);
 }
 
 enum class LinkPlace : std::uint8_t { None, Needed, Any };
@@ -70,7 +77,7 @@ struct LinkKind {
   LinkKindHelp Help;
   std::string_view Name;  // before the colon
   LinkPlace Demand;       // after it; Make refuses what does not fit
-  LinkPointer (*Make)(const std::string& place, double timeout, const InterruptFlag& interrupt);
+  LinkPointer (*Make)(const std::string& place, const LinkNeeds& needs);
 };
 
 constexpr std::string_view deviceFolder = "/dev/";
@@ -126,14 +133,17 @@ std::vector<LinkKindHelp> LinkKindsHelp() {
   return help;
 }
 
-std::shared_ptr<BenchLink> CreateLink(const std::string& text, double timeout,
-                                      const InterruptFlag& interrupt) {
+std::shared_ptr<BenchLink> CreateLink(const std::string& text, double timeout, const InterruptFlag& interrupt,
+                                      const FaultPlan& faults) {
   const auto parts = TakenApart(text);
   const auto* const kind = std::ranges::find_if(linkKinds, [&](const auto& row) { return parts.Fits(row); });
   if (kind == linkKinds.end()) {
     RefuseKind(parts.Kind, text);
   }
-  return kind->Make(parts.Place.value_or(""), timeout, interrupt);
+  if (!faults.IsEmpty() && kind->Make != CreateSimulated) {
+    throw UsageError{Joined("--fault goes with a simulated link (--link sim), not with ", Quoted(text))};
+  }
+  return kind->Make(parts.Place.value_or(""), {timeout, faults, interrupt});
 }
 
 }  // namespace zolvane

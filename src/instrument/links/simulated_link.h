@@ -4,23 +4,26 @@
 #include <utility>
 
 #include "instrument/links/bench_link.h"
-#include "instrument/simulator/instrument.h"
+#include "instrument/simulator/faulty_instrument.h"
 
 namespace zolvane {
 
 class SimulatedLink final : public BenchLink {
  public:
-  SimulatedLink(SimulatedInstrument instrument, const InterruptFlag& interrupt)
-      : BenchLink{interrupt}, instrument_{std::move(instrument)} {}
+  SimulatedLink(SimulatedInstrument instrument, FaultPlan faults, const InterruptFlag& interrupt)
+      : BenchLink{interrupt},
+        instrument_{std::move(instrument)},
+        answering_{instrument_, std::move(faults)} {}
 
   void Begin() override { instrument_.SwitchOn(); }
 
  private:
-  std::optional<std::string> Exchange(const std::string& command, Delivery& /*delivery*/) override {
-    return instrument_.Answer(command);
-  }
+  // What a wire would make of the reply, without its time: late is too late, and what answers something else
+  // is skipped.
+  std::optional<std::string> Exchange(const std::string& command, Delivery& delivery) override;
 
   SimulatedInstrument instrument_;
+  FaultyInstrument answering_;
 };
 
 }  // namespace zolvane

@@ -2,47 +2,63 @@
 // does.
 #pragma once
 
-#include <array>
 #include <cstddef>
-#include <cstdint>
+#include <initializer_list>
 #include <map>
+#include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace zolvane {
 
-enum class Fault : std::uint8_t {
-  Late,
-  Silent,
-  Close,
-  Garbage,
-  Overlong,
-  Empty,
-  Split,
-  NoNewline,
+// What the instrument is about to do for a line. A fault changes it.
+struct LineEffect {
+  std::string_view KeyBefore{};  // what was set last; empty if nothing was
+  std::string Key{};             // of SET_CALIBRATION KEY VALUE; of any other line empty, like Value
+  std::string Value{};
+  bool IsSaving = false;     // SET_CALIBRATION SAVE
+  bool IsRefused = false;    // neither stored nor saved, and says so
+  bool IsOmitted = false;    // neither stored nor saved, and says "OK"
+  bool IsRestarted = false;  // before all this
+};
+
+// What it sends back for a line. A fault changes it.
+struct LineReply {
+  std::string Command{};
+  std::string ReplyBefore{};         // to the command before; empty if there was none
+  std::vector<std::string> Lines{};  // without their ends
+  bool IsLate = false;
+  bool IsClosing = false;  // the connection is closed instead
+  bool IsSplit = false;
+  bool LacksEnd = false;
 };
 
 struct FaultRow {
   std::string_view Name;
-  Fault Kind;
   std::string_view Description;
+  void (*Affect)(LineEffect& effect) = nullptr;
+  void (*Disturb)(LineReply& reply) = nullptr;  // not called for an instrument that keeps silent
 };
+std::span<const FaultRow> FaultRows();
 
-inline constexpr std::array<FaultRow, 8> faultRows{{
-    {"late", Fault::Late, "the reply comes a second late"},
-    {"silent", Fault::Silent, "no reply"},
-    {"close", Fault::Close, "the connection is closed instead of a reply"},
-    {"garbage", Fault::Garbage, "bytes that are no text"},
-    {"overlong", Fault::Overlong, "two million characters in one line"},
-    {"empty", Fault::Empty, "an empty line"},
-    {"split", Fault::Split, "the reply in two halves with a pause between them"},
-    {"no-newline", Fault::NoNewline, "the reply without its line end"},
-}};
+// Which faults meet which line. Several may meet one.
+class FaultPlan {
+ public:
+  FaultPlan() = default;
+  FaultPlan(std::initializer_list<std::string_view> texts);
 
-// By the number of the command, counted from 1 since the program was started.
-using FaultPlan = std::map<std::size_t, Fault>;
+  // "KIND@N", the N-th line since the start; or "KIND@KEY", each SET_CALIBRATION of KEY, which may be SAVE.
+  // Throws UsageError for any other text.
+  void Add(std::string_view text);
 
-// Adds "KIND@N" to the plan. Throws UsageError for any other text.
-void AddFault(FaultPlan& plan, const std::string& text);
+  bool IsEmpty() const { return atLine_.empty() && atKey_.empty(); }
+
+  std::vector<const FaultRow*> FaultsOf(std::size_t line, std::string_view key) const;
+
+ private:
+  std::multimap<std::size_t, const FaultRow*> atLine_;
+  std::multimap<std::string, const FaultRow*, std::less<>> atKey_;
+};
 
 }  // namespace zolvane

@@ -1,5 +1,6 @@
 #include "instrument/simulator/instrument.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "host/instrument_link.h"
@@ -25,20 +26,28 @@ void SimulatedInstrument::SwitchOn() const {
 }
 
 std::optional<std::string> SimulatedInstrument::Answer(std::string_view command) {
+  return KeepsSilent() ? std::nullopt : Reply(command);
+}
+
+std::optional<std::string> SimulatedInstrument::Claim(std::string_view reply) {
+  return KeepsSilent() ? std::nullopt : std::optional<std::string>{reply};
+}
+
+bool SimulatedInstrument::KeepsSilent() {
   if (setup_.FailAfter && answers_ >= *setup_.FailAfter) {
-    return std::nullopt;
+    return true;
   }
   ++answers_;
-  return Reply(command);
+  return false;
 }
 
 std::optional<std::string> SimulatedInstrument::Reply(std::string_view command) {
-  if (command == "SET_CALIBRATION SAVE") {
+  if (command == savingCommand) {
     // The text of this reply is never checked, so an instrument that could not save its memory sends none.
     return memory_->Save() ? std::optional<std::string>{"OK"} : std::nullopt;
   }
   if (command.starts_with(setPrefix)) {
-    return Set(command.substr(setPrefix.size()));
+    return Set(command);
   }
   if (command.starts_with(getPrefix)) {
     return Get(command.substr(getPrefix.size()));
@@ -55,16 +64,25 @@ std::optional<std::string> SimulatedInstrument::Reply(std::string_view command) 
                                      : std::string{syntaxErrorReply};
 }
 
-// Everything after the key is the value, blanks included. A value with a line break would not fit into one
-// line.
-std::string SimulatedInstrument::Set(std::string_view keyAndValue) {
-  const auto blank = keyAndValue.find(' ');
-  if (blank == 0 || blank == std::string_view::npos || blank + 1 == keyAndValue.size() ||
-      keyAndValue.find_first_of("\r\n") != std::string_view::npos) {
+std::string SimulatedInstrument::Set(std::string_view command) {
+  const auto setting = SettingIn(command);
+  if (!setting) {
     return std::string{syntaxErrorReply};
   }
-  memory_->Set(keyAndValue.substr(0, blank), keyAndValue.substr(blank + 1));
+  Store(setting->Key, setting->Value);
   return "OK";
+}
+
+// Everything after the key is the value, blanks included. A value with a line break would not fit into one
+// line.
+std::optional<SimulatedInstrument::Setting> SimulatedInstrument::SettingIn(std::string_view command) {
+  const auto keyAndValue = command.substr(std::min(command.size(), setPrefix.size()));
+  const auto blank = keyAndValue.find(' ');
+  if (!command.starts_with(setPrefix) || blank == 0 || blank == std::string_view::npos ||
+      blank + 1 == keyAndValue.size() || keyAndValue.find_first_of("\r\n") != std::string_view::npos) {
+    return std::nullopt;
+  }
+  return Setting{.Key = keyAndValue.substr(0, blank), .Value = keyAndValue.substr(blank + 1)};
 }
 
 std::string SimulatedInstrument::Get(std::string_view key) const {

@@ -11,6 +11,8 @@
 
 namespace zolvane {
 
+inline constexpr std::string_view savingCommand = "SET_CALIBRATION SAVE";
+
 class SimulatedInstrument {
  public:
   struct Setup {
@@ -38,9 +40,27 @@ class SimulatedInstrument {
   // The reply to one command; empty if the instrument keeps silent. Keys are case-sensitive.
   std::optional<std::string> Answer(std::string_view command);
 
+  // ---- For faults
+
+  // What SET_CALIBRATION KEY VALUE sets; nullopt for any other command.
+  struct Setting {
+    std::string_view Key;
+    std::string_view Value;
+  };
+  static std::optional<Setting> SettingIn(std::string_view command);
+
+  // Answers with this text and does nothing.
+  std::optional<std::string> Claim(std::string_view reply);
+
+  void Store(std::string_view key, std::string_view value) { memory_->Set(key, value); }
+
+  // What was not saved is gone.
+  void Restart() { memory_->Restart(); }
+
  private:
+  bool KeepsSilent();
   std::optional<std::string> Reply(std::string_view command);
-  std::string Set(std::string_view keyAndValue);
+  std::string Set(std::string_view command);
   std::string Get(std::string_view key) const;
 
   Setup setup_;

@@ -149,7 +149,7 @@ bool InstrumentMemory::Save() {
     const auto kept = kept_.find(key);
     return kept != kept_.end() && kept->second == values_.at(key);
   });
-  if (!disk_ || (unsaved_.empty() && isKept_)) {
+  if (unsaved_.empty() && isKept_) {
     return true;
   }
   // Outdated members never make up more than half of the document, so that tidying it costs no more than what
@@ -160,7 +160,12 @@ bool InstrumentMemory::Save() {
     kept_.insert_or_assign(key, values_.at(key));
   }
   unsaved_.clear();
-  return isKept_ || Rewrite();
+  return !disk_ || isKept_ || Rewrite();
+}
+
+void InstrumentMemory::Restart() {
+  values_ = kept_;
+  unsaved_.clear();
 }
 
 // If two members have the same key, the later one counts.

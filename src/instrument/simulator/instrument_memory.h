@@ -37,6 +37,9 @@ class InstrumentMemory {
   // of the file. False if that failed.
   bool Save();
 
+  // Back to what was saved last.
+  void Restart();
+
  private:
   using Values = std::map<std::string, std::string, std::less<>>;
 

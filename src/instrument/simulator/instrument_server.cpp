@@ -130,9 +130,4 @@ asio::awaitable<void> InstrumentServer::ServeClients(std::shared_ptr<ClientQueue
   }
 }
 
-const Fault* InstrumentServer::NextFault() {
-  const auto fault = setup_.Faults.find(++commands_);
-  return fault == setup_.Faults.end() ? nullptr : &fault->second;
-}
-
 }  // namespace zolvane

@@ -3,12 +3,10 @@
 
 #include <asio.hpp>
 #include <chrono>
-#include <cstddef>
 #include <memory>
 #include <string>
 
-#include "instrument/simulator/faults.h"
-#include "instrument/simulator/instrument.h"
+#include "instrument/simulator/faulty_instrument.h"
 
 namespace zolvane {
 
@@ -34,8 +32,9 @@ class InstrumentServer {
     std::chrono::milliseconds Patience{3000};  // with a client that keeps silent while another waits
   };
 
-  InstrumentServer(SimulatedInstrument& instrument, Setup setup)
-      : instrument_{instrument}, setup_{std::move(setup)} {}
+  // The instrument outlives the server.
+  InstrumentServer(SimulatedInstrument& instrument, const Setup& setup)
+      : instrument_{instrument, setup.Faults}, setup_{setup} {}
 
   // Listens on HOST:PORT and serves one client after another until `io` is stopped. A client that sends no
   // whole line, or takes no reply, while another waits is dropped when patience with it runs out. Returns
@@ -50,13 +49,11 @@ class InstrumentServer {
   template <class Stream>
   asio::awaitable<void> ServeStream(Stream& stream, ClientWatch& watch);
   template <class Stream>
-  asio::awaitable<void> Reply(Conversation<Stream>& client, std::string reply, const Fault* fault);
+  asio::awaitable<void> Reply(Conversation<Stream>& client, const LineReply& reply);
   asio::awaitable<void> ServeClients(std::shared_ptr<ClientQueue> clients);
-  const Fault* NextFault();
 
-  SimulatedInstrument& instrument_;
+  FaultyInstrument instrument_;
   Setup setup_;
-  std::size_t commands_ = 0;
 };
 
 }  // namespace zolvane

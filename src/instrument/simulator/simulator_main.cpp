@@ -29,8 +29,10 @@ struct SimulatorOptions {
 
 std::string FaultHelp() {
   constexpr std::size_t width = 13;
-  std::string text = "let the N-th line since the start go wrong (can be given more than once); KIND is";
-  for (const auto& row : faultRows) {
+  std::string text =
+      "let the N-th line since the start, or each SET_CALIBRATION of KEY, go wrong (can be given more than "
+      "once, also for one line); KIND is";
+  for (const auto& row : FaultRows()) {
     text.append("\n").append(row.Name).append(width - row.Name.size(), ' ').append(row.Description);
   }
   return text;
@@ -53,7 +55,7 @@ void Describe(CommandLine& line, SimulatorOptions& options) {
   line.AddOption("--latency", "MS", options.Latency,
                  "how long each reply takes, in milliseconds (default: 0)");
   line.AddOption("--fail-after", "N", options.FailAfter, "fall silent after N answers");
-  line.AddOption("--fault", "KIND@N", options.Faults, FaultHelp());
+  line.AddOption("--fault", "KIND@N|KEY", options.Faults, FaultHelp());
 }
 
 std::size_t NumberBehind(std::string_view option, const std::string& text, std::size_t highest) {
@@ -98,7 +100,7 @@ InstrumentServer::Setup ServerSetupFrom(const SimulatorOptions& options) {
   InstrumentServer::Setup setup;
   setup.Latency = std::chrono::milliseconds{NumberBehind("--latency", options.Latency, anHour)};
   for (const auto& fault : options.Faults) {
-    AddFault(setup.Faults, fault);
+    setup.Faults.Add(fault);
   }
   return setup;
 }

@@ -51,51 +51,47 @@ class Conversation {
   std::string input_;
 };
 
+inline std::string BytesOf(const LineReply& reply) {
+  constexpr std::string_view lineEnd = "\r\n";
+  std::string bytes;
+  for (const auto& line : reply.Lines) {
+    bytes.append(line).append(lineEnd);
+  }
+  bytes.resize(bytes.size() - (reply.LacksEnd && !bytes.empty() ? lineEnd.size() : 0));
+  return bytes;
+}
+
 // Ends by an exception when the stream ends.
 template <class Stream>
 asio::awaitable<void> InstrumentServer::ServeStream(Stream& stream, ClientWatch& watch) {
   Conversation<Stream> client{stream, watch};
   for (;;) {
     const auto command = co_await client.ReadLine();
-    const auto* const fault = NextFault();
-    auto reply = instrument_.Answer(command);
+    const auto reply = instrument_.Answer(command);
     if (setup_.Latency.count() > 0) {
       co_await client.Pause(setup_.Latency);
     }
-    if (reply) {
-      co_await Reply(client, *std::move(reply) + "\r\n", fault);
-    }
+    co_await Reply(client, reply);
   }
 }
 
 template <class Stream>
-asio::awaitable<void> InstrumentServer::Reply(Conversation<Stream>& client, std::string reply,
-                                              const Fault* fault) {
+asio::awaitable<void> InstrumentServer::Reply(Conversation<Stream>& client, const LineReply& reply) {
   constexpr std::chrono::milliseconds pause{100};
-  constexpr std::size_t overlong = 2'000'000;
-  if (fault == nullptr) {
-    co_return co_await client.Write(reply);
+  if (reply.IsClosing) {
+    throw std::system_error{asio::error::make_error_code(asio::error::connection_aborted)};
   }
-  switch (*fault) {
-    case Fault::Late:
-      co_await client.Pause(setup_.Lateness);
-      co_return co_await client.Write(reply);
-    case Fault::Silent:
-      co_return;
-    case Fault::Close:
-      throw std::system_error{asio::error::make_error_code(asio::error::connection_aborted)};
-    case Fault::Garbage:
-      co_return co_await client.Write(std::string{"\x00\xFF\xFE=\x80\x01\r\n", 8});
-    case Fault::Overlong:
-      co_return co_await client.Write(std::string(overlong, 'x') + "\r\n");
-    case Fault::Empty:
-      co_return co_await client.Write("\r\n");
-    case Fault::Split:
-      co_await client.Write(std::string_view{reply}.substr(0, reply.size() / 2));
-      co_await client.Pause(pause);
-      co_return co_await client.Write(std::string_view{reply}.substr(reply.size() / 2));
-    case Fault::NoNewline:
-      co_return co_await client.Write(std::string_view{reply}.substr(0, reply.size() - 2));
+  if (reply.IsLate) {
+    co_await client.Pause(setup_.Lateness);
+  }
+  const auto bytes = BytesOf(reply);
+  const auto half = reply.IsSplit ? bytes.size() / 2 : 0;
+  if (half > 0) {
+    co_await client.Write(std::string_view{bytes}.substr(0, half));
+    co_await client.Pause(pause);
+  }
+  if (!bytes.empty()) {
+    co_await client.Write(std::string_view{bytes}.substr(half));
   }
 }
 

@@ -118,6 +118,36 @@ TEST(BenchLink, ACommandWithALineEndIsNeverSent) {
   EXPECT_EQ(reply, "before");
 }
 
+TEST(SimulatedLink, FaultsOfTheReplyAreSeenAsAWireWouldShowThem) {
+  const std::vector<std::pair<std::string, std::string>> seen{
+      {"late", "failed"},    {"silent", "failed"},   {"close", "failed"}, {"no-newline", "failed"},
+      {"garbage", "failed"}, {"overlong", "failed"}, {"empty", "failed"}, {"shift", "failed"},
+      {"split", "KEY=7"},    {"double", "KEY=7"},    {"echo", "KEY=7"},
+  };
+  for (const auto& [kind, reply] : seen) {
+    const auto link = CreateLink("sim", 1.0, quietInterrupt, {kind + "@2"});
+    EXPECT_EQ(Send(*link, "SET_CALIBRATION KEY 7"), "OK");
+    EXPECT_EQ(Send(*link, "GET_CALIBRATION KEY"), reply) << kind;
+    EXPECT_EQ(Send(*link, "GET_CALIBRATION KEY"), "KEY=7") << kind;
+  }
+}
+
+TEST(SimulatedLink, AReplyThatNamesNothingIsTakenAsItCame) {
+  const auto link = CreateLink("sim", 1.0, quietInterrupt, {"empty@1", "shift@3", "refuse@KEY"});
+  EXPECT_EQ(Send(*link, "STATUS_MECH"), "");
+  EXPECT_EQ(Send(*link, "SET_CALIBRATION KEY 7"), "SYNTAX_ERROR");
+  EXPECT_EQ(Send(*link, "STATUS_MECH"), "SYNTAX_ERROR");
+}
+
+TEST(SimulatedLink, FaultsOfAnotherInstrumentAreRefused) {
+  try {
+    CreateLink("none", 1.0, quietInterrupt, {"late@1"});
+    FAIL() << "accepted";
+  } catch (const UsageError& error) {
+    EXPECT_STREQ(error.what(), "--fault goes with a simulated link (--link sim), not with \"none\"");
+  }
+}
+
 TEST(SimulatedLink, KeepsItsMemoryInTheFileOnceItIsSaved) {
   const TemporaryFolder folder;
   const auto file = folder.Path("state.json");

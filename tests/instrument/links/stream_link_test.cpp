@@ -57,7 +57,7 @@ TEST_P(StreamLinkTest, ACommandGetsItsReplyWithoutTheLineEnd) {
 }
 
 TEST_P(StreamLinkTest, ALateReplyIsNeverTakenForTheNextAnswer) {
-  Start({{1, Fault::Late}});
+  Start({"late@1"});
   const auto link = Link(0.3);
   EXPECT_EQ(Send(*link, "STATUS_STAGE"), "failed");
   int answered = 0;
@@ -70,7 +70,7 @@ TEST_P(StreamLinkTest, ALateReplyIsNeverTakenForTheNextAnswer) {
 }
 
 TEST_P(StreamLinkTest, ASilentInstrumentFailsTheSendAndTheNextOneWorks) {
-  Start({{2, Fault::Silent}});
+  Start({"silent@2"});
   const auto link = Link(0.3);
   EXPECT_EQ(Send(*link, "STATUS_STAGE"), "ZV400");
   EXPECT_EQ(Send(*link, "STATUS_STAGE"), "failed");
@@ -78,27 +78,27 @@ TEST_P(StreamLinkTest, ASilentInstrumentFailsTheSendAndTheNextOneWorks) {
 }
 
 TEST_P(StreamLinkTest, AnEmptyLineIsAnEmptyReply) {
-  Start({{1, Fault::Empty}});
+  Start({"empty@1"});
   EXPECT_EQ(Send(*Link(), "STATUS_STAGE"), "");
 }
 
 TEST_P(StreamLinkTest, AReplyInTwoHalvesIsOne) {
-  Start({{1, Fault::Split}});
+  Start({"split@1"});
   EXPECT_EQ(Send(*Link(), "STATUS PUMPS"), "PUMPS CLOSED");
 }
 
 TEST_P(StreamLinkTest, ALineThatIsTooLongFailsTheSend) {
-  Start({{1, Fault::Overlong}});
+  Start({"overlong@1"});
   EXPECT_EQ(Send(*Link(), "STATUS_STAGE"), "failed");
 }
 
 TEST_P(StreamLinkTest, AReplyWithoutItsLineEndIsNoReply) {
-  Start({{1, Fault::NoNewline}});
+  Start({"no-newline@1"});
   EXPECT_EQ(Send(*Link(0.2), "STATUS_STAGE"), "failed");
 }
 
 TEST_P(StreamLinkTest, BytesThatAreNotUtf8AreReadAsWindows1252) {
-  Start({{1, Fault::Garbage}});
+  Start({"garbage@1"});
   using namespace std::string_literals;
   EXPECT_EQ(Send(*Link(), "STATUS_STAGE"), "\0\xC3\xBF\xC3\xBE=\xE2\x82\xAC\x01"s);
 }
@@ -109,7 +109,7 @@ TEST_P(StreamLinkTest, AReplyMayTakeAsLongAsTheTimeout) {
 }
 
 TEST(TcpLink, AConnectionThatIsClosedFailsTheSendAndIsOpenedAgainByTheNext) {
-  const RunningInstrument instrument{{.Latency = {}, .Faults = {{2, Fault::Close}}}};
+  const RunningInstrument instrument{{.Latency = {}, .Faults = {"close@2"}}};
   const auto link = CreateLink(instrument.Link(), 5.0, quietInterrupt);
   EXPECT_EQ(Send(*link, "STATUS_STAGE"), "ZV400");
   EXPECT_EQ(Send(*link, "STATUS_STAGE"), "failed");
@@ -194,7 +194,7 @@ TEST(SerialLink, AFileThatIsNoPortFailsTheSend) {
 }
 
 TEST_P(StreamLinkTest, OneLateReplyBehindAnotherIsNoAnswerEither) {
-  Start({{1, Fault::Late}, {2, Fault::Late}});
+  Start({"late@1", "late@2"});
   const auto link = Link(0.2);
   EXPECT_EQ(Send(*link, "STATUS_STAGE"), "failed");
   std::string reply = "failed";

@@ -292,7 +292,7 @@ TEST(LinkProblem, SaysWhyThePortDoesNotOpen) {
 }
 
 TEST(LinkProblem, IsForgottenWhenACommandIsAnswered) {
-  const RunningInstrument instrument{{.Latency = {}, .Faults = {{1, Fault::Close}}}};
+  const RunningInstrument instrument{{.Latency = {}, .Faults = {"close@1"}}};
   const auto link = CreateLink(instrument.Link(), 5.0, quietInterrupt);
   EXPECT_EQ(Send(*link, "STATUS_STAGE"), "failed");
   EXPECT_TRUE(link->LastDelivery().HasLeft);

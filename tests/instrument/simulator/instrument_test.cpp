@@ -8,7 +8,6 @@
 #include <map>
 #include <random>
 
-#include "instrument/simulator/faults.h"
 #include "support/temporary_folder.h"
 #include "text/usage_error.h"
 
@@ -246,32 +245,18 @@ TEST(SimulatedInstrument, WhatHasALineBreakInItIsNoValue) {
   EXPECT_EQ(instrument.Answer("SET_CALIBRATION A\r 1"), "SYNTAX_ERROR");
 }
 
-TEST(Faults, AKindAndANumberMakeAPlan) {
-  FaultPlan plan;
-  AddFault(plan, "late@3");
-  AddFault(plan, "no-newline@12");
-  EXPECT_EQ(plan, (FaultPlan{{3, Fault::Late}, {12, Fault::NoNewline}}));
-}
-
-TEST(Faults, EveryKindHasItsName) {
-  const std::vector<std::pair<std::string, Fault>> kinds{
-      {"late@1", Fault::Late},         {"silent@1", Fault::Silent},        {"close@1", Fault::Close},
-      {"garbage@1", Fault::Garbage},   {"empty@1", Fault::Empty},          {"split@1", Fault::Split},
-      {"overlong@1", Fault::Overlong}, {"no-newline@1", Fault::NoNewline},
-  };
-  for (const auto& [text, kind] : kinds) {
-    FaultPlan plan;
-    AddFault(plan, text);
-    EXPECT_EQ(plan.at(1), kind) << text;
-  }
-}
-
-TEST(Faults, AnythingElseIsRefused) {
-  FaultPlan plan;
-  for (const auto* text : {"", "late", "@1", "late@", "late@0", "late@x", "late@1x", "Late@1", "late@-1"}) {
-    EXPECT_THROW(AddFault(plan, text), UsageError) << text;
-  }
-  EXPECT_TRUE(plan.empty());
+TEST(SimulatedInstrument, ARestartHasWhatWasSavedAndNothingElse) {
+  SimulatedInstrument instrument{{}};
+  instrument.Answer("SET_CALIBRATION A 1");
+  instrument.Answer("SET_CALIBRATION SAVE");
+  instrument.Answer("SET_CALIBRATION A 2");
+  instrument.Answer("SET_CALIBRATION B 3");
+  instrument.Restart();
+  EXPECT_EQ(instrument.Answer("GET_CALIBRATION A"), "A=1");
+  EXPECT_EQ(instrument.Answer("GET_CALIBRATION B"), "SYNTAX_ERROR");
+  instrument.Answer("SET_CALIBRATION SAVE");
+  instrument.Restart();
+  EXPECT_EQ(instrument.Answer("GET_CALIBRATION A"), "A=1");
 }
 
 }  // namespace

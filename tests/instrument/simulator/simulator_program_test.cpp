@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "instrument/links/sent_command.h"
+#include "instrument/simulator/faults.h"
 #include "support/temporary_folder.h"
 #include "text/usage_error.h"
 
@@ -249,15 +250,35 @@ TEST(SimulatorProgram, AMisspeltOptionOrFaultIsAnsweredWithTheNearest) {
   EXPECT_TRUE(fault.Errors().ends_with("; did you mean \"silent\"?\n"));
 }
 
+TEST(SimulatorProgram, FaultsMeetLinesAndKeysOnTheWire) {
+  const Simulator simulator{{"--fault", "echo@1", "--fault", "double@2", "--fault", "shift@4", "--fault",
+                             "refuse@B", "--fault", "limit@A", "--fault", "negate@A", "--fault", "power@11"}};
+  const auto link = CreateLink(simulator.Line(), 0.5, quietInterrupt);
+  EXPECT_EQ(Send(*link, "STATUS_STAGE"), "ZV400");
+  EXPECT_EQ(Send(*link, "STATUS_MECH"), "SD");
+  EXPECT_EQ(Send(*link, "STATUS PUMPS"), "PUMPS CLOSED");
+  EXPECT_EQ(Send(*link, "SET_CALIBRATION A 1612"), "PUMPS CLOSED");
+  EXPECT_EQ(Send(*link, "GET_CALIBRATION A"), "A=-806");
+  EXPECT_EQ(Send(*link, "SET_CALIBRATION SAVE"), "OK");
+  EXPECT_EQ(Send(*link, "SET_CALIBRATION B 1"), "SYNTAX_ERROR");
+  EXPECT_EQ(Send(*link, "GET_CALIBRATION B"), "SYNTAX_ERROR");
+  EXPECT_EQ(Send(*link, "SET_CALIBRATION A 4"), "OK");
+  EXPECT_EQ(Send(*link, "GET_CALIBRATION A"), "A=-2");
+  EXPECT_EQ(Send(*link, "GET_CALIBRATION A"), "A=-806");
+}
+
 TEST(SimulatorProgram, ItsHelpTellsTheFaults) {
   Simulator simulator{{"--help"}};
   const auto help = simulator.Output();
   EXPECT_EQ(simulator.Wait(), 0);
   for (const auto* text :
        {"--listen HOST:PORT", "--pty", "--state FILE", "--stage CODE", "--mech TEXT", "--rfid TAG",
-        "--pumps TEXT", "--latency MS", "--fail-after N", "--fault KIND@N", "late    ", "silent  ",
-        "close   ", "garbage ", "overlong", "empty   ", "split   ", "no-newline "}) {
+        "--pumps TEXT", "--latency MS", "--fail-after N", "--fault KIND@N|KEY"}) {
     EXPECT_NE(help.find(text), std::string::npos) << text;
+  }
+  for (const auto& fault : FaultRows()) {
+    EXPECT_NE(help.find(fault.Name), std::string::npos) << fault.Name;
+    EXPECT_NE(help.find(fault.Description), std::string::npos) << fault.Name;
   }
 }
 
