@@ -172,7 +172,8 @@ struct RecordTable {
   Step AfterLoading = nullptr;
 };
 
-// The length of the record line of these rows, or nullopt if one of its pieces has no row or several. Items are saved, so the rows that are saved count; other lines are only read.
+// The length of the record line of these rows, or nullopt if one of its pieces has no row or several. Items
+// are saved, so the rows that are saved count; other lines are only read.
 template <class Record>
 constexpr std::optional<std::size_t> PiecesOf(std::span<const Field<Record>> fields) {
   const auto counts = [](const Field<Record>& field) {
@@ -209,8 +210,8 @@ inline constexpr std::string_view installedKey = "Installed";  // holds the numb
 // The key of item n in a table's section.
 std::string ItemKey(std::string_view item);
 
-// Joins the fields with "," and writes them under the key. Empty fields at the end disappear, with their
-// separators.
+// Joins the fields with "," and writes them under the key. Empty fields at the end
+// disappear, with their separators.
 Status WriteFieldList(const SettingsFiles& settings, std::string_view section, std::string_view key,
                       std::span<const std::string> fields, std::string_view file);
 
@@ -257,10 +258,9 @@ Record Load(const RecordTable<Record>& table, const Configuration& configuration
   return record;
 }
 
-// The item with this number. A missing one is empty but for its number and the section's keys.
 template <ItemRecord Record>
-Record Load(const RecordTable<Record>& table, const Configuration& configuration, const std::string& item,
-            std::string_view file = "") {
+Record LoadItem(const RecordTable<Record>& table, const Configuration& configuration, const std::string& item,
+                std::string_view file) {
   const auto path = configuration.Settings.Resolved(file);
   const auto section = table.Section.Name(configuration.Current);
   const auto pieces = ReadRecordLine(configuration.Settings, section, ItemKey(item), path);
@@ -274,6 +274,14 @@ Record Load(const RecordTable<Record>& table, const Configuration& configuration
   return record;
 }
 
+// The item with this number. A missing one is empty but for its number and the section's keys. Without
+// a number: an empty record.
+template <ItemRecord Record>
+Record Load(const RecordTable<Record>& table, const Configuration& configuration, const std::string& item,
+            std::string_view file = "") {
+  return item.empty() ? Record{} : LoadItem(table, configuration, item, file);
+}
+
 // The item that the file says is fitted. The key "Item" without a number stands for it where it says nothing.
 template <ItemRecord Record>
 Record LoadInstalled(const RecordTable<Record>& table, const Configuration& configuration,
@@ -281,7 +289,7 @@ Record LoadInstalled(const RecordTable<Record>& table, const Configuration& conf
   const auto path = configuration.Settings.Resolved(file);
   const auto section = table.Section.Name(configuration.Current);
   const auto item = configuration.Settings.ReadValue(section, installedKey, path);
-  return Load(table, configuration, item.value_or(""), file);
+  return LoadItem(table, configuration, item.value_or(""), file);
 }
 
 template <class Record>

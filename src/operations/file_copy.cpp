@@ -29,12 +29,8 @@ struct Copy {
     const auto& configuration = Context.Config;
     const auto save = [&](const Record& record) { Save(table, configuration, record, Destination); };
     ForEach(table, configuration, save, Source);
-    if (Separate) {
-      AppendBlankLine();
-    }
+    AppendBlankLine(Context, Destination, Separate);
   }
-
-  void AppendBlankLine() const { PassOver(Context.Process.AppendBlankLine(Destination)); }
 };
 
 void CopyDevices(const Copy& copy) {
@@ -49,7 +45,7 @@ void CopyCages(const Copy& copy) {
 void CopyHeights(const Copy& copy) {
   const auto& configuration = copy.Context.Config;
   Save(heightTable, configuration, Load(heightTable, configuration, copy.Source), copy.Destination);
-  copy.AppendBlankLine();
+  AppendBlankLine(copy.Context, copy.Destination, true);
 }
 
 void CopyNests(const Copy& copy) {
@@ -198,6 +194,12 @@ void CopyAllTables(const OperationContext& context, const std::string& source, c
   for (const auto& step : copySteps) {
     PassOver(context.Host.SetStatusText(std::string{prefix}.append(step.Status)));
     step.Run(copy);
+  }
+}
+
+void AppendBlankLine(const OperationContext& context, const std::string& file, bool flag) {
+  if (flag) {
+    PassOver(context.Process.AppendBlankLine(file));
   }
 }
 

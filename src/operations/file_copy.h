@@ -28,4 +28,7 @@ void ExportCalibrationFile(const OperationContext& context, FileDialogue& cdgFil
 void CopyAllTables(const OperationContext& context, const std::string& source, const std::string& destination,
                    bool separate, std::string_view prefix);
 
+// Appends one empty line to the file if the flag is set.
+void AppendBlankLine(const OperationContext& context, const std::string& file, bool flag);
+
 }  // namespace zolvane

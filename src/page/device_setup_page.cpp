@@ -198,14 +198,15 @@ Status DeviceSetupPage::EnableCheck(CheckControl box, bool enabled) {
   });
 }
 
-Status DeviceSetupPage::SetControlEnabled(ListControl list, bool enabled) {
-  const auto colour = enabled ? windowBackground : buttonFace;
+Status DeviceSetupPage::SetControlEnabled(ListControl list, HostBoolean enabled) {
+  const auto colour = enabled == HostBoolean::True ? windowBackground : buttonFace;
+  const bool isEnabled = enabled != HostBoolean::False;
   const auto showEnabled = [&] {
     model_.Of(list).BackColour = colour;
-    return view_.ShowListEnabled(list, enabled);
+    return view_.ShowListEnabled(list, isEnabled);
   };
   return view_.ShowListColour(list, colour).Then(showEnabled).Then([&] {
-    model_.Of(list).Enabled = enabled;
+    model_.Of(list).Enabled = isEnabled;
     return Status::Success();
   });
 }
@@ -218,7 +219,9 @@ Status DeviceSetupPage::EnableControls(bool enabled) {
                              ListControl::NestType, ListControl::TipType};
   const auto enableButton = [&](int index) { return EnableButton(index, enabled && IsPermitted(index)); };
   const auto enableBox = [&](CheckControl box) { return EnableCheck(box, enabled); };
-  const auto enableList = [&](ListControl list) { return SetControlEnabled(list, enabled); };
+  const auto enableList = [&](ListControl list) {
+    return SetControlEnabled(list, enabled ? HostBoolean::True : HostBoolean::False);
+  };
   return UntilFailure(buttons, enableButton).Then([&] { return UntilFailure(boxes, enableBox); }).Then([&] {
     return UntilFailure(lists, enableList);
   });
@@ -236,7 +239,7 @@ std::int16_t DeviceSetupPage::ShowMessage(const std::string& message, std::int16
                                           const std::string& title) {
   // The host's answers may release the page's host object while the message is open; this reference keeps it.
   const auto host = host_.ObjectParent;
-  return zolvane::ShowMessage(environment_, host.get(), message, style, title);
+  return zolvane::ShowMessage(environment_, host.get(), message, style, title, host.get(), 0);
 }
 
 }  // namespace zolvane

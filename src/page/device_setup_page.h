@@ -19,6 +19,9 @@
 
 namespace zolvane {
 
+// A boolean as hosts pass it. It may have any other value as well.
+enum class HostBoolean : std::int16_t { False = 0, True = -1 };
+
 class DeviceSetupPage final : public PagePort {
  public:
   // All of these outlive the page. `host` is filled and emptied by the hosting contract.
@@ -49,9 +52,9 @@ class DeviceSetupPage final : public PagePort {
   Status ShowPumpModule(bool connected) override;
   std::int16_t ShowMessage(const std::string& message, std::int16_t style, const std::string& title) override;
 
-  // Sets a list's colour and then its enabled state: the window colour if it is enabled,
-  // otherwise the button-face colour.
-  Status SetControlEnabled(ListControl list, bool enabled);
+  // Sets a list's colour and then its enabled state: the window colour if `enabled` is exactly True,
+  // otherwise the button-face colour. Any value but False enables.
+  Status SetControlEnabled(ListControl list, HostBoolean enabled);
 
   // Tells the host window that nothing is pending: every edit is stored at once, so "Changed" is set to
   // false. Does nothing without a window and while the page is loading.

@@ -51,13 +51,14 @@ std::int16_t ShowInMessageBox(SystemDialogues& dialogues, const std::string& mes
 
 }  // namespace
 
-std::int16_t ShowMessage(Environment& environment, HostObject* host, const std::string& message,
-                         std::int16_t style, const std::string& title) {
-  Log(host, title + " [" + Replaced(message, lineBreak, ", ") + "]");
+std::int16_t ShowMessage(Environment& environment, HostObject* log, const std::string& message,
+                         std::int16_t style, const std::string& title, HostObject* host,
+                         std::int16_t extraStyle) {
+  Log(log, title + " [" + Replaced(message, lineBreak, ", ") + "]");
   const bool hasDialogue = host != nullptr && MetOnlyIf(host->HostDialogAvailable());
   const auto answer = hasDialogue ? ShowInHostDialogue(environment, *host, message, style, title)
-                                  : ShowInMessageBox(environment, message, style, title);
-  Log(host, "button selected : " + WholeText(answer));
+                                  : ShowInMessageBox(environment, message, style + extraStyle, title);
+  Log(log, "button selected : " + WholeText(answer));
   return answer;
 }
 

@@ -12,8 +12,10 @@ namespace zolvane {
 
 // Shows the message in the host's own dialogue when the host offers one, otherwise in a system message box
 // with the exclamation icon, brought to the foreground. Waits for the answer and returns the chosen button's
-// number; 0 if no answer could be read. The host may be null.
-std::int16_t ShowMessage(Environment& environment, HostObject* host, const std::string& message,
-                         std::int16_t style, const std::string& title);
+// number; 0 if no answer could be read. `log` gets the lines of the log, and `host` may offer the dialogue;
+// either may be null. `extraStyle` is added to the box's style only.
+std::int16_t ShowMessage(Environment& environment, HostObject* log, const std::string& message,
+                         std::int16_t style, const std::string& title, HostObject* host,
+                         std::int16_t extraStyle);
 
 }  // namespace zolvane

@@ -215,6 +215,12 @@ TEST(Load, CompletesTheRecordWithTheFileThatItCameFrom) {
   EXPECT_EQ(Load(completed, fixture.Config, "1", "/other").Name, "old from /other");
 }
 
+TEST(Load, WithoutANumberIsAnEmptyRecordAndReadsNothing) {
+  ConfigFixture fixture{"[S]\nItem=a\nItem1=b\n"};
+  EXPECT_EQ(Load(boxTable, fixture.Config, ""), Box{});
+  EXPECT_EQ(fixture.Reads(), Texts{});
+}
+
 TEST(LoadInstalled, LoadsTheItemThatTheFileNames) {
   ConfigFixture fixture{"[S]\nInstalled=2\nItem1=a\nItem2=b\n"};
   fixture.Settings.Load("/other", "[S]\nInstalled=1\nItem1=c\n");

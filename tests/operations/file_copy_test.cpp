@@ -314,6 +314,14 @@ TEST(CopyAllTables, CopiesItsOwnResultUnchanged) {
   EXPECT_EQ(fixture.Settings().Text(second), fixture.BackupText());
 }
 
+TEST(AppendBlankLine, AppendsOnlyIfTheFlagIsSet) {
+  CopyFixture fixture;
+  AppendBlankLine(fixture.Context, backup, false);
+  EXPECT_EQ(fixture.Calls.Events, Texts{});
+  AppendBlankLine(fixture.Context, backup, true);
+  EXPECT_EQ(fixture.Calls.Events, Texts{std::string{"append blank line to "} + backup});
+}
+
 // ---- The file dialogue ----
 
 TEST(FileDialogueOfThePage, IsDesignedForASettingsFile) {

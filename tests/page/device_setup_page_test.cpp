@@ -4,6 +4,8 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
+#include <initializer_list>
 #include <memory>
 #include <optional>
 #include <string>
@@ -669,11 +671,21 @@ TEST(EnableControls, EndsAtItsFirstFailure) {
 // A host that is told of the change may have the page loaded again, from a file that has become another.
 TEST(SetControlEnabled, SetsTheColourAndThenTheState) {
   PageFixture fixture;
-  EXPECT_TRUE(fixture.Page.SetControlEnabled(ListControl::HeadType, true).Ok());
-  EXPECT_TRUE(fixture.Page.SetControlEnabled(ListControl::HeadType, false).Ok());
+  EXPECT_TRUE(fixture.Page.SetControlEnabled(ListControl::HeadType, HostBoolean::True).Ok());
+  EXPECT_TRUE(fixture.Page.SetControlEnabled(ListControl::HeadType, HostBoolean::False).Ok());
   EXPECT_EQ(fixture.Calls.Events,
             (Texts{"view cboHeadType colour 2147483653", "view cboHeadType enabled true",
                    "view cboHeadType colour 2147483663", "view cboHeadType enabled false"}));
+}
+
+TEST(SetControlEnabled, GivesTheButtonFaceColourForEveryValueButExactlyTrue) {
+  for (const auto value : std::initializer_list<std::int16_t>{1, 2, -2, 255, 32767}) {
+    PageFixture fixture;
+    EXPECT_TRUE(fixture.Page.SetControlEnabled(ListControl::HeadType, HostBoolean{value}).Ok());
+    EXPECT_EQ(fixture.Calls.Events,
+              (Texts{"view cboHeadType colour 2147483663", "view cboHeadType enabled true"}))
+        << value;
+  }
 }
 
 // ---- What operations ask ----

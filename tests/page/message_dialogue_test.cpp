@@ -14,8 +14,9 @@ namespace zolvane {
 namespace {
 
 struct MessageFixture : FakeHost {
-  std::int16_t Show(const std::string& message, std::int16_t style = 0, const std::string& title = "Title") {
-    return ShowMessage(Process, Object.get(), message, style, title);
+  std::int16_t Show(const std::string& message, std::int16_t style = 0, const std::string& title = "Title",
+                    std::int16_t extraStyle = 0) {
+    return ShowMessage(Process, Object.get(), message, style, title, Object.get(), extraStyle);
   }
 };
 
@@ -51,14 +52,14 @@ TEST(MessageDialogue, KeepsLoneCarriageReturnsAndLineFeedsInTheLog) {
 TEST(MessageDialogue, AddsTheIconAndTheForegroundToAnyStyle) {
   MessageFixture fixture;
   fixture.Show("Text", 1);
-  fixture.Show("Text", 3);
+  fixture.Show("Text", 3, "Title", 4);
   fixture.Show("Text", 16);
-  fixture.Show("Text", 48);
+  fixture.Show("Text", 48, "Title", 256);
   std::vector<std::int32_t> styles;
   for (const auto& box : fixture.Process.Boxes) {
     styles.push_back(box.Style);
   }
-  EXPECT_EQ(styles, (std::vector<std::int32_t>{65585, 65587, 65600, 65632}));
+  EXPECT_EQ(styles, (std::vector<std::int32_t>{65585, 65591, 65600, 65888}));
 }
 
 TEST(MessageDialogue, ShowsABoxWhenTheHostCannotTellWhetherItHasADialogue) {
@@ -72,8 +73,19 @@ TEST(MessageDialogue, ShowsABoxWhenTheHostCannotTellWhetherItHasADialogue) {
 TEST(MessageDialogue, ShowsABoxWithoutAnyHost) {
   MessageFixture fixture;
   fixture.Process.BoxAnswers = {message_answer::no};
-  EXPECT_EQ(ShowMessage(fixture.Process, nullptr, "Text", 0, "Title"), 7);
+  EXPECT_EQ(ShowMessage(fixture.Process, nullptr, "Text", 0, "Title", nullptr, 0), 7);
   EXPECT_EQ(fixture.Calls.Events, Texts{"box 65584 \"Title\" \"Text\""});
+}
+
+TEST(MessageDialogue, IsLoggedByOneHostAndShownByTheOther) {
+  MessageFixture fixture;
+  FakeHost other;
+  other.Object->OffersDialog = true;
+  other.Object->Dialog->Results = {5};
+  EXPECT_EQ(ShowMessage(fixture.Process, fixture.Object.get(), "Text", 0, "Title", other.Object.get(), 0), 5);
+  EXPECT_EQ(fixture.Calls.Events, (Texts{logged, "yield", LoggedAnswer(5)}));
+  EXPECT_EQ(other.Calls.Of({"log"}), Texts{});
+  EXPECT_EQ(other.Calls.Of({"dialogue show"}).size(), 1U);
 }
 
 TEST(MessageDialogue, IsShownAndAnsweredAlsoWhenItCannotBeLogged) {
@@ -125,7 +137,7 @@ TEST(HostMessageDialogue, TakesTheResultThatIsReadOnceMoreForTheAnswer) {
 
 TEST(HostMessageDialogue, GetsTheStyleUnchanged) {
   HostDialogueFixture fixture;
-  fixture.Show("Text", 16);
+  fixture.Show("Text", 16, "Title", 256);
   EXPECT_EQ(fixture.Calls.Of({"dialogue style"}), Texts{"dialogue style 16"});
   EXPECT_TRUE(fixture.Process.Boxes.empty());
 }
