@@ -168,17 +168,29 @@ void FileSettingsService::ReadAgain(const std::string& path, HeldFile& file) {
   }
 }
 
-Status FileSettingsService::Change(std::string_view path, const Plan& plan) {
+// Does not read the file meanwhile: where an open file cannot be replaced, a reader stands in the way of the
+// writer that it waits for.
+WriteOutcome FileSettingsService::WritePatiently(HeldFile& file, const Splice& change) const {
   Wait unused{waiting_, longestUse};
   Wait unlocked{waiting_, longestLockedTime};
-  for (int attempt = 0; attempt < mostAttempts;) {
+  const auto goesOn = [&](WriteOutcome outcome) {
+    const bool isInUse = outcome == WriteOutcome::InUse;
+    return (isInUse || outcome == WriteOutcome::Locked) && file.MayWaitToWrite &&
+           (file.MayWaitToWrite = (isInUse ? unused : unlocked).GoesOn());
+  };
+  auto outcome = file.Disk->Write(file.Text.Bytes(), change);
+  while (goesOn(outcome)) {
+    outcome = file.Disk->Write(file.Text.Bytes(), change);
+  }
+  return outcome;
+}
+
+Status FileSettingsService::Change(std::string_view path, const Plan& plan) {
+  for (int attempt = 0; attempt < mostAttempts; ++attempt) {
     HeldFile& file = Current(path);
     if (!file.Defect.empty()) {
       return Fail(file.Defect);
     }
-    const auto goesOn = [&file](Wait& wait) {
-      return file.MayWaitToWrite && (file.MayWaitToWrite = wait.GoesOn());
-    };
     const auto edit = plan(file.Text);
     if (!edit) {
       return Fail("such a text cannot stand in a settings file");
@@ -187,7 +199,7 @@ Status FileSettingsService::Change(std::string_view path, const Plan& plan) {
       lostCharacters_ += edit->LostCharacters;
       return Status::Success();
     }
-    switch (file.Disk->Write(file.Text.Bytes(), edit->Change)) {
+    switch (WritePatiently(file, edit->Change)) {
       case WriteOutcome::Done:
         file.Text.Apply(*edit);
         lostCharacters_ += edit->LostCharacters;
@@ -195,18 +207,11 @@ Status FileSettingsService::Change(std::string_view path, const Plan& plan) {
         SeenFiles::Add(std::string{path});
         return Status::Success();
       case WriteOutcome::Changed:
-        ++attempt;
         break;
       case WriteOutcome::InUse:
-        if (!goesOn(unused)) {
-          return Fail(EndOfWait("another program has it open for writing"));
-        }
-        break;
+        return Fail(EndOfWait("another program has it open for writing"));
       case WriteOutcome::Locked:
-        if (!goesOn(unlocked)) {
-          return Fail(EndOfWait("another program has been holding the lock of its folder for ten seconds"));
-        }
-        break;
+        return Fail(EndOfWait("another program has been holding the lock of its folder for ten seconds"));
       case WriteOutcome::Failed:
         return Fail("the disk may be full, or the file or its folder not writable");
     }

@@ -1,6 +1,6 @@
-// The settings-file service over real files. Any number of files may be in use at once; each is held in
-// memory from its first use until the service is destroyed, and is read again whenever it was changed by
-// somebody else.
+// The settings-file service over real files. Any number of files may be in use at once; each is held
+// in memory from its first use until the service is destroyed, and is read again whenever it was
+// changed by somebody else.
 //
 // Each write is in the file, whole, when it returns. Not for use from several threads; several services, in
 // one or several processes, may use the same file.
@@ -42,8 +42,8 @@ class FileSettingsService : public IniFileService {
 
   explicit FileSettingsService(FileOpener openFile = OpenFile, Waiting waiting = {});
 
-  // A file that does not exist, or is empty, from the start gives the fallback. Fails when the file cannot be
-  // read.
+  // A file that does not exist, or is empty, from the start gives the fallback. Fails
+  // when the file cannot be read.
   std::optional<std::string> ReadValue(std::string_view section, std::string_view key, std::string_view file,
                                        std::string_view fallback) override;
 
@@ -61,8 +61,8 @@ class FileSettingsService : public IniFileService {
   // Appends CR LF to the file as it is, with the safety of any other write. A missing file is created.
   Status AppendBlankLine(std::string_view file);
 
-  // Ends an operation: makes everything that was written survive a power cut. Fails when that cannot be said of
-  // one of the files.
+  // Ends an operation: makes everything that was written survive a power cut. Fails when that cannot be
+  // said of one of the files.
   Status Flush();
 
   // Why the last call that failed did, as a clause ("another program has it open for writing").
@@ -87,6 +87,7 @@ class FileSettingsService : public IniFileService {
   HeldFile& Current(std::string_view path);
   HeldFile& Held(std::string_view path);
   void ReadAgain(const std::string& path, HeldFile& file);
+  WriteOutcome WritePatiently(HeldFile& file, const Splice& change) const;
   Status Change(std::string_view path, const Plan& plan);
   Status Fail(std::string reason);
   std::string EndOfWait(std::string_view obstacle) const;
