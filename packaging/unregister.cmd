@@ -6,7 +6,8 @@ rem The regsvr32 of the add-in's number of bits, wherever this Windows keeps it.
 set "regsvr=%SystemRoot%\System32\regsvr32.exe"
 if exist "%SystemRoot%\@OTHER_SYSTEM@\regsvr32.exe" set "regsvr=%SystemRoot%\@OTHER_SYSTEM@\regsvr32.exe"
 "%regsvr%" /s /u "%~dp0HZOCalibrateDevice.dll"
-if errorlevel 1 goto failed
+rem A program that crashes ends with a negative number.
+if not %errorlevel%==0 goto failed
 echo "Zolvane Setup" is no longer registered.
 exit /b 0
 :failed

@@ -82,6 +82,17 @@ for file in register.cmd unregister.cmd; do
   [[ $answer == *'could not be'* && $answer != *'any key'* && $answer != *well ]] ||
     fail "$file /quiet does not: $answer"
 done
+# A regsvr32 that crashes ends with a negative number.
+case $architecture in x64) compiler=x86_64-w64-mingw32-gcc ;; *) compiler=i686-w64-mingw32-gcc ;; esac
+crash='__attribute__((dllimport, stdcall, noreturn)) void ExitProcess(unsigned status);
+__attribute__((dllexport, stdcall)) long DllRegisterServer(void) { ExitProcess(0xC0000005); }
+__attribute__((dllexport, stdcall)) long DllUnregisterServer(void) { ExitProcess(0xC0000005); }'
+"$compiler" -shared -Wl,--kill-at -x c -o "$elsewhere/HZOCalibrateDevice.dll" - <<<"$crash"
+for file in register.cmd unregister.cmd; do
+  answer=$(cd "$elsewhere" && wine cmd /c "$file" /quiet </dev/null && echo well) || true
+  [[ $answer == *'could not be'* && $answer != *well ]] || fail "$file notices a crash: $answer"
+done
+rm "$elsewhere/HZOCalibrateDevice.dll"
 (cd "$installed" && wine cmd /c register.cmd) || fail "register.cmd ends well"
 upload || fail "an upload with the registered add-in ends well"
 sent=$(grep -c '"event":"send","command":"SET_CALIBRATION .*"ok":true' "$elsewhere/trace.jsonl")
