@@ -1,5 +1,5 @@
-# The component as one module. Its own rooms only hand calls on, so they are built for size.
-foreach(room win32 shell_windows_page shell_windows_host shell_windows)
+# The component as one module. Its rooms spend their time in the host that they call, so they are built for size.
+foreach(room host config config_tables operations page shell win32 shell_windows_page shell_windows_host shell_windows)
   target_compile_options(zolvane_${room} PRIVATE $<$<CONFIG:Release>:-Os>)
 endforeach()
 
