@@ -812,6 +812,19 @@ TEST_F(HestrionWindows, ThePageComesBackWhenTheUserHasCancelled) {
   EXPECT_EQ(process_->Wait(), 1);
 }
 
+TEST(MainWindow, ARequestThatFailsIsInTheLogAndGoesNoFurther) {
+  const MainWindow window{{.OpenPage = [] { throw std::runtime_error{"there is no page"}; },
+                           .ClosePage = {},
+                           .Save = {},
+                           .Help = {},
+                           .Quit = {},
+                           .Stop = {},
+                           .MayBeEnded = {},
+                           .Rest = {}}};
+  EXPECT_NO_THROW(SendMessageW(window.Handle(), WM_COMMAND, openPageId, 0));
+  EXPECT_TRUE(ShownText(GetDlgItem(window.Handle(), logId)).ends_with("  there is no page\r\n"));
+}
+
 TEST_F(HestrionWindows, AHostsDialogueThatIsDestroyedWithItsOwnerLeavesNobodyWaiting) {
   const HWND owner = CreateWindowExW(0, L"STATIC", L"", WS_POPUP | WS_VISIBLE, 0, 0, 400, 300, nullptr,
                                      nullptr, nullptr, nullptr);

@@ -4,10 +4,12 @@
 
 #include <algorithm>
 #include <array>
+#include <exception>
 #include <stdexcept>
 #include <utility>
 
 #include "text/printable.h"
+#include "win32/guarded.h"
 #include "win32/text.h"
 
 namespace zolvane {
@@ -380,8 +382,10 @@ LRESULT CALLBACK MainWindow::Procedure(HWND window, UINT message, WPARAM wParam,
     SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(created));
   }
   auto* const self = reinterpret_cast<MainWindow*>(GetWindowLongPtrW(window, GWLP_USERDATA));
-  return self != nullptr ? self->OnMessage(message, wParam, lParam)
-                         : DefWindowProcW(window, message, wParam, lParam);
+  return GuardedOr(LRESULT{0}, [&] {
+    return self != nullptr ? self->OnMessage(message, wParam, lParam)
+                           : DefWindowProcW(window, message, wParam, lParam);
+  });
 }
 
 LRESULT MainWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
@@ -408,10 +412,19 @@ LRESULT MainWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
   }
 }
 
+// The system has called, so a failure goes into the log and no further.
 void MainWindow::OnCommand(int id) {
   if (isRunning_ && (id == saveId || id == helpId || id == openPageId)) {
     return;
   }
+  try {
+    Request(id);
+  } catch (const std::exception& error) {
+    AppendLog(error.what());
+  }
+}
+
+void MainWindow::Request(int id) {
   switch (id) {
     case openPageId:
       return requests_.OpenPage();

@@ -28,7 +28,8 @@ enum MainWindowId : int {
 
 class MainWindow {
  public:
-  // What the user asks for. An end of the page or of the window is asked for when all else has ended.
+  // What the user asks for. An end of the page or of the window is asked for when all else has ended. The log
+  // says why something asked for failed, with the text of what was thrown.
   struct Requests {
     std::function<void()> OpenPage;
     std::function<void()> ClosePage;
@@ -58,8 +59,8 @@ class MainWindow {
   void ShowTitle(std::string_view page);
   void ShowPlace(std::string_view folder, std::string_view link);
 
-  // While an operation runs it can be stopped, and of the host's other buttons only those of an end can be
-  // pressed.
+  // While an operation runs it can be stopped, and of the host's other buttons only those
+  // of an end can be pressed.
   void ShowOperation(bool isRunning);
 
   // Each is on the screen when it returns. A line of the log begins with the time.
@@ -82,6 +83,7 @@ class MainWindow {
   static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
   LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam);
   void OnCommand(int id);
+  void Request(int id);
   void RequestEnd(bool& request);
   void Postpone(bool& request);
   bool IsForPage(const MSG& message) const;

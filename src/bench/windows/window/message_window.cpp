@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <stdexcept>
 
+#include "win32/guarded.h"
 #include "win32/text.h"
 #include "win32/window_metrics.h"
 
@@ -153,8 +154,10 @@ LRESULT CALLBACK MessageWindow::Procedure(HWND window, UINT message, WPARAM wPar
     SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(creation->lpCreateParams));
   }
   auto* const self = reinterpret_cast<MessageWindow*>(GetWindowLongPtrW(window, GWLP_USERDATA));
-  return self != nullptr ? self->OnMessage(window, message, wParam, lParam)
-                         : DefWindowProcW(window, message, wParam, lParam);
+  return GuardedOr(LRESULT{0}, [&] {
+    return self != nullptr ? self->OnMessage(window, message, wParam, lParam)
+                           : DefWindowProcW(window, message, wParam, lParam);
+  });
 }
 
 LRESULT MessageWindow::OnMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
