@@ -164,8 +164,8 @@ class HestrionBench : private DialogueListener, private HostProcess {
   Status AppendBlankLine(const std::string& file) override { return watch_.AppendBlankLine(file); }
   void RunMessageLoopOnce() override { window_.PumpMessages(); }
 
-  // ---- Operations. One begins with the first that is heard of it, and has ended when what the user did to begin it
-  // has been dealt with.
+  // ---- Operations. One begins with the first sign of it, and ends when the user's action that began it has
+  // been handled.
 
   Operation& BeginOperation(const std::string& name);
   void EndOperation();
@@ -284,8 +284,8 @@ std::string HestrionBench::ProgramFolder() {
   return FolderOf(GetModuleHandleW(addInModuleName));
 }
 
-// With a folder, the module that lies there; otherwise the registered class, or the module beside this
-// program.
+// With a folder, the module that lies there; otherwise the registered class, or the
+// module beside this program.
 ComPtr<IAddIn> HestrionBench::CreateAddIn() {
   ComPtr<IAddIn> addIn;
   if (options_.Folder.empty() && !file_) {
@@ -403,6 +403,7 @@ void HestrionBench::FileDialogueOpens(FileDialogueKind kind, const FileDialogue&
 
 void HestrionBench::FileDialogueClosed(const std::optional<std::string>& chosen) {
   watch_.Tally().WasCancelled |= !chosen;
+  watch_.Tally().ChosenFile = chosen;
   if (player_) {
     player_->FileDialogueClosed(chosen);
   }
@@ -478,8 +479,8 @@ bool HestrionBench::MayBeEnded() {
   return answer == IDYES;
 }
 
-// An add-in may leave its controls disabled when the user cancels: its page then comes back by being opened
-// again.
+// An add-in may leave its controls disabled when the user cancels: its page then comes
+// back by being opened again.
 void HestrionBench::ReopenWhenDisabled() {
   const auto isEnabled = [this] {
     return std::ranges::any_of(PageDriver{session_->Frame()}.Shown().ButtonsEnabled, std::identity{});

@@ -56,7 +56,8 @@ std::string Operation::Progress() const {
 }
 
 std::string Operation::Result(const ActionTally& tally, Clock::time_point now) const {
-  auto text = ResultText({.Request = {.Kind = ActionKind::PressButton, .Command = name_}, .Tally = tally});
+  const auto command = tally.ChosenFile ? Joined(name_, " ", *tally.ChosenFile) : name_;
+  auto text = ResultText({.Request = {.Kind = ActionKind::PressButton, .Command = command}, .Tally = tally});
   text.resize(text.find_last_not_of('\n') + 1);
   return Joined(text, ", ", Seconds(now - begin_));
 }

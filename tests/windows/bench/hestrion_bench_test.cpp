@@ -793,7 +793,7 @@ TEST_F(HestrionWindows, SaysThatAnExportIntoAFileThatExistsMerges) {
   Store(folder_.File("job.txt"), "export " + folder_.File("old.bak") + "\n");
   Start({"--play", folder_.File("job.txt"), "--yes", "--replace"}, false);
   EXPECT_TRUE(Logs("old.bak\" exists: the add-in merges, so what it does not export stays in it")) << Log();
-  EXPECT_TRUE(Logs(": done (")) << Log();
+  EXPECT_TRUE(Logs("Save To File " + folder_.File("old.bak") + ": done (")) << Log();
   Order(quitId);
   EXPECT_EQ(process_->Wait(), 0) << process_->Errors();
 }
