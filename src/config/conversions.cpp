@@ -145,8 +145,8 @@ void CarryUp(std::string& digits) {
   std::fill(digits.begin() + static_cast<std::ptrdiff_t>(lastBelowNine) + 1, digits.end(), '0');
 }
 
-// All digits down to the last decimal place, rounded half away from zero: value times ten
-// to the power `decimals`.
+// All digits down to the last decimal place, rounded half away from zero: value times
+// ten to the power `decimals`.
 std::string RoundedDigits(const DecimalForm& form, int decimals) {
   const int kept = form.PointPosition + decimals;
   if (kept < 0) {

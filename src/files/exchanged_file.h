@@ -2,8 +2,9 @@
 // finds a state between two changes, and so does everybody after a crash, a power cut or on a full disk.
 // Changes that other programs make to the file are noticed and are never overwritten.
 //
-// This is the seam to the operating system; each system has an implementation of its own. None of the calls
-// waits for another program: what stands in the way is returned, and the caller decides how long to try again.
+// This is the seam to the operating system; each system has an implementation of its own. None
+// of the calls waits for another program: what stands in the way is returned, and the caller
+// decides how long to try again.
 #pragma once
 
 #include <cstdint>
@@ -52,15 +53,15 @@ class ExchangedFile {
   virtual FileContent Read() = 0;
 
   // Makes the change to `text`, which is what was last read or written; a missing file is created. When it
-  // returns Done, everybody who opens the file finds the change. Owner, permissions, access lists and extended
-  // attributes are kept, or it fails.
+  // returns Done, everybody who opens the file finds the change. Owner, permissions, access lists and
+  // extended attributes are kept, or it fails.
   virtual WriteOutcome Write(std::string_view text, const Splice& change) = 0;
 
   // When it returns without failure, all that was written survives a power cut.
   virtual Status Flush() = 0;
 
-  // Programs that had the file open while it was exchanged may write into the state that was replaced. What they
-  // wrote is never removed: it is kept in a file of its own. Returns these files, each once.
+  // Programs that had the file open while it was exchanged may write into the state that was replaced. What
+  // they wrote is never removed: it is kept in a file of its own. Returns these files, each once.
   virtual std::vector<std::string> TakeRescued() { return {}; }
 };
 

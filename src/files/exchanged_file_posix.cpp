@@ -6,11 +6,11 @@
 //
 // Another program changes the visible file between our look at it and the exchange. Nothing is therefore
 // exchanged while another program has the file open for writing, which a lease tells; a program that opens it
-// meanwhile has to wait, and is let go first. What came out of the exchange is compared with what was expected,
-// and put back if it is something else, or if somebody waits.
+// meanwhile has to wait, and is let go first. What came out of the exchange is compared with what was
+// expected, and put back if it is something else, or if somebody waits.
 //
-// Where the system grants no leases a program may write into a state that has been replaced. Such a state is not
-// removed but kept for the user.
+// Where the system grants no leases a program may write into a state that has been replaced. Such a state is
+// not removed but kept for the user.
 //
 // A program that opened the file before an exchange reads on in what has become the hidden copy. A copy is
 // therefore changed only under a lease, which the system grants when nobody else has the file open; otherwise
@@ -176,9 +176,9 @@ bool PosixExchangedFile::IsCurrent() {
   return isSettled_ && (known_.Exists ? Look() : StateOfPath(path_)) == known_;
 }
 
-// Every change of a file, its replacement and its removal show in the file itself, and to ask an open handle costs a
-// third of a look along the path. Only the path knows when a folder above, or a link, has been changed for another
-// one; it is therefore looked along again after a while, and before each write.
+// Every change of a file, its replacement and its removal show in the file itself, and to ask an open handle
+// costs a third of a look along the path. Only the path knows when a folder above, or a link, has been
+// changed for another one; it is therefore looked along again after a while, and before each write.
 FileState PosixExchangedFile::Look() {
   constexpr std::chrono::milliseconds untilNextLook{10};
   const auto now = std::chrono::steady_clock::now();
@@ -287,8 +287,8 @@ bool PosixExchangedFile::OpenFolder() {
   return place_.Folder.IsOpen();
 }
 
-// With the lease, if there is one. The permission to write needs to be looked at only once: a change of it is a
-// change of the file.
+// With the lease, if there is one. The permission to write needs to be looked at only once: a change of
+// it is a change of the file.
 WriteOutcome PosixExchangedFile::OpenVisible() {
   const int folder = place_.Folder.Number();
   visible_ = OpenAt(folder, place_.Name, O_RDONLY | O_NOFOLLOW | O_NONBLOCK);
@@ -361,8 +361,8 @@ WriteOutcome PosixExchangedFile::ExchangeIn(std::string_view text, const Spliced
   return WriteOutcome::Done;
 }
 
-// Between the look and the renaming another program's change can be lost: such a file system offers nothing
-// better.
+// Between the look and the renaming another program's change can be lost: such a file
+// system offers nothing better.
 WriteOutcome PosixExchangedFile::RenameIn(std::string_view text) {
   if (SomebodyWaits()) {
     return WriteOutcome::InUse;
@@ -404,7 +404,8 @@ void PosixExchangedFile::GiveBack() {
   copy_.CameBack(cameOut);
 }
 
-// The copy bears the visible name now. What was visible, if it is still open, is the copy, and `changed` behind.
+// The copy bears the visible name now. What was visible, if it is still open, is the
+// copy, and `changed` behind.
 void PosixExchangedFile::BecomeVisible(const FileState& formerState, ByteRange changed) {
   looked_.Close();
   if (isLeased_ && visible_.IsOpen()) {

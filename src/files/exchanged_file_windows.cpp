@@ -22,9 +22,9 @@
 namespace zolvane {
 namespace {
 
-// What the system says about a path without opening the file, which costs next to nothing. If two of
-// these differ, so do the states of the file. Two equal ones may still be two files, if someone gave them
-// the same times.
+// What the system says about a path without opening the file, which costs next to nothing. If two
+// of these differ, so do the states of the file. Two equal ones may still be two files, if someone
+// gave them the same times.
 struct FileLook {
   bool Exists = false;
   bool IsFolder = false;
@@ -167,8 +167,8 @@ class WriterLock {
       return;
     }
     const DWORD error = ::GetLastError();
-    // A file that is just being removed is refused in the same way as one in a folder where nothing
-    // may be made.
+    // A file that is just being removed is refused in the same way as one in a folder
+    // where nothing may be made.
     isThere_ = error == ERROR_FILE_EXISTS || (error == ERROR_ACCESS_DENIED &&
                                               ::GetFileAttributesW(path.c_str()) == INVALID_FILE_ATTRIBUTES &&
                                               !IsMissing(::GetLastError()));

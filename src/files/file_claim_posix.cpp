@@ -15,7 +15,8 @@
 namespace zolvane {
 namespace {
 
-// The lock ends with the process, however that ends. The mark may outlive it; without a lock it claims nothing.
+// The lock ends with the process, however that ends. The mark may outlive it; without
+// a lock it claims nothing.
 class PosixFileClaim final : public FileClaim {
  public:
   PosixFileClaim(std::string mark, FileHandle file) : mark_{std::move(mark)}, file_{std::move(file)} {}

@@ -221,8 +221,8 @@ void HiddenCopy::Rescue(const std::string& name) {
   }
 }
 
-// Not when somebody has it open, has changed it since, or knows it by another name. A lease can only be had
-// through the only handle.
+// Not when somebody has it open, has changed it since, or knows it by another name. A lease can only be
+// had through the only handle.
 bool HiddenCopy::MayBeChanged() {
   if (!file_.IsOpen() || !isSettled_ || state_.Names != 1) {
     return false;

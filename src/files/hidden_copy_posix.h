@@ -1,9 +1,9 @@
 // The second copy of a file, hidden beside it, in which the next state of the file is made ready.
 //
-// Its name tells which two files change places, so that nothing else under such a name is ever taken for one. It
-// is locked as long as its owner lives; one without lock was left behind and is removed by the next writer. What
-// another program wrote into a copy that had been the visible file is not removed: it gets a name of its own
-// beside the file ("Zolvane.ini.kept-1").
+// Its name tells which two files change places, so that nothing else under such a name is ever taken for one.
+// It is locked as long as its owner lives; one without lock was left behind and is removed by the next
+// writer. What another program wrote into a copy that had been the visible file is not removed: it gets a
+// name of its own beside the file ("Zolvane.ini.kept-1").
 #pragma once
 
 #include <cstdint>
@@ -42,14 +42,14 @@ class HiddenCopy {
 
   const std::string& Name() const { return name_; }
 
-  // As it was once it held the whole text. It has a time of modification that no change by others will have, if
-  // the file system keeps such times.
+  // As it was once it held the whole text. It has a time of modification that no change by others will have,
+  // if the file system keeps such times.
   const FileState& Whole() const { return whole_; }
   bool WholeIsUnique() const { return wholeIsUnique_; }
 
-  // It bears the visible name now, and what was visible bears its own, or is gone if `former` is not open. Goes
-  // on with `former`, which is in `state` and lags behind by `changed`; it is left alone from now on unless its
-  // content is known for sure. Returns the state of what is visible now.
+  // It bears the visible name now, and what was visible bears its own, or is gone if `former` is not open.
+  // Goes on with `former`, which is in `state` and lags behind by `changed`; it is left alone from now on
+  // unless its content is known for sure. Returns the state of what is visible now.
   FileState ChangePlaces(FileHandle former, const FileState& state, bool isKnown, ByteRange changed);
 
   // It bore the visible name for a moment. What bears its own name now, it or another state that was visible

@@ -11,8 +11,8 @@ namespace zolvane {
 std::filesystem::path PathOf(std::string_view text);
 std::string TextOf(const std::filesystem::path& path);
 
-// Absolute and lexically normal, without a separator at its end. Throws UsageError when there is no current
-// folder.
+// Absolute and lexically normal, without a separator at its end. Throws UsageError when
+// there is no current folder.
 std::string AbsolutePath(std::string_view text);
 
 // Ends as only the name of a folder does: in a separator, "." or "..".

@@ -348,8 +348,8 @@ void SectionedText::MoveEverythingBehind(const Edit& edit) {
   }
 }
 
-// The last line of the text has got its line end. Unless it is a blank one it stands in the last section's
-// body.
+// The last line of the text has got its line end. Unless it is a blank one it stands
+// in the last section's body.
 void SectionedText::CloseLastLine(const Edit& edit) {
   Section& last = sections_.back();
   const bool standsInBody = last.Start + last.BodySize == edit.Change.Offset;

@@ -44,10 +44,10 @@ class SectionedText {
 
   bool HasSection(std::string_view section) const;
 
-  // Gives the key its value. Nothing when the file could not hold it: a section with "]" or a line break in
-  // its name, a key that is empty, has "=" or a line break in it or starts like a comment or a header, a
-  // value with a line break in it, a file in UTF-16. Characters that the file's encoding does not have are
-  // written as "?".
+  // Gives the key its value. Nothing when the file could not hold it: a section with "]" or a line break
+  // in its name, a key that is empty, has "=" or a line break in it or starts like a comment or a
+  // header, a value with a line break in it, a file in UTF-16. Characters that the file's encoding does
+  // not have are written as "?".
   std::optional<Edit> PlanValue(std::string_view section, std::string_view key, std::string_view value) const;
 
   // Appends CR LF to the text. Nothing when the file is in UTF-16.
@@ -127,7 +127,8 @@ class SectionedText {
   HashIndex sectionByName_;
 };
 
-// A text of 16-bit units, in either byte order: it starts with their mark, or its zeros stand as in such a text.
+// A text of 16-bit units, in either byte order: it starts with their mark, or its
+// zeros stand as in such a text.
 bool IsUtf16(std::string_view bytes);
 
 }  // namespace zolvane

@@ -40,8 +40,8 @@ class SplicedText {
     return {pieces_[0].size(), keepsSize_ ? pieces_[0].size() + pieces_[1].size() : Size()};
   }
 
-  // Calls `visit(offset, bytes)` for the parts of the range, in order, until one returns false. True when
-  // none did.
+  // Calls `visit(offset, bytes)` for the parts of the range, in order, until one returns
+  // false. True when none did.
   template <class Visit>
   bool VisitRange(ByteRange range, Visit visit) const {
     std::size_t start = 0;

@@ -1,6 +1,6 @@
-// One forwarding class for each host interface: it hands every call on to the object behind it. A wrapper
-// derives from it and overrides what it changes. What is held by reference outlives the wrapper; no pointer
-// is null.
+// One forwarding class for each host interface: it hands every call on to the object behind it. A
+// wrapper derives from it and overrides what it changes. What is held by reference outlives the
+// wrapper; no pointer is null.
 #pragma once
 
 #include <memory>

@@ -2,8 +2,8 @@
 
 namespace zolvane {
 
-// A host may detach the page in answer to a call. Each call therefore holds on to the object that it is made
-// to.
+// A host may detach the page in answer to a call. Each call therefore holds on to the
+// object that it is made to.
 
 std::shared_ptr<InstrumentLink> HostAttachment::Link() const {
   const auto object = ObjectParent;

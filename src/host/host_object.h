@@ -15,8 +15,8 @@ class HostObject {
  public:
   virtual ~HostObject() = default;
 
-  // A fresh reference to the instrument link on each call; callers do not keep it. Empty when the host has
-  // none.
+  // A fresh reference to the instrument link on each call; callers do not keep it.
+  // Empty when the host has none.
   virtual std::shared_ptr<InstrumentLink> Link() = 0;
 
   virtual Status WriteLogLine(const std::string& line) = 0;

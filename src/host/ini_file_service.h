@@ -1,6 +1,6 @@
-// The host's settings-file service as the add-in uses it: sectioned key=value text files, read and written
-// one value at a time. Implemented by the Windows component over the host's object and by the bench over real
-// files.
+// The host's settings-file service as the add-in uses it: sectioned key=value text files, read and
+// written one value at a time. Implemented by the Windows component over the host's object and by
+// the bench over real files.
 #pragma once
 
 #include <optional>

@@ -25,8 +25,7 @@ class InstrumentLink {
   virtual Status SetHold(bool hold) = 0;
 
   // Sends one command line (no terminator) and waits for its reply. True when the instrument answered; false
-  // when it did not, with `reply` as the link left it. Empty if the call itself failed. `number` is
-  // always 0.
+  // when it did not, with `reply` as the link left it. Empty if the call itself failed. `number` is always 0.
   virtual std::optional<bool> SendCommand(std::string& command, std::string& reply, std::int32_t number) = 0;
 };
 

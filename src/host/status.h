@@ -1,8 +1,8 @@
 // How failures travel in the add-in, and how they are let pass.
 //
-// A step that fails is passed over: its target keeps the value it had, and the operation goes on. That rule
-// is spelled in exactly three ways, all of them here, so that every failure that is let pass can be found by
-// name:
+// A step that fails is passed over: its target keeps the value it had, and the operation goes on.
+// That rule is spelled in exactly three ways, all of them here, so that every failure that is let
+// pass can be found by name:
 //   AssignIf(target, value)   convert and store, or keep the old value
 //   PassOver(status)          a call whose failure has no consequence
 //   MetOnlyIf(condition)      a condition that could not be read counts as not met
@@ -43,8 +43,8 @@ constexpr void PassOver(const Status&) {}
 template <class T>
 constexpr void PassOver(const std::optional<T>&) {}
 
-// Stores the value if there is one. Both sides have the same type, so a narrowing assignment does not
-// compile.
+// Stores the value if there is one. Both sides have the same type, so a narrowing
+// assignment does not compile.
 template <class T>
 constexpr void AssignIf(T& target, std::optional<T> value) {
   if (value) {

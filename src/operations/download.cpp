@@ -119,8 +119,8 @@ void SaveRecord(const OperationContext& context, const RecordTable<Record>& tabl
   Save(table, context.Config, record, ConfigFile(context));
 }
 
-// X and Y of one position. Loads the record once X is answered and saves it once Y is. False if a
-// send failed.
+// X and Y of one position. Loads the record once X is answered and saves it once Y
+// is. False if a send failed.
 bool AskPosition(const OperationContext& context, const PositionKeys& keys, std::int32_t PositionRecord::* x,
                  std::int32_t PositionRecord::* y) {
   Queries queries{context};

@@ -1,5 +1,5 @@
-// "Load From Zolvane": asks the instrument for its calibration values and stores them in the
-// configuration file.
+// "Load From Zolvane": asks the instrument for its calibration values and stores them
+// in the configuration file.
 #pragma once
 
 #include <string_view>
@@ -12,8 +12,8 @@ namespace zolvane {
 // the file's value; a failed send ends what each step says. Each record is saved as soon as its queries are
 // done, so an interrupted download leaves the file partly updated, record by record.
 //
-// Cancel in the confirmation returns at once: the controls stay disabled and the status
-// text stands, on purpose.
+// Cancel in the confirmation returns at once: the controls stay disabled and the
+// status text stands, on purpose.
 void DownloadCalibration(const OperationContext& context);
 
 // The stage X and Y of one position. Saves nothing unless both were answered.
@@ -23,8 +23,8 @@ void DownloadPosition(const OperationContext& context, std::string_view instrume
 // DeltaZ, the only height that the instrument gives back.
 void DownloadHeights(const OperationContext& context);
 
-// The change heights of each microtiter head and of the first microtiter cage, saved only when all was
-// answered.
+// The change heights of each microtiter head and of the first microtiter cage, saved
+// only when all was answered.
 void DownloadTipAndHeadChange(const OperationContext& context);
 
 // The serial-dilute and calibration heads. Each is saved unless the stop flag is set, whatever was answered.

@@ -8,8 +8,8 @@ namespace zolvane {
 // Asks for confirmation, builds the script and sends it line by line. The first failed send ends the sending;
 // a stop flag that is raised meanwhile skips what is left. Writes nothing into the configuration file.
 //
-// Cancel in the confirmation returns at once: the controls stay disabled and the status
-// text stands, on purpose.
+// Cancel in the confirmation returns at once: the controls stay disabled and the
+// status text stands, on purpose.
 void UploadCalibration(const OperationContext& context);
 
 }  // namespace zolvane

@@ -21,8 +21,8 @@ std::string BuildUploadScript(Configuration& configuration, const GroupAnnouncem
 // The section that corrects the volumes of a head with tips of this volume.
 std::string VolumeCorrectionSection(std::string_view headName, std::string_view tipVolume);
 
-// The lines of one volume-correction section. Its items are numbered from 1 and end at the first gap;
-// empty if there are none.
+// The lines of one volume-correction section. Its items are numbered from 1 and end at the first
+// gap; empty if there are none.
 std::string BuildVolumeCorrection(const Configuration& configuration, std::string_view section);
 
 }  // namespace zolvane

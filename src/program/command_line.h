@@ -36,8 +36,8 @@ class CommandLine {
 
   enum class Asked { Nothing, Help, Version };
 
-  // Takes the arguments behind the program's name, and returns what was asked for instead of a run. Throws
-  // UsageError.
+  // Takes the arguments behind the program's name, and returns what was asked for instead of
+  // a run. Throws UsageError.
   Asked Parse(const std::vector<std::string>& arguments);
 
   // The arguments beside the options, in their order.

@@ -52,8 +52,8 @@ class Console {
   // Progress is shown on a terminal, so it is worth knowing how many commands to expect.
   bool CountsCommands() const { return setup_.NotesWidth.has_value() && !setup_.IsQuiet; }
 
-  // Flushes the printed results, and says why some of them were lost: standard output is closed or full, or
-  // its reader has left.
+  // Flushes the printed results, and says why some of them were lost: standard output is closed or
+  // full, or its reader has left.
   std::error_code Flush();
 
  private:

@@ -77,8 +77,8 @@ void frmAddIn::Unload() {
   host_.Panel = nullptr;
   host_.FormParent = nullptr;
   host_.ObjectParent = nullptr;
-  // A host that detaches this page later must not unload the page that replaced it, but only have back what it has
-  // given to this one meanwhile.
+  // A host that detaches this page later must not unload the page that replaced it, but only have back what
+  // it has given to this one meanwhile.
   unload_ = [this] { Unload(); };
   view_->Close();
 }

@@ -19,9 +19,9 @@ namespace zolvane {
 
 class frmAddIn final : public PageEvents, public std::enable_shared_from_this<frmAddIn> {
  public:
-  // Creates the page with its controls; nothing is loaded yet. Null when the controls cannot be created.
-  // `unload` is called when the host detaches the page; whoever keeps the page then calls Unload and lets it
-  // go.
+  // Creates the page with its controls; nothing is loaded yet. Null when the controls cannot be
+  // created. `unload` is called when the host detaches the page; whoever keeps the page then
+  // calls Unload and lets it go.
   static std::shared_ptr<frmAddIn> Create(Environment& environment, Configuration& configuration,
                                           PageViewFactory& views, std::function<void()> unload);
 

@@ -142,8 +142,8 @@ class UpperCaseReader {
   TextEncoding encoding_;
 };
 
-// Calls `visit` with each well-formed sequence and with each byte that belongs to none (as a sequence of
-// length 0).
+// Calls `visit` with each well-formed sequence and with each byte that belongs to none
+// (as a sequence of length 0).
 template <class Visit>
 void ForEachSequence(std::string_view text, Visit visit) {
   for (std::size_t position = 0; position < text.size();) {
@@ -230,8 +230,8 @@ bool EqualIgnoringCase(std::string_view left, std::string_view right, TextEncodi
   return leftReader.IsAtEnd() && rightReader.IsAtEnd();
 }
 
-// FNV-1a over characters. The last step spreads what differs in high bits to the low ones, by which the index
-// is entered.
+// FNV-1a over characters. The last step spreads what differs in high bits to the low ones, by
+// which the index is entered.
 std::uint32_t HashIgnoringCase(std::string_view name, TextEncoding encoding) {
   std::uint32_t hash = 2166136261U;
   for (UpperCaseReader reader{name, encoding}; !reader.IsAtEnd();) {

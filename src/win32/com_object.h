@@ -66,8 +66,8 @@ HRESULT InvokeById(Self& self, const Members& members, DISPID id, WORD kinds, co
                                  : DISP_E_MEMBERNOTFOUND;
 }
 
-// A counted object. What callers by name may use is what its function Members returns; it hides the
-// empty one here.
+// A counted object. What callers by name may use is what its function Members returns; it
+// hides the empty one here.
 template <class Self, class Interface, class... Others>
 class ComObject : public Counted<Self, Interface, IDispatch, Others...> {
  public:
@@ -108,8 +108,8 @@ class ComObject : public Counted<Self, Interface, IDispatch, Others...> {
   ComObject() = default;
   ~ComObject() = default;
 
-  // Every member runs in this: nothing thrown leaves it, and the object outlives it whatever the
-  // host releases meanwhile.
+  // Every member runs in this: nothing thrown leaves it, and the object outlives it whatever
+  // the host releases meanwhile.
   template <class Body>
   HRESULT InMember(Body body) noexcept {
     auto& self = static_cast<Self&>(*this);

@@ -8,9 +8,9 @@
 
 namespace zolvane {
 
-// `Self` derives from this, is made by Make and deletes itself with its last reference. Asked for
-// IUnknown, `Interface` or one of `Others`, it gives its Interface: the others are bases of that or add
-// no member to it.
+// `Self` derives from this, is made by Make and deletes itself with its last reference. Asked
+// for IUnknown, `Interface` or one of `Others`, it gives its Interface: the others are bases of
+// that or add no member to it.
 template <class Self, class Interface, class... Others>
 class Counted : public Interface {
  public:

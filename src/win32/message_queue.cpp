@@ -3,8 +3,8 @@
 namespace zolvane {
 namespace {
 
-// Given back only at the end: put back at once, it would come before all timers and everything that
-// the user does.
+// Given back only at the end: put back at once, it would come before all timers and
+// everything that the user does.
 class QuitRequest {
  public:
   QuitRequest() = default;

@@ -1,5 +1,5 @@
-// The add-in's texts are UTF-8, the system's UTF-16. What is no valid text on one side becomes U+FFFD
-// on the other.
+// The add-in's texts are UTF-8, the system's UTF-16. What is no valid text on one side
+// becomes U+FFFD on the other.
 #pragma once
 
 #include <string>

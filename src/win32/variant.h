@@ -34,8 +34,8 @@ class Variant {
   std::optional<std::int16_t> ToInt16() const;
   std::optional<std::string> ToText() const;
 
-  // The object as callers by name use it. Empty if the value is no object, or one that cannot be
-  // used by name.
+  // The object as callers by name use it. Empty if the value is no object, or one
+  // that cannot be used by name.
   ComPtr<IDispatch> ToObject() const;
 
  private:

@@ -9,8 +9,8 @@
 
 namespace zolvane {
 
-// The dots per inch that the window is drawn at: 96 at 100 %. On systems without a scale for each screen,
-// the system's own.
+// The dots per inch that the window is drawn at: 96 at 100 %. On systems without a scale for each
+// screen, the system's own.
 UINT DpiOf(HWND window);
 
 // The fonts of the page at a scale: Arial for the title, the system's own font for everything else.

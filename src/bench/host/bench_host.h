@@ -43,8 +43,8 @@ class BenchHost {
 
   // ---- What the bench asks
 
-  // The user's next command begins: its file dialogue answers `file`, and every complaint begins with
-  // `place`.
+  // The user's next command begins: its file dialogue answers `file`, and every
+  // complaint begins with `place`.
   void Begin(std::optional<std::string> file = std::nullopt, std::string place = {});
 
   // What has happened since then. The bench may add to it.

@@ -18,9 +18,9 @@ struct PageInUse {
   std::function<void(CheckControl box, int value)> SetCheck;
 };
 
-// Presses, selects or ticks what the action names. False if the page does not let the user: the control is
-// disabled, or the list has no such entry; then nothing is done, `complain` gets a line, and the tally says
-// so.
+// Presses, selects or ticks what the action names. False if the page does not let the user: the
+// control is disabled, or the list has no such entry; then nothing is done, `complain` gets a
+// line, and the tally says so.
 bool UsePage(const PageInUse& page, const Action& action, ActionTally& tally,
              const std::function<void(const std::string& text)>& complain);
 

@@ -1,6 +1,6 @@
-// The trace: one line of JSON for each thing that passes between the add-in and its host, in the order in
-// which things happen. Each function wraps a host interface in one that traces what passes through and
-// hands it on.
+// The trace: one line of JSON for each thing that passes between the add-in and its host, in the
+// order in which things happen. Each function wraps a host interface in one that traces what
+// passes through and hands it on.
 #pragma once
 
 #include <iosfwd>

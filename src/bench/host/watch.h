@@ -1,5 +1,5 @@
-// Watches what the add-in does to settings files and to the instrument: counts it, and complains about what
-// fails.
+// Watches what the add-in does to settings files and to the instrument: counts it, and
+// complains about what fails.
 #pragma once
 
 #include <functional>

@@ -53,8 +53,8 @@ std::optional<std::string> NextLine(OpenRunFile& file) {
   return std::string{Trimmed(line)};
 }
 
-// Takes "--file backup.bak" out of "press 3 --file backup.bak": the one option that belongs to a command, in
-// both its spellings.
+// Takes "--file backup.bak" out of "press 3 --file backup.bak": the one option that belongs to a
+// command, in both its spellings.
 std::optional<std::string> TakeFileOption(Words& words) {
   constexpr std::string_view option = "--file";
   constexpr std::string_view joined = "--file=";

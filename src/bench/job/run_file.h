@@ -10,8 +10,8 @@
 
 namespace zolvane {
 
-// Reads the file, or `input` if it is called "-", and those that it runs in turn. Throws UsageError, which
-// names the line.
+// Reads the file, or `input` if it is called "-", and those that it runs in turn. Throws
+// UsageError, which names the line.
 Job ReadRunFile(const std::string& file, std::istream& input);
 
 // The words of a line: separated by spaces and tabs; double quotes group, and within them "" is a quote.

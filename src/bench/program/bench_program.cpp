@@ -123,8 +123,8 @@ int Run(const Options& options, std::istream& input, std::ostream& output, std::
                    .ResultsGoToNotes = options.Trace == standardOutput,
                    .NotesWidth = ErrorTerminalWidth()}};
   std::ranges::for_each(notes, [&](const auto& note) { console.Note(note); });
-  // So far only the trace and an instrument's memory have been opened, and an interrupt may simply end the
-  // program.
+  // So far only the trace and an instrument's memory have been opened, and an interrupt
+  // may simply end the program.
   TakeInterrupts([] { Interrupt().Raise(); });
   return PlayJob(options, job, link, trace, console);
 }

@@ -65,8 +65,8 @@ void DemandBackup(const std::string& file, const std::string& folder, const std:
   }
 }
 
-// A file that an earlier command saves to will exist when a later one loads it or saves to it again. Returns
-// notes for the user.
+// A file that an earlier command saves to will exist when a later one loads it or saves to it again.
+// Returns notes for the user.
 std::vector<std::string> CheckDialogueFiles(const Options& options, const Job& job) {
   std::vector<std::string> notes;
   std::vector<std::string> saved;

@@ -9,8 +9,8 @@
 
 namespace zolvane {
 
-// Returns notes for the user. Throws UsageError if the folder, a file of a command, or a file that the run
-// would write is unusable.
+// Returns notes for the user. Throws UsageError if the folder, a file of a command, or a file that the
+// run would write is unusable.
 std::vector<std::string> CheckFiles(const Options& options, const Job& job);
 
 }  // namespace zolvane

@@ -1,5 +1,5 @@
-// An operation of the page, as its host sees it: by its texts in the status panel, its commands and its
-// questions.
+// An operation of the page, as its host sees it: by its texts in the status panel, its
+// commands and its questions.
 #pragma once
 
 #include <chrono>
@@ -20,8 +20,8 @@ class Operation {
   // `name` is its name until a better one is known.
   Operation(std::string name, Clock::time_point begin) : name_{std::move(name)}, begin_{begin} {}
 
-  // A command is about to be sent. Of the first one it is told how many there will be, which `folder`, the
-  // program folder, decides.
+  // A command is about to be sent. Of the first one it is told how many there will be, which `folder`,
+  // the program folder, decides.
   void Sends(std::string_view command, const std::string& folder);
 
   // A file is about to be chosen.

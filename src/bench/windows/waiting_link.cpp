@@ -19,8 +19,8 @@ WaitingLink::WaitingLink(std::shared_ptr<BenchLink> inner, const InterruptFlag& 
 
 WaitingLink::~WaitingLink() = default;
 
-// The inner link's stop flag is that of one command, and is handed on. An interrupt is not: it is seen here
-// as well.
+// The inner link's stop flag is that of one command, and is handed on. An interrupt is
+// not: it is seen here as well.
 std::optional<std::string> WaitingLink::Exchange(const std::string& command, Delivery& delivery) {
   events_.Sending(command);
   PassOver(inner_->SetStop(false));

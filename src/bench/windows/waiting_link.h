@@ -1,5 +1,5 @@
-// A link that does not block the thread that uses it: the host's window stays alive while the instrument
-// answers.
+// A link that does not block the thread that uses it: the host's window stays alive
+// while the instrument answers.
 #pragma once
 
 #include <asio/thread_pool.hpp>

@@ -37,8 +37,8 @@ class LineReader {
     return std::nullopt;
   }
 
-  // Call this when all whole lines have been taken. Drops the line that has begun, and what is still to come
-  // of it.
+  // Call this when all whole lines have been taken. Drops the line that has begun, and
+  // what is still to come of it.
   void DropBegunLine() {
     isInDroppedLine_ |= !bytes_.empty();
     bytes_.clear();

@@ -21,8 +21,8 @@ std::vector<LinkKindHelp> LinkKindsHelp();
 
 // `text` is one of those usages; the path of a device ("/dev/...") means a serial link. `timeout` is how long
 // a send waits for its reply, in seconds. Ports are opened by the first command, and no file is created
-// before the link begins. Throws UsageError for any other text, for a file that cannot be used, and for faults
-// of an instrument that is not simulated here. The interrupt outlives the link.
+// before the link begins. Throws UsageError for any other text, for a file that cannot be used, and for
+// faults of an instrument that is not simulated here. The interrupt outlives the link.
 std::shared_ptr<BenchLink> CreateLink(const std::string& text, double timeout, const InterruptFlag& interrupt,
                                       const FaultPlan& faults = {});
 

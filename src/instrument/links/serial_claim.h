@@ -6,8 +6,8 @@
 
 namespace zolvane {
 
-// Keeps other programs that ask the same way off the port until it is closed. Fails if another has claimed
-// it.
+// Keeps other programs that ask the same way off the port until it is closed. Fails
+// if another has claimed it.
 std::error_code ClaimSerialPort(asio::serial_port& port);
 
 }  // namespace zolvane

@@ -1,5 +1,5 @@
-// An instrument on a serial port, or on a pseudo-terminal: 8 data bits, no parity, one stop bit, no flow
-// control.
+// An instrument on a serial port, or on a pseudo-terminal: 8 data bits, no parity, one
+// stop bit, no flow control.
 #pragma once
 
 #include <optional>

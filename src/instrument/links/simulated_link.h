@@ -18,8 +18,8 @@ class SimulatedLink final : public BenchLink {
   void Begin() override { instrument_.SwitchOn(); }
 
  private:
-  // What a wire would make of the reply, without its time: late is too late, and what answers something else
-  // is skipped.
+  // What a wire would make of the reply, without its time: late is too late, and what answers
+  // something else is skipped.
   std::optional<std::string> Exchange(const std::string& command, Delivery& delivery) override;
 
   SimulatedInstrument instrument_;

@@ -54,8 +54,8 @@ class StreamLink : public BenchLink {
   // Writes as much as the stream takes without waiting; the number of bytes. The rest is written later.
   virtual std::size_t WriteAtOnce(std::string_view /*bytes*/) { return 0; }
 
-  // The user waits no longer: for a command that has left after the second interrupt, for anything else after
-  // the first.
+  // The user waits no longer: for a command that has left after the second interrupt, for
+  // anything else after the first.
   bool IsCutShort() const { return isCommandOut_ ? Interrupt().IsUrgent() : Interrupt().IsRaised(); }
 
   // Calls `wait` with moments to wait until, one after the other, until `isDone`; false when the deadline

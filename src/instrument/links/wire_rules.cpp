@@ -21,8 +21,8 @@ std::optional<std::string> KeyAskedBy(std::string_view command) {
                                        : std::nullopt;
 }
 
-// A text with blanks, commas or control characters in front of its "=" is no key: status texts and lists may
-// hold a "=".
+// A text with blanks, commas or control characters in front of its "=" is no key: status texts
+// and lists may hold a "=".
 bool IsKey(std::string_view text) {
   return !text.empty() && std::ranges::all_of(text, [](char character) {
     const auto byte = static_cast<unsigned char>(character);

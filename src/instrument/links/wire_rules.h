@@ -28,8 +28,8 @@ class WireRules {
   // A connection has been opened. What is owed stays owed: it may come over the new connection.
   void Connect();
 
-  // A command is about to leave and is in hand until it is answered or given up. Not after a missing reply:
-  // see below.
+  // A command is about to leave and is in hand until it is answered or given up. Not after a
+  // missing reply: see below.
   void Ask(std::string_view command);
 
   // A whole line has come, without its end. With no command in hand it is skipped.
@@ -42,8 +42,8 @@ class WireRules {
   // The command in hand was not answered in time. Its reply may still come, and the place is lost.
   void TimeOut();
 
-  // The connection has ended before the command in hand was answered. The place is lost only if it was sent
-  // twice.
+  // The connection has ended before the command in hand was answered. The place is lost
+  // only if it was sent twice.
   void Disconnect();
 
   // ---- After a missing reply

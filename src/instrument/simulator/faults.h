@@ -1,5 +1,5 @@
-// What can go wrong with an instrument, on request: for tests, and for people who want to see what the page
-// does.
+// What can go wrong with an instrument, on request: for tests, and for people who want
+// to see what the page does.
 #pragma once
 
 #include <cstddef>

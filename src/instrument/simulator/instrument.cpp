@@ -73,8 +73,8 @@ std::string SimulatedInstrument::Set(std::string_view command) {
   return "OK";
 }
 
-// Everything after the key is the value, blanks included. A value with a line break would not fit into one
-// line.
+// Everything after the key is the value, blanks included. A value with a line break
+// would not fit into one line.
 std::optional<SimulatedInstrument::Setting> SimulatedInstrument::SettingIn(std::string_view command) {
   const auto keyAndValue = command.substr(std::min(command.size(), setPrefix.size()));
   const auto blank = keyAndValue.find(' ');

@@ -22,8 +22,8 @@ class SimulatedInstrument {
     std::string Tag = "5A4C0150AA7F2032";
     std::string Pumps = "PUMPS CLOSED";
 
-    // The file that keeps what was saved of the calibration memory; empty for a memory that ends with the
-    // process.
+    // The file that keeps what was saved of the calibration memory; empty for a memory
+    // that ends with the process.
     std::string StateFile{};
 
     // The instrument falls silent after this many answers.

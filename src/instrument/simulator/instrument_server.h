@@ -10,8 +10,8 @@
 
 namespace zolvane {
 
-// Called when the server begins to wait for its client, to send a line or to take a reply, and when that
-// ends.
+// Called when the server begins to wait for its client, to send a line or to take a
+// reply, and when that ends.
 class ClientWatch {
  public:
   virtual ~ClientWatch() = default;

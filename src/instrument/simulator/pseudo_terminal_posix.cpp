@@ -73,8 +73,8 @@ std::string InstrumentServer::ServePseudoTerminal(asio::io_context& io) {
         ClientWatch nobodyElseWaits;
         co_await ServeStream(terminal->Master, nobodyElseWaits);
       } catch (const std::system_error&) {
-        // A line that cannot be closed for one client only: whatever was cut short, the next command starts
-        // afresh.
+        // A line that cannot be closed for one client only: whatever was cut short, the
+        // next command starts afresh.
       }
     }
   };

@@ -5,13 +5,13 @@
 
 namespace zolvane {
 
-// After a failure (usually missing rights) the registry is as it was. Nothing of the host's own
-// registration is touched.
+// After a failure (usually missing rights) the registry is as it was. Nothing of the host's
+// own registration is touched.
 HRESULT RegisterComponent();
 
-// Leaves nothing behind, except what the same component needs if it is also registered for programs of
-// the other kind, 32 or 64 bits. Succeeds even if nothing was there. Removes nothing without the rights
-// for all of it.
+// Leaves nothing behind, except what the same component needs if it is also registered for
+// programs of the other kind, 32 or 64 bits. Succeeds even if nothing was there. Removes nothing
+// without the rights for all of it.
 HRESULT UnregisterComponent();
 
 }  // namespace zolvane

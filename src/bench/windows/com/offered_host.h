@@ -1,5 +1,5 @@
-// The host's objects as COM objects: what the add-in is given, over the interfaces of host/. Each keeps what
-// it stands for alive.
+// The host's objects as COM objects: what the add-in is given, over the interfaces of host/. Each keeps
+// what it stands for alive.
 #pragma once
 
 #include <cstdint>

@@ -9,9 +9,9 @@
 
 namespace zolvane {
 
-// While it lives, creating the class by its identifier gives the services that `create` makes; an empty one
-// lets the creation fail. COM is in use on the calling thread as long as this lives. Throws
-// std::runtime_error.
+// While it lives, creating the class by its identifier gives the services that `create` makes; an
+// empty one lets the creation fail. COM is in use on the calling thread as long as this lives.
+// Throws std::runtime_error.
 class OfferedSettings {
  public:
   using Create = std::function<std::shared_ptr<IniFileService>()>;

@@ -1,6 +1,6 @@
 // Stands between a module and the system's boxes and file dialogues: what it shows can be traced, and
-// answered by a program instead of the user. The real boxes and dialogues still appear, unless the listener
-// does without them.
+// answered by a program instead of the user. The real boxes and dialogues still appear, unless the
+// listener does without them.
 #pragma once
 
 #include <functional>
@@ -53,7 +53,7 @@ class DialogueHooks {
 
   SystemDialogues& Shown() const;
 
-  // NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables): what is hooked carries no pointer of ours
+  // NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables): hooks carry no pointer of ours
   inline static DialogueHooks* current_ = nullptr;
 
   HMODULE module_;

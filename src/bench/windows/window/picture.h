@@ -7,8 +7,8 @@
 
 namespace zolvane {
 
-// A PNG or, where the file's name ends so, a BMP. The window has been shown. Throws UsageError when the file
-// cannot be written.
+// A PNG or, where the file's name ends so, a BMP. The window has been shown. Throws UsageError when
+// the file cannot be written.
 void SavePicture(HWND window, const std::string& file);
 
 }  // namespace zolvane

@@ -13,8 +13,8 @@
 namespace zolvane {
 namespace {
 
-// Out of memory counts as a failed call. A page that is taken down makes such calls, and nothing may
-// be thrown there.
+// Out of memory counts as a failed call. A page that is taken down makes such calls, and
+// nothing may be thrown there.
 template <class Body>
 auto OrFailure(Body body) noexcept {
   using Result = decltype(body());

@@ -1,10 +1,10 @@
-// The names by which the add-in reaches the host's objects. They are bound late, in any case of letters and
-// wherever they stand in the objects' tables. A host that calls a member something else needs a change of
-// this file only.
+// The names by which the add-in reaches the host's objects. They are bound late, in any case of letters
+// and wherever they stand in the objects' tables. A host that calls a member something else needs a
+// change of this file only.
 //
-// "property" is read with DISPATCH_PROPERTYGET | DISPATCH_METHOD, so a host may offer a method without
-// arguments in its place, and set with DISPATCH_PROPERTYPUT. The types below are those sent; the host
-// converts, as usual.
+// "property" is read with DISPATCH_PROPERTYGET | DISPATCH_METHOD, so a host may offer a method
+// without arguments in its place, and set with DISPATCH_PROPERTYPUT. The types below are those sent;
+// the host converts, as usual.
 #pragma once
 
 namespace zolvane::names {
@@ -32,9 +32,9 @@ inline constexpr const wchar_t* stop = L"Stop";
 // property, boolean, only set: the hold flag.
 inline constexpr const wchar_t* hold = L"Hold";
 
-// method (BSTR command, BSTR reply, 32-bit number, always 0), boolean: sends one line and waits for the
-// answer. Both texts are passed by reference (VT_BYREF | VT_BSTR); the link puts the answer into reply.
-// True when answered.
+// method (BSTR command, BSTR reply, 32-bit number, always 0), boolean: sends one line and waits for
+// the answer. Both texts are passed by reference (VT_BYREF | VT_BSTR); the link puts the answer into
+// reply. True when answered.
 inline constexpr const wchar_t* sendCommand = L"SendCommand";
 
 // ---- HostDialog: the host's message dialogue ----
@@ -55,9 +55,9 @@ inline constexpr const wchar_t* result = L"Result";
 // property, boolean, only set: whether the page has something to save.
 inline constexpr const wchar_t* changed = L"Changed";
 
-// property, object: the status bar; its property Panels, addressed by the key STATUS, is the panel of
-// the progress text. Panels may take the key itself, as an argument, or be an object whose default
-// member takes it.
+// property, object: the status bar; its property Panels, addressed by the key STATUS, is the
+// panel of the progress text. Panels may take the key itself, as an argument, or be an object
+// whose default member takes it.
 inline constexpr const wchar_t* statusBar = L"sbstatusbar";
 inline constexpr const wchar_t* panels = L"Panels";
 inline constexpr const wchar_t* statusPanelKey = L"STATUS";

@@ -11,8 +11,8 @@ namespace zolvane {
 
 class WindowsEnvironment final : public Environment {
  public:
-  // `owner` is asked each time for the window that boxes and dialogues belong to, which is disabled while
-  // they are open.
+  // `owner` is asked each time for the window that boxes and dialogues belong to, which is
+  // disabled while they are open.
   explicit WindowsEnvironment(std::function<HWND()> owner) : owner_{std::move(owner)} {}
 
   // Without a final backslash, unless it is a drive's root.

@@ -71,8 +71,8 @@ int IdReachedBy(const ControlRow& row) {
   return row.Kind == ControlKind::Label ? row.Id - firstListLabelId + firstListId : row.Id;
 }
 
-// A letter key has the number of its capital. The numbers of small letters belong to other keys,
-// Alt+F4 among them.
+// A letter key has the number of its capital. The numbers of small letters belong to
+// other keys, Alt+F4 among them.
 bool IsLetterKey(WPARAM key) {
   return key >= 'A' && key <= 'Z';
 }
@@ -94,8 +94,8 @@ bool AnswersAccessKey(HWND control, WPARAM letter, bool isRepeated) {
   if (row == nullptr) {
     return false;
   }
-  // The key's character may still be waiting. A host that handles dialogue keys would answer it
-  // a second time.
+  // The key's character may still be waiting. A host that handles dialogue keys
+  // would answer it a second time.
   DiscardMessages(control, WM_SYSCHAR, WM_SYSCHAR);
   const HWND target = GetDlgItem(frame, IdReachedBy(*row));
   MoveFocus(frame, target);
@@ -105,8 +105,8 @@ bool AnswersAccessKey(HWND control, WPARAM letter, bool isRepeated) {
   return true;
 }
 
-// The system gets the letter too, and first: if it saw no other key between Alt down and Alt up, it would
-// open the host's menu.
+// The system gets the letter too, and first: if it saw no other key between Alt down and Alt up, it
+// would open the host's menu.
 LRESULT AnswerLetterWithAlt(HWND control, WPARAM letter, LPARAM lParam, bool isRepeated) {
   const LRESULT result = LeaveToSystem(control, WM_SYSKEYDOWN, letter, lParam);
   return AnswersAccessKey(control, letter, isRepeated) ? 0 : result;
@@ -114,9 +114,9 @@ LRESULT AnswerLetterWithAlt(HWND control, WPARAM letter, LPARAM lParam, bool isR
 
 // ---- Check boxes ----
 
-// The system's two-state boxes refuse grey; its three-state boxes pass through grey between ticked and
-// unticked, and that click would only write the same value again. So a box has a third state only while
-// it shows it.
+// The system's two-state boxes refuse grey; its three-state boxes pass through grey between
+// ticked and unticked, and that click would only write the same value again. So a box has a third
+// state only while it shows it.
 void AllowGreyFor(HWND box, WPARAM value) {
   const LONG_PTR kind = value == BST_INDETERMINATE ? BS_AUTO3STATE : BS_AUTOCHECKBOX;
   if ((GetWindowLongPtrW(box, GWL_STYLE) & BS_TYPEMASK) != kind) {

@@ -1,6 +1,6 @@
 // The page's windows: its own, hidden one, and within it the frame container with all controls,
-// which the host takes into a window of its own. Makes and ends them, and hands their messages to
-// the parts that answer.
+// which the host takes into a window of its own. Makes and ends them, and hands their messages
+// to the parts that answer.
 #pragma once
 
 #include <memory>

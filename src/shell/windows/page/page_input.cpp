@@ -92,8 +92,8 @@ void PageInput::OnButton(int button) {
   DiscardWaiting();
 }
 
-// If the key of a button closes an open list, the list's message comes too late: the operation works with
-// what is stored.
+// If the key of a button closes an open list, the list's message comes too late: the operation
+// works with what is stored.
 void PageInput::StoreShownChoices() {
   for (int list = 0; list < static_cast<int>(listRows.size()); ++list) {
     OnDropDownClosed(static_cast<ListControl>(list));

@@ -36,8 +36,8 @@ struct ControlRow {
   bool StartsGroup;  // of controls that the arrow keys walk through
 };
 
-// The numbers of the controls: the first of each kind. The others follow in the order of the
-// rows in page_controls.h.
+// The numbers of the controls: the first of each kind. The others follow in the order of
+// the rows in page_controls.h.
 inline constexpr int titleId = 100;
 inline constexpr int settingsFrameId = 101;
 inline constexpr int calibrationFrameId = 102;
