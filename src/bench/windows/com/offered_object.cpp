@@ -4,8 +4,7 @@
 #include <cwchar>
 #include <utility>
 
-#include "win32/counted.h"
-#include "win32/guarded.h"
+#include "win32/com_object.h"
 #include "win32/text.h"
 #include "win32/variant.h"
 
@@ -21,15 +20,10 @@ std::optional<Variant> Direct(const MemberUse& use, std::size_t index) {
   return index < use.Arguments.size() ? Variant::CopyOf(*use.Arguments[index]) : std::nullopt;
 }
 
-class OfferedObject final : public Counted<OfferedObject, IDispatch> {
+class OfferedObject final : public ComObject<OfferedObject, IDispatch> {
  public:
   explicit OfferedObject(std::vector<OfferedMember> members) : members_{std::move(members)} { ++alive; }
   ~OfferedObject() { --alive; }
-
-  HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
-    return count != nullptr ? *count = 0, S_OK : E_POINTER;
-  }
-  HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
 
   HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, DISPID* ids) override;
   HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID, LCID, WORD kinds, DISPPARAMS* parameters,
@@ -55,7 +49,7 @@ HRESULT OfferedObject::GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, 
   return DISP_E_UNKNOWNNAME;
 }
 
-// Numbers are positions counted from 1; the default member has the system's number beside its own.
+// A member's number is its position, from 1. The default member also has the system's number for it.
 const OfferedMember* OfferedObject::Member(DISPID id) const {
   for (std::size_t index = 0; index < members_.size(); ++index) {
     const bool isDefault = id == DISPID_VALUE && *members_[index].Name == L'\0';
@@ -68,15 +62,14 @@ const OfferedMember* OfferedObject::Member(DISPID id) const {
 
 HRESULT OfferedObject::Invoke(DISPID id, REFIID, LCID, WORD kinds, DISPPARAMS* parameters, VARIANT* result,
                               EXCEPINFO*, UINT*) {
-  const ComPtr<IDispatch> self{this};
-  const auto* const member = Member(id);
-  if (member == nullptr || (member->Kinds & kinds) == 0) {
-    return DISP_E_MEMBERNOTFOUND;
-  }
-  if (parameters == nullptr) {
-    return E_INVALIDARG;
-  }
-  return Guarded([&] {
+  return InMember([&](const OfferedObject& self) {
+    const auto* const member = self.Member(id);
+    if (member == nullptr || (member->Kinds & kinds) == 0) {
+      return DISP_E_MEMBERNOTFOUND;
+    }
+    if (parameters == nullptr) {
+      return E_INVALIDARG;
+    }
     Variant unwanted;
     MemberUse use{.Arguments = {}, .IsSet = (kinds & setKinds) != 0, .Result = unwanted.Put()};
     if (result != nullptr) {

@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "win32/com_object.h"
 #include "win32/com_ptr.h"
 #include "win32/counted.h"
 #include "win32/guarded.h"
@@ -36,23 +37,11 @@ HRESULT StorePieces(const std::vector<std::string>& pieces, SAFEARRAY** place) {
   return S_OK;
 }
 
-class SettingsObject final : public Counted<SettingsObject, IIniFileService, IDispatch> {
+// Called by slots only: it has no members for callers by name.
+class SettingsObject final : public ComObject<SettingsObject, IIniFileService> {
  public:
   explicit SettingsObject(std::shared_ptr<IniFileService> service) : service_{std::move(service)} { ++alive; }
   ~SettingsObject() { --alive; }
-
-  // It is called by slots only.
-  HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
-    return count != nullptr ? *count = 0, S_OK : E_POINTER;
-  }
-  HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override {
-    return E_NOTIMPL;
-  }
-  HRESULT STDMETHODCALLTYPE Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*,
-                                   UINT*) override {
-    return E_NOTIMPL;
-  }
 
   HRESULT STDMETHODCALLTYPE ReadValue(BSTR section, BSTR key, BSTR file, BSTR fallback,
                                       BSTR* value) override {
