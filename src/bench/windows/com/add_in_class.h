@@ -12,8 +12,9 @@ namespace zolvane {
 inline constexpr const wchar_t* addInModuleName = L"HZOCalibrateDevice.dll";
 inline constexpr const wchar_t* addInProgId = L"HZOCalibrateDevice.Connect";
 
-// The module of an add-in in a file of its own, without any registration. Throws std::runtime_error when it
-// is no such module. It stays loaded while this lives; the caller releases the add-in's objects first.
+// An add-in's module, loaded from its file without any registration. Throws std::runtime_error if
+// the file is no such module. The module stays loaded as long as this lives; the caller releases
+// the add-in's objects first.
 class AddInFile {
  public:
   explicit AddInFile(const std::wstring& path);
@@ -23,7 +24,7 @@ class AddInFile {
 
   HMODULE Module() const { return module_; }
 
-  // What the module answers.
+  // What the module's entry points return.
   HRESULT GetClassObject(REFCLSID classId, REFIID iid, void** object) const;
   HRESULT CanUnloadNow() const;
 
@@ -34,7 +35,7 @@ class AddInFile {
   HMODULE module_;
 };
 
-// The class by its registered name, from the registry or a manifest. Empty when it is not known there.
+// Creates the class by its name, which the registry or a manifest knows. Null if neither does.
 ComPtr<IAddIn> CreateRegisteredAddIn();
 
 }  // namespace zolvane

@@ -1,4 +1,4 @@
-// One host session with the add-in's COM objects, in the order that every host keeps.
+// A host session with the add-in's COM objects, in the order that every host follows.
 #pragma once
 
 #include <functional>
@@ -14,8 +14,8 @@ namespace zolvane {
 
 class ComSession {
  public:
-  // Asks for caption and page, hands over window and host object, and loads the page. Throws
-  // std::runtime_error when there is no page.
+  // Reads the caption, gets the page, gives it the window and the host object, and loads it. Throws
+  // std::runtime_error if there is no page.
   ComSession(ComPtr<IAddIn> addIn, const ComPtr<IDispatch>& object, const ComPtr<IDispatch>& window);
 
   // Saves, detaches and releases.

@@ -14,7 +14,7 @@ constexpr WORD get = DISPATCH_PROPERTYGET;
 constexpr WORD put = DISPATCH_PROPERTYPUT;
 constexpr WORD method = DISPATCH_METHOD;
 
-// What a set does with the one argument that it needs.
+// Sets a property to its new value, unless that is of another type.
 template <class Value, class Set>
 HRESULT Take(const std::optional<Value>& value, Set set) {
   return value ? ToHresult(set(*value)) : DISP_E_TYPEMISMATCH;

@@ -1,5 +1,5 @@
-// The host's objects as COM objects: what the add-in is given, over the interfaces of host/. Each keeps
-// what it stands for alive.
+// The host's objects as the COM objects that the add-in gets, over the interfaces of host/. Each keeps
+// the object behind it alive.
 #pragma once
 
 #include <cstdint>
@@ -13,8 +13,8 @@ namespace zolvane {
 
 ComPtr<IDispatch> OfferHostObject(std::shared_ptr<HostObject> object);
 
-// How a status bar gives its panel under a key: as a property with an argument, or as an object whose default
-// member takes it. Both kinds are in use.
+// How a status bar finds a panel by its key: through a property that takes the key, or through an object
+// whose default member does. There are hosts of both kinds.
 enum class PanelsShape : std::uint8_t { IndexedProperty, DefaultMember };
 
 ComPtr<IDispatch> OfferHostWindow(std::shared_ptr<HostWindow> window,

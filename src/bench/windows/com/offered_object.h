@@ -11,22 +11,22 @@
 
 namespace zolvane {
 
-// One use of a member. Arguments stand in the order of the call, the value of a property set last.
+// One use of a member. The arguments are in the order of the call; the new value of a property comes last.
 struct MemberUse {
   std::vector<VARIANT*> Arguments;
   bool IsSet = false;
   VARIANT* Result = nullptr;  // never null
 
-  // An argument as the type asked for; nothing when there is none or it does not convert.
+  // An argument as the type asked for. Returns nullopt if there is none or it does not convert.
   std::optional<bool> BoolAt(std::size_t index) const;
   std::optional<std::int16_t> Int16At(std::size_t index) const;
   std::optional<std::int32_t> Int32At(std::size_t index) const;
   std::optional<std::string> TextAt(std::size_t index) const;
 
-  // The text variable that an argument refers to; null when it is none.
+  // The text variable that an argument refers to. Null if it refers to none.
   BSTR* TextVariableAt(std::size_t index) const;
 
-  // Each stores a result and succeeds, or fails for a value that there is not.
+  // Each stores a result and succeeds. Without a value it fails.
   HRESULT Give(std::optional<bool> value) const;
   HRESULT Give(std::optional<std::int16_t> value) const;
   HRESULT Give(std::optional<std::int32_t> value) const;
@@ -42,7 +42,7 @@ struct OfferedMember {
 
 ComPtr<IDispatch> Offer(std::vector<OfferedMember> members);
 
-// How many objects that were offered are still referred to, in the whole process.
+// How many offered objects are still in use, in the whole process.
 long OfferedObjectsAlive();
 
 }  // namespace zolvane

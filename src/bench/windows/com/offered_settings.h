@@ -9,8 +9,8 @@
 
 namespace zolvane {
 
-// While it lives, creating the class by its identifier gives the services that `create` makes; an
-// empty one lets the creation fail. COM is in use on the calling thread as long as this lives.
+// As long as this lives, creating the class by its identifier gives a service made by `create`; if
+// that is null, the creation fails. COM has to be initialized on the calling thread meanwhile.
 // Throws std::runtime_error.
 class OfferedSettings {
  public:
@@ -25,7 +25,7 @@ class OfferedSettings {
   DWORD registration_ = 0;
 };
 
-// How many services that were created are still referred to, in the whole process.
+// How many of these services are still in use, in the whole process.
 long OfferedServicesAlive();
 
 }  // namespace zolvane

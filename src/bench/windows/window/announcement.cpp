@@ -13,7 +13,7 @@ bool LeadsSomewhere(DWORD standardStream) {
   return stream != nullptr && stream != INVALID_HANDLE_VALUE && GetFileType(stream) != FILE_TYPE_UNKNOWN;
 }
 
-// Let go of again: its Ctrl-C would end the program.
+// Left again, because Ctrl-C there would end the program.
 class ParentsConsole {
  public:
   ParentsConsole() : isAttached_{AttachConsole(ATTACH_PARENT_PROCESS) != FALSE} {}

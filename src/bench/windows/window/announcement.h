@@ -1,4 +1,4 @@
-// What a program with windows says to the user while it has none.
+// What a program with windows tells the user while it has none.
 #pragma once
 
 #include <cstdint>
@@ -9,11 +9,11 @@ namespace zolvane {
 
 enum class Announcement : std::uint8_t { Information, Error };
 
-// Says it on `stream` if the program's standard output (for an error: its standard error) leads somewhere;
-// else on the console that the program was started from. False when there is neither.
+// Writes the text to `stream` if the program's standard output (for an error: its standard error) leads
+// somewhere, otherwise to the console that the program was started from. False if there is neither.
 bool SayOnTerminal(Announcement kind, const std::string& text, std::ostream& stream);
 
-// The same; where there is neither, in a box, which it waits for.
+// The same, but without either it shows a box and waits until the box is closed.
 void Announce(Announcement kind, const std::string& text, std::ostream& stream);
 
 }  // namespace zolvane

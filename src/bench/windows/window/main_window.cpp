@@ -22,7 +22,7 @@ struct ButtonPlan {
 constexpr std::array<ButtonPlan, 4> buttons{
     {{saveId, L"Save"}, {closePageId, L"Close"}, {helpId, L"Help"}, {stopId, L"Stop (Esc)"}}};
 
-// Of the status bar.
+// The parts of the status bar.
 enum Part : int { statusPart, changedPart };
 
 constexpr const wchar_t* title = L"Hestrion bench";
@@ -42,7 +42,7 @@ constexpr int smallestLog = 50;
 constexpr int smallestWidth = 320;
 constexpr int smallestHeight = 200;
 
-// For a window that is to stand in the middle of the screen when it has a page in it.
+// The place at which a window of this size is in the middle of the screen.
 POINT FirstPlace(SIZE size) {
   RECT screen{};
   SystemParametersInfoW(SPI_GETWORKAREA, 0, &screen, 0);
@@ -184,7 +184,7 @@ void MainWindow::UpdateTitle() const {
   SetWindowTextW(window_, (page_ + place_ + title).c_str());
 }
 
-// Of the window, with the page in it and a log of this height.
+// The size of the window with the page in it and a log of this height.
 SIZE MainWindow::SizeAround(int logPixels) const {
   const SIZE page = SizeOf(frame_);
   RECT place{0, 0, page.cx, page.cy + Scaled(buttonHeight + 3 * gap + logPixels) + SizeOf(statusBar_).cy};
@@ -197,7 +197,7 @@ void MainWindow::FitToPage() {
   SetWindowPos(window_, nullptr, 0, 0, size.cx, size.cy, SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
-// The page keeps its size, and everything around it stays in sight; on a small screen, as much of it as fits.
+// The page keeps its size and everything around it stays visible, as far as the screen has room for it.
 void MainWindow::LimitSize(MINMAXINFO& limits) const {
   RECT screen{};
   SystemParametersInfoW(SPI_GETWORKAREA, 0, &screen, 0);
@@ -260,8 +260,8 @@ void MainWindow::AppendLog(std::string_view line) {
   UpdateWindow(log_);
 }
 
-// Some systems keep what was drawn to themselves until the thread looks for messages, and the instrument may
-// keep it from doing so for long.
+// Some systems show what was drawn only when the thread looks for messages, and an instrument may keep it
+// from doing so for a long time.
 void MainWindow::ShowPart(int part, std::string_view text) const {
   SendMessageW(statusBar_, SB_SETTEXTW, static_cast<WPARAM>(part),
                reinterpret_cast<LPARAM>(Wide(text).c_str()));
@@ -312,7 +312,7 @@ void MainWindow::Run() {
   }
 }
 
-// What the page posts to itself comes when it has ended its operation.
+// What the page posts to itself arrives once its operation has ended.
 void MainWindow::PumpUntil(HANDLE event) {
   while (MsgWaitForMultipleObjects(1, &event, FALSE, INFINITE, QS_ALLINPUT) == WAIT_OBJECT_0 + 1) {
     MSG message{};
@@ -329,7 +329,7 @@ bool MainWindow::IsForPage(const MSG& message) const {
   return frame_ != nullptr && (message.hwnd == frame_ || IsChild(frame_, message.hwnd) != FALSE);
 }
 
-// A key that the page has the focus for is the window's: Alt+F4, and those of the menu.
+// Keys go to the window even if the page has the focus: Alt+F4, and those of the menu.
 void MainWindow::HandleMeanwhile(MSG& message) {
   const bool isKey = IsOneOf(message.message, WM_KEYFIRST, WM_KEYLAST);
   const bool isForPage = IsForPage(message);
@@ -349,7 +349,7 @@ void MainWindow::HandleMeanwhile(MSG& message) {
   DispatchMessageW(&message);
 }
 
-// The empty message wakes a loop that waits for one.
+// The empty message wakes a loop that is waiting for one.
 void MainWindow::Postpone(bool& request) {
   request = true;
   PostMessageW(window_, WM_NULL, 0, 0);

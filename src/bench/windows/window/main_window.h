@@ -13,7 +13,7 @@ namespace zolvane {
 
 inline constexpr const wchar_t* mainWindowClass = L"HestrionBench";
 
-// The numbers of its commands, and of what it shows.
+// The numbers of its commands and of its parts.
 enum MainWindowId : int {
   openPageId = 1000,
   closePageId,
@@ -28,8 +28,8 @@ enum MainWindowId : int {
 
 class MainWindow {
  public:
-  // What the user asks for. An end of the page or of the window is asked for when all else has ended. The log
-  // says why something asked for failed, with the text of what was thrown.
+  // What the user asks for. Closing the page or the window is requested when everything else has ended. If a
+  // request throws, the log says why.
   struct Requests {
     std::function<void()> OpenPage;
     std::function<void()> ClosePage;
@@ -37,8 +37,8 @@ class MainWindow {
     std::function<void()> Help;
     std::function<void()> Quit;
     std::function<void()> Stop;        // the running operation
-    std::function<bool()> MayBeEnded;  // the running operation, for the end of the page or of the window
-    std::function<void()> Rest;        // what the user did last has been dealt with
+    std::function<bool()> MayBeEnded;  // whether the running operation may be ended to close them
+    std::function<void()> Rest;        // the user's last action has been handled
   };
 
   // Throws std::runtime_error.
@@ -49,34 +49,33 @@ class MainWindow {
 
   HWND Handle() const { return window_; }
 
-  // An add-in in the menu, by its caption.
+  // Adds an add-in to the menu, by its caption.
   void AddMenuEntry(const std::string& caption);
 
-  // Takes a page's frame in, at the size that it has; the window grows to it. Null takes it out.
+  // Takes in a page's frame at its own size; the window grows to fit. Null takes it out.
   void Embed(HWND frame, bool hasButtons, bool hasStatusBar);
 
-  // What stands in the window's title: the page, none if the text is empty, and what it works on.
+  // The parts of the window's title: the page (none if the text is empty), and what it works on.
   void ShowTitle(std::string_view page);
   void ShowPlace(std::string_view folder, std::string_view link);
 
-  // While an operation runs it can be stopped, and of the host's other buttons only those
-  // of an end can be pressed.
+  // While an operation runs, the user can stop it; of the host's other buttons only Close works.
   void ShowOperation(bool isRunning);
 
-  // Each is on the screen when it returns. A line of the log begins with the time.
+  // What these show is on the screen when they return. A line of the log begins with the time.
   void AppendLog(std::string_view line);
   void ShowProgress(std::string_view text);
   void ShowStatus(std::string_view text);
   void ShowChanged(bool changed);
 
-  // Handles all messages that wait. False when the window is gone.
+  // Handles all waiting messages. False once the window is gone.
   bool PumpMessages();
 
   // Handles messages until the window is gone.
   void Run();
 
-  // For an operation that waits: handles messages until the event is set, except those that are meant for the
-  // page. Its controls are disabled, and it does not expect to be called meanwhile. Escape asks for a stop.
+  // For an operation that waits: handles messages until the event is set, except those for the page, whose
+  // controls are disabled and which does not expect to be called meanwhile. Escape requests a stop.
   void PumpUntil(HANDLE event);
 
  private:
@@ -113,7 +112,7 @@ class MainWindow {
   UniqueFont font_;
   std::wstring page_;
   std::wstring place_;
-  std::vector<MSG> forLater_;  // the page's own, that came while an operation waited
+  std::vector<MSG> forLater_;  // the page's own messages from while an operation waited
   bool hasButtons_ = false;
   bool isRunning_ = false;  // an operation
   bool isGone_ = false;

@@ -36,7 +36,7 @@ HWND Created(HWND owner, const Question& question, WNDPROC procedure, void* self
   return window != nullptr ? window : throw std::runtime_error{"the message dialogue cannot be shown"};
 }
 
-// What the text needs, broken into lines where it is wide.
+// The size of the text when it is broken into lines of this width.
 SIZE SizeOfText(HWND window, HFONT font, const std::wstring& text, int width) {
   const HDC context = GetDC(window);
   const HGDIOBJ before = SelectObject(context, font);
@@ -48,7 +48,7 @@ SIZE SizeOfText(HWND window, HFONT font, const std::wstring& text, int width) {
   return {area.right, area.bottom};
 }
 
-// Over the middle of the owner, or of the screen.
+// Centred over the owner, or on the screen.
 POINT PlaceFor(HWND owner, SIZE size) {
   RECT around{0, 0, GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN)};
   if (owner != nullptr) {
@@ -95,7 +95,7 @@ HWND MessageWindow::AddChild(const wchar_t* className, const std::string& text, 
   return child;
 }
 
-// The text above, the buttons below it on the right.
+// The text at the top, the buttons below it on the right.
 void MessageWindow::AddContent(const Question& question) {
   const int count = static_cast<int>(buttons_.size());
   const int buttonsWidth = count * Scaled(buttonWidth) + (count - 1) * Scaled(gap);
@@ -137,7 +137,7 @@ void MessageWindow::OnCommand(std::int32_t button) {
   }
 }
 
-// Whoever waits for the answer runs a message loop of its own, which need not know dialogue keys.
+// The add-in waits for the answer in a message loop of its own, which may not handle dialogue keys.
 LRESULT CALLBACK MessageWindow::OnNextMessage(int code, WPARAM removal, LPARAM message) {
   auto& next = *reinterpret_cast<MSG*>(message);
   if (code == HC_ACTION && removal == PM_REMOVE && newest_ != nullptr && newest_->window_ != nullptr &&
@@ -171,7 +171,7 @@ LRESULT MessageWindow::OnMessage(HWND window, UINT message, WPARAM wParam, LPARA
       Answer(buttons_.back());
       return 0;
     case WM_NCDESTROY:
-      // Destroyed with its owner, it must not leave anybody waiting.
+      // If it is destroyed with its owner, nobody must be left waiting.
       result_ = result_ < 0 ? static_cast<std::int16_t>(buttons_.back()) : result_;
       window_ = nullptr;
       break;

@@ -1,4 +1,4 @@
-// The host's own message dialogue: a window beside the host's that the user answers while the host goes on.
+// The host's own message dialogue: a separate window that the user answers while the host keeps running.
 #pragma once
 
 #include <cstdint>
@@ -14,7 +14,7 @@ inline constexpr const wchar_t* messageWindowClass = L"HestrionMessage";
 
 class MessageWindow {
  public:
-  // Its buttons have the numbers of their answers. The owner may be null. Throws std::runtime_error.
+  // The number of a button is the answer it stands for. The owner may be null. Throws std::runtime_error.
   MessageWindow(HWND owner, const Question& question);
   ~MessageWindow();
   MessageWindow(const MessageWindow&) = delete;

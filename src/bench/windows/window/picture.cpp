@@ -39,7 +39,7 @@ BITMAPINFOHEADER HeaderOf(std::uint32_t width, std::int32_t rows) {
   return header;
 }
 
-// The window's own picture: where nothing is drawn on a screen it exists all the same.
+// Taken from the window itself, so it works even where nothing is drawn on a screen.
 Picture PictureOf(HWND window) {
   RECT place{};
   GetWindowRect(window, &place);
@@ -85,7 +85,7 @@ Bytes BmpOf(const Picture& picture) {
   return bytes;
 }
 
-// ---- PNG, with its data stored as they are: pictures of windows are small
+// ---- PNG, with its data not compressed: pictures of windows are small
 
 void AppendNumber(Bytes& bytes, std::uint32_t number) {
   for (const unsigned shift : {24U, 16U, 8U, 0U}) {
@@ -113,7 +113,7 @@ void AppendChunk(Bytes& png, std::string_view name, const Bytes& content) {
   AppendNumber(png, Checksum(png.data() + begin, png.data() + png.size()));
 }
 
-// A row is a filter's number, 0 for none, and its pixels.
+// A row is the number of its filter, 0 for none, followed by its pixels.
 Bytes RowsOf(const Picture& picture) {
   Bytes rows;
   for (std::size_t at = 0; at < picture.Pixels.size(); ++at) {

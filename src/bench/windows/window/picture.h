@@ -1,4 +1,4 @@
-// A picture of a window as it looks now, in a file.
+// Saves a picture of a window as it looks now.
 #pragma once
 
 #include <string>
@@ -7,8 +7,8 @@
 
 namespace zolvane {
 
-// A PNG or, where the file's name ends so, a BMP. The window has been shown. Throws UsageError when
-// the file cannot be written.
+// Writes a BMP if the file's name ends in .bmp, otherwise a PNG. The window must have been shown. Throws
+// UsageError if the file cannot be written.
 void SavePicture(HWND window, const std::string& file);
 
 }  // namespace zolvane

@@ -1,4 +1,4 @@
-// What the add-in is given by the host with windows: its object model and its window, over the main window.
+// The object model and the window that the host with windows gives to the add-in.
 #pragma once
 
 #include <functional>
