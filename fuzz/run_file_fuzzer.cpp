@@ -1,10 +1,11 @@
 // Any bytes as a run file: commands, or one refusal that says what is wrong.
 #include <cstdint>
 #include <cstdlib>
+#include <optional>
 #include <sstream>
 #include <string>
 
-#include "bench/job/actions.h"
+#include "bench/job/job.h"
 #include "text/usage_error.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
