@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <nlohmann/json.hpp>
 #include <string_view>
 
 #include "files/whole_file.h"

@@ -1,7 +1,7 @@
 // Reading a JSON file that the user named.
 #pragma once
 
-#include <nlohmann/json.hpp>
+#include <nlohmann/json_fwd.hpp>
 #include <string>
 #include <string_view>
 

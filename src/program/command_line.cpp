@@ -1,5 +1,6 @@
 #include "program/command_line.h"
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <utility>
 
@@ -51,27 +52,29 @@ std::string HelpRow(std::string_view typed, std::string_view effect) {
   return rows;
 }
 
-CommandLine::CommandLine(Help help) : help_{std::move(help)} {
-  app_.set_help_flag();
-  app_.allow_extras();
+CommandLine::CommandLine(Help help) : help_{std::move(help)}, app_{std::make_unique<CLI::App>()} {
+  app_->set_help_flag();
+  app_->allow_extras();
   AddFlag("-h,--help", wantsHelp_, "print this help");
   AddFlag("--version", wantsVersion_, "print the program's name and version");
 }
 
+CommandLine::~CommandLine() = default;
+
 void CommandLine::AddOption(const std::string& name, std::string_view argument, std::string& target,
                             const std::string& effect) {
-  app_.add_option(name, target, effect)->type_name(std::string{argument});
+  app_->add_option(name, target, effect)->type_name(std::string{argument});
 }
 
 void CommandLine::AddOption(const std::string& name, std::string_view argument,
                             std::optional<std::string>& target, const std::string& effect) {
-  app_.add_option(name, target, effect)->type_name(std::string{argument});
+  app_->add_option(name, target, effect)->type_name(std::string{argument});
 }
 
 // Taken as typed: the library would split "[a,b]".
 void CommandLine::AddOption(const std::string& name, std::string_view argument,
                             std::vector<std::string>& target, const std::string& effect) {
-  app_.add_option_function<std::string>(
+  app_->add_option_function<std::string>(
           name, [&target](const std::string& value) { target.push_back(value); }, effect)
       ->type_name(std::string{argument})
       ->trigger_on_parse()
@@ -79,14 +82,14 @@ void CommandLine::AddOption(const std::string& name, std::string_view argument,
 }
 
 void CommandLine::AddFlag(const std::string& name, bool& target, const std::string& effect) {
-  app_.add_flag(name, target, effect);
+  app_->add_flag(name, target, effect);
 }
 
 CommandLine::Asked CommandLine::Parse(const std::vector<std::string>& arguments) {
   auto reversed = WithEmptyValues(arguments);
   std::ranges::reverse(reversed);
   try {
-    app_.parse(std::move(reversed));
+    app_->parse(std::move(reversed));
   } catch (const CLI::ParseError&) {
     ExplainFailure(arguments);
   }
@@ -95,7 +98,7 @@ CommandLine::Asked CommandLine::Parse(const std::vector<std::string>& arguments)
 }
 
 void CommandLine::TakeWords() {
-  const auto rest = app_.remaining();
+  const auto rest = app_->remaining();
   const auto end = std::ranges::find(rest, endOfOptions);
   if (const auto unknown = std::find_if(rest.begin(), end, LooksLikeOption); unknown != end) {
     RefuseOption(*unknown);
@@ -107,7 +110,7 @@ void CommandLine::TakeWords() {
 std::string CommandLine::HelpText() const {
   std::string text = Joined("Usage: ", help_.Program, " ", help_.Usage, "\n\n", help_.Purpose,
                             help_.BeforeOptions, "\nOptions:\n");
-  for (const auto* option : app_.get_options()) {
+  for (const auto* option : app_->get_options()) {
     const auto name = option->get_name(false, true);
     text += HelpRow(option->get_items_expected_max() == 0 ? name : Joined(name, " ", option->get_type_name()),
                     option->get_description());
@@ -120,7 +123,7 @@ std::string CommandLine::VersionText() const {
 }
 
 const CLI::Option* CommandLine::Named(std::string_view name) const {
-  return app_.get_option_no_throw(std::string{name.substr(0, name.find('='))});
+  return app_->get_option_no_throw(std::string{name.substr(0, name.find('='))});
 }
 
 bool CommandLine::TakesValue(const std::string& argument) const {
@@ -131,7 +134,7 @@ bool CommandLine::TakesValue(const std::string& argument) const {
 void CommandLine::RefuseOption(const std::string& argument) const {
   const auto name = argument.substr(0, argument.find('='));
   std::vector<std::string> names;
-  for (const auto* option : app_.get_options()) {
+  for (const auto* option : app_->get_options()) {
     names.push_back(option->get_single_name());
   }
   std::ranges::transform(names, names.begin(), [](const auto& known) { return "--" + known; });

@@ -2,11 +2,17 @@
 // complaining in plain words.
 #pragma once
 
-#include <CLI/CLI.hpp>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
+
+// The library's header costs each of its users half a minute of compiling.
+namespace CLI {
+class App;
+class Option;
+}  // namespace CLI
 
 namespace zolvane {
 
@@ -24,6 +30,9 @@ class CommandLine {
   };
 
   explicit CommandLine(Help help);
+  ~CommandLine();
+  CommandLine(const CommandLine&) = delete;
+  CommandLine& operator=(const CommandLine&) = delete;
 
   // Options and flags; the targets outlive the command line. `argument` names the value in the help.
   void AddOption(const std::string& name, std::string_view argument, std::string& target,
@@ -54,7 +63,7 @@ class CommandLine {
   [[noreturn]] void ExplainFailure(const std::vector<std::string>& arguments) const;
 
   Help help_;
-  CLI::App app_;
+  std::unique_ptr<CLI::App> app_;
   bool wantsHelp_ = false;
   bool wantsVersion_ = false;
   std::vector<std::string> words_;
