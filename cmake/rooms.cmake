@@ -29,6 +29,18 @@ function(add_room name basis uses)
   else()
     set_target_properties(${library} PROPERTIES UNITY_BUILD OFF)  # each source has its own numbers and names
     target_link_libraries(${library} PUBLIC zolvane_com_interfaces)
+    # To read these headers takes longer than to compile most sources. They are read once for the component's rooms and
+    # once for the bench's, as the component is built for size.
+    set(first zolvane_win32)
+    if(name MATCHES "^bench/")
+      set(first zolvane_bench_windows_com)
+    endif()
+    if(library STREQUAL first)
+      target_precompile_headers(${library} PRIVATE <algorithm> <array> <functional> <memory> <optional> <span> <stdexcept>
+                                <string> <string_view> <utility> <vector> win32/windows_headers.h)
+    else()
+      target_precompile_headers(${library} REUSE_FROM ${first})
+    endif()
   endif()
 endfunction()
 
