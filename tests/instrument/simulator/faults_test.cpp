@@ -45,9 +45,10 @@ TEST(Faults, EveryKindHasItsName) {
   for (const auto& row : FaultRows()) {
     names.emplace_back(row.Name);
   }
-  EXPECT_EQ(names, (Names{"late",   "silent", "close",   "garbage", "overlong",  "empty",  "split",  "no-newline",
-                          "double", "echo",   "shift",   "refuse",  "drop",      "limit",  "neighbour", "cut",
-                          "round",  "negate", "times100", "respell", "forget",    "power"}));
+  EXPECT_EQ(names,
+            (Names{"late",   "silent", "close",    "garbage", "overlong", "empty", "split",     "no-newline",
+                   "double", "echo",   "shift",    "refuse",  "drop",     "limit", "neighbour", "cut",
+                   "round",  "negate", "times100", "respell", "forget",   "power"}));
 }
 
 TEST(Faults, AnythingElseIsRefused) {
