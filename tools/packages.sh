@@ -22,8 +22,8 @@ install_packages() {
   rm -f "$log"
 }
 
-build_packages=(g++ cmake ninja-build libcli11-dev nlohmann-json3-dev libasio-dev)
-test_packages=(libgtest-dev gcovr python3)
+build_packages=(g++ cmake ninja-build libcli11-dev nlohmann-json3-dev libasio-dev libssl-dev)
+test_packages=(libgtest-dev gcovr python3 python3-jsonschema)
 # One release of the tools on every system, so that all agree on what is clean.
 check_packages=(clang-19 clang-format-19 clang-tidy-19 libclang-rt-19-dev shellcheck)
 benchmark_packages=(libbenchmark-dev libsimpleini-dev libglib2.0-dev pkg-config)

@@ -9,14 +9,18 @@
 
 namespace zolvane {
 
-std::unique_ptr<FileClaim> ClaimFile(const std::string& file) {
+std::filesystem::path MarkBeside(const std::string& file) {
   std::error_code failure;
   auto path = std::filesystem::weakly_canonical(PathOf(file), failure);
   if (failure) {
     path = PathOf(AbsolutePath(file));
   }
+  return path.parent_path() / PathOf(Joined(".", TextOf(path.filename()), ".in-use"));
+}
+
+std::unique_ptr<FileClaim> ClaimFile(const std::string& file) {
   std::string holder;
-  auto claim = TryClaim(path.parent_path() / PathOf(Joined(".", TextOf(path.filename()), ".in-use")), holder);
+  auto claim = TryClaim(MarkBeside(file), holder);
   if (!claim) {
     throw UsageError{Joined(Quoted(file), " is in use by another simulated instrument",
                             holder.empty() ? std::string{} : Joined(" (process ", holder, ")"))};

@@ -13,6 +13,9 @@ class FileClaim {
   virtual ~FileClaim() = default;
 };
 
+// Where the mark of a claim on the file stands.
+std::filesystem::path MarkBeside(const std::string& file);
+
 // Claims the file, which need not exist, under whichever name it is reached. Throws UsageError, naming the
 // file and the process, if another claim lasts. While it lasts a hidden file stands beside the file
 // (".memory.json.in-use"), because the file itself is replaced with each change.

@@ -53,7 +53,7 @@ std::unique_ptr<FileClaim> TryClaim(const std::filesystem::path& path, std::stri
     const bool isLocked = TryLock(file);
     const auto written = ReadAll(file);
     if (!written || !IsProcessNumber(*written)) {
-      Refuse(mark, "is in the way: it is no mark of a simulated instrument");
+      Refuse(mark, "is in the way: it holds no process number");
     }
     if (!isLocked) {
       holder = *written;

@@ -183,7 +183,7 @@ TEST(SimulatedInstrument, AFileUnderTheNameOfAMarkThatIsNoneStays) {
   const TemporaryFolder folder;
   const auto mark = folder.Put(".state.json.in-use", "my notes");
   EXPECT_EQ(RefusalOf(folder.Path("state.json")),
-            "\"" + mark + "\" is in the way: it is no mark of a simulated instrument");
+            "\"" + mark + "\" is in the way: it holds no process number");
   EXPECT_EQ(BytesOf(mark), "my notes");
 }
 

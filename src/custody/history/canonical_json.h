@@ -1,0 +1,14 @@
+// JSON in the one form that RFC 8785 leaves: equal values are equal bytes.
+#pragma once
+
+#include <nlohmann/json_fwd.hpp>
+#include <string>
+
+namespace zolvane {
+
+// Without blanks, members in the order of the UTF-16 units of their names. Bytes that are not UTF-8 become
+// the replacement character. For values whose numbers are whole and at most 2^53; others do not stand in a
+// history.
+std::string CanonicalJson(const nlohmann::json& value);
+
+}  // namespace zolvane

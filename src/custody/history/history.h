@@ -1,0 +1,111 @@
+// What was found and what was left by each operation, kept beside the configuration in the folder
+// `Zolvane.history`. docs/format-history.md tells what is kept, how, and what of it survives a power cut at
+// which moment.
+//
+// Whatever is read may have been changed by anybody: it is believed up to the first line that does not fit,
+// and an object only if it is what its name says.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "custody/disk/disk.h"
+#include "custody/disk/witness.h"
+#include "custody/history/checkpoint.h"
+#include "custody/history/entry.h"
+#include "custody/history/history_place.h"
+#include "custody/history/journal.h"
+#include "files/waiting.h"
+#include "host/status.h"
+
+namespace zolvane {
+
+inline constexpr std::chrono::seconds longestWaitForHistory{10};
+
+// Both entries belong to the history and last until it is read or written again.
+struct Operation {
+  const Entry* Begun = nullptr;
+  const Entry* Ended = nullptr;  // null: it was begun and has not ended
+
+  std::uint64_t Number() const { return Begun->Sequence; }
+};
+
+class History {
+ public:
+  // Of the configuration in that folder. Reads nothing yet. The disk and the witness outlive it.
+  History(Disk& disk, Witness& witness, const std::string& folder);
+
+  // Reads the history; makes and changes nothing. One that is not there is empty. Fails if it cannot be read
+  // at all; if it is damaged, it succeeds and has the entries up to there.
+  Status Open();
+
+  // Keeps other programs out of the history until this object ends, then opens it. Waits for them; fails if
+  // that takes too long, and says who has it.
+  Status OpenForRecording(const Waiting& waiting = {});
+
+  // Why the last call that failed did, as a sentence without its full stop.
+  const std::string& FailureReason() const { return failureReason_; }
+
+  bool Exists() const { return !journal_.Identity.empty(); }
+
+  // Where the journal stops to be readable ("line 7: it does not follow from the line before"); empty if
+  // nowhere.
+  std::string Damage() const;
+
+  // The journal ends in a line that was not written to its end. The next entry sets it aside, as an object.
+  bool IsTorn() const { return !journal_.Torn.empty(); }
+
+  const std::vector<Entry>& Entries() const { return journal_.Entries; }
+  std::vector<Operation> Operations() const;
+
+  // Of an empty history, nothing.
+  std::optional<Checkpoint> LastCheckpoint() const;
+
+  // What the file held when an operation last left it: the name of an object, empty if the file was not
+  // there. Nothing if no operation has left it, or if the last one that could change it has not ended.
+  std::optional<std::string> LastLeft(std::string_view file) const;
+
+  // ---- For who opened it for recording ----
+
+  // A damaged history is given another name, which is returned, and an empty one takes its place.
+  std::optional<std::string> SetAside();
+
+  // Keeps the bytes; durable with the next entry at the latest. Returns their name.
+  std::optional<std::string> PutObject(std::string_view bytes);
+
+  // The bytes of that name. Nothing if they are missing or are not what the name says.
+  std::optional<std::string> Object(std::string_view name);
+
+  // The entry is on the disk when it returns. Its number is that of the operation.
+  std::optional<std::uint64_t> Begin(Entry entry);
+
+  // The same for the end of operation `number`.
+  Status End(std::uint64_t number, Entry entry);
+
+ private:
+  Status Fail(std::string reason);
+  Status Passed(Status status);
+  Status PutFile(const std::string& path, std::string_view bytes);
+  Status MakeFolders();
+  Status SetTornLineAside();
+  Status StartJournal();
+  Status MakeNamesDurable();
+  Status Prepare();
+  Status Append(Entry entry);
+
+  Disk& disk_;
+  Witness& witness_;
+  HistoryPlace place_;
+  std::unique_ptr<DiskLock> lock_;
+  Journal journal_;
+  bool isDurable_ = false;  // the names of the journal and of the folders last
+  bool isBroken_ = false;   // a write failed, so that nobody knows what the journal ends in
+  std::string failureReason_;
+};
+
+}  // namespace zolvane
