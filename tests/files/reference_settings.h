@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "config/text.h"
@@ -16,10 +17,13 @@ namespace zolvane {
 
 class ReferenceSettings {
  public:
-  explicit ReferenceSettings(std::string bytes) : bytes_{std::move(bytes)} {}
+  explicit ReferenceSettings(std::string bytes) { Replace(std::move(bytes)); }
 
   const std::string& Bytes() const { return bytes_; }
-  void Replace(std::string bytes) { bytes_ = std::move(bytes); }
+  void Replace(std::string bytes) {
+    bytes_ = std::move(bytes);
+    isUtf8_ = IsUtf8(bytes_);
+  }
 
   std::optional<std::string> Read(std::string_view section, std::string_view key) const {
     const auto lines = Cut();
@@ -45,7 +49,7 @@ class ReferenceSettings {
     return isDone;
   }
 
-  void AppendBlankLine() { bytes_ += "\r\n"; }
+  void AppendBlankLine() { Replace(bytes_ + "\r\n"); }
 
  private:
   struct Line {
@@ -55,10 +59,10 @@ class ReferenceSettings {
 
   std::string Mark() const { return bytes_.starts_with("\xEF\xBB\xBF") ? "\xEF\xBB\xBF" : ""; }
   std::string Text(std::string_view bytes) const {
-    return IsUtf8(bytes_) ? std::string{bytes} : Utf8FromWindows1252(bytes);
+    return isUtf8_ ? std::string{bytes} : Utf8FromWindows1252(bytes);
   }
   std::string Bytes(std::string_view text) const {
-    return IsUtf8(bytes_) ? WellFormedUtf8(text) : Windows1252FromUtf8(text);
+    return isUtf8_ ? WellFormedUtf8(text) : Windows1252FromUtf8(text);
   }
 
   std::vector<Line> Cut() const {
@@ -84,7 +88,7 @@ class ReferenceSettings {
     for (const auto& line : lines) {
       bytes += line.Content + line.End;
     }
-    bytes_ = bytes;
+    Replace(std::move(bytes));
   }
 
   static std::string Style(const std::vector<Line>& lines) {
@@ -184,6 +188,7 @@ class ReferenceSettings {
   }
 
   std::string bytes_;
+  bool isUtf8_ = true;
 };
 
 }  // namespace zolvane

@@ -5,7 +5,7 @@
 #pragma once
 
 #include <algorithm>
-#include <cctype>
+#include <cstddef>
 #include <filesystem>
 #include <map>
 #include <memory>
@@ -143,10 +143,16 @@ class FakeSettings final : public IniFileService {
   };
   using Sections = std::vector<Section>;
 
+  // Called millions of times by builds that check each step: nothing here but what the compiler itself knows.
   static bool SameName(std::string_view left, std::string_view right) {
-    return std::ranges::equal(left, right, [](unsigned char a, unsigned char b) {
-      return (a < 128 ? std::tolower(a) : a) == (b < 128 ? std::tolower(b) : b);
-    });
+    bool isSame = left.size() == right.size();
+    for (std::size_t at = 0; isSame && at < left.size(); ++at) {
+      isSame = Lower(left.data()[at]) == Lower(right.data()[at]);
+    }
+    return isSame;
+  }
+  static char Lower(char letter) {
+    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter + ('a' - 'A')) : letter;
   }
 
   static void LoadLine(Sections& sections, std::string_view line) {
