@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "bench/process_support.h"
+#include "support/texts.h"
 
 namespace zolvane {
 
@@ -50,15 +51,6 @@ inline constexpr std::string_view configText =
     "Item1=STAGE1,\"Stage 1\",STAGE,2016,2487,3862,2944\r\n";
 
 inline constexpr std::string_view otherModules = "[CageType]\r\nItem1=\"Other\",MICROTITER\r\n";
-
-inline std::vector<std::string> LinesOf(const std::string& text) {
-  std::vector<std::string> lines;
-  std::istringstream stream{text};
-  for (std::string line; std::getline(stream, line);) {
-    lines.push_back(line);
-  }
-  return lines;
-}
 
 class Bench : public ::testing::Test {
  protected:

@@ -8,6 +8,8 @@
 #include "support/fake_host.h"
 #include "support/journal.h"
 #include "support/recorded_view.h"
+#include "support/silent_events.h"
+#include "support/texts.h"
 
 namespace zolvane {
 namespace {
@@ -23,14 +25,11 @@ struct TracedHost {
   std::shared_ptr<FakeHostObject> Object = std::make_shared<FakeHostObject>(Calls);
   std::shared_ptr<FakeWindow> Window = std::make_shared<FakeWindow>(Calls);
   RecordedViewFactory Views{Calls};
-};
 
-class NoEvents final : public PageEvents {
- public:
-  Status UserSelects(ListControl, int) override { return Status::Success(); }
-  Status UserSetsCheck(CheckControl, int) override { return Status::Success(); }
-  void PressButton(int) override {}
-  void ClickFrame() override {}
+  Texts Lines() const {
+    EXPECT_TRUE(Text.view().empty() || Text.view().ends_with('\n')) << Text.view();
+    return LinesOf(Text.str());
+  }
 };
 
 TEST(Trace, HoldsWritesAndReadsWhenAskedTo) {
@@ -42,15 +41,13 @@ TEST(Trace, HoldsWritesAndReadsWhenAskedTo) {
   EXPECT_TRUE(service->WriteValue("S", "Key", "/add-in/Zolvane.ini", "\"new\"").Ok());
   EXPECT_EQ(service->SplitText(",", "a,b"), (std::vector<std::string>{"a", "b"}));
   EXPECT_EQ(
-      host.Text.str(),
-      R"({"event":"read","section":"S","key":"Key","file":"/add-in/Zolvane.ini","default":"none",)"
-      R"("value":"value"})"
-      "\n"
-      R"({"event":"read","section":"S","key":"Other","file":"/add-in/Zolvane.ini","default":"none",)"
-      R"("value":"none"})"
-      "\n"
-      R"({"event":"write","section":"S","key":"Key","file":"/add-in/Zolvane.ini","value":"\"new\"","ok":true})"
-      "\n");
+      host.Lines(),
+      (Texts{
+          R"({"event":"read","section":"S","key":"Key","file":"/add-in/Zolvane.ini","default":"none",)"
+          R"("value":"value"})",
+          R"({"event":"read","section":"S","key":"Other","file":"/add-in/Zolvane.ini","default":"none",)"
+          R"("value":"none"})",
+          R"({"event":"write","section":"S","key":"Key","file":"/add-in/Zolvane.ini","value":"\"new\"","ok":true})"}));
 }
 
 TEST(Trace, TellsOfAWriteWhetherItHeld) {
@@ -58,16 +55,15 @@ TEST(Trace, TellsOfAWriteWhetherItHeld) {
   host.Calls.FailEverythingThatStartsWith("write");
   const auto service = Traced(host.Process, host.Log)->CreateIniFileService();
   EXPECT_EQ(service->WriteValue("S", "Key", "/x.bak", "1").Code(), Journal::failureCode);
-  EXPECT_EQ(host.Text.str(),
-            "{\"event\":\"write\",\"section\":\"S\",\"key\":\"Key\",\"file\":\"/"
-            "x.bak\",\"value\":\"1\",\"ok\":false}\n");
+  EXPECT_EQ(host.Lines(),
+            Texts{R"({"event":"write","section":"S","key":"Key","file":"/x.bak","value":"1","ok":false})"});
 }
 
 TEST(Trace, HoldsNoReadsUnlessAskedTo) {
   TracedHost host;
   const auto service = Traced(host.Process, host.Log)->CreateIniFileService();
   service->ReadValue("S", "Key", "/add-in/Zolvane.ini", "none");
-  EXPECT_EQ(host.Text.str(), "");
+  EXPECT_EQ(host.Lines(), Texts{});
 }
 
 TEST(Trace, HoldsABlankLineOnlyWhenItWasAppended) {
@@ -76,7 +72,7 @@ TEST(Trace, HoldsABlankLineOnlyWhenItWasAppended) {
   EXPECT_TRUE(process->AppendBlankLine("/x.bak").Ok());
   host.Calls.FailEverythingThatStartsWith("append");
   EXPECT_EQ(process->AppendBlankLine("/x.bak").Code(), Journal::failureCode);
-  EXPECT_EQ(host.Text.str(), "{\"event\":\"append_blank_line\",\"file\":\"/x.bak\"}\n");
+  EXPECT_EQ(host.Lines(), Texts{R"({"event":"append_blank_line","file":"/x.bak"})"});
 }
 
 TEST(Trace, HoldsBoxesWithTheNumberOfTheAnswer) {
@@ -87,12 +83,10 @@ TEST(Trace, HoldsBoxesWithTheNumberOfTheAnswer) {
   host.Calls.FailEverythingThatStartsWith("box");
   EXPECT_EQ(process->ShowMessageBox({.Text = "", .Style = 0, .Title = "T"}), std::nullopt);
   process->RunMessageLoopOnce();
-  EXPECT_EQ(host.Text.str(), R"({"event":"message_box","title":"T","style":51,"text":"a\r\nb","answer":7})"
-                             "\n"
-                             R"({"event":"message_box","title":"T","style":0,"text":"","answer":null})"
-                             "\n"
-                             R"({"event":"yield"})"
-                             "\n");
+  EXPECT_EQ(host.Lines(),
+            (Texts{R"({"event":"message_box","title":"T","style":51,"text":"a\r\nb","answer":7})",
+                   R"({"event":"message_box","title":"T","style":0,"text":"","answer":null})",
+                   R"({"event":"yield"})"}));
 }
 
 TEST(Trace, HoldsFileDialoguesAsTheyWereProposed) {
@@ -107,13 +101,12 @@ TEST(Trace, HoldsFileDialoguesAsTheyWereProposed) {
   EXPECT_EQ(process->ShowFileDialogue(FileDialogueKind::Open, dialogue), "/chosen.bak");
   dialogue.Flags = 2054;
   EXPECT_EQ(process->ShowFileDialogue(FileDialogueKind::Save, dialogue), std::nullopt);
-  EXPECT_EQ(host.Text.str(),
-            R"({"event":"file_dialog","kind":"open","title":"Pick","filter":"All|*.*","filter_index":1,)"
-            R"("default_extension":"bak","flags":null,"file_name":"proposed","chosen":"/chosen.bak"})"
-            "\n"
-            R"({"event":"file_dialog","kind":"save","title":"Pick","filter":"All|*.*","filter_index":1,)"
-            R"("default_extension":"bak","flags":2054,"file_name":"proposed","chosen":null})"
-            "\n");
+  EXPECT_EQ(
+      host.Lines(),
+      (Texts{R"({"event":"file_dialog","kind":"open","title":"Pick","filter":"All|*.*","filter_index":1,)"
+             R"("default_extension":"bak","flags":null,"file_name":"proposed","chosen":"/chosen.bak"})",
+             R"({"event":"file_dialog","kind":"save","title":"Pick","filter":"All|*.*","filter_index":1,)"
+             R"("default_extension":"bak","flags":2054,"file_name":"proposed","chosen":null})"}));
 }
 
 TEST(Trace, HoldsFlagsAndCommandsOfTheLink) {
@@ -131,20 +124,13 @@ TEST(Trace, HoldsFlagsAndCommandsOfTheLink) {
   host.Calls.FailsIf = [](std::string_view) { return true; };
   EXPECT_EQ(link->Stop(), std::nullopt);
   EXPECT_EQ(link->SendCommand(found, reply, 0), std::nullopt);
-  EXPECT_EQ(host.Text.str(), R"({"event":"link","flag":"stop","op":"get","value":false})"
-                             "\n"
-                             R"({"event":"link","flag":"stop","op":"set","value":true})"
-                             "\n"
-                             R"({"event":"link","flag":"hold","op":"set","value":true})"
-                             "\n"
-                             R"({"event":"send","command":"LOST","ok":false,"reply":"before"})"
-                             "\n"
-                             R"({"event":"send","command":"FOUND","ok":true,"reply":"OK"})"
-                             "\n"
-                             R"({"event":"link","flag":"stop","op":"get","value":null})"
-                             "\n"
-                             R"({"event":"send","command":"FOUND","ok":false,"reply":"OK"})"
-                             "\n");
+  EXPECT_EQ(host.Lines(), (Texts{R"({"event":"link","flag":"stop","op":"get","value":false})",
+                                 R"({"event":"link","flag":"stop","op":"set","value":true})",
+                                 R"({"event":"link","flag":"hold","op":"set","value":true})",
+                                 R"({"event":"send","command":"LOST","ok":false,"reply":"before"})",
+                                 R"({"event":"send","command":"FOUND","ok":true,"reply":"OK"})",
+                                 R"({"event":"link","flag":"stop","op":"get","value":null})",
+                                 R"({"event":"send","command":"FOUND","ok":false,"reply":"OK"})"}));
 }
 
 TEST(Trace, HoldsTheHostsDialogueOnceItIsAnswered) {
@@ -160,10 +146,8 @@ TEST(Trace, HoldsTheHostsDialogueOnceItIsAnswered) {
   for (const int expected : {-1, -1, 6, 6}) {
     EXPECT_EQ(dialogue->Result(), expected);
   }
-  EXPECT_EQ(host.Text.str(), R"({"event":"log","line":"a line"})"
-                             "\n"
-                             R"({"event":"host_dialog","title":"T","style":3,"text":"M","answer":6})"
-                             "\n");
+  EXPECT_EQ(host.Lines(), (Texts{R"({"event":"log","line":"a line"})",
+                                 R"({"event":"host_dialog","title":"T","style":3,"text":"M","answer":6})"}));
 }
 
 TEST(Trace, HoldsTheWindowsPanelAndFlag) {
@@ -174,13 +158,13 @@ TEST(Trace, HoldsTheWindowsPanelAndFlag) {
   EXPECT_EQ(panel->Text(), "Working");
   EXPECT_TRUE(window->SetChanged(false).Ok());
   EXPECT_TRUE(window->TakeFocus().Ok());
-  EXPECT_EQ(host.Text.str(),
-            "{\"event\":\"status\",\"text\":\"Working\"}\n{\"event\":\"changed\",\"value\":false}\n");
+  EXPECT_EQ(host.Lines(),
+            (Texts{R"({"event":"status","text":"Working"})", R"({"event":"changed","value":false})"}));
 }
 
 TEST(Trace, HoldsEverySetOfAControl) {
   TracedHost host;
-  NoEvents events;
+  SilentEvents events;
   const auto views = Traced(host.Views, host.Log);
   const auto view = views->CreatePageView(events);
   const std::vector<ListEntry> entries{{.Text = "One", .Data = 1}};
@@ -193,26 +177,19 @@ TEST(Trace, HoldsEverySetOfAControl) {
   EXPECT_TRUE(view->ShowCheckEnabled(CheckControl::RFID, true).Ok());
   EXPECT_TRUE(view->ShowButtonEnabled(4, false).Ok());
   EXPECT_TRUE(view->ShowPumpText("Connected").Ok());
-  EXPECT_EQ(host.Text.str(),
-            R"({"event":"control","name":"cboTipType","property":"items","value":[{"text":"One","data":1}]})"
-            "\n"
-            R"({"event":"control","name":"cboTipType","property":"items",)"
-            R"("value":[{"text":"One","data":1},{"text":"None","data":0}]})"
-            "\n"
-            R"({"event":"control","name":"cboTipType","property":"selection","value":1})"
-            "\n"
-            R"({"event":"control","name":"cboDeviceType","property":"back_color","value":2147483663})"
-            "\n"
-            R"({"event":"control","name":"cboNestType","property":"enabled","value":false})"
-            "\n"
-            R"({"event":"control","name":"chkHeadSensor","property":"value","value":2})"
-            "\n"
-            R"({"event":"control","name":"chkRFID","property":"enabled","value":true})"
-            "\n"
-            R"-({"event":"control","name":"cmdButton(4)","property":"enabled","value":false})-"
-            "\n"
-            R"({"event":"control","name":"lblPumps","property":"text","value":"Connected"})"
-            "\n");
+  EXPECT_EQ(
+      host.Lines(),
+      (Texts{
+          R"({"event":"control","name":"cboTipType","property":"items","value":[{"text":"One","data":1}]})",
+          R"({"event":"control","name":"cboTipType","property":"items",)"
+          R"("value":[{"text":"One","data":1},{"text":"None","data":0}]})",
+          R"({"event":"control","name":"cboTipType","property":"selection","value":1})",
+          R"({"event":"control","name":"cboDeviceType","property":"back_color","value":2147483663})",
+          R"({"event":"control","name":"cboNestType","property":"enabled","value":false})",
+          R"({"event":"control","name":"chkHeadSensor","property":"value","value":2})",
+          R"({"event":"control","name":"chkRFID","property":"enabled","value":true})",
+          R"-({"event":"control","name":"cmdButton(4)","property":"enabled","value":false})-",
+          R"({"event":"control","name":"lblPumps","property":"text","value":"Connected"})"}));
   EXPECT_EQ(host.Views.View->Shown.Of(ListControl::TipType).Selected, 1);
 }
 
@@ -220,7 +197,7 @@ TEST(Trace, WritesBytesThatAreNoTextAsTheReplacementCharacter) {
   TracedHost host;
   const auto window = Traced(host.Window, host.Log);
   PassOver(window->FindStatusPanel()->SetText("a\xff\"\x01"));
-  EXPECT_EQ(host.Text.str(), "{\"event\":\"status\",\"text\":\"a\xef\xbf\xbd\\\"\\u0001\"}\n");
+  EXPECT_EQ(host.Lines(), Texts{"{\"event\":\"status\",\"text\":\"a\xef\xbf\xbd\\\"\\u0001\"}"});
 }
 
 TEST(Trace, ThatIsLostIsKnownAndDisturbsNothing) {

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "shell/windows/page/page_window.h"
-#include "windows/page/silent_events.h"
+#include "support/silent_events.h"
 #include "windows/support/hosted_page.h"
 
 namespace zolvane {

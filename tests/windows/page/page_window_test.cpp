@@ -7,9 +7,9 @@
 #include <vector>
 
 #include "shell/windows/page/page_frame.h"
+#include "support/silent_events.h"
 #include "win32/text.h"
 #include "windows/page/control_ids.h"
-#include "windows/page/silent_events.h"
 #include "windows/support/hosted_page.h"
 
 namespace zolvane {

@@ -5,9 +5,9 @@
 #include <string>
 
 #include "shell/windows/page/page_frame.h"
+#include "support/silent_events.h"
 #include "win32/text.h"
 #include "windows/page/control_ids.h"
-#include "windows/page/silent_events.h"
 #include "windows/support/hosted_page.h"
 
 namespace zolvane {
