@@ -76,6 +76,7 @@ class BadUseTest : public Bench, public testing::WithParamInterface<BadUse> {
     Folder.Put("help.txt", "help page\n");
     Folder.Put("outer.txt", "run inner.txt\n");
     Folder.Put("backup.bak", configText);
+    std::filesystem::create_symlink("Zolvane.ini", Folder.Path("config-link"));
     Folder.Put("zero.txt", std::string_view{"import backup.bak\0\n", 19});
   }
 };
@@ -191,6 +192,13 @@ const BadUse badUses[] = {
      {"--link", "sim:Zolvane.ini", "page"},
      "--link: the instrument's memory would overwrite \"FOLDER/Zolvane.ini\", which the run needs; name "
      "another file"},
+    {"MemoryOntoALinkToTheConfiguration",
+     {"--link", "sim:config-link", "page"},
+     "--link: the instrument's memory would overwrite \"FOLDER/Zolvane.ini\", which the run needs; name "
+     "another file"},
+    {"TraceOntoALinkToTheConfiguration",
+     {"--trace", "config-link", "page"},
+     "--trace would overwrite \"FOLDER/Zolvane.ini\", which the run needs; name another file"},
 };
 
 INSTANTIATE_TEST_SUITE_P(Bench, BadUseTest, testing::ValuesIn(badUses),

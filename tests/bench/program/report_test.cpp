@@ -116,6 +116,12 @@ TEST(Outcome, IsAFailureWhenACommandWasNotAnswered) {
   EXPECT_EQ(OutcomeOf(tally), Outcome::Failed);
 }
 
+TEST(Outcome, IsAFailureWhenASettingCouldNotBeRead) {
+  ActionTally tally;
+  tally.ReadsFailed = 1;
+  EXPECT_EQ(OutcomeOf(tally), Outcome::Failed);
+}
+
 TEST(Outcome, IsAFailureWhenTheLinkCouldNotSendACommand) {
   ActionTally tally;
   tally.Commands.Undelivered = 1;
