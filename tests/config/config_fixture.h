@@ -13,6 +13,7 @@
 
 #include "config/configuration.h"
 #include "config/record_printing.h"
+#include "config/record_table.h"
 #include "host/ini_file_service.h"
 #include "support/fake_environment.h"
 #include "support/journal.h"
@@ -83,24 +84,33 @@ struct ConfigFixture {
   }
 };
 
-// Runs an operation once for each of its calls, with that call failing: all other reads and writes must
-// happen as if nothing were wrong.
-template <class Operation>
-void ExpectEveryFailureToBePassedOver(std::string_view text, Operation operation) {
+// The file that a save of a test goes to.
+inline constexpr std::string_view backup = "/backup.bak";
+
+// Loads an item and saves a record, once for each of their calls with that call failing: all other reads and
+// writes must happen as if nothing were wrong.
+template <class Record>
+void ExpectEveryFailureToBePassedOver(const RecordTable<Record>& table, std::string_view text,
+                                      const std::string& item = "1") {
+  const auto use = [&](ConfigFixture& fixture) {
+    if constexpr (ItemRecord<Record>) {
+      Load(table, fixture.Config, item);
+    } else {
+      Load(table, fixture.Config);
+    }
+    Save(table, fixture.Config, {}, backup);
+  };
   ConfigFixture clean{text};
-  operation(clean);
+  use(clean);
   constexpr std::size_t creatingTheService = 1;
   ASSERT_GT(clean.Calls.CallCount, creatingTheService);
   for (std::size_t call = creatingTheService + 1; call <= clean.Calls.CallCount; ++call) {
     ConfigFixture fixture{text};
     fixture.Calls.FailingCall = call;
-    operation(fixture);
+    use(fixture);
     EXPECT_EQ(fixture.Calls.Of({"read ", "write "}), clean.Calls.Of({"read ", "write "}))
         << "failing " << clean.Calls.Events[call - 1];
   }
 }
-
-// The file that a save of a test goes to.
-inline constexpr std::string_view backup = "/backup.bak";
 
 }  // namespace zolvane

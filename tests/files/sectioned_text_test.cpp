@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
+#include <initializer_list>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -132,27 +132,30 @@ struct WriteCase {
   std::string_view After;
 };
 
-TEST(SectionedTextWriting, OnlyTheValuesBytesAreReplaced) {
-  constexpr std::array cases{
-      WriteCase{"plain", "[A]\r\nx=1\r\ny=2\r\n", "A", "x", "345", "[A]\r\nx=345\r\ny=2\r\n"},
-      WriteCase{"blanks", "[A]\n  x \t= 1 \t\ny=2", "A", "X", "345", "[A]\n  x \t= 345 \t\ny=2"},
-      WriteCase{"emptied", "[A]\nx= 1 \n", "A", "x", "", "[A]\nx=  \n"},
-      WriteCase{"filled", "[A]\nx=\n", "A", "x", "1", "[A]\nx=1\n"},
-      WriteCase{"filled behind blanks", "[A]\nx= \t\n", "A", "x", "1", "[A]\nx= \t1\n"},
-      WriteCase{"value with equals signs", "[A]\nx=a=b\n", "A", "x", "c=d", "[A]\nx=c=d\n"},
-      WriteCase{"without line end", "[A]\nx=1", "A", "x", "22", "[A]\nx=22"},
-      WriteCase{"other line ends stay", "[A]\nx=1\r\ny=2\n", "A", "x", "3", "[A]\nx=3\r\ny=2\n"},
-      WriteCase{"first of two keys", "[A]\nx=1\nx=2\n", "A", "x", "3", "[A]\nx=3\nx=2\n"},
-      WriteCase{"first of two sections", "[A]\nx=1\n[A]\nx=2\n", "A", "x", "3", "[A]\nx=3\n[A]\nx=2\n"},
-      WriteCase{"lone CR in the value", "[A]\nx=1\ry=2\n", "A", "x", "3", "[A]\nx=3\n"},
-      WriteCase{"CR before CR LF", "[A]\r\nx=1\r\r\n", "A", "x", "3", "[A]\r\nx=3\r\n"},
-      WriteCase{"value ending in CR", "[A]\r\nx=1\r\n", "A", "x", "3\r", "[A]\r\nx=3\r\r\n"},
-      WriteCase{"NUL", "[A]\nx=\0\n"sv, "A", "x", "b\0"sv, "[A]\nx=b\0\n"sv},
-      WriteCase{"mark", "\xEF\xBB\xBF[A]\nx=1\n", "A", "x", "2", "\xEF\xBB\xBF[A]\nx=2\n"},
-  };
+void ExpectWritten(std::initializer_list<WriteCase> cases) {
   for (const auto& test : cases) {
     EXPECT_EQ(Written(test.Before, test.Section, test.Key, test.Value), test.After) << test.What;
   }
+}
+
+TEST(SectionedTextWriting, OnlyTheValuesBytesAreReplaced) {
+  ExpectWritten({
+      {"plain", "[A]\r\nx=1\r\ny=2\r\n", "A", "x", "345", "[A]\r\nx=345\r\ny=2\r\n"},
+      {"blanks", "[A]\n  x \t= 1 \t\ny=2", "A", "X", "345", "[A]\n  x \t= 345 \t\ny=2"},
+      {"emptied", "[A]\nx= 1 \n", "A", "x", "", "[A]\nx=  \n"},
+      {"filled", "[A]\nx=\n", "A", "x", "1", "[A]\nx=1\n"},
+      {"filled behind blanks", "[A]\nx= \t\n", "A", "x", "1", "[A]\nx= \t1\n"},
+      {"value with equals signs", "[A]\nx=a=b\n", "A", "x", "c=d", "[A]\nx=c=d\n"},
+      {"without line end", "[A]\nx=1", "A", "x", "22", "[A]\nx=22"},
+      {"other line ends stay", "[A]\nx=1\r\ny=2\n", "A", "x", "3", "[A]\nx=3\r\ny=2\n"},
+      {"first of two keys", "[A]\nx=1\nx=2\n", "A", "x", "3", "[A]\nx=3\nx=2\n"},
+      {"first of two sections", "[A]\nx=1\n[A]\nx=2\n", "A", "x", "3", "[A]\nx=3\n[A]\nx=2\n"},
+      {"lone CR in the value", "[A]\nx=1\ry=2\n", "A", "x", "3", "[A]\nx=3\n"},
+      {"CR before CR LF", "[A]\r\nx=1\r\r\n", "A", "x", "3", "[A]\r\nx=3\r\n"},
+      {"value ending in CR", "[A]\r\nx=1\r\n", "A", "x", "3\r", "[A]\r\nx=3\r\r\n"},
+      {"NUL", "[A]\nx=\0\n"sv, "A", "x", "b\0"sv, "[A]\nx=b\0\n"sv},
+      {"mark", "\xEF\xBB\xBF[A]\nx=1\n", "A", "x", "2", "\xEF\xBB\xBF[A]\nx=2\n"},
+  });
 }
 
 TEST(SectionedTextWriting, BlanksOfTheNewValueTakeThePlaceOfTheOldOnes) {
@@ -164,44 +167,35 @@ TEST(SectionedTextWriting, BlanksOfTheNewValueTakeThePlaceOfTheOldOnes) {
 }
 
 TEST(SectionedTextWriting, ANewKeyGoesBehindTheLastLineThatIsNotBlank) {
-  constexpr std::array cases{
-      WriteCase{"behind a key", "[A]\r\nx=1\r\n\r\n[B]\r\n", "A", "y", "2",
-                "[A]\r\nx=1\r\ny=2\r\n\r\n[B]\r\n"},
-      WriteCase{"behind a header", "[A]\n\n \t\n[B]\n", "A", "y", "2", "[A]\ny=2\n\n \t\n[B]\n"},
-      WriteCase{"behind a comment", "[A]\nx=1\n; end\n\n", "A", "y", "2", "[A]\nx=1\n; end\ny=2\n\n"},
-      WriteCase{"behind what is not understood", "[A]\n???\n\n[B]\n", "A", "y", "2",
-                "[A]\n???\ny=2\n\n[B]\n"},
-      WriteCase{"blank lines inside stay", "[A]\nx=1\n\nz=3\n", "A", "y", "2", "[A]\nx=1\n\nz=3\ny=2\n"},
-      WriteCase{"before unended blanks", "[A]\nx=1\n  ", "A", "y", "2", "[A]\nx=1\ny=2\n  "},
-      WriteCase{"last line without end", "[A]\nx=1", "A", "y", "2", "[A]\nx=1\ny=2\n"},
-      WriteCase{"header without end", "[A]", "A", "y", "2", "[A]\r\ny=2\r\n"},
-      WriteCase{"first section of the name", "[A]\n[B]\n[A]\ny=1\n", "A", "y", "2",
-                "[A]\ny=2\n[B]\n[A]\ny=1\n"},
-      WriteCase{"no key but a comment", "[A]\n;y=1\n", "A", "y", "2", "[A]\n;y=1\ny=2\n"},
-      WriteCase{"a new name as it is given", "[A]\n", " A ", " y ", "2", "[A]\n y =2\n"},
-      WriteCase{"value with blanks", "[A]\n", "A", "y", " 2 ", "[A]\ny= 2 \n"},
-  };
-  for (const auto& test : cases) {
-    EXPECT_EQ(Written(test.Before, test.Section, test.Key, test.Value), test.After) << test.What;
-  }
+  ExpectWritten({
+      {"behind a key", "[A]\r\nx=1\r\n\r\n[B]\r\n", "A", "y", "2", "[A]\r\nx=1\r\ny=2\r\n\r\n[B]\r\n"},
+      {"behind a header", "[A]\n\n \t\n[B]\n", "A", "y", "2", "[A]\ny=2\n\n \t\n[B]\n"},
+      {"behind a comment", "[A]\nx=1\n; end\n\n", "A", "y", "2", "[A]\nx=1\n; end\ny=2\n\n"},
+      {"behind what is not understood", "[A]\n???\n\n[B]\n", "A", "y", "2", "[A]\n???\ny=2\n\n[B]\n"},
+      {"blank lines inside stay", "[A]\nx=1\n\nz=3\n", "A", "y", "2", "[A]\nx=1\n\nz=3\ny=2\n"},
+      {"before unended blanks", "[A]\nx=1\n  ", "A", "y", "2", "[A]\nx=1\ny=2\n  "},
+      {"last line without end", "[A]\nx=1", "A", "y", "2", "[A]\nx=1\ny=2\n"},
+      {"header without end", "[A]", "A", "y", "2", "[A]\r\ny=2\r\n"},
+      {"first section of the name", "[A]\n[B]\n[A]\ny=1\n", "A", "y", "2", "[A]\ny=2\n[B]\n[A]\ny=1\n"},
+      {"no key but a comment", "[A]\n;y=1\n", "A", "y", "2", "[A]\n;y=1\ny=2\n"},
+      {"a new name as it is given", "[A]\n", " A ", " y ", "2", "[A]\n y =2\n"},
+      {"value with blanks", "[A]\n", "A", "y", " 2 ", "[A]\ny= 2 \n"},
+  });
 }
 
 TEST(SectionedTextWriting, ANewSectionGoesToTheEndOfTheFile) {
-  constexpr std::array cases{
-      WriteCase{"empty file", "", "A", "x", "1", "[A]\r\nx=1\r\n"},
-      WriteCase{"mark only", "\xEF\xBB\xBF", "A", "x", "1", "\xEF\xBB\xBF[A]\r\nx=1\r\n"},
-      WriteCase{"behind another", "[B]\ny=1\n", "A", "x", "1", "[B]\ny=1\n[A]\nx=1\n"},
-      WriteCase{"behind blank lines", "[B]\n\n\n", "A", "x", "1", "[B]\n\n\n[A]\nx=1\n"},
-      WriteCase{"last line without end", "[B]\ny=1", "A", "x", "1", "[B]\ny=1\n[A]\nx=1\n"},
-      WriteCase{"blanks without end", "[B]\n  ", "A", "x", "1", "[B]\n  \n[A]\nx=1\n"},
-      WriteCase{"text without section", "text", "A", "x", "1", "text\r\n[A]\r\nx=1\r\n"},
-      WriteCase{"no header but a start of one", "[A\n", "A", "x", "1", "[A\n[A]\nx=1\n"},
-      WriteCase{"name as it is given", "", " A b ", "x", "1", "[ A b ]\r\nx=1\r\n"},
-      WriteCase{"lone CRs only", "a\rb", "A", "x", "1", "a\rb\r\n[A]\r\nx=1\r\n"},
-  };
-  for (const auto& test : cases) {
-    EXPECT_EQ(Written(test.Before, test.Section, test.Key, test.Value), test.After) << test.What;
-  }
+  ExpectWritten({
+      {"empty file", "", "A", "x", "1", "[A]\r\nx=1\r\n"},
+      {"mark only", "\xEF\xBB\xBF", "A", "x", "1", "\xEF\xBB\xBF[A]\r\nx=1\r\n"},
+      {"behind another", "[B]\ny=1\n", "A", "x", "1", "[B]\ny=1\n[A]\nx=1\n"},
+      {"behind blank lines", "[B]\n\n\n", "A", "x", "1", "[B]\n\n\n[A]\nx=1\n"},
+      {"last line without end", "[B]\ny=1", "A", "x", "1", "[B]\ny=1\n[A]\nx=1\n"},
+      {"blanks without end", "[B]\n  ", "A", "x", "1", "[B]\n  \n[A]\nx=1\n"},
+      {"text without section", "text", "A", "x", "1", "text\r\n[A]\r\nx=1\r\n"},
+      {"no header but a start of one", "[A\n", "A", "x", "1", "[A\n[A]\nx=1\n"},
+      {"name as it is given", "", " A b ", "x", "1", "[ A b ]\r\nx=1\r\n"},
+      {"lone CRs only", "a\rb", "A", "x", "1", "a\rb\r\n[A]\r\nx=1\r\n"},
+  });
 }
 
 TEST(SectionedTextWriting, TheFirstLineEndOfTheFileSetsTheStyle) {

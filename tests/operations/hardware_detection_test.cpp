@@ -497,24 +497,27 @@ TEST(DetectHeadType, SelectsTheFirstEntryOfANameThatTwoHeadsShare) {
 
 // ---- Pump module ----
 
+Texts StepsAfterPumpReply(const std::string& reply) {
+  DetectionFixture fixture;
+  fixture.Reply("STATUS PUMPS", reply);
+  DetectPumpModule(fixture.Context);
+  return fixture.Steps();
+}
+
 TEST(DetectPumpModule, ShowsTheModuleAsNotConnectedWhenTheReplyHoldsOpen) {
   for (const auto* reply : {"PUMPS OPEN", "PUMPS OPEN\r\n", "OPEN", "REOPENED", "OP\r\nEN"}) {
-    DetectionFixture fixture;
-    fixture.Reply("STATUS PUMPS", reply);
-    DetectPumpModule(fixture.Context);
-    EXPECT_EQ(fixture.Steps(), (Texts{"status=Getting Pump Module Status", "send STATUS PUMPS",
-                                      "write [PumpControl] ModuleInstalled=0", "pump false", "status="}))
+    EXPECT_EQ(StepsAfterPumpReply(reply),
+              (Texts{"status=Getting Pump Module Status", "send STATUS PUMPS",
+                     "write [PumpControl] ModuleInstalled=0", "pump false", "status="}))
         << reply;
   }
 }
 
 TEST(DetectPumpModule, ShowsTheModuleAsConnectedForAnyOtherReplyAndStoresZeroAllTheSame) {
   for (const auto* reply : {"PUMPS READY", "", "pumps open", "Open", "OPE N"}) {
-    DetectionFixture fixture;
-    fixture.Reply("STATUS PUMPS", reply);
-    DetectPumpModule(fixture.Context);
-    EXPECT_EQ(fixture.Steps(), (Texts{"status=Getting Pump Module Status", "send STATUS PUMPS",
-                                      "write [PumpControl] ModuleInstalled=0", "pump true", "status="}))
+    EXPECT_EQ(StepsAfterPumpReply(reply),
+              (Texts{"status=Getting Pump Module Status", "send STATUS PUMPS",
+                     "write [PumpControl] ModuleInstalled=0", "pump true", "status="}))
         << reply;
   }
 }

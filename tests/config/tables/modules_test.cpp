@@ -173,12 +173,7 @@ TEST(CageTable, SavesARecordWithoutANumberUnderTheKeyWithoutANumber) {
 }
 
 TEST(CageTable, PassesEveryFailedReadAndWriteOver) {
-  ExpectEveryFailureToBePassedOver(cageFile, [](ConfigFixture& fixture) {
-    Load(cageTable, fixture.Config, "1");
-    CageTypeRecord cage;
-    cage.ID = "5";
-    Save(cageTable, fixture.Config, cage, backup);
-  });
+  ExpectEveryFailureToBePassedOver(cageTable, cageFile);
 }
 
 TEST(FindMicrotiterCage, GivesTheFirstOfItsClass) {
