@@ -133,6 +133,9 @@ class Process {
   Process(const Process&) = delete;
   Process& operator=(const Process&) = delete;
 
+  // -1 once it has been waited for.
+  ::pid_t Number() const { return child_.value_or(-1); }
+
   void Signal(int signal) const {
     if (child_ && *child_ > 0) {
       ::kill(*child_, signal);
@@ -319,30 +322,47 @@ class SimulatorProcess {
  public:
   explicit SimulatorProcess(const Arguments& arguments)
       : output_{OpenPipe()},
+        errors_{OpenPipe()},
         process_{ZOLVANE_SIM_PATH,
                  arguments,
-                 {.Input = nothing_.Number(), .Output = output_.WriteEnd.Number(), .Errors = STDERR_FILENO}} {
+                 {.Input = nothing_.Number(),
+                  .Output = output_.WriteEnd.Number(),
+                  .Errors = errors_.WriteEnd.Number()}} {
     output_.WriteEnd.Close();
+    errors_.WriteEnd.Close();
     const auto deadline = std::chrono::steady_clock::now() + processDeadline;
     while (place_.find('\n') == std::string::npos) {
       if (!IsReadableBy(output_.ReadEnd, deadline) || !ReadSome(output_.ReadEnd, place_)) {
-        ADD_FAILURE() << "the simulator does not say where it listens";
+        ADD_FAILURE() << "the simulator does not say where it listens: " << Errors();
         return;
       }
     }
     place_.erase(place_.find('\n'));
   }
+
   // For --link.
   const std::string& Link() const { return place_; }
 
-  int End() {
-    process_.Signal(SIGTERM);
+  ::pid_t Number() const { return process_.Number(); }
+
+  // Its exit status, or minus the signal that ended it.
+  int End(int signal = SIGTERM) {
+    process_.Signal(signal);
     return process_.WaitUntil(std::chrono::steady_clock::now() + processDeadline);
+  }
+
+  // Until its end, which has to be near.
+  std::string Errors() const {
+    std::string errors;
+    while (ReadSome(errors_.ReadEnd, errors)) {
+    }
+    return errors;
   }
 
  private:
   Descriptor nothing_{::open("/dev/null", O_RDONLY | O_CLOEXEC)};
   Pipe output_;
+  Pipe errors_;
   std::string place_;
   Process process_;
 };
