@@ -390,7 +390,7 @@ TEST(GeneralText, NeverHasASignBeforeAZero) {
   EXPECT_EQ(GeneralText(-0.0), "0");
 }
 
-TEST(PictureText, OfWholeNumbersRoundsHalfAwayFromZero) {
+TEST(PictureText, WholeNumbersAreRoundedHalfAwayFromZero) {
   EXPECT_EQ(PictureText(0.0, NumberPicture::Whole), "0");
   EXPECT_EQ(PictureText(2.4, NumberPicture::Whole), "2");
   EXPECT_EQ(PictureText(2.5, NumberPicture::Whole), "3");
@@ -406,7 +406,7 @@ TEST(PictureText, OfWholeNumbersRoundsHalfAwayFromZero) {
   EXPECT_EQ(PictureText(999.5, NumberPicture::Whole), "1000");
 }
 
-TEST(PictureText, OfHundredthsAlwaysHasTwoDecimals) {
+TEST(PictureText, HundredthsAlwaysHaveTwoDecimals) {
   EXPECT_EQ(PictureText(0.0, NumberPicture::Hundredths), "0.00");
   EXPECT_EQ(PictureText(1.5, NumberPicture::Hundredths), "1.50");
   EXPECT_EQ(PictureText(12.0, NumberPicture::Hundredths), "12.00");

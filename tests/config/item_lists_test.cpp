@@ -79,7 +79,7 @@ TEST(ReadListContent, ListsEqualNamesEachWithItsNumber) {
   EXPECT_EQ(ContentOf("[T]\nItem1=\"A\"\nItem2=\"A\"\n").Entries, (Entries{{"A", 1}, {"A", 2}}));
 }
 
-TEST(ReadListContent, OfAMissingSectionIsEmpty) {
+TEST(ReadListContent, AMissingSectionGivesAnEmptyList) {
   const auto content = ContentOf("");
   EXPECT_EQ(content.Entries, Entries{});
   EXPECT_EQ(content.Preselected, std::nullopt);

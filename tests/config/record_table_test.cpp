@@ -339,7 +339,7 @@ TEST(Find, EndsWhere16BitCountersEndAlsoWhenNothingCanBeReadAnyMore) {
   EXPECT_EQ(fixture.Asked().size(), 32767U);
 }
 
-TEST(Find, OfAnEmptyTableIsItsEnd) {
+TEST(Find, AnEmptyTableGivesItsEnd) {
   EntryFixture fixture{{}};
   EXPECT_EQ(Find(entryTable, fixture.Config, none).ID, "1");
   EXPECT_EQ(fixture.Asked(), Texts{"1"});

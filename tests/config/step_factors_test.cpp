@@ -23,7 +23,7 @@ TEST(SDXYStepFactor, IsTheFactorWithoutEncodersWhenTheyAreOff) {
   EXPECT_EQ(SDXYStepFactor(device), 100.0);
 }
 
-TEST(SDXYStepFactor, OfAFactorThatIsMissingOrNoNumberIsZero) {
+TEST(SDXYStepFactor, AFactorThatIsMissingOrNoNumberIsZero) {
   ConfigFixture fixture{"[DeviceType]\nItem1=\"A\"\nSDXYEncoderStatus=1\nSDXYEncoderMMStepFactorOff=many\n"};
   auto device = Load(deviceTable, fixture.Config, "1");
   EXPECT_EQ(SDXYStepFactor(device), 0.0);

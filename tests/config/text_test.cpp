@@ -14,7 +14,7 @@ TEST(UpperCase, RaisesAsciiLetters) {
   EXPECT_EQ(UpperCase("serialDilute az 09_[`{@"), "SERIALDILUTE AZ 09_[`{@");
 }
 
-TEST(UpperCase, OfNothingIsNothing) {
+TEST(UpperCase, NothingStaysNothing) {
   EXPECT_EQ(UpperCase(""), "");
 }
 

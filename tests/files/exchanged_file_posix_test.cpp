@@ -433,7 +433,7 @@ int StatusOfProcess(const std::function<bool()>& work) {
   return status;
 }
 
-TEST(SecondCopy, OfAProgramThatIsKilledWhileItMakesOneIsRemovedByTheNext) {
+TEST(SecondCopy, ACopyThatAKilledProgramWasMakingIsRemovedByTheNext) {
   const TemporaryFolder folder;
   const std::string path = folder.Put("file", "text");
   const int status = StatusOfProcess([&] {
@@ -493,7 +493,7 @@ TEST(SecondCopy, IsTheSameFileAgainAndAgainUnlessSomebodyReadsIt) {
   EXPECT_EQ(BytesOf(path), "012345");
 }
 
-TEST(SecondCopy, ThatWasLeftBehindIsRemovedHoweverManyThereAre) {
+TEST(SecondCopy, CopiesThatWereLeftBehindAreRemovedHoweverManyThereAre) {
   const TemporaryFolder folder;
   const std::string path = folder.Put("file", "text");
   {
@@ -512,7 +512,7 @@ TEST(SecondCopy, ThatWasLeftBehindIsRemovedHoweverManyThereAre) {
   EXPECT_EQ(folder.Names(), Names{"file"});
 }
 
-TEST(SecondCopy, OfALivingProgramIsNotTouched) {
+TEST(SecondCopy, ALivingProgramsCopyIsNotTouched) {
   const TemporaryFolder folder;
   const std::string path = folder.Put("file", "text");
   WrittenFile living{path};
@@ -605,7 +605,7 @@ TEST(SecondCopy, IsKeptForTheUserIfAnotherProgramHasWrittenIntoIt) {
   EXPECT_EQ(CopiesIn(folder), Names{});
 }
 
-TEST(SecondCopy, OfAKilledProgramIsKeptForTheUserIfAnotherProgramHasWrittenIntoIt) {
+TEST(SecondCopy, AKilledProgramsCopyIsKeptForTheUserIfAnotherProgramHasWrittenIntoIt) {
   const TemporaryFolder folder;
   const std::string path = folder.Put("file", "text");
   {
@@ -618,7 +618,7 @@ TEST(SecondCopy, OfAKilledProgramIsKeptForTheUserIfAnotherProgramHasWrittenIntoI
   EXPECT_EQ(folder.Read("file.kept-1"), "a whole save");
 }
 
-TEST(SecondCopy, ThatAnotherProgramHasOpenForWritingIsNotRemoved) {
+TEST(SecondCopy, ACopyThatAnotherProgramHasOpenForWritingIsNotRemoved) {
   const TemporaryFolder folder;
   const std::string path = folder.Put("file", "text");
   int late = -1;
@@ -633,7 +633,7 @@ TEST(SecondCopy, ThatAnotherProgramHasOpenForWritingIsNotRemoved) {
   EXPECT_EQ(folder.Read(CopiesIn(folder).at(0)), "late");
 }
 
-TEST(SecondCopy, ThatSomebodyReplacedIsLeftAlone) {
+TEST(SecondCopy, ACopyThatSomebodyReplacedIsLeftAlone) {
   const TemporaryFolder folder;
   const std::string path = folder.Put("file", "0123456789");
   WrittenFile file{path};

@@ -96,7 +96,7 @@ class LinkedConfiguration : public testing::Test {
   FileSettingsService service_;
 };
 
-TEST_F(LinkedConfiguration, ThatIsSetAnewIsReadFromItsNewFileSoon) {
+TEST_F(LinkedConfiguration, ALinkThatIsSetAnewIsReadFromItsNewFileSoon) {
   SetAnew();
   const auto end = std::chrono::steady_clock::now() + std::chrono::seconds{10};
   while (ValueOf(service_, link_, "x") == "old.ini" && std::chrono::steady_clock::now() < end) {
@@ -104,7 +104,7 @@ TEST_F(LinkedConfiguration, ThatIsSetAnewIsReadFromItsNewFileSoon) {
   EXPECT_EQ(ValueOf(service_, link_, "x"), "new.ini");
 }
 
-TEST_F(LinkedConfiguration, ThatIsSetAnewIsWrittenInItsNewFile) {
+TEST_F(LinkedConfiguration, ALinkThatIsSetAnewIsWrittenInItsNewFile) {
   SetAnew();
   EXPECT_TRUE(service_.WriteValue("A", "y", link_, "1").Ok());
   EXPECT_EQ(folder_.Read("old.ini"), "[A]\nx=old.ini\n");
@@ -147,7 +147,7 @@ TEST(FullDiskHandling, AWriteThatDoesNotFitLeavesTheFileAsItWas) {
   }
 }
 
-TEST(FullDiskHandling, AlsoWhenTheSecondCopyIsThereAlready) {
+TEST(FullDiskHandling, AWriteThatDoesNotFitBesideASecondCopyLeavesTheFileAsItWas) {
   const TemporaryFolder folder;
   const std::string path = folder.Put("Zolvane.ini", "[A]\nx=1\ny=" + std::string(5000, 'y') + "\n");
   FileSettingsService service;

@@ -195,7 +195,7 @@ TEST(ChangesByOtherPrograms, AreNotOverwrittenByTheNextWrite) {
   EXPECT_EQ(BytesOf(path), "; new\n[A]\nmine=2\nx=4\n");
 }
 
-TEST(ChangesByOtherPrograms, OfTheSameSizeAreSeenEvenRightAfterOurOwn) {
+TEST(ChangesByOtherPrograms, AChangeOfTheSameSizeIsSeenEvenRightAfterOurOwn) {
   const TemporaryFolder folder;
   const std::string path = folder.Put("Zolvane.ini", "[A]\nx=0\n");
   FileSettingsService service;
@@ -286,7 +286,7 @@ TEST(ChangesByOtherPrograms, AtTheSameTimeAsOursAreNotLost) {
   EXPECT_EQ(folder.Names(), Pieces{"Zolvane.ini"});
 }
 
-TEST(FilesOfOthers, ThatBearTheNamesOfOursAreNeitherChangedNorRemoved) {
+TEST(FilesOfOthers, FilesWithTheNamesOfOursAreNeitherChangedNorRemoved) {
   const TemporaryFolder folder;
   const std::string path = folder.Put("Zolvane.ini", "[A]\nx=1\n");
   const Pieces names{".Zolvane.ini.bench-copy", "Zolvane.ini.bench-copy", "Zolvane.ini.bench-lock"};

@@ -249,7 +249,7 @@ TEST(DownloadReply, IsReadFromBehindItsFirstEqualsSignOrFromItsStart) {
   }
 }
 
-TEST(DownloadReply, WithASyntaxErrorAnywhereLeavesTheFilesValue) {
+TEST(DownloadReply, ASyntaxErrorAnywhereLeavesTheFilesValue) {
   for (const auto* reply : {"SYNTAX_ERROR", "STAGE1_X=400 SYNTAX_ERROR", "400\r\nSYNTAX_ERROR\r\n",
                             "SYNTAX_ERROR=400", "SYNTAX_\r\nERROR"}) {
     DownloadFixture fixture{"[Position_D]\nItem1=STAGE1,\"a\",,17,2\n"};

@@ -263,7 +263,7 @@ TEST(CopyAllTables, LeavesWhatTheSourceDoesNotHold) {
   EXPECT_EQ(fixture.Settings().Value("Other", "key", backup), "value");
 }
 
-TEST(CopyAllTables, OfAnEmptySourceWritesTheHeightsAlone) {
+TEST(CopyAllTables, AnEmptySourceWritesTheHeightsAlone) {
   CopyFixture fixture;
   CopyAllTables(fixture.Context, "/missing", fixture.Settings().ConfigFile, false, "Importing");
   const auto writes = fixture.Writes();

@@ -380,7 +380,7 @@ Texts Without(Texts calls, std::size_t first, std::size_t last) {
   return calls;
 }
 
-TEST(OneFailureOfLoading, ToCreateTheSettingsServiceCostsOneCall) {
+TEST(OneFailureOfLoading, FailingToCreateTheSettingsServiceCostsOneCall) {
   const auto clean = CleanRunOf(load);
   ASSERT_EQ(clean.Calls[0], "create settings service");
   ASSERT_EQ(clean.Calls[1], "read [Z_Calibration] MountHeight");
@@ -392,7 +392,7 @@ TEST(OneFailureOfLoading, ToCreateTheSettingsServiceCostsOneCall) {
   EXPECT_EQ(run.Calls(), expected);
 }
 
-TEST(OneFailureOfLoading, ToFillAListLeavesItEmptyButForTheAddedEntry) {
+TEST(OneFailureOfLoading, AListThatCannotBeFilledHasTheAddedEntryAlone) {
   const auto clean = CleanRunOf(load);
   const auto call = std::ranges::find(clean.Calls, "view cboNestType entries Short Nest=1|Long Nest=2");
   ASSERT_NE(call, clean.Calls.end());
@@ -408,7 +408,7 @@ TEST(OneFailureOfLoading, ToFillAListLeavesItEmptyButForTheAddedEntry) {
   EXPECT_EQ(run.Calls(), expected);
 }
 
-TEST(OneFailureOfLoading, ToFillTheDeviceListSelectsNothing) {
+TEST(OneFailureOfLoading, ADeviceListThatCannotBeFilledHasNothingSelected) {
   const auto clean = CleanRunOf(load);
   const auto call = std::ranges::find(clean.Calls, "view cboDeviceType entries Small=1|Large=2");
   ASSERT_NE(call, clean.Calls.end());

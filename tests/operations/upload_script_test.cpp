@@ -60,7 +60,7 @@ Texts Set(std::initializer_list<std::string_view> keysAndValues) {
 
 // ---- The whole ----
 
-TEST(UploadScript, OfAnEmptyFileHoldsThePositionsDeltaZAndTheSaveCommand) {
+TEST(UploadScript, AnEmptyFileGivesThePositionsDeltaZAndTheSaveCommand) {
   OperationFixture fixture;
   fixture.Refresh();
   std::string expected;
@@ -607,7 +607,7 @@ std::string Correction(const std::string& items) {
   return BuildVolumeCorrection(fixture.Config, "S");
 }
 
-TEST(VolumeCorrection, OfAHeadStandsInASectionOfItsLayoutAndTheTipVolume) {
+TEST(VolumeCorrection, TheSectionIsNamedAfterTheHeadsLayoutAndTheTipVolume) {
   EXPECT_EQ(VolumeCorrectionSection("8_CH", "12.5"), "VolumeCorrection_8_CH_12.5");
   EXPECT_EQ(VolumeCorrectionSection("", ""), "VolumeCorrection__");
 }

@@ -281,7 +281,7 @@ TEST(LoadingThePage, LeavesAMissingOrUnreadableSensorKeyAsItIs) {
   }
 }
 
-TEST(LoadingThePage, ForTheSecondTimeLeavesABoxWhoseKeyNoLongerConverts) {
+TEST(LoadingThePage, ASecondLoadLeavesABoxWhoseKeyNoLongerConverts) {
   PageFixture fixture;
   fixture.Load();
   fixture.Settings().Set("DeviceType", "SensorEnableRFID", "abc");
@@ -290,7 +290,7 @@ TEST(LoadingThePage, ForTheSecondTimeLeavesABoxWhoseKeyNoLongerConverts) {
   EXPECT_EQ(fixture.Value("DeviceType", "SensorEnableRFID"), "abc");
 }
 
-TEST(LoadingThePage, ForTheSecondTimeRunsTheHandlersOfTheBoxesThatChange) {
+TEST(LoadingThePage, ASecondLoadRunsTheHandlersOfTheBoxesThatChange) {
   PageFixture fixture;
   fixture.Load();
   fixture.Settings().Set("DeviceType", "SensorEnableRFID", "False");
@@ -300,7 +300,7 @@ TEST(LoadingThePage, ForTheSecondTimeRunsTheHandlersOfTheBoxesThatChange) {
                    "view chkTipSensor checked 1"}));
 }
 
-TEST(LoadingThePage, ForTheSecondTimeShowsAGreyBoxAsTicked) {
+TEST(LoadingThePage, ASecondLoadShowsAGreyBoxAsTicked) {
   PageFixture fixture;
   fixture.Load();
   fixture.Page.UserSetsCheck(CheckControl::Encoders, greyValue).Ok();
@@ -309,7 +309,7 @@ TEST(LoadingThePage, ForTheSecondTimeShowsAGreyBoxAsTicked) {
   EXPECT_EQ(fixture.Value("DeviceType", "SDXYEncodersEnable"), "1");
 }
 
-TEST(LoadingThePage, ForTheSecondTimeStartsFromEmptyLists) {
+TEST(LoadingThePage, ASecondLoadStartsFromEmptyLists) {
   PageFixture fixture;
   fixture.Load();
   fixture.Settings().Set("CageType", "Item2", "");
@@ -318,7 +318,7 @@ TEST(LoadingThePage, ForTheSecondTimeStartsFromEmptyLists) {
   EXPECT_EQ(fixture.View.Shown.Of(ListControl::CageType).Entries.size(), 2U);
 }
 
-TEST(LoadingThePage, ForTheSecondTimeLeavesNothingSelectedInAListThatHasBecomeEmpty) {
+TEST(LoadingThePage, ASecondLoadLeavesNothingSelectedInAListThatHasBecomeEmpty) {
   PageFixture fixture;
   fixture.Load();
   fixture.Settings().Load("[DeviceType]\nInstalled=2\n");
@@ -406,7 +406,7 @@ TEST(SelectingAnEntry, RunsTheHandlerAlsoWhenItIsAlreadySelected) {
   EXPECT_EQ(fixture.Writes(), (Texts{"write [DeviceType] Installed=2", "write [DeviceType] Installed=2"}));
 }
 
-TEST(SelectingAnEntry, ByTheProgramRunsTheSameHandlerAlsoInADisabledList) {
+TEST(SelectingAnEntry, AProgramsChoiceRunsTheSameHandlerAlsoInADisabledList) {
   PageFixture fixture;
   fixture.Load();
   PassOver(fixture.Page.EnableControls(false));
@@ -441,7 +441,7 @@ TEST(SelectingAnEntry, WritesAlsoWhenChangedCannotBeReset) {
   EXPECT_EQ(fixture.Writes(), Texts{"write [CageType] Installed=1"});
 }
 
-TEST(SelectingAnEntry, WithoutAWindowOnlyWrites) {
+TEST(SelectingAnEntry, OnlyTheFileIsWrittenWithoutAWindow) {
   PageFixture fixture;
   fixture.Load();
   fixture.Attachment.FormParent = nullptr;
@@ -449,7 +449,7 @@ TEST(SelectingAnEntry, WithoutAWindowOnlyWrites) {
   EXPECT_EQ(fixture.Calls.Of({"changed", "write"}), Texts{"write [CageType] Installed=1"});
 }
 
-TEST(SelectingAnEntry, ThatTheViewCannotShowRunsNoHandler) {
+TEST(SelectingAnEntry, AnEntryThatTheViewCannotShowRunsNoHandler) {
   PageFixture fixture;
   fixture.Load();
   fixture.Calls.FailEverythingThatStartsWith("view");
@@ -488,7 +488,7 @@ TEST(SettingACheckBox, ReportsAWriteThatFails) {
   EXPECT_EQ(fixture.Page.Model().Of(CheckControl::RFID).Value, 1);
 }
 
-TEST(SettingACheckBox, ThatTheViewCannotShowRunsNoHandler) {
+TEST(SettingACheckBox, AValueThatTheViewCannotShowRunsNoHandler) {
   PageFixture fixture;
   fixture.Calls.FailEverythingThatStartsWith("view");
   EXPECT_EQ(fixture.Page.UserSetsCheck(CheckControl::RFID, 1).Code(), Journal::failureCode);
@@ -542,7 +542,7 @@ TEST(PressingAButton, LeavesTheControlsDisabledAfterACancelledUpload) {
   EXPECT_FALSE(fixture.List(ListControl::TipType).Enabled);
 }
 
-TEST(PressingAButton, OfAnImportThatForbidsImportsDisablesTheButton) {
+TEST(PressingAButton, AnImportThatForbidsImportsDisablesTheButton) {
   PageFixture fixture;
   fixture.Settings().Set("DeviceType", "ImportCalibrationData", "1");
   fixture.Load();
@@ -555,7 +555,7 @@ TEST(PressingAButton, OfAnImportThatForbidsImportsDisablesTheButton) {
   EXPECT_EQ(fixture.Page.Model().ButtonsEnabled, (std::array{true, true, true, false, true}));
 }
 
-TEST(PressingAButton, OfAQueryThatFindsAnotherDeviceUsesItsSwitches) {
+TEST(PressingAButton, AQueryThatFindsAnotherDeviceUsesItsSwitches) {
   PageFixture fixture;
   fixture.Load();
   fixture.Link().WhileSending = [&](const std::string& command) {
@@ -771,7 +771,7 @@ TEST(TheCommunicationError, IsLoggedInOneLineAndShownInTheForeground) {
   EXPECT_EQ(calls[2], "log ******* Message dialogue : button selected : 1");
 }
 
-TEST(Detection, OnThePageOverwritesAnUnknownModuleWithTheFirstEntry) {
+TEST(Detection, AnUnknownModuleIsOverwrittenWithTheFirstEntry) {
   PageFixture fixture;
   fixture.Load();
   fixture.Link().Replies["STATUS_MECH"] = {Answer("sd")};
@@ -781,7 +781,7 @@ TEST(Detection, OnThePageOverwritesAnUnknownModuleWithTheFirstEntry) {
                            "write [CageType] Installed=1"}));
 }
 
-TEST(Detection, OnThePageMovesTheModuleListAndNotTheDeviceList) {
+TEST(Detection, TheModuleListMovesAndNotTheDeviceList) {
   PageFixture fixture;
   fixture.Load();
   fixture.Link().Replies["STATUS_STAGE"] = {Answer("ZV200")};
@@ -793,7 +793,7 @@ TEST(Detection, OnThePageMovesTheModuleListAndNotTheDeviceList) {
   EXPECT_EQ(fixture.Value("CageType", "Installed"), "1");
 }
 
-TEST(Detection, OnThePageOverwritesTheNumberOfAHeadWhoseNameAnotherShares) {
+TEST(Detection, TheNumberOfAHeadWhoseNameAnotherSharesIsOverwritten) {
   PageFixture fixture;
   const auto line = [](const std::string& name, const std::string& tag) {
     return "\"" + name + "\",M,1,2,3,96,0,0,0,0,0,0,0,0,0,0,96_CH,0,\"" + tag + "\"";

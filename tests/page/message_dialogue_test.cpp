@@ -178,7 +178,7 @@ TEST(HostMessageDialogue, IsUsedFurtherWhateverOfItsSettingUpFails) {
   }
 }
 
-TEST(HostMessageDialogue, ThatTheHostDoesNotGiveIsNotReplacedByABox) {
+TEST(HostMessageDialogue, ADialogueThatTheHostDoesNotGiveIsNotReplacedByABox) {
   HostDialogueFixture fixture;
   fixture.Calls.FailEverythingThatStartsWith("get dialogue");
   EXPECT_EQ(fixture.Show("Text"), 0);
@@ -186,7 +186,7 @@ TEST(HostMessageDialogue, ThatTheHostDoesNotGiveIsNotReplacedByABox) {
   EXPECT_EQ(fixture.Calls.Events.back(), LoggedAnswer(0));
 }
 
-TEST(HostMessageDialogue, ThatTheHostDoesNotGiveLetsTheMessageLoopRunOnce) {
+TEST(HostMessageDialogue, ADialogueThatTheHostDoesNotGiveLetsTheMessageLoopRunOnce) {
   // Setting it up and reading its result fail one by one; running the message loop in between does not.
   HostDialogueFixture fixture;
   fixture.Calls.FailEverythingThatStartsWith("get dialogue");

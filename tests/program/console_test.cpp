@@ -34,7 +34,7 @@ TEST(Progress, ElsewhereThanOnATerminalIsALinePerText) {
   EXPECT_FALSE(screen.Out.CountsCommands());
 }
 
-TEST(Progress, OnATerminalIsOneLineThatMakesRoomForOthers) {
+TEST(Progress, ATerminalShowsOneLineThatMakesRoomForOthers) {
   Screen screen{Terminal(80)};
   EXPECT_TRUE(screen.Out.CountsCommands());
   screen.Out.ExpectCommands(3);
@@ -59,7 +59,7 @@ TEST(Output, GoesToTheNotesWhenSomethingElseIsPrinted) {
   EXPECT_EQ(screen.Notes.str(), "result\n");
 }
 
-TEST(Output, WhenQuietIsErrorsAndDocuments) {
+TEST(Output, AQuietProgramPrintsErrorsAndDocumentsAlone) {
   Screen screen{{.IsQuiet = true, .ResultsGoToNotes = false, .NotesWidth = 80}};
   screen.Out.ShowStatus("Working");
   screen.Out.Note("A note");
@@ -89,7 +89,7 @@ class FullDisk final : public std::streambuf {
   int_type overflow(int_type byte) override { return byte; }
 };
 
-TEST(Output, ThatIsLostIsKnownWithItsFirstReason) {
+TEST(Output, LostResultsAreKnownWithTheirFirstReason) {
   Screen screen{{}};
   EXPECT_FALSE(screen.Out.Flush());
   FullDisk disk;

@@ -127,7 +127,7 @@ TEST(Rooms, UseOnlyWhatTheListAllows) {
   }
 }
 
-TEST(Rooms, AreAllThere) {
+TEST(Rooms, EveryRoomIsThere) {
   const auto files = SourceFiles();
   ASSERT_FALSE(Rooms().empty());
   for (const auto& room : Rooms()) {

@@ -85,7 +85,7 @@ TEST(FormParent, FindsItsStatusPanelWhenItIsSet) {
   EXPECT_EQ(fixture.Calls.Of({"status="}).front(), "status=Getting Zolvane Type");
 }
 
-TEST(FormParent, WithoutAStatusPanelLetsTheStatusTextsFail) {
+TEST(FormParent, AWindowWithoutAStatusPanelLetsTheStatusTextsFail) {
   FormFixture fixture;
   fixture.Window->Panel = nullptr;
   fixture.Attach();
@@ -107,7 +107,7 @@ TEST(FormParent, SetToNothingKeepsTheStatusPanel) {
   EXPECT_EQ(fixture.Window->Changed, std::nullopt);
 }
 
-TEST(FormParent, WithoutAPanelKeepsThatOfTheWindowBefore) {
+TEST(FormParent, AWindowWithoutAPanelKeepsThatOfTheOneBefore) {
   FormFixture fixture;
   fixture.Attach();
   const auto second = std::make_shared<FakeWindow>(fixture.Calls);
@@ -371,7 +371,7 @@ void InAnswerTo(FormSession& session, std::string event, std::function<void()> a
   };
 }
 
-TEST(CallingBack, ToDetachThePageKeepsTheObjectOfTheCallUntilItReturns) {
+TEST(CallingBack, DetachingThePageKeepsTheObjectOfTheCallUntilItReturns) {
   FormSession session{formConfiguration};
   session.LoadDefaults();
   const std::weak_ptr<FakePanel> panel{session.Window->Panel};
@@ -386,7 +386,7 @@ TEST(CallingBack, ToDetachThePageKeepsTheObjectOfTheCallUntilItReturns) {
   EXPECT_TRUE(panel.expired());
 }
 
-TEST(CallingBack, ToDetachThePageLeavesNoPanelInIt) {
+TEST(CallingBack, DetachingThePageLeavesNoPanelInIt) {
   FormSession session{formConfiguration};
   const std::weak_ptr<FakePanel> panel{session.Window->Panel};
   InAnswerTo(session, "find panel", [&] { session.Form->IAddInForm_ObjectParent(nullptr); });
@@ -395,7 +395,7 @@ TEST(CallingBack, ToDetachThePageLeavesNoPanelInIt) {
   EXPECT_TRUE(panel.expired());
 }
 
-TEST(CallingBack, ToLoadAListWithoutThatEntryStoresTheChoiceAllTheSame) {
+TEST(CallingBack, LoadingAListWithoutThatEntryStoresTheChoiceAllTheSame) {
   FormSession session{formConfiguration};
   session.LoadDefaults();
   InAnswerTo(session, "changed=false", [&] {
@@ -407,7 +407,7 @@ TEST(CallingBack, ToLoadAListWithoutThatEntryStoresTheChoiceAllTheSame) {
   EXPECT_EQ(session.Value("DeviceType", "Installed"), "1");
 }
 
-TEST(CallingBack, ToLoadABoxStoresTheClickAllTheSame) {
+TEST(CallingBack, LoadingABoxStoresTheClickAllTheSame) {
   FormSession session{formConfiguration};
   session.LoadDefaults();
   InAnswerTo(session, "changed=false", [&] {
@@ -490,7 +490,7 @@ TEST(DetachingMeanwhile, LetsARunningImportEnd) {
   EXPECT_TRUE(detaching.Page.expired());
 }
 
-TEST(DetachingMeanwhile, InTheHostsDialogueLetsTheMessageEnd) {
+TEST(DetachingMeanwhile, DetachingUnderTheHostsDialogueLetsTheMessageEnd) {
   FormSession session{formConfiguration};
   session.LoadDefaults();
   session.Link().DefaultReply = NoAnswer();

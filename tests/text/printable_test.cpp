@@ -35,7 +35,7 @@ TEST(PrintableText, LeavesEveryOtherCharacterAndItselfAsItIs) {
   EXPECT_EQ(Printable(text), text);
 }
 
-TEST(PrintableText, OfSeveralLinesKeepsItsLines) {
+TEST(PrintableText, LineBreaksAreKept) {
   EXPECT_EQ(PrintableLines("a\r\nb\x1b\n"), "a\\u000d\nb\\u001b\n");
 }
 

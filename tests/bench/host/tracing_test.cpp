@@ -200,7 +200,7 @@ TEST(Trace, WritesBytesThatAreNoTextAsTheReplacementCharacter) {
   EXPECT_EQ(host.Lines(), Texts{"{\"event\":\"status\",\"text\":\"a\xef\xbf\xbd\\\"\\u0001\"}"});
 }
 
-TEST(Trace, ThatIsLostIsKnownAndDisturbsNothing) {
+TEST(Trace, ALostTraceIsKnownAndDisturbsNothing) {
   TracedHost host;
   const auto window = Traced(host.Window, host.Log);
   EXPECT_TRUE(host.Log.Flush());

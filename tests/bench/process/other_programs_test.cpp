@@ -127,7 +127,7 @@ class BesideAnEditor : public Bench {
   std::string Text;
 };
 
-TEST_F(BesideAnEditor, ThatEmptiesTheFileBeforeItSavesNothingIsLost) {
+TEST_F(BesideAnEditor, NothingIsLostWhenItEmptiesTheFileBeforeItSaves) {
   {
     const Editor editor{[this] {
       Descriptor file{::open(Folder.Path("Zolvane.ini").c_str(), O_WRONLY | O_TRUNC | O_CLOEXEC)};
@@ -141,7 +141,7 @@ TEST_F(BesideAnEditor, ThatEmptiesTheFileBeforeItSavesNothingIsLost) {
   EXPECT_EQ(Configuration(), Text);
 }
 
-TEST_F(BesideAnEditor, ThatMovesTheFileAwayBeforeItSavesNothingIsLost) {
+TEST_F(BesideAnEditor, NothingIsLostWhenItMovesTheFileAwayBeforeItSaves) {
   {
     const Editor editor{[this] {
       std::filesystem::rename(Folder.Path("Zolvane.ini"), Folder.Path("Zolvane.ini~"));

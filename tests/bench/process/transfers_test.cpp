@@ -196,7 +196,7 @@ TEST_F(ScriptedReplies, AnswerAndStopAsWritten) {
                    }));
 }
 
-TEST_F(ScriptedReplies, ThatStopAQueryAreToldAsItsOutcome) {
+TEST_F(ScriptedReplies, AReplyThatStopsAQueryIsItsOutcome) {
   const auto result = Run({"--json", "--quiet", "--link", "script:link.json", "query"});
   EXPECT_EQ(result.Status, 1);
   EXPECT_EQ(ActionsOf(result)[0]["outcome"], "stopped");

@@ -204,7 +204,7 @@ const BadUse badUses[] = {
 INSTANTIATE_TEST_SUITE_P(Bench, BadUseTest, testing::ValuesIn(badUses),
                          [](const auto& use) { return std::string{use.param.Name}; });
 
-TEST_P(BadUseTest, IsToldInOneLineAndChangesNothing) {
+TEST_P(BadUseTest, BadUseIsToldInOneLineAndChangesNothing) {
   const auto files = Folder.Names();
   auto message = GetParam().Message;
   if (const auto at = message.find("FOLDER"); at != std::string::npos) {

@@ -24,7 +24,7 @@ std::string RefusedOptions(Words words) {
   return "not refused";
 }
 
-TEST(Options, WithoutAnyTheDefaultsHold) {
+TEST(Options, TheDefaultsHoldWithoutAnyOption) {
   const auto options = Parsed({"page"});
   EXPECT_EQ(options.Folder, std::filesystem::current_path().string());
   EXPECT_EQ(options.Link, "sim");

@@ -31,13 +31,13 @@ TEST(Report, TellsWhenTheRunBeganInUtcAndHowLongItTook) {
             R"("duration_ms":1234,"exit_status":0,"actions":[],"not_begun":[]})");
 }
 
-TEST(Report, OfACommandAloneHasTheSameShapeAsThatOfARun) {
+TEST(Report, ACommandAloneHasTheShapeOfARun) {
   RunReport report;
   report.Results.push_back({.Request = Named("query"), .Tally = {}});
   EXPECT_EQ(ReportJson(report)["actions"][0]["command"], "query");
 }
 
-TEST(Report, OfThePageAloneIsThePage) {
+TEST(Report, ThePageAloneIsTheDocument) {
   RunReport report;
   ActionResult page{.Request = Named("page"), .Tally = {}};
   page.Page = ShownPage{.Caption = "Zolvane Setup", .Page = {}, .Status = "", .Changed = {}};
@@ -84,7 +84,7 @@ TEST(Report, NamesTheCommandsThatWereNotBegunAsFarAsAnyoneReadsThem) {
 
 // ---- What it comes to ----
 
-TEST(Outcome, OfNothingIsDone) {
+TEST(Outcome, NothingHappenedIsDone) {
   EXPECT_EQ(OutcomeOf({}), Outcome::Done);
   EXPECT_EQ(ExitStatusOf({}), 0);
 }

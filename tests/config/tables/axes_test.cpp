@@ -90,7 +90,7 @@ TEST(Axes, FillTheSlotOfTheirName) {
   EXPECT_EQ(axes.SDY.Name, "SDY");
 }
 
-TEST(Axes, OfOtherNamesAreDropped) {
+TEST(Axes, LinesOfOtherNamesAreDropped) {
   AxisFixture fixture{"Axis1=x,1\nAxis2= X,1\nAxis3=XY,1\nAxis4=sdx,1\nAxis5=,1\nAxis6=Q,1\nAxis7=Y,2\n"};
   const auto& axes = fixture.Load();
   EXPECT_FALSE(axes.X.Defined);
@@ -199,7 +199,7 @@ TEST(Axes, RoundWholeNumbersHalfToEven) {
                               .Field15 = 4}));
 }
 
-TEST(Axes, OfOneNameOverwriteEachOther) {
+TEST(Axes, TheLastLineOfANameCounts) {
   AxisFixture fixture{"Axis1=X,1,3\nAxis2=Y,2\nAxis3=X,4\n"};
   EXPECT_EQ(fixture.Load().X.UnitsPerStep, 4.0F);
   EXPECT_EQ(fixture.Load().Y.UnitsPerStep, 2.0F);
