@@ -1,5 +1,5 @@
-// The rules of settings files once more, in the plainest way: the whole text is cut into lines for each
-// question and put together again for each change. Slow, and for comparison only.
+// The rules of settings files once more, in the plainest way: each question looks at one line after the other, and each
+// change puts the whole text together again. Slow, and for comparison only.
 #pragma once
 
 #include <algorithm>
@@ -23,12 +23,12 @@ class ReferenceSettings {
   void Replace(std::string bytes) {
     bytes_ = std::move(bytes);
     isUtf8_ = IsUtf8(bytes_);
+    lines_ = Cut();
   }
 
   std::optional<std::string> Read(std::string_view section, std::string_view key) const {
-    const auto lines = Cut();
-    const auto at = FindKey(lines, section, key);
-    return at ? std::optional{Text(Trimmed(lines[*at].Content.substr(lines[*at].Content.find('=') + 1)))}
+    const auto at = FindKey(lines_, section, key);
+    return at ? std::optional{Text(Trimmed(lines_[*at].Content.substr(lines_[*at].Content.find('=') + 1)))}
               : std::nullopt;
   }
 
@@ -38,7 +38,7 @@ class ReferenceSettings {
         name.empty() || name[0] == ';' || name[0] == '[' || value.find('\n') != value.npos) {
       return false;
     }
-    auto lines = Cut();
+    auto lines = lines_;
     bool isDone = true;
     if (const auto at = FindKey(lines, section, key)) {
       isDone = SetValue(lines[*at], Bytes(value));
@@ -189,6 +189,7 @@ class ReferenceSettings {
 
   std::string bytes_;
   bool isUtf8_ = true;
+  std::vector<Line> lines_;
 };
 
 }  // namespace zolvane
