@@ -29,16 +29,16 @@ inline std::string FlagWord(bool flag) {
 }
 
 // What the link does with one command.
-struct ScriptedReply {
+struct FakeReply {
   std::optional<std::string> Text;  // nothing leaves the caller's variable as it is
   bool Answered = true;
   bool RaisesStop = false;
 };
 
-inline ScriptedReply Answer(std::string text) {
+inline FakeReply Answer(std::string text) {
   return {.Text = std::move(text)};
 }
-inline ScriptedReply NoAnswer() {
+inline FakeReply NoAnswer() {
   return {.Text = std::nullopt, .Answered = false};
 }
 
@@ -47,8 +47,8 @@ class FakeLink final : public InstrumentLink {
   explicit FakeLink(Journal& journal) : journal_{journal} {}
 
   // The replies to a command, one after the other; the last one stays. Other commands get DefaultReply.
-  std::map<std::string, std::deque<ScriptedReply>> Replies;
-  ScriptedReply DefaultReply = Answer("OK");
+  std::map<std::string, std::deque<FakeReply>> Replies;
+  FakeReply DefaultReply = Answer("OK");
 
   bool StopFlag = false;
   bool HoldFlag = false;
@@ -75,7 +75,7 @@ class FakeLink final : public InstrumentLink {
     if (WhileSending) {
       WhileSending(command);
     }
-    const ScriptedReply scripted = NextReply(command);
+    const FakeReply scripted = NextReply(command);
     reply = scripted.Text.value_or(reply);
     StopFlag = StopFlag || scripted.RaisesStop;
     return scripted.Answered;
@@ -90,12 +90,12 @@ class FakeLink final : public InstrumentLink {
     return outcome;
   }
 
-  ScriptedReply NextReply(const std::string& command) {
+  FakeReply NextReply(const std::string& command) {
     const auto found = Replies.find(command);
     if (found == Replies.end() || found->second.empty()) {
       return DefaultReply;
     }
-    const ScriptedReply reply = found->second.front();
+    const FakeReply reply = found->second.front();
     if (found->second.size() > 1) {
       found->second.pop_front();
     }
