@@ -1,6 +1,7 @@
 #include "custody/history/audit.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <nlohmann/json.hpp>
 #include <set>
 #include <string_view>
@@ -97,7 +98,7 @@ class Auditor {
     if (checkpoint.Count >= journal_.Hashes.size()) {
       return Joined("the history has only ", std::to_string(journal_.Hashes.size() - 1));
     }
-    if (checkpoint.Hash != journal_.Hashes[checkpoint.Count]) {
+    if (checkpoint.Hash != journal_.Hashes[static_cast<std::size_t>(checkpoint.Count)]) {
       return "the last of them is not the one it was";
     }
     return journal_.Defects.empty() || journal_.Defects.front().Line > checkpoint.Count + 1
