@@ -15,14 +15,16 @@
 
 namespace zolvane {
 
-// The name of a member, cut out of the compiler's name of this function: "... Member = &zolvane::Record::Name".
+// The name of a member, cut out of the compiler's name of this function: "... Member = (& zolvane::Record::Name); ..."
+// or "... Member = &zolvane::(anonymous namespace)::Record::Name]".
 template <auto Member>
 constexpr std::string_view NameOfMember() {
   constexpr std::string_view start = "Member = ";
   std::string_view name = __PRETTY_FUNCTION__;
   name.remove_prefix(name.find(start) + start.size());
-  name = name.substr(0, name.find_first_of(";])"));
-  return name.substr(name.rfind(':') + 1);
+  name = name.substr(0, name.find_first_of(";]"));
+  name = name.substr(name.rfind(':') + 1);
+  return name.substr(0, name.find(')'));
 }
 static_assert(NameOfMember<&AxisRecord::UnitsPerStep>() == "UnitsPerStep");
 

@@ -214,7 +214,7 @@ TEST(SimulatedInstrument, AnyBytesGetAnAnswerAndAreKeptToTheLetter) {
   const auto text = [&](bool isKey) {
     std::string bytes;
     for (auto length = 1 + random() % 8; length > 0; --length) {
-      const auto byte = static_cast<char>(random() % 2 == 0 ? some[random() % some.size()] : random() % 256);
+      const auto byte = random() % 2 == 0 ? some[random() % some.size()] : static_cast<char>(random() % 256);
       bytes += byte == '\r' || byte == '\n' || (isKey && byte == ' ') ? '\\' : byte;
     }
     return bytes;
