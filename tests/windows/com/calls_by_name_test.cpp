@@ -7,15 +7,13 @@
 
 #include <array>
 #include <cwchar>
-#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
-#include "bench/windows/com/offered_settings.h"
-#include "files/file_settings_service.h"
 #include "support/texts.h"
+#include "windows/com/bare_ini_file_service.h"
 #include "windows/support/program_folder.h"
 
 namespace zolvane {
@@ -140,8 +138,7 @@ VARIANT Short(SHORT number) {
 class CallsByName : public testing::Test {
  protected:
   CallsByName() {
-    Store(ProgramFolder::OfThisRun().Configuration(), SmallConfiguration());
-    addIn_ = ProgramFolder::OfThisRun().Module().Create();
+    addIn_ = folder_.Module().Create();
     addIn_->get_Form(form_.Put());
   }
   ~CallsByName() override {
@@ -184,7 +181,8 @@ class CallsByName : public testing::Test {
 
  private:
   std::vector<std::string> calls_;
-  OfferedSettings settings_{[] { return std::make_shared<FileSettingsService>(); }};
+  const ProgramFolder& folder_ = ProgramFolder::OfThisRun();
+  BareIniFileService settings_;
   HandMade panel_{calls_, {{L"Text", Nothing()}}};
   HandMade statusBar_{calls_, {{L"Panels", An(panel_)}}};
   HandMade window_{calls_,
