@@ -210,15 +210,20 @@ class FakeWindow final : public HostWindow {
   Journal& journal_;
 };
 
-// Everything around the add-in, on one journal.
-struct FakeHost {
+// What a host gives the add-in's page, on one journal.
+struct FakeHostObjects {
   Journal Calls;
-  FakeEnvironment Process{Calls};
   std::shared_ptr<FakeHostObject> Object = std::make_shared<FakeHostObject>(Calls);
   std::shared_ptr<FakeWindow> Window = std::make_shared<FakeWindow>(Calls);
 
+  FakeLink& Link() const { return *Object->TheLink; }
+};
+
+// Everything around the add-in, on the same journal.
+struct FakeHost : FakeHostObjects {
+  FakeEnvironment Process{Calls};
+
   FakeSettings& Settings() { return *Process.Settings; }
-  FakeLink& Link() { return *Object->TheLink; }
   HostAttachment Attached() { return {.ObjectParent = Object, .FormParent = Window, .Panel = Window->Panel}; }
 };
 

@@ -51,6 +51,16 @@ class Journal {
     FailsIf = [start = std::move(start)](std::string_view event) { return event.starts_with(start); };
   }
 
+  // Does something in the middle of the calls that start so.
+  void DoDuring(std::string start, std::function<void()> act) {
+    FailsIf = [start = std::move(start), act = std::move(act)](std::string_view event) {
+      if (event.starts_with(start)) {
+        act();
+      }
+      return false;
+    };
+  }
+
   void Clear() {
     Events.clear();
     CallCount = 0;

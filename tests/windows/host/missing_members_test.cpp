@@ -36,7 +36,7 @@ Texts ErrorOfEachStep() {
 
 // ---- Windows without a status line
 
-ComPtr<IDispatch> WindowWith(std::vector<OfferedMember> members, const std::shared_ptr<NotedWindow>& window) {
+ComPtr<IDispatch> WindowWith(std::vector<OfferedMember> members, const std::shared_ptr<FakeWindow>& window) {
   members.push_back({names::changed, put, [window](const MemberUse& use) {
                        return window->SetChanged(use.BoolAt(0).value_or(true)).Ok() ? S_OK : E_FAIL;
                      }});
@@ -71,14 +71,14 @@ TEST_F(MissingMembers, AWindowWithoutAStatusLineHasNoStepToName) {
   Object->TheLink = nullptr;
   for (const auto& members : windows) {
     const auto before = Boxes().size();
-    Window->Changes.clear();
+    Calls.Clear();
     Open(OfferHostObject(Object), WindowWith(members, Window));
     Press(queryButton);
     EXPECT_EQ(Boxes().size(), before + steps.size());
     EXPECT_EQ(Boxes().back(), errorText);
-    Window->Changes.clear();
+    Calls.Clear();
     EXPECT_EQ(Form->SaveChanges(), S_OK);
-    EXPECT_EQ(Window->Changes, std::vector<bool>{false});
+    EXPECT_EQ(Calls.Of({"changed="}), Texts{"changed=false"});
   }
 }
 
@@ -126,11 +126,11 @@ TEST_F(MissingMembers, AnObjectThatKnowsNoNameIsOneWithoutLinkLogAndDialogue) {
   EXPECT_EQ(Boxes().size(), before + 2);  // the confirmation, and that the first line was not sent
   EXPECT_TRUE(Boxes().back().ends_with(errorText));
   EXPECT_TRUE(IsEnabled(uploadButton));
-  EXPECT_EQ(Window->Panel->Now, "");
+  EXPECT_EQ(Window->Panel->Shown, "");
   Press(downloadButton);
   EXPECT_TRUE(Boxes().back().ends_with(errorText));
   EXPECT_TRUE(IsEnabled(downloadButton));
-  EXPECT_EQ(Window->Panel->Now, "");
+  EXPECT_EQ(Window->Panel->Shown, "");
 }
 
 TEST_F(MissingMembers, ALinkThatIsNotGivenIsASilentInstrument) {

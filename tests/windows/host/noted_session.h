@@ -7,7 +7,6 @@
 #include <add_in.h>
 
 #include <filesystem>
-#include <functional>
 #include <memory>
 #include <optional>
 #include <sstream>
@@ -22,105 +21,12 @@
 #include "bench/windows/play/player.h"
 #include "files/file_settings_service.h"
 #include "page/page_controls.h"
+#include "support/fake_host.h"
 #include "support/texts.h"
 #include "windows/support/add_in_use.h"
 #include "windows/support/program_folder.h"
 
 namespace zolvane {
-
-class NotedLink final : public InstrumentLink {
- public:
-  std::function<void(const std::string& command)> OnSend = [](const std::string&) {};
-  std::function<std::optional<bool>()> OnStop = [] { return false; };
-  Status OnHold = Status::Success();
-  Texts Sent;
-  std::vector<bool> Holds;
-
-  std::optional<bool> Stop() override { return OnStop(); }
-  Status SetStop(bool) override { return Status::Success(); }
-  Status SetHold(bool hold) override {
-    Holds.push_back(hold);
-    return OnHold;
-  }
-  std::optional<bool> SendCommand(std::string& command, std::string& reply, std::int32_t) override {
-    Sent.push_back(command);
-    reply = "x=1";
-    OnSend(command);
-    return true;
-  }
-};
-
-class NotedDialog final : public HostDialog {
- public:
-  explicit NotedDialog(std::function<void()> onShow) : onShow_{std::move(onShow)} {}
-
-  Status SetStyle(std::int16_t) override { return Status::Success(); }
-  Status SetTitle(const std::string&) override { return Status::Success(); }
-  Status SetMessage(const std::string&) override { return Status::Success(); }
-  Status Show(bool) override {
-    onShow_();
-    return Status::Success();
-  }
-  std::optional<std::int16_t> Result() override { return std::int16_t{1}; }
-
- private:
-  std::function<void()> onShow_;
-};
-
-class NotedObject final : public HostObject {
- public:
-  std::shared_ptr<NotedLink> TheLink = std::make_shared<NotedLink>();
-  std::function<void()> OnLog = [] {};
-  std::function<void()> OnShow = [] {};
-  bool OffersDialog = false;
-  Texts Log;
-
-  std::shared_ptr<InstrumentLink> Link() override { return TheLink; }
-  Status WriteLogLine(const std::string& line) override {
-    Log.push_back(line);
-    OnLog();
-    return Status::Success();
-  }
-  std::optional<bool> HostDialogAvailable() override { return OffersDialog; }
-  std::shared_ptr<HostDialog> MessageDialog() override {
-    return std::make_shared<NotedDialog>([this] { OnShow(); });
-  }
-};
-
-class NotedPanel final : public StatusPanel {
- public:
-  std::function<void()> OnText = [] {};
-  std::string Now;
-  Texts Shown;
-
-  std::optional<std::string> Text() override { return Now; }
-  Status SetText(const std::string& text) override {
-    Now = text;
-    Shown.push_back(text);
-    OnText();
-    return Status::Success();
-  }
-};
-
-class NotedWindow final : public HostWindow {
- public:
-  std::shared_ptr<NotedPanel> Panel = std::make_shared<NotedPanel>();
-  std::function<void()> OnChanged = [] {};
-  std::vector<bool> Changes;
-  int TimesFocused = 0;
-  Status OnFocus = Status::Success();
-
-  Status SetChanged(bool changed) override {
-    Changes.push_back(changed);
-    OnChanged();
-    return Status::Success();
-  }
-  std::shared_ptr<StatusPanel> FindStatusPanel() override { return Panel; }
-  Status TakeFocus() override {
-    ++TimesFocused;
-    return OnFocus;
-  }
-};
 
 // A settings-file service that can be put out of order.
 class BreakableSettings final : public IniFileService {
@@ -146,9 +52,10 @@ class BreakableSettings final : public IniFileService {
 
 // ---- The session of a test, which its host may end when it likes
 
-class NotedSession : public testing::Test {
+class NotedSession : public testing::Test, protected FakeHostObjects {
  protected:
   void SetUp() override {
+    Link().DefaultReply = Answer("x=1");
     Store(ProgramFolder::OfThisRun().Configuration(), SampleConfiguration());
     Store(Backup(), SampleConfiguration());
     AddIn = ProgramFolder::OfThisRun().Module().Create();
@@ -193,9 +100,6 @@ class NotedSession : public testing::Test {
   // What stood in the boxes so far.
   Texts Boxes() const;
 
-  std::shared_ptr<NotedObject> Object = std::make_shared<NotedObject>();
-  std::shared_ptr<NotedWindow> Window = std::make_shared<NotedWindow>();
-  std::shared_ptr<NotedLink> Link = Object->TheLink;
   bool SettingsAreBroken = false;
   ComPtr<IAddIn> AddIn;
   ComPtr<IAddInForm> Form;

@@ -26,12 +26,12 @@ class DuringACommand : public NotedSession, public testing::WithParamInterface<i
   Texts CommandsOf(int button) {
     Open();
     Press(button);
-    return std::exchange(Link->Sent, {});
+    return std::exchange(Link().Commands, {});
   }
 
   void AtCommand(std::size_t number, std::function<void()> act) {
-    Link->OnSend = [this, number, act = std::move(act)](const std::string&) {
-      if (Link->Sent.size() == number) {
+    Link().WhileSending = [this, number, act = std::move(act)](const std::string&) {
+      if (Link().Commands.size() == number) {
         act();
       }
     };
@@ -47,18 +47,18 @@ TEST_P(DuringACommand, AnOperationGoesOnWithoutItsWindow) {
   AtCommand(3, [host] { DestroyWindow(host); });
   Press(GetParam());
   EXPECT_FALSE(IsWindow(Frame));
-  EXPECT_EQ(Link->Sent, all);
-  EXPECT_EQ(Window->Panel->Now, "");
+  EXPECT_EQ(Link().Commands, all);
+  EXPECT_EQ(Window->Panel->Shown, "");
   EXPECT_EQ(FrameOf(Form), nullptr);
 }
 
 TEST_P(DuringACommand, ADetachedPageSendsNothingMore) {
   const auto all = CommandsOf(GetParam());
-  Link->Holds.clear();
+  Calls.Clear();
   AtCommand(3, [this] { EXPECT_EQ(Form->putref_ObjectParent(nullptr), S_OK); });
   Press(GetParam());
-  EXPECT_EQ(Link->Sent, Texts(all.begin(), all.begin() + 3));
-  EXPECT_FALSE(Link->Holds.back());
+  EXPECT_EQ(Link().Commands, Texts(all.begin(), all.begin() + 3));
+  EXPECT_EQ(Calls.Of({"hold="}).back(), "hold=false");
   EXPECT_FALSE(IsWindow(Frame));
   EXPECT_EQ(FrameOf(Form), nullptr);
   EXPECT_EQ(OfferedObjectsAlive(), 0);
@@ -72,7 +72,7 @@ TEST_P(DuringACommand, AReleasedPageEndsItsOperationAndGoes) {
     EXPECT_EQ(ProgramFolder::OfThisRun().Module().CanUnloadNow(), S_FALSE);
   });
   Press(GetParam());
-  EXPECT_EQ(Link->Sent, Texts(all.begin(), all.begin() + 3));
+  EXPECT_EQ(Link().Commands, Texts(all.begin(), all.begin() + 3));
   EXPECT_EQ(OfferedObjectsAlive(), 0);
   EXPECT_EQ(ProgramFolder::OfThisRun().Module().CanUnloadNow(), S_OK);
 }
@@ -81,24 +81,26 @@ TEST_P(DuringACommand, APageThatIsLoadedAgainGoesOn) {
   const auto all = CommandsOf(GetParam());
   AtCommand(3, [this] { EXPECT_EQ(Form->LoadDefaults(), S_OK); });
   Press(GetParam());
-  EXPECT_EQ(Link->Sent, all);
+  EXPECT_EQ(Link().Commands, all);
   EXPECT_TRUE(IsEnabled(queryButton));
 }
 
 TEST_P(DuringACommand, TheNewObjectGetsTheRemainingCommands) {
   const auto all = CommandsOf(GetParam());
-  const auto second = std::make_shared<NotedObject>();
-  AtCommand(3, [&] { EXPECT_EQ(Form->putref_ObjectParent(OfferHostObject(second).Get()), S_OK); });
+  const FakeHostObjects second;
+  second.Link().DefaultReply = Link().DefaultReply;
+  AtCommand(3, [&] { EXPECT_EQ(Form->putref_ObjectParent(OfferHostObject(second.Object).Get()), S_OK); });
   Press(GetParam());
-  EXPECT_EQ(Link->Sent, Texts(all.begin(), all.begin() + 3));
-  EXPECT_EQ(second->TheLink->Sent, Texts(all.begin() + 3, all.end()));
+  EXPECT_EQ(Link().Commands, Texts(all.begin(), all.begin() + 3));
+  EXPECT_EQ(second.Link().Commands, Texts(all.begin() + 3, all.end()));
+  EndSession();
 }
 
 TEST_P(DuringACommand, TheButtonDoesNotReactASecondTime) {
   const auto all = CommandsOf(GetParam());
   AtCommand(3, [this] { Page().Press(GetParam()); });
   Press(GetParam());
-  EXPECT_EQ(Link->Sent, all);
+  EXPECT_EQ(Link().Commands, all);
 }
 
 INSTANTIATE_TEST_SUITE_P(Button, DuringACommand, testing::Values(queryButton, uploadButton, downloadButton));
@@ -112,24 +114,18 @@ class ReleasedFromWithin : public NotedSession, public testing::WithParamInterfa
     AddIn.Reset();
   }
 
-  void Prepare(const std::string& place) {
-    Object->OffersDialog = place == "show";
-    if (place == "changed") {
-      Window->OnChanged = [this] { Release(); };
-    } else if (place == "status") {
-      Window->Panel->OnText = [this] { Release(); };
-    } else if (place == "stop") {
-      Link->OnStop = [this] { return Release(), false; };
-    } else {
+  void ReleaseDuring(const std::string& call) {
+    Object->OffersDialog = call == "dialogue show";
+    if (call == "log" || call == "dialogue show") {
       Object->TheLink = nullptr;  // so that there is something to be told
-      (place == "log" ? Object->OnLog : Object->OnShow) = [this] { Release(); };
     }
+    Calls.DoDuring(call, [this] { Release(); });
   }
 };
 
 TEST_P(ReleasedFromWithin, ThePageGoesWhenTheCallHasEnded) {
   Open();
-  Prepare(GetParam());
+  ReleaseDuring(GetParam());
   Page().Select(ListControl::CageType, 1);
   Press(queryButton);
   EXPECT_FALSE(Form);
@@ -139,24 +135,24 @@ TEST_P(ReleasedFromWithin, ThePageGoesWhenTheCallHasEnded) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Call, ReleasedFromWithin,
-                         testing::Values("changed", "status", "stop", "log", "show"));
+                         testing::Values("changed=", "status=", "stop?", "log", "dialogue show"));
 
 using ReenteredSession = NotedSession;
 
 TEST_F(ReenteredSession, AWindowTakenBackDuringAChangeIsNotUsedAgain) {
   Open();
-  Window->OnChanged = [this] { EXPECT_EQ(Form->putref_FormParent(nullptr), S_OK); };
+  Calls.DoDuring("changed=", [this] { EXPECT_EQ(Form->putref_FormParent(nullptr), S_OK); });
   Page().Select(ListControl::CageType, 1);
   Page().Select(ListControl::CageType, 0);
-  EXPECT_EQ(Window->Changes, std::vector<bool>{false});
+  EXPECT_EQ(Calls.Of({"changed="}), Texts{"changed=false"});
 }
 
 TEST_F(ReenteredSession, AChoiceIsStoredAlthoughTheHostReloadsAnEmptyListMeanwhile) {
   Open();
-  Window->OnChanged = [this] {
+  Calls.DoDuring("changed=", [this] {
     Store(ProgramFolder::OfThisRun().Configuration(), "[PumpControl]\nModuleInstalled=0\n");
     EXPECT_EQ(Form->LoadDefaults(), S_OK);
-  };
+  });
   Page().Select(ListControl::DeviceType, 1);
   EXPECT_TRUE(Page().Shown().Of(ListControl::DeviceType).Entries.empty());
   EXPECT_NE(ContentOf(ProgramFolder::OfThisRun().Configuration()).find("Installed=2"), std::string::npos);

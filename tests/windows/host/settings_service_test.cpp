@@ -96,7 +96,7 @@ TEST_F(FailingSettingsService, AServiceThatFailsDuringAnOperationLeavesTheConfig
     SettingsAreBroken = true;
     Press(button);
     EXPECT_TRUE(IsEnabled(queryButton)) << button;
-    EXPECT_EQ(Window->Panel->Now, "") << button;
+    EXPECT_EQ(Window->Panel->Shown, "") << button;
     SettingsAreBroken = false;
     const std::string blankLine = button == importButton ? "\r\n" : "";  // not by way of the service
     const auto after = ContentOf(ProgramFolder::OfThisRun().Configuration());

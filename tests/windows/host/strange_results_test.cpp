@@ -18,29 +18,29 @@ constexpr WORD method = DISPATCH_METHOD;
 using StrangeResults = NotedSession;
 
 TEST_F(StrangeResults, AStopFlagThatCannotBeReadIsNotRaisedForAQuery) {
-  Link->OnStop = [] { return std::optional<bool>{}; };
+  Calls.FailEverythingThatStartsWith("stop?");
   Open();
   Press(queryButton);
-  EXPECT_EQ(Link->Sent,
+  EXPECT_EQ(Link().Commands,
             (Texts{"STATUS_STAGE", "STATUS_MECH", "RFID ON", "RFID READ_PERSISTENT", "STATUS PUMPS"}));
   EXPECT_TRUE(IsEnabled(queryButton));
 }
 
 TEST_F(StrangeResults, AStopFlagThatCannotBeReadIsNotRaisedForAnUpload) {
-  Link->OnStop = [] { return std::optional<bool>{}; };
+  Calls.FailEverythingThatStartsWith("stop?");
   Open();
   Press(uploadButton);
-  ASSERT_FALSE(Link->Sent.empty());
-  EXPECT_EQ(Link->Sent.back(), "SET_CALIBRATION SAVE");
+  ASSERT_FALSE(Link().Commands.empty());
+  EXPECT_EQ(Link().Commands.back(), "SET_CALIBRATION SAVE");
   EXPECT_TRUE(IsEnabled(uploadButton));
 }
 
 TEST_F(StrangeResults, AHoldFlagThatCannotBeSetChangesNothing) {
-  Link->OnHold = Status::Failure(E_ACCESSDENIED);
+  Calls.FailEverythingThatStartsWith("hold=");
   Open();
   Press(queryButton);
-  EXPECT_EQ(Link->Sent.size(), 5U);
-  EXPECT_EQ(Link->Holds, std::vector<bool>(5, true));
+  EXPECT_EQ(Link().Commands.size(), 5U);
+  EXPECT_EQ(Calls.Of({"hold="}), Texts(5, "hold=true"));
   EXPECT_EQ(Boxes(), Texts{});
 }
 

@@ -26,13 +26,13 @@ TEST_F(UnusualOrder, ADetachedPageThatIsGivenObjectsAgainLetsGoOfThemWhenItIsDet
 TEST_F(UnusualOrder, AClickBesideTheControlsReachesTheWindow) {
   Open();
   Page().ClickFrame();
-  EXPECT_EQ(Window->TimesFocused, 1);
-  Window->OnFocus = Status::Failure(E_FAIL);
+  EXPECT_EQ(Calls.Count("focus"), 1U);
+  Calls.FailEverythingThatStartsWith("focus");
   Page().ClickFrame();
-  EXPECT_EQ(Window->TimesFocused, 2);
+  EXPECT_EQ(Calls.Count("focus"), 2U);
   EXPECT_EQ(Form->putref_FormParent(nullptr), S_OK);
   Page().ClickFrame();
-  EXPECT_EQ(Window->TimesFocused, 2);
+  EXPECT_EQ(Calls.Count("focus"), 2U);
   EXPECT_EQ(Form->putref_FormParent(Offer({}).Get()), S_OK);
   Page().ClickFrame();
   EXPECT_TRUE(IsWindow(Frame));
@@ -42,24 +42,24 @@ TEST_F(UnusualOrder, AWindowThatIsTakenBackLeavesThePanel) {
   Open();
   EXPECT_EQ(Form->putref_FormParent(nullptr), S_OK);
   Press(queryButton);
-  EXPECT_EQ(Window->Panel->Shown.front(), "Getting Zolvane Type");
-  Window->Changes.clear();
+  EXPECT_EQ(Calls.Of({"status="}).front(), "status=Getting Zolvane Type");
+  Calls.Clear();
   EXPECT_EQ(Form->SaveChanges(), S_OK);
-  EXPECT_EQ(Window->Changes, std::vector<bool>{});
+  EXPECT_EQ(Calls.Of({"changed="}), Texts{});
 }
 
 TEST_F(UnusualOrder, AWindowWithoutAPanelLeavesThePanelOfTheOneBefore) {
   Open();
   EXPECT_EQ(Form->putref_FormParent(Offer({}).Get()), S_OK);
   Press(queryButton);
-  EXPECT_EQ(Window->Panel->Shown.front(), "Getting Zolvane Type");
+  EXPECT_EQ(Calls.Of({"status="}).front(), "status=Getting Zolvane Type");
 }
 
 TEST_F(UnusualOrder, LoadingLeavesTheMarkOfTheWindowAlone) {
   Open();
-  EXPECT_EQ(Window->Changes, std::vector<bool>{});
+  EXPECT_EQ(Calls.Of({"changed="}), Texts{});
   Page().Select(ListControl::CageType, 1);
-  EXPECT_EQ(Window->Changes, std::vector<bool>{false});
+  EXPECT_EQ(Calls.Of({"changed="}), Texts{"changed=false"});
 }
 
 TEST_F(UnusualOrder, TheSameObjectsMayBeGivenTwice) {
@@ -68,8 +68,8 @@ TEST_F(UnusualOrder, TheSameObjectsMayBeGivenTwice) {
   Open(object, window);
   Open(object, window);
   Press(queryButton);
-  EXPECT_EQ(Link->Sent.size(), 5U);
-  EXPECT_EQ(Link->Holds, std::vector<bool>(5, true));
+  EXPECT_EQ(Link().Commands.size(), 5U);
+  EXPECT_EQ(Calls.Of({"hold="}), Texts(5, "hold=true"));
   EndSession();
   // Only the references of this test are left.
   EXPECT_EQ(object->AddRef(), 2U);

@@ -33,7 +33,7 @@ class CollectedBoxes final : public DialogueSpectator {
 
 class ChoiceNotStored : public testing::Test {
  protected:
-  ChoiceNotStored() { page_.Host().RefusesWrites = true; }
+  ChoiceNotStored() { page_.Host().Calls.FailEverythingThatStartsWith("write "); }
 
   HWND Control(int id) const { return page_.Control(id); }
 
@@ -107,7 +107,7 @@ TEST_F(ChoiceNotStored, TheUserIsToldOnceWhenAListCloses) {
 // Not every system reports the choice of an entry that was selected already.
 TEST_F(ChoiceNotStored, ChoosingTheSameEntryAgainStoresIt) {
   Choose(anotherTip);
-  page_.Host().RefusesWrites = false;
+  page_.Host().Calls.FailsIf = nullptr;
   SendMessageW(Control(tipList), CB_SHOWDROPDOWN, TRUE, 0);
   SendMessageW(Control(tipList), CB_SHOWDROPDOWN, FALSE, 0);
   Pump();
@@ -130,7 +130,7 @@ TEST_F(ChoiceNotStored, TheUserIsNotToldWhatThePageItselfSelects) {
 }
 
 TEST_F(ChoiceNotStored, TheUserIsNotToldWhenTheChoiceWasStored) {
-  page_.Host().RefusesWrites = false;
+  page_.Host().Calls.FailsIf = nullptr;
   Choose(anotherTip);
   SendMessageW(Control(rfidBox), BM_CLICK, 0, 0);
   EXPECT_TRUE(shown_.Boxes.empty());
@@ -164,7 +164,7 @@ TEST(ChoiceNotStoredOnScreen, TheBoxAppearsAndGivesTheHostBack) {
   HostedPage page;
   OverTheHost user{page.Window()};
   const DialogueHooks hooks{ProgramFolder::OfThisRun().Module().Module(), nullptr, user};
-  page.Host().RefusesWrites = true;
+  page.Host().Calls.FailEverythingThatStartsWith("write ");
   SendMessageW(page.Control(rfidBox), BM_CLICK, 0, 0);
   EXPECT_EQ(user.Answer, message_answer::ok);
   EXPECT_TRUE(user.IsHostBack);
@@ -175,7 +175,7 @@ TEST(ChoiceNotStoredOnScreen, ARunFileGoesOnAndCountsItAsFailed) {
   HostedPage page;
   Player player{{.Listed = {}, .AffirmsRest = false}, [](const std::string&) {}};
   const DialogueHooks hooks{ProgramFolder::OfThisRun().Module().Module(), nullptr, player};
-  page.Host().RefusesWrites = true;
+  page.Host().Calls.FailEverythingThatStartsWith("write ");
   const PageDriver user{page.Frame()};
   EXPECT_TRUE(
       player.Play({.Kind = ActionKind::SelectEntry, .List = ListControl::TipType, .Entry = "#2"}, user));

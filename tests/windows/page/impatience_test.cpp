@@ -32,7 +32,7 @@ bool IsOpen(HWND list) {
 class ImpatientUser : public testing::Test {
  protected:
   ImpatientUser() {
-    page_.Host().OnCommand = [this](const std::string& command) {
+    page_.Host().Link().WhileSending = [this](const std::string& command) {
       if (command == "STATUS_STAGE" && ++queries_ == 1) {
         meanwhile_();
       }

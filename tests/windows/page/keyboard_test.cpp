@@ -203,7 +203,9 @@ TEST_P(Keyboard, SpaceAndAccessKeyUntickATickedBox) {
 
 TEST_P(Keyboard, SpaceAndEnterPressTheButtonThatHasTheFocus) {
   int queries = 0;
-  page_.Host().OnCommand = [&](const std::string& command) { queries += command == "STATUS_STAGE" ? 1 : 0; };
+  page_.Host().Link().WhileSending = [&](const std::string& command) {
+    queries += command == "STATUS_STAGE" ? 1 : 0;
+  };
   Focus(query);
   Press(VK_SPACE);
   EXPECT_EQ(queries, 1);
@@ -220,7 +222,9 @@ TEST_P(Keyboard, AccessKeysReachListsAndPressBoxesAndButtons) {
   EXPECT_EQ(Focused(), tipBox);
   EXPECT_EQ(Value(tipBox), 1);
   int queries = 0;
-  page_.Host().OnCommand = [&](const std::string& command) { queries += command == "STATUS_STAGE" ? 1 : 0; };
+  page_.Host().Link().WhileSending = [&](const std::string& command) {
+    queries += command == "STATUS_STAGE" ? 1 : 0;
+  };
   PressWithAlt('Q');
   EXPECT_EQ(Focused(), query);
   EXPECT_EQ(queries, 1);

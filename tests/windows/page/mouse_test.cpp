@@ -31,11 +31,11 @@ TEST(PageMouse, AClickUnticksATickedBoxAndTicksAnUntickedOneWithOneWriteEach) {
   };
   for (const auto& [value, stored] :
        {Step{BST_UNCHECKED, "0"}, Step{BST_CHECKED, "1"}, Step{BST_UNCHECKED, "0"}}) {
-    page.Host().Writes = 0;
+    page.Host().Calls.Clear();
     Click(box);
     EXPECT_EQ(ValueOf(box), value);
     EXPECT_EQ(page.Stored("DeviceType", "SensorEnableRFID"), stored);
-    EXPECT_EQ(page.Host().Writes, 1);
+    EXPECT_EQ(page.Host().Calls.Of({"write "}).size(), 1U);
   }
 }
 
@@ -59,14 +59,14 @@ TEST(PageMouse, AProgramCanSetABoxGreyWhichIsStoredAsTicked) {
 TEST(PageMouse, AClickOnAGreyBoxUnticksItAndTheNextOneTicksIt) {
   HostedPage page;
   SetByProgram(page, tipBox, greyValue);
-  page.Host().Writes = 0;
+  page.Host().Calls.Clear();
   Click(page.Control(tipBox));
   EXPECT_EQ(ValueOf(page.Control(tipBox)), BST_UNCHECKED);
   EXPECT_EQ(page.Stored("DeviceType", "SensorEnableTipsInstalled"), "0");
   Click(page.Control(tipBox));
   EXPECT_EQ(ValueOf(page.Control(tipBox)), BST_CHECKED);
   EXPECT_EQ(page.Stored("DeviceType", "SensorEnableTipsInstalled"), "1");
-  EXPECT_EQ(page.Host().Writes, 2);
+  EXPECT_EQ(page.Host().Calls.Of({"write "}).size(), 2U);
 }
 
 // The point of the frame over the middle of a control.
@@ -78,11 +78,11 @@ LPARAM Over(HWND control) {
 TEST(PageMouse, AClickBesideTheControlsReachesTheHostWindow) {
   HostedPage page;
   SendMessageW(page.Frame(), WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(1, 1));
-  EXPECT_EQ(page.Host().FocusRequests, 1);
+  EXPECT_EQ(page.Host().Calls.Count("focus"), 1U);
   for (const int text : {titleId, pumpLabelId, firstListLabelId}) {
     SendMessageW(page.Frame(), WM_LBUTTONDOWN, MK_LBUTTON, Over(page.Control(text)));
   }
-  EXPECT_EQ(page.Host().FocusRequests, 4);
+  EXPECT_EQ(page.Host().Calls.Count("focus"), 4U);
 }
 
 // The system hands clicks that a text or a group box does not want to the window behind it.
@@ -99,13 +99,13 @@ TEST(PageMouse, AClickOnADisabledControlIsNoneOnTheFrame) {
     EnableWindow(page.Control(id), FALSE);
     SendMessageW(page.Frame(), WM_LBUTTONDOWN, MK_LBUTTON, Over(page.Control(id)));
   }
-  EXPECT_EQ(page.Host().FocusRequests, 0);
+  EXPECT_EQ(page.Host().Calls.Count("focus"), 0U);
 }
 
 TEST(PageMouse, AClickOnAControlIsNoneOnTheFrame) {
   HostedPage page;
   Click(page.Control(rfidBox));
-  EXPECT_EQ(page.Host().FocusRequests, 0);
+  EXPECT_EQ(page.Host().Calls.Count("focus"), 0U);
 }
 
 }  // namespace

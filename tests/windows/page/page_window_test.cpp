@@ -132,8 +132,8 @@ TEST(PageWindow, AnOperationGreysTheListsAndDisablesTheControlsAndPutsAllBack) {
   ASSERT_NE(GetSysColor(COLOR_WINDOW), GetSysColor(COLOR_BTNFACE));
   HostedPage page;
   std::vector<std::string> seen;
-  page.Host().OnCommand = [&](const std::string& command) {
-    seen.push_back(command + " " + page.Host().Status);
+  page.Host().Link().WhileSending = [&](const std::string& command) {
+    seen.push_back(command + " " + page.Host().Window->Panel->Shown);
     for (const int id : controlsInTabOrder) {
       EXPECT_FALSE(IsWindowEnabled(page.Control(id))) << id;
     }
@@ -147,7 +147,7 @@ TEST(PageWindow, AnOperationGreysTheListsAndDisablesTheControlsAndPutsAllBack) {
   SendMessageW(page.Control(query), BM_CLICK, 0, 0);
   ASSERT_EQ(seen.size(), 5U);
   EXPECT_EQ(seen.front(), "STATUS_STAGE Getting Zolvane Type");
-  EXPECT_EQ(page.Host().Status, "");
+  EXPECT_EQ(page.Host().Window->Panel->Shown, "");
   for (const int id : controlsInTabOrder) {
     EXPECT_TRUE(IsWindowEnabled(page.Control(id))) << id;
   }

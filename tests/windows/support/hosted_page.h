@@ -3,7 +3,6 @@
 
 #include <hestrion_cmds.h>
 
-#include <functional>
 #include <memory>
 #include <string>
 #include <utility>
@@ -12,20 +11,13 @@
 #include "bench/windows/com/offered_host.h"
 #include "bench/windows/com/offered_settings.h"
 #include "shell/windows/page/page_layout.h"
+#include "support/fake_host.h"
 #include "windows/support/program_folder.h"
 
 namespace zolvane {
 
-// A host that notes what the page asks for. The test sees each command to the instrument while it
-// is under way.
-struct PageHost {
-  int FocusRequests = 0;
-  int Writes = 0;              // to settings files
-  bool RefusesWrites = false;  // which then fail and change nothing
-  std::string Status;
-  std::function<void(const std::string& command)> OnCommand = [](const std::string&) {};
-};
-
+// The host's journal also has the writes to settings files, as `write [DeviceType] SensorEnableRFID`. The
+// instrument answers every command with an empty text.
 class HostedPage {
  public:
   explicit HostedPage(const std::string& configuration = SampleConfiguration());
@@ -33,7 +25,7 @@ class HostedPage {
   HostedPage(const HostedPage&) = delete;
   HostedPage& operator=(const HostedPage&) = delete;
 
-  PageHost& Host() { return *host_; }
+  FakeHostObjects& Host() { return host_; }
   HWND Window() const { return window_; }
   HWND Frame() const { return frame_; }
   HWND Control(int id) const { return GetDlgItem(frame_, id); }
@@ -44,7 +36,7 @@ class HostedPage {
 
  private:
   const ProgramFolder& folder_;  // brings COM along
-  std::shared_ptr<PageHost> host_ = std::make_shared<PageHost>();
+  FakeHostObjects host_;
   OfferedSettings settings_;
   const HWND window_;
   std::unique_ptr<ComSession> session_;
