@@ -12,8 +12,6 @@
 namespace zolvane {
 namespace {
 
-using Arguments = std::vector<std::string>;
-
 class BenchPrograms : public testing::Test {
  protected:
   struct Played {

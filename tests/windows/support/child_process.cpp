@@ -19,7 +19,7 @@ UniqueKernelHandle InheritedFile(const std::filesystem::path& path) {
 }
 
 // No argument of these tests holds a quote or ends in a backslash.
-std::wstring CommandLine(const std::filesystem::path& program, const std::vector<std::string>& arguments) {
+std::wstring CommandLine(const std::filesystem::path& program, const Arguments& arguments) {
   std::wstring line = L"\"" + program.wstring() + L"\"";
   for (const auto& argument : arguments) {
     line += L" \"" + Wide(argument) + L"\"";
@@ -35,8 +35,7 @@ std::filesystem::path FileForStream(const char* name) {
 
 }  // namespace
 
-ChildProcess::ChildProcess(const std::filesystem::path& program, const std::vector<std::string>& arguments,
-                           StartedFrom from)
+ChildProcess::ChildProcess(const std::filesystem::path& program, const Arguments& arguments, StartedFrom from)
     : output_{FileForStream(".out")}, errors_{FileForStream(".err")} {
   const UniqueKernelHandle output = InheritedFile(output_);
   const UniqueKernelHandle errors = InheritedFile(errors_);
@@ -103,7 +102,7 @@ std::filesystem::path ZolvaneSimPath() {
   return std::filesystem::absolute(ZOLVANE_SIM_PATH);
 }
 
-ProgramResult RunToItsEnd(const std::filesystem::path& program, const std::vector<std::string>& arguments) {
+ProgramResult RunToItsEnd(const std::filesystem::path& program, const Arguments& arguments) {
   ChildProcess process{program, arguments};
   const auto status = process.Wait();
   return {.Status = status, .Output = process.Output(), .Errors = process.Errors()};

@@ -10,6 +10,8 @@
 
 namespace zolvane {
 
+using Arguments = std::vector<std::string>;
+
 // What a program is started from.
 enum class StartedFrom {
   Program,   // which reads what it prints
@@ -18,7 +20,7 @@ enum class StartedFrom {
 
 class ChildProcess {
  public:
-  ChildProcess(const std::filesystem::path& program, const std::vector<std::string>& arguments,
+  ChildProcess(const std::filesystem::path& program, const Arguments& arguments,
                StartedFrom from = StartedFrom::Program);
 
   // Ends it when it still runs.
@@ -54,7 +56,7 @@ struct ProgramResult {
   std::string Errors;
 };
 
-ProgramResult RunToItsEnd(const std::filesystem::path& program, const std::vector<std::string>& arguments);
+ProgramResult RunToItsEnd(const std::filesystem::path& program, const Arguments& arguments);
 
 // Waits until the condition holds. False when it does not in a long time.
 template <class Condition>
