@@ -12,6 +12,7 @@
 #include "bench/windows/play/dialogue_answerer.h"
 #include "bench/windows/play/dialogue_hooks.h"
 #include "win32/text.h"
+#include "windows/support/child_process.h"
 #include "windows/support/dialogue_spectator.h"
 #include "windows/support/program_folder.h"
 
@@ -68,11 +69,10 @@ TEST_F(MessageLoop, EverythingThatWaitsIsDispatched) {
 TEST_F(MessageLoop, ARequestToQuitIsLeftToTheHostAndTheRestGoesOn) {
   SetTimer(window_, 1, 10, nullptr);
   PostQuitMessage(7);
-  for (int poll = 0; poll < 3; ++poll) {
-    Sleep(30);
+  EXPECT_TRUE(Eventually([this] {
     environment_.RunMessageLoopOnce();
-  }
-  EXPECT_GE(Heard(WM_TIMER), 2);
+    return Heard(WM_TIMER) >= 2;
+  }));
   ASSERT_TRUE(QuitWaits());
   MSG message{};
   PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE);

@@ -8,18 +8,12 @@
 #include <chrono>
 #include <cstddef>
 #include <string>
-#include <thread>
 
 #include "files/exchanged_file.h"
 #include "windows/support/program_folder.h"
 
 namespace zolvane {
 namespace {
-
-// Changes younger than the clock of the file system is sure of always count as seen.
-void LetSettle() {
-  std::this_thread::sleep_for(std::chrono::milliseconds{200});
-}
 
 class SettledFile : public testing::Test {
  protected:
@@ -29,8 +23,9 @@ class SettledFile : public testing::Test {
   }
   ~SettledFile() override { std::filesystem::remove(path_); }
 
+  // Changes younger than the clock of the file system is sure of always count as seen.
   void Settle() {
-    LetSettle();
+    std::filesystem::last_write_time(path_, std::filesystem::last_write_time(path_) - std::chrono::hours{1});
     content_ = file_->Read();
   }
 
