@@ -2,10 +2,10 @@
 #include <add_in.h>
 
 #include "shell/windows/class_factory.h"
+#include "shell/windows/page/window_class.h"
 #include "shell/windows/registration.h"
 #include "win32/guarded.h"
 #include "win32/module_instance.h"
-#include "win32/window_class.h"
 
 using namespace zolvane;
 

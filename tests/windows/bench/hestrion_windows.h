@@ -12,7 +12,7 @@
 #include "bench/windows/window/main_window.h"
 #include "instrument/links/running_instrument.h"
 #include "shell/windows/page/page_layout.h"
-#include "win32/window_class.h"
+#include "shell/windows/page/window_class.h"
 #include "windows/bench/bench_folder.h"
 #include "windows/support/child_process.h"
 

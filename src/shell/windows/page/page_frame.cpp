@@ -7,10 +7,10 @@
 #include <utility>
 
 #include "shell/windows/page/page_control.h"
+#include "shell/windows/page/window_class.h"
 #include "win32/guarded.h"
 #include "win32/module_instance.h"
 #include "win32/text.h"
-#include "win32/window_class.h"
 
 namespace zolvane {
 namespace {

@@ -1,4 +1,4 @@
-#include "win32/window_class.h"
+#include "shell/windows/page/window_class.h"
 
 #include "win32/module_instance.h"
 
