@@ -128,12 +128,14 @@ std::size_t CountCommands(const std::string& programFolder, int button) {
     return 0;
   }
   const auto link = std::make_shared<CountingLink>();
+  // NOLINTBEGIN(misc-const-correctness): the context refers to them, and the operation changes them
   ReadingProcess process{programFolder};
   ConsentingUser user;
   Configuration configuration{process};
   HostAttachment host{
       .ObjectParent = std::make_shared<LinkOnlyObject>(link), .FormParent = nullptr, .Panel = nullptr};
   AbsentPage page;
+  // NOLINTEND(misc-const-correctness)
   const OperationContext context{process, user, host, configuration, page};
   row->Run(context);
   return link->Count;
