@@ -333,6 +333,7 @@ class SimulatorProcess {
     const auto deadline = std::chrono::steady_clock::now() + processDeadline;
     while (place_.find('\n') == std::string::npos) {
       if (!IsReadableBy(output_.ReadEnd, deadline) || !ReadSome(output_.ReadEnd, place_)) {
+        End(SIGKILL);
         ADD_FAILURE() << "the simulator does not say where it listens: " << Errors();
         return;
       }

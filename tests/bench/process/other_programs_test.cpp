@@ -116,10 +116,10 @@ class BesideAnEditor : public Bench {
   // Runs the bench some times, and until the editor has saved some times in between, however busy the machine is.
   void RunBeside(const Editor& editor, const std::function<void(const ProcessResult&)>& check) const {
     constexpr int enough = 20;
+    constexpr int tooMany = 1000;
     constexpr int savesInBetween = 5;
-    const auto deadline = std::chrono::steady_clock::now() + processDeadline;
     for (int run = 0; run < enough || editor.Saves() <= savesInBetween; ++run) {
-      ASSERT_LT(std::chrono::steady_clock::now(), deadline) << "after " << editor.Saves() << " saves";
+      ASSERT_LT(run, tooMany) << "after " << editor.Saves() << " saves";
       check(Run({"--quiet", "page"}));
     }
   }
