@@ -27,16 +27,23 @@
 
 namespace zolvane {
 
-// Of a value as the file holds it.
+// Of a value as the file holds it, or as it goes to the instrument.
 enum class Unit : std::uint8_t {
   None,
-  Millimetres,
-  MillimetresPerUnit,  // per motor step, or per file unit for the serial-dilute X and Y
-  FileUnits,           // of the serial-dilute X and Y, converted by the encoders' factor
-  StepsPerFileUnit,
-  Steps,   // of a motor, as the instrument takes them
-  Counts,  // of the stage's motors
   Microlitres,
+  Millimetres,
+  HundredthMillimetres,
+  MillimetresPerUnit,  // per motor step, or per file unit for the serial-dilute X and Y
+  StepsPerFileUnit,
+  FileUnits,  // of the serial-dilute X and Y, converted by the encoders' factor
+  FileUnitsX,
+  FileUnitsY,
+  StepsZ,  // of a motor
+  StepsS,
+  StepsSDX,
+  StepsSDY,
+  CountsX,  // of the stage's motors
+  CountsY,
 };
 
 template <class Record>

@@ -55,6 +55,7 @@ template <class Record>
 struct Command {
   std::string_view Key;
   ValueText (*Value)(const Record& record, const AxisScales& scales);
+  Unit SentIn = Unit::StepsZ;
 };
 
 template <auto Member>
@@ -82,6 +83,16 @@ std::string SettingLine(std::string_view setting) {
   return std::string{"SET_CALIBRATION "}.append(setting).append(lineBreak);
 }
 
+std::string ScriptOf(std::span<const UploadLine> lines) {
+  std::string script;
+  for (const auto& line : lines) {
+    if (line.Value) {
+      script += SettingLine(std::string{line.Key}.append(" ").append(*line.Value));
+    }
+  }
+  return script;
+}
+
 class ScriptBuilder {
  public:
   explicit ScriptBuilder(Configuration& configuration)
@@ -89,47 +100,43 @@ class ScriptBuilder {
 
   Configuration& Config;
   const AxisScales Scales;
+  std::string_view Group;  // of the lines that follow
+  std::vector<UploadLine> Lines;
 
-  void Append(std::string_view key, const ValueText& value) {
-    if (value) {
-      AppendLines(SettingLine(std::string{key}.append(" ").append(*value)));
-    }
+  void Append(std::string_view key, ValueText value, Unit sentIn) {
+    Lines.push_back({.Group = Group, .Key = std::string{key}, .Value = std::move(value), .SentIn = sentIn});
   }
 
   template <class Record>
   void AppendAll(std::span<const Command<Record>> commands, const Record& record) {
     for (const auto& command : commands) {
-      Append(command.Key, command.Value(record, Scales));
+      Append(command.Key, command.Value(record, Scales), command.SentIn);
     }
   }
-
-  void AppendLines(std::string_view lines) { text_.append(lines); }
-
-  std::string Finished() && {
-    AppendLines(SettingLine("SAVE"));
-    return std::move(text_);
-  }
-
- private:
-  std::string text_;
 };
 
 // ---- Stage positions ----
 
-void AppendPositions(ScriptBuilder& script, std::span<const PositionKeys> positions,
-                     std::int32_t PositionRecord::* x, std::int32_t PositionRecord::* y) {
+struct Coordinate {
+  std::int32_t PositionRecord::* Member;
+  Unit SentIn;
+};
+
+void AppendPositions(ScriptBuilder& script, std::span<const PositionKeys> positions, const Coordinate& x,
+                     const Coordinate& y) {
   for (const auto& keys : positions) {
     const auto position =
         FindByName(positionTable, script.Config, &PositionRecord::PositionName, keys.PositionName);
     const std::string name{keys.InstrumentName};
-    script.Append(name + "_X", WholeText(position.*x));
-    script.Append(name + "_Y", WholeText(position.*y));
+    script.Append(name + "_X", WholeText(position.*x.Member), x.SentIn);
+    script.Append(name + "_Y", WholeText(position.*y.Member), y.SentIn);
   }
 }
 
 void AppendStagePositions(ScriptBuilder& script) {
   ReloadCurrentDevice(script.Config);
-  AppendPositions(script, stagePositions, &PositionRecord::StageX, &PositionRecord::StageY);
+  AppendPositions(script, stagePositions, {&PositionRecord::StageX, Unit::CountsX},
+                  {&PositionRecord::StageY, Unit::CountsY});
 }
 
 // ---- Heights ----
@@ -154,7 +161,7 @@ constexpr auto heightCommands = std::to_array<Command<Heights>>({
     {"TipMountDepth125", PerZStep<&Heights::TipMountDepth125>},
     {"TipMountDepth300", PerZStep<&Heights::TipMountDepth300>},
     {"TipMountDepth1250", PerZStep<&Heights::TipMountDepth1250>},
-    {"Delta_Z", Number<&Heights::DeltaZ>},
+    {"Delta_Z", Number<&Heights::DeltaZ>, Unit::None},
 });
 
 void AppendHeights(ScriptBuilder& script) {
@@ -173,21 +180,22 @@ void AppendTipAndHeadChange(ScriptBuilder& script) {
     return;
   }
   // Both changes happen at the head's one drop-off height.
-  script.Append("TipChange_Z", GeneralText(head.DropOffZ));
-  script.Append("TipChange_S", WholeText(cage.TipChangeS));
-  script.Append("HeadChange_Z", GeneralText(head.DropOffZ));
-  script.Append("HeadChange_S", WholeText(cage.HeadChangeS));
-  script.Append("AspirateOrigin_96_384", WholeText(head.AspirateOrigin));
+  script.Append("TipChange_Z", GeneralText(head.DropOffZ), Unit::StepsZ);
+  script.Append("TipChange_S", WholeText(cage.TipChangeS), Unit::StepsS);
+  script.Append("HeadChange_Z", GeneralText(head.DropOffZ), Unit::StepsZ);
+  script.Append("HeadChange_S", WholeText(cage.HeadChangeS), Unit::StepsS);
+  script.Append("AspirateOrigin_96_384", WholeText(head.AspirateOrigin), Unit::StepsS);
 }
 
 // ---- Serial-dilute heads and the teach tool ----
 
 constexpr auto shortHeadCommands = std::to_array<Command<HeadTypeRecord>>({
-    {"HeadEject_SD_S", Integer<&HeadTypeRecord::HeadEjectS>},
-    {"HeadLock_SD_S", Integer<&HeadTypeRecord::HeadLockS>},
-    {"SDHomeSensorSeekOffsetMM", TimesZStep<&HeadTypeRecord::SDHomeSensorSeekOffsetMM>},
-    {"SDPreCollectHeightMM", TimesZStep<&HeadTypeRecord::SDPreCollectHeightMM>},
-    {"SDRFIDReadHeightMM", TimesZStep<&HeadTypeRecord::SDRFIDReadHeightMM>},
+    {"HeadEject_SD_S", Integer<&HeadTypeRecord::HeadEjectS>, Unit::StepsS},
+    {"HeadLock_SD_S", Integer<&HeadTypeRecord::HeadLockS>, Unit::StepsS},
+    {"SDHomeSensorSeekOffsetMM", TimesZStep<&HeadTypeRecord::SDHomeSensorSeekOffsetMM>,
+     Unit::HundredthMillimetres},
+    {"SDPreCollectHeightMM", TimesZStep<&HeadTypeRecord::SDPreCollectHeightMM>, Unit::HundredthMillimetres},
+    {"SDRFIDReadHeightMM", TimesZStep<&HeadTypeRecord::SDRFIDReadHeightMM>, Unit::HundredthMillimetres},
 });
 
 struct HeadRow {
@@ -214,8 +222,8 @@ void AppendSerialDiluteHeads(ScriptBuilder& script) {
     if (matches(head)) {
       script.AppendAll(row.OwnCommands, head);
       const std::string name{row.InstrumentName};
-      script.Append("PickUp_" + name + "_Z", GeneralText(head.PickUpZ));
-      script.Append("DropOff_" + name + "_Z", GeneralText(head.DropOffZ));
+      script.Append("PickUp_" + name + "_Z", GeneralText(head.PickUpZ), Unit::StepsZ);
+      script.Append("DropOff_" + name + "_Z", GeneralText(head.DropOffZ), Unit::StepsZ);
     }
   }
 }
@@ -258,8 +266,9 @@ void AppendTipEject(ScriptBuilder& script) {
       return;
     }
     const auto steps = Quotient(head.TipEjectS, script.Scales.S);
-    script.Append(keys->TipEject, steps ? std::optional{NegatedPictureText(*steps)} : std::nullopt);
-    script.Append(keys->AspirateOrigin, WholeText(head.AspirateOrigin));
+    script.Append(keys->TipEject, steps ? std::optional{NegatedPictureText(*steps)} : std::nullopt,
+                  Unit::StepsS);
+    script.Append(keys->AspirateOrigin, WholeText(head.AspirateOrigin), Unit::StepsS);
   });
 }
 
@@ -280,7 +289,8 @@ void AppendNestHeights(ScriptBuilder& script) {
   ForEach(nestTable, script.Config, [&script](const NestTypeRecord& nest) {
     for (const auto& row : nestRows) {
       for (std::size_t place = 0; nest.Code == row.Code && place < row.Places.size(); ++place) {
-        script.Append("Nest_" + std::string{row.Places[place]} + "_Z", WholeText(nest.Nests[place].Z));
+        script.Append("Nest_" + std::string{row.Places[place]} + "_Z", WholeText(nest.Nests[place].Z),
+                      Unit::StepsZ);
       }
     }
   });
@@ -293,13 +303,14 @@ void AppendNestPositions(ScriptBuilder& script, const NestRow& row) {
   for (std::size_t place = 0; matches(nest) && place < row.Places.size(); ++place) {
     const auto& position = nest.Nests[place];
     const auto name = "NEST_" + std::string{row.Places[place]};
-    script.Append(name + "_SD_X", HundredthsText(script.Scales.SDX, position.X));
-    script.Append(name + "_SD_Y", HundredthsText(script.Scales.SDY, position.Y));
+    script.Append(name + "_SD_X", HundredthsText(script.Scales.SDX, position.X), Unit::HundredthMillimetres);
+    script.Append(name + "_SD_Y", HundredthsText(script.Scales.SDY, position.Y), Unit::HundredthMillimetres);
   }
 }
 
 void AppendSerialDiluteXY(ScriptBuilder& script) {
-  AppendPositions(script, serialDilutePositions, &PositionRecord::X, &PositionRecord::Y);
+  AppendPositions(script, serialDilutePositions, {&PositionRecord::X, Unit::StepsSDX},
+                  {&PositionRecord::Y, Unit::StepsSDY});
   for (const auto& row : nestRows) {
     AppendNestPositions(script, row);
   }
@@ -322,35 +333,40 @@ constexpr auto correctedHeads = std::to_array<std::pair<std::string_view, std::s
     {"12_CH", "300"},
 });
 
-void AppendVolumePrecision(ScriptBuilder& script) {
-  for (const auto& [headName, tipVolume] : correctedHeads) {
-    script.AppendLines(BuildVolumeCorrection(script.Config, VolumeCorrectionSection(headName, tipVolume)));
-  }
-  ForEach(tipTable, script.Config, [&script](const TipTypeRecord& tip) {
-    if (!tip.CorrectionSection.empty()) {
-      script.AppendLines(BuildVolumeCorrection(script.Config, tip.CorrectionSection));
-    }
-  });
-}
-
 std::string VolumeItemKey(int number) {
   return WholeText(number) + "Item";
 }
 
-// The line of one correction: its third piece is the instrument's key, its second the factor, sent in hundred
-// thousandths. An item that is too short has no line.
-std::string VolumeCorrectionLine(std::span<const std::string> pieces) {
-  constexpr std::size_t factorPiece = 1;
-  constexpr std::size_t keyPiece = 2;
-  if (pieces.size() <= keyPiece) {
-    return {};
+// A correction's third piece is the instrument's key, its second the factor, sent in hundred thousandths. An
+// item that is too short has no line.
+void AppendCorrection(ScriptBuilder& script, std::span<const std::string> pieces) {
+  if (pieces.size() <= correctionKeyPiece) {
+    return;
   }
-  const auto key = WithoutQuotes(pieces[keyPiece]);
-  const auto value = RoundedText(Product(LeadingNumber(pieces[factorPiece]), 100000.0));
-  if (key.empty() || !value) {
-    return {};
+  if (const auto key = WithoutQuotes(pieces[correctionKeyPiece]); !key.empty()) {
+    const auto value = Product(LeadingNumber(pieces[correctionFactorPiece]), 100000.0);
+    script.Append(key, RoundedText(value), Unit::None);
   }
-  return SettingLine(key + " " + *value);
+}
+
+void AppendCorrections(ScriptBuilder& script, std::string_view section) {
+  const auto& settings = script.Config.Settings;
+  const auto appendItem = [&](const std::string& item, int /*number*/) {
+    AppendCorrection(script, settings.SplitText(",", item));
+    return true;
+  };
+  ForEachNumberedValue(settings, section, settings.ConfigFilePath(), VolumeItemKey, appendItem);
+}
+
+void AppendVolumePrecision(ScriptBuilder& script) {
+  for (const auto& [headName, tipVolume] : correctedHeads) {
+    AppendCorrections(script, VolumeCorrectionSection(headName, tipVolume));
+  }
+  ForEach(tipTable, script.Config, [&script](const TipTypeRecord& tip) {
+    if (!tip.CorrectionSection.empty()) {
+      AppendCorrections(script, tip.CorrectionSection);
+    }
+  });
 }
 
 // ---- All groups ----
@@ -374,30 +390,32 @@ constexpr auto scriptGroups = std::to_array<ScriptGroup>({
 
 }  // namespace
 
-std::string BuildUploadScript(Configuration& configuration, const GroupAnnouncement& announce) {
+std::vector<UploadLine> BuildUploadLines(Configuration& configuration, const GroupAnnouncement& announce) {
   ScriptBuilder script{configuration};
   for (const auto& group : scriptGroups) {
-    if (!group.Name.empty() && announce) {
-      announce(group.Name);
+    if (!group.Name.empty()) {
+      script.Group = group.Name;
+      if (announce) {
+        announce(group.Name);
+      }
     }
     group.Append(script);
   }
-  return std::move(script).Finished();
+  return std::move(script.Lines);
+}
+
+std::string BuildUploadScript(Configuration& configuration, const GroupAnnouncement& announce) {
+  return ScriptOf(BuildUploadLines(configuration, announce)) + SettingLine("SAVE");
 }
 
 std::string VolumeCorrectionSection(std::string_view headName, std::string_view tipVolume) {
   return std::string{"VolumeCorrection_"}.append(headName).append("_").append(tipVolume);
 }
 
-std::string BuildVolumeCorrection(const Configuration& configuration, std::string_view section) {
-  const auto& settings = configuration.Settings;
-  std::string lines;
-  const auto appendItem = [&](const std::string& item, int /*number*/) {
-    lines += VolumeCorrectionLine(settings.SplitText(",", item));
-    return true;
-  };
-  ForEachNumberedValue(settings, section, settings.ConfigFilePath(), VolumeItemKey, appendItem);
-  return lines;
+std::string BuildVolumeCorrection(Configuration& configuration, std::string_view section) {
+  ScriptBuilder script{configuration};
+  AppendCorrections(script, section);
+  return ScriptOf(script.Lines);
 }
 
 }  // namespace zolvane

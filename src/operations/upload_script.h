@@ -2,27 +2,44 @@
 // value". Building it is apart from sending it and needs no instrument.
 #pragma once
 
+#include <cstddef>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "config/configuration.h"
+#include "config/record_table.h"
 
 namespace zolvane {
 
 // Receives the name of each group of lines before the group is built ("Stage XY", "Heights", ...).
 using GroupAnnouncement = std::function<void(std::string_view group)>;
 
-// The whole script, each line ended by CR LF, the last one "SET_CALIBRATION SAVE". Works on the
-// records in force and loads the installed device again. A value that cannot be computed, as with a
-// zero axis scale, has no line.
+struct UploadLine {
+  std::string_view Group;            // the name that was announced last
+  std::string Key;                   // of the instrument
+  std::optional<std::string> Value;  // empty: it cannot be computed, as with a zero axis scale
+  Unit SentIn = Unit::None;
+};
+
+// The lines of the script but the last. Works on the records in force and loads the installed device again.
+std::vector<UploadLine> BuildUploadLines(Configuration& configuration, const GroupAnnouncement& announce);
+
+// The whole script, each line ended by CR LF, the last one "SET_CALIBRATION SAVE". A line without value is
+// left out.
 std::string BuildUploadScript(Configuration& configuration, const GroupAnnouncement& announce);
 
 // The section that corrects the volumes of a head with tips of this volume.
 std::string VolumeCorrectionSection(std::string_view headName, std::string_view tipVolume);
 
-// The lines of one volume-correction section. Its items are numbered from 1 and end at the first
-// gap; empty if there are none.
-std::string BuildVolumeCorrection(const Configuration& configuration, std::string_view section);
+// Of an item of a volume-correction section, which holds volume, factor and the instrument's key.
+inline constexpr std::size_t correctionFactorPiece = 1;
+inline constexpr std::size_t correctionKeyPiece = 2;
+
+// The lines of one volume-correction section. Its items are numbered from 1 and end at the first gap;
+// empty if there are none.
+std::string BuildVolumeCorrection(Configuration& configuration, std::string_view section);
 
 }  // namespace zolvane

@@ -27,8 +27,10 @@
 namespace zolvane {
 namespace {
 
-constexpr std::array<std::string_view, 8> unitNames{
-    "", "mm", "mm per step", "file units", "steps per file unit", "steps", "counts", "µl"};
+constexpr std::array<std::string_view, 15> unitNames{
+    "",           "µl",         "mm",         "0.01 mm", "mm per step", "steps per file unit",
+    "file units", "file units", "file units", "Z steps", "S steps",     "SDX steps",
+    "SDY steps",  "X counts",   "Y counts"};
 
 std::string_view NameOf(Unit unit) {
   return unitNames.at(static_cast<std::size_t>(unit));

@@ -25,9 +25,9 @@ constexpr std::array deviceRows{
         .Means("the 1/8/12 module has XY encoders"),
     // The key is asked for twice in a row; hosts log the reads, and the second one is part of the sequence.
     UnderKey<&Device::SDXYEncoderStatus,          StrictFlag >("SDXYEncoderStatus").OnlyRead(),
-    UnderKey<&Device::SDXYEncoderMMStepFactorOn,  LeadingReal>("SDXYEncoderMMStepFactorOn")
+    UnderKey<&Device::SDXYEncoderMMStepFactorOn,  LeadingReal>(stepFactorOnKey)
         .Means("factor with encoders", Unit::StepsPerFileUnit),
-    UnderKey<&Device::SDXYEncoderMMStepFactorOff, LeadingReal>("SDXYEncoderMMStepFactorOff")
+    UnderKey<&Device::SDXYEncoderMMStepFactorOff, LeadingReal>(stepFactorOffKey)
         .Means("factor without encoders", Unit::StepsPerFileUnit),
     UnderKey<&Device::CollisionDetectEnableZ,     LeadingFlag>("CollisionDetectEnableZ"),
     UnderKey<&Device::ZCollisionStatus,           StrictFlag >("ZCollisionStatus"),

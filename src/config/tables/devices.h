@@ -16,6 +16,10 @@ extern const RecordTable<DeviceTypeRecord> deviceTable;
 // The piece of the line by which detection looks up what the instrument reports.
 inline constexpr std::size_t deviceCodePiece = 2;
 
+// The steps per file unit with encoders, and without them.
+inline constexpr std::string_view stepFactorOnKey = "SDXYEncoderMMStepFactorOn";
+inline constexpr std::string_view stepFactorOffKey = "SDXYEncoderMMStepFactorOff";
+
 // A switch of the section that no record holds: whether the reader of the heads' tags is used.
 inline constexpr std::string_view sensorEnableRFIDKey = "SensorEnableRFID";
 

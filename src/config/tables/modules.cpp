@@ -16,9 +16,9 @@ constexpr std::array cageRows{
     UnderKey<&Cage::CageReleaseHeight,    LeadingLong>("CageReleaseHeight"),
     InLine  <&Cage::Field3,               StrictFlag >(3),
     InLine  <&Cage::Field4,               StrictFlag >(4),
-    InLine  <&Cage::HeadChangeS,          LeadingLong>(5).Means("head change S", Unit::Steps),
+    InLine  <&Cage::HeadChangeS,          LeadingLong>(5).Means("head change S", Unit::StepsS),
     InLine  <&Cage::Field6,               LeadingLong>(6),
-    InLine  <&Cage::TipChangeS,           LeadingLong>(7).Means("tip change S", Unit::Steps),
+    InLine  <&Cage::TipChangeS,           LeadingLong>(7).Means("tip change S", Unit::StepsS),
     InLine  <&Cage::Field8,               LeadingLong>(8),
 };
 // clang-format on

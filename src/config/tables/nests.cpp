@@ -27,8 +27,8 @@ constexpr std::array placeRows{
     InGroup<Place, &NestPosition::Label,   QuotedText      >(0).Means("label of the place"),
     InGroup<Place, &NestPosition::Code,    BareText        >(1).Means("layout of the head in it"),
     InGroup<Place, &NestPosition::Setting, LeadingShort    >(2),
-    InGroup<Place, &NestPosition::X,       SDStepsByPicture>(3).Means("X", Unit::FileUnits),
-    InGroup<Place, &NestPosition::Y,       SDStepsByPicture>(4).Means("Y", Unit::FileUnits),
+    InGroup<Place, &NestPosition::X,       SDStepsByPicture>(3).Means("X", Unit::FileUnitsX),
+    InGroup<Place, &NestPosition::Y,       SDStepsByPicture>(4).Means("Y", Unit::FileUnitsY),
     InGroup<Place, &NestPosition::Z,       NestZSteps      >(5).Means("Z", Unit::Millimetres),
 };
 

@@ -18,7 +18,7 @@ constexpr std::array tipRows{
     InLine  <&Tip::Field6,              StrictFlag  >( 6),
     InLine  <&Tip::RackEjectZ,          LeadingLong >( 7).Means("rack eject Z", Unit::Millimetres),
     InLine  <&Tip::RackPickUpZ,         LeadingLong >( 8).Means("rack pick-up Z", Unit::Millimetres),
-    InLine  <&Tip::ChuteEjectZ,         LeadingLong >( 9).Means("chute eject Z", Unit::Steps),
+    InLine  <&Tip::ChuteEjectZ,         LeadingLong >( 9).Means("chute eject Z", Unit::StepsZ),
     InLine  <&Tip::Field10,             LeadingReal >(10),
     InLine  <&Tip::Field11,             LeadingLong >(11),
     InLine  <&Tip::Field12,             StrictFlag  >(12),
