@@ -8,7 +8,7 @@ namespace zolvane {
 namespace {
 
 std::string DefaultName(const SettingsFiles& settings, std::string_view section, std::string_view file) {
-  auto choice = settings.ReadValue(section, "Default", file).value_or("");
+  auto choice = settings.ReadValue(section, defaultKey, file).value_or("");
   if (choice.empty()) {
     AssignIf(choice, settings.ReadValue(section, installedKey, file));
   }

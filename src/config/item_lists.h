@@ -13,6 +13,8 @@
 
 namespace zolvane {
 
+inline constexpr std::string_view defaultKey = "Default";  // names the entry that is selected first
+
 struct ListEntry {
   std::string Text;
   std::int32_t Data = 0;  // the item's number in its section

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "bench/host/dry_run.h"
 #include "bench/host/question_dialog.h"
 #include "bench/host/watch.h"
 #include "files/file_settings_service.h"
@@ -19,7 +20,8 @@ struct HostState {
         Answers{setup.Answers, terminal, [this](const std::string& text) { Misuse(text); }},
         Seen{{.Complain = [this](std::string_view text) { Complain(text); },
               .CommandEnded = [this] { Out.CountCommand(); },
-              .WantsToStop = setup.WantsToStop}} {}
+              .WantsToStop = setup.WantsToStop},
+             setup.OpenFile} {}
 
   HostState(const HostState&) = delete;
   HostState& operator=(const HostState&) = delete;
@@ -101,7 +103,9 @@ class BenchEnvironment final : public Environment {
 
   std::string ProgramFolder() override { return state_.Host.Folder; }
 
-  std::shared_ptr<IniFileService> CreateIniFileService() override { return state_.Seen.Settings(); }
+  std::shared_ptr<IniFileService> CreateIniFileService() override {
+    return state_.Host.Wrapped(state_.Seen.Settings());
+  }
 
   Status AppendBlankLine(const std::string& file) override { return state_.Seen.AppendBlankLine(file); }
 
@@ -119,7 +123,7 @@ class BenchEnvironment final : public Environment {
       return std::nullopt;
     }
     const auto use = kind == FileDialogueKind::Open ? FileUse::ReadOnly : FileUse::ReadAndWrite;
-    if (const auto reason = CheckUsable(*state_.DialogueFile, use)) {
+    if (const auto reason = state_.Host.ReasonUnusable(*state_.DialogueFile, use)) {
       state_.Misuse(Joined(Quoted(*state_.DialogueFile), " ", *reason));
       return std::nullopt;
     }
@@ -214,6 +218,10 @@ void BenchHost::Begin(std::optional<std::string> file, std::string place) {
 
 ActionTally& BenchHost::Tally() {
   return state_->Seen.Tally();
+}
+
+std::size_t BenchHost::CountCommands(int button) const {
+  return zolvane::CountCommands(state_->Host.Folder, button, state_->Host.OpenFile);
 }
 
 void BenchHost::FlushSettings() {

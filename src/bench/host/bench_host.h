@@ -9,6 +9,7 @@
 
 #include "bench/host/action_tally.h"
 #include "bench/job/box_answers.h"
+#include "files/file_settings_service.h"
 #include "host/environment.h"
 #include "host/host_object.h"
 #include "host/host_window.h"
@@ -26,6 +27,16 @@ class BenchHost {
     bool OffersDialog = false;
     BoxAnswers::Setup Answers{};
     std::function<bool()> WantsToStop = [] { return false; };  // asked while another program is waited for
+
+    // The settings files, and why one that was chosen in a file dialogue cannot be used: those of the system,
+    // unless copies take their place.
+    FileSettingsService::FileOpener OpenFile = FileSettingsService::OpenFile;
+    std::function<std::optional<std::string>(const std::string& path, FileUse use)> ReasonUnusable =
+        CheckUsable;
+
+    // What the add-in is given for the settings service; it may look on, or do something else.
+    std::function<std::shared_ptr<IniFileService>(std::shared_ptr<IniFileService> settings)> Wrapped =
+        [](auto settings) { return settings; };
   };
 
   // The link is not null. The terminal, which may be null, and the console outlive the host.
@@ -49,6 +60,9 @@ class BenchHost {
 
   // What has happened since then. The bench may add to it.
   ActionTally& Tally();
+
+  // How many commands the button will send if all goes well; 0 for a button that sends none.
+  std::size_t CountCommands(int button) const;
 
   // Makes what was written to the settings files safe against a power cut. A failure is reported and counted.
   void FlushSettings();

@@ -2,63 +2,35 @@
 
 #include <algorithm>
 #include <array>
-#include <functional>
 #include <memory>
 #include <utility>
 
 #include "config/configuration.h"
+#include "config/text.h"
 #include "files/exchanged_file.h"
-#include "files/file_settings_service.h"
 #include "files/sectioned_text.h"
-#include "host/forwarding.h"
-#include "host/instrument_link.h"
 #include "operations/download.h"
 #include "operations/file_copy.h"
 #include "operations/hardware_detection.h"
-#include "operations/operation_context.h"
 #include "operations/upload.h"
 #include "page/page_controls.h"
 
 namespace zolvane {
 namespace {
 
-using ReadObserver = std::function<void(std::string_view section, std::string_view file)>;
-
-class ReadOnlySettings final : public ForwardingSettings {
+class DryProcess final : public HostProcess {
  public:
-  explicit ReadOnlySettings(ReadObserver observe)
-      : ForwardingSettings{std::make_shared<FileSettingsService>()}, observe_{std::move(observe)} {}
-
-  std::optional<std::string> ReadValue(std::string_view section, std::string_view key, std::string_view file,
-                                       std::string_view fallback) override {
-    observe_(section, file);
-    return ForwardingSettings::ReadValue(section, key, file, fallback);
-  }
-
-  Status WriteValue(std::string_view, std::string_view, std::string_view, std::string_view) override {
-    return Status::Success();
-  }
-
- private:
-  ReadObserver observe_;
-};
-
-class ReadingProcess final : public HostProcess {
- public:
-  explicit ReadingProcess(
-      std::string folder, ReadObserver observe = [](auto, auto) {})
-      : folder_{std::move(folder)}, observe_{std::move(observe)} {}
+  DryProcess(std::string folder, std::shared_ptr<IniFileService> settings)
+      : folder_{std::move(folder)}, settings_{std::move(settings)} {}
 
   std::string ProgramFolder() override { return folder_; }
-  std::shared_ptr<IniFileService> CreateIniFileService() override {
-    return std::make_shared<ReadOnlySettings>(observe_);
-  }
+  std::shared_ptr<IniFileService> CreateIniFileService() override { return settings_; }
   Status AppendBlankLine(const std::string&) override { return Status::Success(); }
   void RunMessageLoopOnce() override {}
 
  private:
   std::string folder_;
-  ReadObserver observe_;
+  std::shared_ptr<IniFileService> settings_;
 };
 
 class ConsentingUser final : public SystemDialogues {
@@ -120,40 +92,70 @@ constexpr std::array<OperationRow, 3> operationRows{{
     {downloadButton, DownloadCalibration},
 }};
 
+// Names are the same without regard to case.
+std::string PlaceOf(std::string_view section, std::string_view key, std::string_view file) {
+  return UpperCase(section).append(1, '\n').append(UpperCase(key)).append(1, '\n').append(file);
+}
+
 }  // namespace
 
-std::size_t CountCommands(const std::string& programFolder, int button) {
+std::optional<std::string> DrySettings::ReadValue(std::string_view section, std::string_view key,
+                                                  std::string_view file, std::string_view fallback) {
+  observe_(section, key, file, fallback);
+  if (!writes_.empty()) {
+    if (const auto kept = writes_.find(PlaceOf(section, key, file)); kept != writes_.end()) {
+      return kept->second.Text;
+    }
+  }
+  return ForwardingSettings::ReadValue(section, key, file, fallback);
+}
+
+Status DrySettings::WriteValue(std::string_view section, std::string_view key, std::string_view file,
+                               std::string_view value) {
+  writes_[PlaceOf(section, key, file)] = {std::string{section}, std::string{key}, std::string{file},
+                                          std::string{value}};
+  return Status::Success();
+}
+
+void RunDry(const std::string& programFolder, std::shared_ptr<IniFileService> settings,
+            std::shared_ptr<InstrumentLink> link, const Operation& operation) {
+  // NOLINTBEGIN(misc-const-correctness): the context refers to them, and the operation changes them
+  DryProcess process{programFolder, std::move(settings)};
+  ConsentingUser user;
+  Configuration configuration{process};
+  HostAttachment host{.ObjectParent = std::make_shared<LinkOnlyObject>(std::move(link)),
+                      .FormParent = nullptr,
+                      .Panel = nullptr};
+  AbsentPage page;
+  // NOLINTEND(misc-const-correctness)
+  operation({process, user, host, configuration, page});
+}
+
+std::size_t CountCommands(const std::string& programFolder, int button,
+                          FileSettingsService::FileOpener openFile) {
   const auto* const row = std::ranges::find(operationRows, button, &OperationRow::Button);
   if (row == operationRows.end()) {
     return 0;
   }
+  const auto files = std::make_shared<FileSettingsService>(std::move(openFile));
   const auto link = std::make_shared<CountingLink>();
-  // NOLINTBEGIN(misc-const-correctness): the context refers to them, and the operation changes them
-  ReadingProcess process{programFolder};
-  ConsentingUser user;
-  Configuration configuration{process};
-  HostAttachment host{
-      .ObjectParent = std::make_shared<LinkOnlyObject>(link), .FormParent = nullptr, .Panel = nullptr};
-  AbsentPage page;
-  // NOLINTEND(misc-const-correctness)
-  const OperationContext context{process, user, host, configuration, page};
-  row->Run(context);
+  RunDry(programFolder, std::make_shared<DrySettings>(files), link, row->Run);
   return link->Count;
 }
 
 // Copying the tables asks for the sections that count.
-bool HoldsBackup(const std::string& programFolder, const std::string& file) {
-  const SectionedText text{OpenExchangedFile(file)->Read().Bytes};
+bool HoldsBackup(const std::string& programFolder, const std::string& file,
+                 const FileSettingsService::FileOpener& openFile) {
+  const SectionedText text{openFile(file)->Read().Bytes};
   bool holdsAny = false;
-  ReadingProcess process{programFolder, [&](std::string_view section, std::string_view asked) {
-                           holdsAny = holdsAny || (asked == file && text.HasSection(section));
-                         }};
-  ConsentingUser user;
-  Configuration configuration{process};
-  HostAttachment host{};
-  AbsentPage page;
-  CopyAllTables({process, user, host, configuration, page}, file, configuration.Settings.ConfigFilePath(),
-                false, "");
+  const auto observe = [&](std::string_view section, auto, std::string_view asked, auto) {
+    holdsAny = holdsAny || (asked == file && text.HasSection(section));
+  };
+  const auto files = std::make_shared<FileSettingsService>(openFile);
+  RunDry(programFolder, std::make_shared<DrySettings>(files, observe), nullptr,
+         [&](const OperationContext& context) {
+           CopyAllTables(context, file, context.Config.Settings.ConfigFilePath(), false, "");
+         });
   return holdsAny;
 }
 

@@ -4,7 +4,6 @@
 #include <stdexcept>
 #include <utility>
 
-#include "bench/host/dry_run.h"
 #include "bench/host/outcome.h"
 #include "bench/host/result_text.h"
 #include "config/tables/current_records.h"
@@ -112,7 +111,7 @@ ActionResult Session::Do(const Action& action) {
 }
 
 void Session::Press(int button) {
-  const auto expected = CountCommands(host_.Environment().ProgramFolder(), button);
+  const auto expected = host_.CountCommands(button);
   console_.ExpectCommands(expected);
   form_->PressButton(button);
   console_.ExpectCommands(0);

@@ -28,7 +28,7 @@ class Watch {
     std::function<bool()> WantsToStop = [] { return false; };
   };
 
-  explicit Watch(Events events);
+  explicit Watch(Events events, FileSettingsService::FileOpener openFile = FileSettingsService::OpenFile);
   ~Watch();
 
   Watch(const Watch&) = delete;
