@@ -101,6 +101,43 @@ bool SectionedText::HasSection(std::string_view section) const {
   return PlaceOf(section, "").Section.has_value();
 }
 
+void SectionedText::VisitLines(const std::function<void(const SeenLine& line)>& visit) const {
+  std::size_t section = 0;
+  std::size_t number = 0;
+  for (std::size_t begin = markSize_; begin < bytes_.size();) {
+    const Line line = LineAt(begin);
+    section += HeaderIn(ContentOf(line)) ? 1 : 0;
+    SeenLine seen = Seen(line, section);
+    seen.Number = ++number;
+    visit(seen);
+    begin = line.Next;
+  }
+}
+
+// `section` is the place of the section that it stands in.
+SectionedText::SeenLine SectionedText::Seen(const Line& line, std::size_t section) const {
+  const std::string_view content = Trimmed(ContentOf(line));
+  SeenLine seen{.Is = content.empty()            ? LineKind::Blank
+                      : content.starts_with(';') ? LineKind::Comment
+                                                 : LineKind::NotUnderstood};
+  if (section > 0) {
+    const auto name = *HeaderIn(ContentAt(sections_[section].Start));
+    seen.Section = Decoded(name);
+    seen.Counts = FindSection(NameOf(name)) == section;
+  }
+  if (HeaderIn(content)) {
+    seen.Is = LineKind::Header;
+  } else if (const auto key = KeyIn(content)) {
+    const Section& inSection = sections_[section];
+    const auto found = FindKey(inSection, NameOf(*key));
+    seen.Is = LineKind::Key;
+    seen.Key = Decoded(*key);
+    seen.Value = Decoded(Trimmed(content.substr(content.find('=') + 1)));
+    seen.Counts = seen.Counts && found && inSection.Start + inSection.KeyLines[*found] == line.Begin;
+  }
+  return seen;
+}
+
 std::optional<SectionedText::Edit> SectionedText::PlanValue(std::string_view section, std::string_view key,
                                                             std::string_view value) const {
   const bool fits = IsWritableSection(Trimmed(section)) && IsWritableKey(Trimmed(key)) &&

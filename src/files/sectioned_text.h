@@ -9,6 +9,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -34,6 +35,18 @@ class SectionedText {
     std::size_t LostCharacters = 0;  // stand as "?" in the text
   };
 
+  enum class LineKind : std::uint8_t { Blank, Comment, Header, Key, NotUnderstood };
+
+  // A line that was looked at, in UTF-8.
+  struct SeenLine {
+    LineKind Is = LineKind::Blank;
+    std::size_t Number = 0;  // from 1
+    std::string Section{};   // that it stands in; empty before the first header
+    std::string Key{};       // of a key
+    std::string Value{};     // of a key
+    bool Counts = false;     // its section is the first of that name, and a key the first in it
+  };
+
   explicit SectionedText(std::string bytes = {});
 
   const std::string& Bytes() const { return bytes_; }
@@ -44,10 +57,13 @@ class SectionedText {
 
   bool HasSection(std::string_view section) const;
 
-  // Gives the key its value. Nothing when the file could not hold it: a section with "]" or a line break
-  // in its name, a key that is empty, has "=" or a line break in it or starts like a comment or a
-  // header, a value with a line break in it, a file in UTF-16. Characters that the file's encoding does
-  // not have are written as "?".
+  // All lines, in their order.
+  void VisitLines(const std::function<void(const SeenLine& line)>& visit) const;
+
+  // Gives the key its value. Nothing when the file could not hold it: a section with "]" or a line break in
+  // its name, a key that is empty, has "=" or a line break in it or starts like a comment or a header, a
+  // value with a line break in it, a file in UTF-16. Characters that the file's encoding does not have are
+  // written as "?".
   std::optional<Edit> PlanValue(std::string_view section, std::string_view key, std::string_view value) const;
 
   // Appends CR LF to the text. Nothing when the file is in UTF-16.
@@ -88,6 +104,7 @@ class SectionedText {
   }
   bool EndsInsideLine() const;
   Line LineAt(std::size_t begin) const;
+  SeenLine Seen(const Line& line, std::size_t section) const;
   std::string_view ContentOf(const Line& line) const;
   std::string_view ContentAt(std::size_t begin) const { return ContentOf(LineAt(begin)); }
 
