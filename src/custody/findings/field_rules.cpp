@@ -1,0 +1,147 @@
+// Texts that do not convert, lines that are too short or too long.
+#include <algorithm>
+#include <optional>
+
+#include "config/conversions.h"
+#include "config/step_factors.h"
+#include "config/tables/current_records.h"
+#include "config/text.h"
+#include "custody/findings/rules.h"
+#include "custody/values/file_fields.h"
+#include "operations/upload_script.h"
+#include "text/joined.h"
+#include "text/printable.h"
+
+namespace zolvane {
+namespace {
+
+using SeenLine = SectionedText::SeenLine;
+
+// The longest start of the text that is a number, as far as people write any.
+std::string_view NumberAtStart(std::string_view text) {
+  constexpr std::string_view ofNumbers = "+-.0123456789eE";
+  constexpr std::size_t longestNumber = 40;
+  auto size = std::min({text.find_first_not_of(ofNumbers), text.size(), longestNumber});
+  while (size > 0 && !StrictNumber(text.substr(0, size))) {
+    --size;
+  }
+  return text.substr(0, size);
+}
+
+bool HasDecimalComma(std::string_view text, std::string_view number) {
+  const auto rest = text.substr(number.size());
+  return !number.empty() && rest.size() > 1 && rest[0] == ',' && StrictNumber(rest.substr(1));
+}
+
+class FieldRules {
+ public:
+  FieldRules(CheckedFile& file, const StepFactors& factors) : file_{file}, factors_{factors} {}
+
+  void Check(const SeenLine& line) {
+    if (line.Is == SectionedText::LineKind::Header) {
+      section_ = &FileSectionOf(line.Section);
+    } else if (line.Is == SectionedText::LineKind::Key && line.Counts) {
+      line_ = &line;
+      CheckKey();
+    }
+  }
+
+ private:
+  void CheckKey() {
+    if (section_->NumberIn(line_->Key)) {
+      CheckRecord(PiecesOf(line_->Value));
+    } else if (const auto* const field = section_->FieldUnder(line_->Key)) {
+      CheckText(*field, line_->Value);
+    }
+  }
+
+  void CheckRecord(const std::vector<std::string>& pieces) {
+    for (const auto& field : section_->Fields) {
+      if (field.Key.empty() && field.Piece < pieces.size()) {
+        CheckText(field, pieces[field.Piece]);
+      }
+    }
+    if (pieces.size() > section_->Pieces) {
+      Add("extra-field", Joined(std::to_string(pieces.size()), " fields where the add-in knows ",
+                                std::to_string(section_->Pieces), ": those behind are passed over"));
+    }
+    const auto lacksField = [&](const FileField& field) {
+      return field.Key.empty() && field.Piece >= pieces.size() && field.Kind != FieldKind::Text;
+    };
+    if (!pieces.empty() && std::ranges::any_of(section_->Fields, lacksField)) {
+      Add("short-line", Joined(std::to_string(pieces.size()), " of ", std::to_string(section_->Pieces),
+                               " fields: the add-in takes the others for 0"));
+    }
+    if (section_->IsCorrection() &&
+        (pieces.size() <= correctionKeyPiece || WithoutQuotes(pieces[correctionKeyPiece]).empty())) {
+      Add("no-key", "there is no key of the instrument in it: the upload sends nothing of it");
+    }
+  }
+
+  void CheckText(const FileField& field, std::string_view text) {
+    switch (field.Kind) {
+      case FieldKind::Text:
+        return;
+      case FieldKind::Flag:
+        if (!StrictBoolean(text)) {
+          AddText("not-a-flag", field, text, "is neither 1 nor 0: the add-in takes it for off");
+        }
+        return;
+      case FieldKind::Whole:
+      case FieldKind::Real:
+        return CheckNumber(field, text);
+    }
+  }
+
+  void CheckNumber(const FileField& field, std::string_view text) {
+    if (const auto number = StrictNumber(text)) {
+      if (!field.Converts(text, factors_)) {
+        AddText("out-of-range", field, text,
+                Joined("is out of range (", field.Values, "): the add-in takes 0"));
+      } else if (field.Kind == FieldKind::Whole &&
+                 *number != static_cast<double>(PictureWhole(*number).value_or(0))) {
+        AddText("rounded", field, text, "is no whole number: the add-in rounds it");
+      }
+      return;
+    }
+    const auto trimmed = Trimmed(text);
+    const auto number = NumberAtStart(trimmed);
+    const auto taken = field.TakesStart && !number.empty() ? number : std::string_view{"0"};
+    const auto* const code = HasDecimalComma(trimmed, number)      ? "decimal-comma"
+                             : field.TakesStart && !number.empty() ? "part-of-number"
+                                                                   : "not-a-number";
+    AddText(code, field, text, Joined("is no number: the add-in takes ", taken));
+  }
+
+  void AddText(std::string_view code, const FileField& field, std::string_view text, std::string_view what) {
+    Add(code, Joined(Shown(text), " ", what), &field);
+  }
+
+  void Add(std::string_view code, std::string_view text, const FileField* field = nullptr) {
+    const bool isPiece = field != nullptr && field->Key.empty();
+    const auto name = isPiece ? NameOfPlace(line_->Section, line_->Key, field->Piece, field->Title)
+                              : NameOfPlace(line_->Section, line_->Key);
+    file_.Add(code, line_->Number, Joined(Printable(name), ": ", text));
+  }
+
+  CheckedFile& file_;
+  StepFactors factors_;
+  const FileSection* section_ = nullptr;
+  const SeenLine* line_ = nullptr;
+};
+
+}  // namespace
+
+void CheckFields(CheckedFile& file) {
+  StepFactors factors;
+  file.Run([&factors](const OperationContext& context, const std::string&) {
+    RefreshCurrentRecords(context.Config);
+    factors = CurrentStepFactors(context.Config.Current);
+  });
+  FieldRules rules{file, factors};
+  for (const auto& line : file.Lines) {
+    rules.Check(line);
+  }
+}
+
+}  // namespace zolvane

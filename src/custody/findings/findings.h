@@ -1,0 +1,44 @@
+// `check`: what is wrong in a configuration, or will be passed over by the add-in.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace zolvane {
+
+enum class Grade : std::uint8_t {
+  Error,    // the instrument or the file will not hold what the file seems to say
+  Warning,  // something is passed over
+  Note      // worth knowing
+};
+
+std::string_view NameOf(Grade grade);  // "error", "warning", "note"
+
+struct Finding {
+  std::string Code;  // stable
+  zolvane::Grade Grade = Grade::Note;
+  std::string File;
+  std::size_t Line = 0;  // from 1; 0: of the whole file
+  std::string Text;      // what is wrong, and what the add-in makes of it
+  std::string Advice;    // what to do
+};
+
+// In the order of the lines. `file` is its name, for the findings.
+std::vector<Finding> CheckConfiguration(const std::string& configuration, const std::string& file);
+
+// Of a backup that would be imported over the configuration.
+std::vector<Finding> CheckBackup(const std::string& backup, const std::string& file,
+                                 const std::string& configuration);
+
+bool HasError(const std::vector<Finding>& findings);
+
+// Every code, in the order of the rules.
+std::vector<std::string_view> FindingCodes();
+
+// What the code means and what to do, as text for people. Empty if there is no such code.
+std::string ExplainFinding(std::string_view code);
+
+}  // namespace zolvane

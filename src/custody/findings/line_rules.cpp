@@ -1,0 +1,215 @@
+// Lines that stand twice, that nothing reads, or that are missing.
+#include <optional>
+#include <set>
+
+#include "config/item_lists.h"
+#include "config/record_table.h"
+#include "config/tables/axes.h"
+#include "config/tables/devices.h"
+#include "config/tables/modules.h"
+#include "config/tables/stage.h"
+#include "config/text.h"
+#include "custody/findings/rules.h"
+#include "custody/values/file_fields.h"
+#include "text/joined.h"
+#include "text/printable.h"
+
+namespace zolvane {
+namespace {
+
+using SeenLine = SectionedText::SeenLine;
+using LineKind = SectionedText::LineKind;
+
+std::string LineNumber(std::size_t line) {
+  return "line " + std::to_string(line);
+}
+
+std::string InSection(std::string_view section) {
+  return Printable(Joined("[", section, "]"));
+}
+
+// ---- Sections that wait for another device or module
+
+std::set<std::string> SectionsOfOtherDevices(CheckedFile& file) {
+  std::set<std::string> names;
+  const auto add = [&names](const std::string& section) { names.insert(IndexedAs(section, "")); };
+  file.Run([&](const OperationContext& context, const std::string& path) {
+    ForEach(
+        deviceTable, context.Config,
+        [&](const DeviceTypeRecord& device) {
+          CurrentRecords current;
+          current.Device = device;
+          add(CalibrationSection(current));
+          add(PositionSection(current));
+          ForEach(
+              cageTable, context.Config,
+              [&](const CageTypeRecord& cage) {
+                current.Cage = cage;
+                add(AxisSection(current));
+              },
+              path);
+        },
+        path);
+  });
+  return names;
+}
+
+// ---- What is missing
+
+void AddMissingKey(CheckedFile& file, const AskedPlace& place, const FileField* field) {
+  const auto name = Printable(NameOfPlace(place.Section, place.Key));
+  if (!place.Fallback.empty()) {
+    file.Add("default-value", file.LineOf(place.Section),
+             Joined(name, " is missing: the add-in takes ", place.Fallback));
+  } else if (field != nullptr && field->Of != Unit::None) {
+    file.Add("missing-value", file.LineOf(place.Section), Joined(name, " is missing: the add-in takes 0"));
+  } else {
+    file.Add("missing-key", file.LineOf(place.Section),
+             Joined(name, " is missing: the add-in takes it for empty"));
+  }
+}
+
+void AddMissingSection(CheckedFile& file, std::string_view name, const FileSection& section) {
+  if (section.IsCorrection()) {
+    file.Add("missing-correction", 0,
+             Joined(InSection(name), " is missing: the upload sends no volume correction of it"));
+  } else {
+    file.Add("missing-section", 0,
+             Joined(InSection(name), " is missing: all that the add-in reads from it is empty or 0"));
+  }
+}
+
+// Places of one section stand together.
+void AddMissing(CheckedFile& file) {
+  std::string name;
+  const FileSection* section = nullptr;
+  bool isThere = false;
+  for (const auto& [index, place] : file.Asked) {
+    if (section == nullptr || !EqualIgnoringCase(place.Section, name)) {
+      name = place.Section;
+      section = &FileSectionOf(name);
+      isThere = file.Text.HasSection(name);
+      if (!isThere) {
+        AddMissingSection(file, name, *section);
+      }
+    }
+    const bool isLine = section->NumberIn(place.Key) || EqualIgnoringCase(place.Key, section->BeforeNumber);
+    const bool mayLack = isLine || EqualIgnoringCase(place.Key, defaultKey);
+    const auto* const field = section->FieldUnder(place.Key);
+    const bool isOfFile = file.Is == CheckedFile::Kind::Configuration || (field != nullptr && field->IsSaved);
+    if (isThere && isOfFile && !mayLack && file.LineOf(place.Section, place.Key) == 0) {
+      AddMissingKey(file, place, field);
+    }
+  }
+}
+
+// ---- What is there and not read
+
+class LineRules {
+ public:
+  explicit LineRules(CheckedFile& file) : file_{file}, waiting_{SectionsOfOtherDevices(file)} {
+    for (const auto& [index, place] : file.Asked) {
+      asked_.insert(IndexedAs(place.Section, ""));
+    }
+  }
+
+  void Check(const SeenLine& line) {
+    if (line.Is == LineKind::Header) {
+      CheckHeader(line);
+    } else if (line.Is == LineKind::Key && !line.Section.empty()) {
+      CheckKey(line);
+    } else if (line.Is == LineKind::Key || line.Is == LineKind::NotUnderstood) {
+      file_.Add("not-understood", line.Number,
+                line.Section.empty() ? "the line stands in no section, so nothing reads it"
+                                     : "the line is no key, header or comment, so nothing reads it");
+    }
+  }
+
+ private:
+  void CheckHeader(const SeenLine& line) {
+    const auto index = IndexedAs(line.Section, "");
+    section_ = &FileSectionOf(line.Section);
+    isAsked_ = asked_.contains(index);
+    isWaiting_ = waiting_.contains(index);
+    isCounting_ = line.Counts;
+    if (!line.Counts) {
+      file_.Add("repeated-section", line.Number,
+                Joined(InSection(line.Section), " stands here again: only the one in ",
+                       LineNumber(file_.LineOf(line.Section)), " counts"));
+    } else if (!isAsked_ && !isWaiting_) {
+      file_.Add("unread-section", line.Number, Joined("nothing reads ", InSection(line.Section)));
+    }
+  }
+
+  void CheckKey(const SeenLine& line) {
+    if (!line.Counts && isCounting_) {
+      file_.Add("repeated-key", line.Number,
+                Joined(Printable(NameOfPlace(line.Section, line.Key)), " stands here again: only ",
+                       LineNumber(file_.LineOf(line.Section, line.Key)), " counts"));
+    } else if (line.Counts && isAsked_) {
+      CheckAsked(line);
+    } else if (line.Counts && isWaiting_ && !section_->NumberIn(line.Key)) {
+      AddUnread(line);
+    }
+  }
+
+  void CheckAsked(const SeenLine& line) {
+    const auto asked = file_.Asked.find(IndexedAs(line.Section, line.Key));
+    const auto number = section_->NumberIn(line.Key);
+    const bool isAsked = asked != file_.Asked.end();
+    if (!number && !isAsked) {
+      AddUnread(line);
+    } else if (number && !isAsked) {
+      file_.Add("gap", line.Number, Joined(Printable(NameOfPlace(line.Section, line.Key)), Gap(line)));
+    } else if (number && !asked->second.IsByWalk) {
+      file_.Add("only-listed", line.Number,
+                Joined(Printable(NameOfPlace(line.Section, line.Key)),
+                       " is offered by the page, but no operation comes to it"));
+    }
+  }
+
+  void AddUnread(const SeenLine& line) {
+    file_.Add("unread-key", line.Number,
+              Joined("nothing reads ", Printable(NameOfPlace(line.Section, line.Key))));
+  }
+
+  const std::string& Gap(const SeenLine& line) {
+    const auto [gap, isNew] = gaps_.try_emplace(IndexedAs(line.Section, ""));
+    if (isNew) {
+      gap->second = GapText(line);
+    }
+    return gap->second;
+  }
+
+  // The first number before it that is missing or without a name.
+  std::string GapText(const SeenLine& line) const {
+    for (int number = 1; number < *section_->NumberIn(line.Key); ++number) {
+      const auto key = Joined(section_->BeforeNumber, WholeText(number), section_->BehindNumber);
+      if (file_.LineOf(line.Section, key) == 0) {
+        return Joined(" is never seen, as there is no ", key);
+      }
+    }
+    return " is never seen, as a line before it has no name";
+  }
+
+  CheckedFile& file_;
+  const FileSection* section_ = nullptr;
+  std::set<std::string> asked_;
+  std::set<std::string> waiting_;
+  std::map<std::string, std::string> gaps_;
+  bool isAsked_ = false;
+  bool isWaiting_ = false;
+  bool isCounting_ = false;  // the section is the first of its name
+};
+
+}  // namespace
+
+void CheckLines(CheckedFile& file) {
+  AddMissing(file);
+  LineRules rules{file};
+  for (const auto& line : file.Lines) {
+    rules.Check(line);
+  }
+}
+
+}  // namespace zolvane

@@ -1,0 +1,255 @@
+// What the page and the operations make of a configuration.
+#include <algorithm>
+#include <array>
+#include <optional>
+#include <span>
+#include <utility>
+
+#include "config/tables/axes.h"
+#include "config/tables/current_records.h"
+#include "config/tables/devices.h"
+#include "config/tables/heads.h"
+#include "config/tables/modules.h"
+#include "config/tables/stage.h"
+#include "config/tables/tips.h"
+#include "config/text.h"
+#include "custody/findings/rules.h"
+#include "custody/values/file_fields.h"
+#include "custody/values/values.h"
+#include "operations/instrument_keys.h"
+#include "operations/upload_script.h"
+#include "text/joined.h"
+#include "text/printable.h"
+
+namespace zolvane {
+namespace {
+
+std::string NumberOf(std::size_t count, std::string_view what) {
+  return Joined(std::to_string(count), " ", what, count == 1 ? "" : "s");
+}
+
+// ---- The page
+
+void CheckPage(CheckedFile& file) {
+  for (const auto& write : file.PageWrites) {
+    const auto before = file.Text.Find(write.Section, write.Key);
+    if (before && !SameText(*before, write.Text)) {
+      file.Add("page-changes", file.LineOf(write.Section, write.Key),
+               Joined(Printable(NameOfPlace(write.Section, write.Key)), " is ", Shown(*before),
+                      ", which fits no entry of the page: opening it makes ", Shown(write.Text), " of it"));
+    }
+  }
+}
+
+// ---- Factors that are zero
+
+using Script = std::vector<UploadLine>;
+using Change = std::function<void(const OperationContext& context)>;
+
+// The upload, with changes before and behind the loading of the records.
+Script UploadWith(CheckedFile& file, const Change& ofFile, const Change& ofRecords) {
+  Script script;
+  file.Run([&](const OperationContext& context, const std::string&) {
+    ofFile(context);
+    RefreshCurrentRecords(context.Config);
+    ofRecords(context);
+    script = BuildUploadLines(context.Config, nullptr);
+  });
+  return script;
+}
+
+constexpr auto nothing = [](const OperationContext&) {};
+
+// Which lines a factor of 1 instead of 0 would give another value.
+void AddZeroFactor(CheckedFile& file, const Script& now, const Script& with, std::string_view factor,
+                   std::size_t line) {
+  std::size_t missing = 0;
+  std::size_t zero = 0;
+  std::string keys;
+  for (std::size_t index = 0; index < std::min(now.size(), with.size()); ++index) {
+    if (now[index].Value != with[index].Value) {
+      ++(now[index].Value ? zero : missing);
+      keys += Joined(keys.empty() ? "" : ", ", now[index].Key);
+    }
+  }
+  if (!keys.empty()) {
+    file.Add("zero-factor", line,
+             Joined(factor, " is 0 or missing: of the upload ", NumberOf(missing, "line"), " fall out and ",
+                    NumberOf(zero, "line"), " are sent with a wrong value (", Printable(keys), ")"));
+  }
+}
+
+struct FactorAxis {
+  std::string_view Name;
+  AxisRecord AxisSlots::* Slot;
+};
+
+constexpr auto factorAxes = std::to_array<FactorAxis>(
+    {{"Z", &AxisSlots::Z}, {"S", &AxisSlots::S}, {"SDX", &AxisSlots::SDX}, {"SDY", &AxisSlots::SDY}});
+
+std::size_t LineOfAxis(const CheckedFile& file, const std::string& section, std::string_view axis) {
+  const auto keyOf = [&](int number) {
+    return Joined(FileSectionOf(section).BeforeNumber, WholeText(number));
+  };
+  for (int number = 1; const auto line = file.Text.Find(section, keyOf(number)); ++number) {
+    const auto pieces = PiecesOf(*line);
+    if (!pieces.empty() && WithoutQuotes(pieces.front()) == axis) {
+      return file.LineOf(section, keyOf(number));
+    }
+  }
+  return file.LineOf(section);
+}
+
+void CheckFactors(CheckedFile& file, const CurrentRecords& current, const Script& now) {
+  const auto section = AxisSection(current);
+  for (const auto& axis : factorAxes) {
+    if ((current.Axes.*axis.Slot).UnitsPerStep == 0.0F) {
+      const auto with = UploadWith(file, nothing, [&axis](const OperationContext& context) {
+        (context.Config.Current.Axes.*axis.Slot).UnitsPerStep = 1.0F;
+      });
+      AddZeroFactor(file, now, with, Joined("the scale of the axis ", axis.Name),
+                    LineOfAxis(file, section, axis.Name));
+    }
+  }
+  if (SDXYStepFactor(current.Device) == 0.0) {
+    const auto key = current.Device.SDXYEncoderStatus ? stepFactorOnKey : stepFactorOffKey;
+    const auto with = UploadWith(
+        file,
+        [key](const OperationContext& context) {
+          const auto& settings = context.Config.Settings;
+          PassOver(settings.WriteValue(deviceTypeSection, key, settings.ConfigFilePath(), "1"));
+        },
+        nothing);
+    AddZeroFactor(file, now, with, key, file.LineOf(deviceTypeSection, key));
+  }
+}
+
+// ---- What the upload looks for
+
+void CheckPosition(CheckedFile& file, const Configuration& configuration, const PositionKeys& keys) {
+  const auto found =
+      FindByName(positionTable, configuration, &PositionRecord::PositionName, keys.PositionName);
+  if (found.PositionName != keys.PositionName) {
+    const auto section = PositionSection(configuration.Current);
+    file.Add("missing-position", file.LineOf(section),
+             Joined(Printable(Joined("[", section, "]")), " has no position ", keys.PositionName,
+                    ": the upload sends 0 for ", keys.InstrumentName, "_X and ", keys.InstrumentName, "_Y"));
+  }
+}
+
+void CheckPositions(CheckedFile& file, const Configuration& configuration) {
+  for (const auto positions : {std::span<const PositionKeys>{stagePositions},
+                               std::span<const PositionKeys>{serialDilutePositions}}) {
+    for (const auto& keys : positions) {
+      CheckPosition(file, configuration, keys);
+    }
+  }
+}
+
+void CheckOverridden(CheckedFile& file, const Script& script) {
+  Values lines;
+  for (const auto& line : script) {
+    if (line.Value) {
+      lines.Add({.Name = line.Key, .Text = line.Value});
+    }
+  }
+  for (const auto& earlier : lines.Overridden()) {
+    const auto& last = *lines.Find(earlier.Name)->Text;
+    const bool isSame = SameText(*earlier.Text, last);
+    file.Add(isSame ? "sent-twice" : "overridden", 0,
+             Joined("the upload sends ", Printable(earlier.Name), " more than once: ",
+                    isSame ? "each time " : Joined(Shown(*earlier.Text), ", and at the end "), Shown(last)));
+  }
+}
+
+// ---- What the query looks for
+
+// The first item of each text is the one that is found.
+class FirstItems {
+ public:
+  FirstItems(CheckedFile& file, std::string_view section, std::string_view code)
+      : file_{file}, section_{section}, code_{code} {}
+
+  // `why` says why the query does not look for it; empty if it does.
+  void Look(const std::string& text, const std::string& index, const std::string& item,
+            std::string why = {}) {
+    const auto key = ItemKey(item);
+    const auto [first, isNew] = first_.try_emplace(index, key);
+    if (text.empty()) {
+      why = "it has none";
+    } else if (why.empty() && !isNew) {
+      why = Joined(Shown(text), " is that of ", first->second, " as well");
+    }
+    if (!why.empty()) {
+      file_.Add(code_, file_.LineOf(section_, key),
+                Joined(Printable(NameOfPlace(section_, key)), " is never found by its code: ", why));
+    }
+  }
+
+ private:
+  CheckedFile& file_;
+  std::string_view section_;
+  std::string_view code_;
+  std::map<std::string, std::string> first_;
+};
+
+void CheckDetection(CheckedFile& file, const Configuration& configuration) {
+  FirstItems devices{file, deviceTypeSection, "undetectable"};
+  ForEach(deviceTable, configuration, [&](const DeviceTypeRecord& device) {
+    devices.Look(device.Code, UpperCase(device.Code), device.ID);
+  });
+  FirstItems heads{file, headTypeSection, "undetectable"};
+  ForEach(headTable, configuration,
+          [&](const HeadTypeRecord& head) { heads.Look(head.Tag, head.Tag, head.ID); });
+  FirstItems cages{file, cageTypeSection, "undetected-module"};
+  ForEach(cageTable, configuration, [&](const CageTypeRecord& cage) {
+    const auto isAsked =
+        EqualIgnoringCase(cage.Code, code::microtiter) || EqualIgnoringCase(cage.Code, code::serialDilute);
+    cages.Look(cage.Code, UpperCase(cage.Code), cage.ID,
+               isAsked ? "" : Joined("no query looks for ", Shown(cage.Code)));
+  });
+}
+
+// ---- Names that become sections
+
+void CheckName(CheckedFile& file, std::string_view table, const std::string& item,
+               const std::string& section) {
+  if (!file.Text.PlanValue(section, "Item1", "")) {
+    file.Add("unstorable-name", file.LineOf(table, ItemKey(item)),
+             Joined(Printable(NameOfPlace(table, ItemKey(item))), " would need the section ", Shown(section),
+                    ", which no file can have: nothing is read from it or stored in it"));
+  }
+}
+
+void CheckNames(CheckedFile& file, const Configuration& configuration) {
+  CurrentRecords current;
+  ForEach(deviceTable, configuration, [&](const DeviceTypeRecord& device) {
+    current.Device.Name = device.Name;
+    CheckName(file, deviceTypeSection, device.ID, PositionSection(current));
+  });
+  current = {};
+  ForEach(cageTable, configuration, [&](const CageTypeRecord& cage) {
+    current.Cage.Name = cage.Name;
+    CheckName(file, cageTypeSection, cage.ID, AxisSection(current));
+  });
+  ForEach(tipTable, configuration,
+          [&](const TipTypeRecord& tip) { CheckName(file, tipTypeSection, tip.ID, tip.CorrectionSection); });
+}
+
+}  // namespace
+
+void CheckOperations(CheckedFile& file) {
+  CheckPage(file);
+  file.Run([&file](const OperationContext& context, const std::string&) {
+    auto& configuration = context.Config;
+    RefreshCurrentRecords(configuration);
+    const auto script = BuildUploadLines(configuration, nullptr);
+    CheckFactors(file, configuration.Current, script);
+    CheckOverridden(file, script);
+    CheckPositions(file, configuration);
+    CheckDetection(file, configuration);
+    CheckNames(file, configuration);
+  });
+}
+
+}  // namespace zolvane

@@ -1,0 +1,103 @@
+// What a backup, or the way over the instrument and back, would change.
+#include <utility>
+
+#include "config/text.h"
+#include "custody/findings/rules.h"
+#include "custody/values/file_fields.h"
+#include "custody/values/values.h"
+#include "operations/download.h"
+#include "operations/file_copy.h"
+#include "operations/upload.h"
+#include "text/joined.h"
+#include "text/printable.h"
+
+namespace zolvane {
+namespace {
+
+// "field 4 (tip volume) "300" becomes "299"" for each piece of another value; empty if none has.
+std::string ChangesOf(const std::string& section, const std::string& key, const std::string& before,
+                      const std::string& after) {
+  const auto& fields = FileSectionOf(section);
+  if (!fields.NumberIn(key)) {
+    return SameText(before, after) ? std::string{} : Joined(Shown(before), " becomes ", Shown(after));
+  }
+  const auto old = PiecesOf(before);
+  const auto now = PiecesOf(after);
+  const auto pieceOf = [](const std::vector<std::string>& pieces, std::size_t piece) {
+    return piece < pieces.size() ? pieces[piece] : std::string{};
+  };
+  std::string changes;
+  for (std::size_t piece = 0; piece < std::max(old.size(), now.size()); ++piece) {
+    if (!SameText(pieceOf(old, piece), pieceOf(now, piece))) {
+      const auto* const field = fields.FieldAt(piece);
+      const auto title =
+          field == nullptr || field->Title.empty() ? std::string{} : Joined(" (", field->Title, ")");
+      changes += Joined(changes.empty() ? "" : ", ", "field ", std::to_string(piece + 1), title, " ",
+                        Shown(pieceOf(old, piece)), " becomes ", Shown(pieceOf(now, piece)));
+    }
+  }
+  return changes;
+}
+
+using Places = std::map<std::string, DrySettings::Kept>;
+
+// What was written into the file itself.
+Places WrittenBack(CheckedFile& file, const CheckedFile::OperationOnFile& operation) {
+  std::string own;
+  const auto settings = file.Run([&](const OperationContext& context, const std::string& path) {
+    own = path;
+    operation(context, path);
+  });
+  Places places;
+  for (const auto& [place, kept] : settings->Writes()) {
+    if (kept.File == own) {
+      places[IndexedAs(kept.Section, kept.Key)] = kept;
+    }
+  }
+  return places;
+}
+
+void AddChange(CheckedFile& file, std::string_view code, std::string_view what,
+               const DrySettings::Kept& kept) {
+  const auto name = Printable(NameOfPlace(kept.Section, kept.Key));
+  const auto before = file.Text.Find(kept.Section, kept.Key);
+  if (!before) {
+    if (!kept.Text.empty()) {
+      file.Add(code, file.LineOf(kept.Section), Joined(name, ": ", what, " would add ", Shown(kept.Text)));
+    }
+    return;
+  }
+  const auto changes = ChangesOf(kept.Section, kept.Key, *before, kept.Text);
+  const auto line = file.LineOf(kept.Section, kept.Key);
+  if (!changes.empty()) {
+    file.Add(code, line, Joined(name, ": ", what, " would change it: ", changes));
+  } else if (*before != kept.Text && code == "backup-changes") {
+    file.Add("respelled", line,
+             Joined(name, " would be spelled ", Shown(kept.Text), ", with the same values"));
+  }
+}
+
+}  // namespace
+
+void CheckRoundTrips(CheckedFile& file) {
+  const auto imported = WrittenBack(file, [](const OperationContext& context, const std::string& path) {
+    const auto backup = path + ".bak";
+    CopyAllTables(context, path, backup, true, "");
+    CopyAllTables(context, backup, path, false, "");
+  });
+  const auto downloaded = WrittenBack(file, [](const OperationContext& context, const std::string&) {
+    UploadCalibration(context);
+    DownloadCalibration(context);
+  });
+  for (const auto& [place, kept] : imported) {
+    AddChange(file, "backup-changes", "an export and its import", kept);
+  }
+  for (const auto& [place, kept] : downloaded) {
+    const auto same = imported.find(place);
+    if (same == imported.end() || same->second.Text != kept.Text) {
+      AddChange(file, "download-changes", "an upload and a download", kept);
+    }
+  }
+}
+
+}  // namespace zolvane

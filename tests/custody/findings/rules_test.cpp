@@ -1,0 +1,314 @@
+// Each rule of check on a sample that breaks it, with what the add-in really makes of that.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "custody/findings/findings.h"
+#include "custody/values/play.h"
+#include "custody/values/sides.h"
+#include "files/paths.h"
+#include "files/sectioned_text.h"
+#include "instrument/links/simulated_link.h"
+#include "page/page_controls.h"
+#include "support/golden.h"
+
+namespace zolvane {
+namespace {
+
+// ---- The real operations, on a copy
+
+const std::string brokenFolder = "/broken";
+
+struct CopySession {
+  explicit CopySession(const std::string& configuration, SimulatedInstrument::Setup instrument = {})
+      : Link{std::make_shared<SimulatedLink>(SimulatedInstrument{std::move(instrument)}, FaultPlan{},
+                                             Interrupt)} {
+    Files.Put(ConfigFileIn(brokenFolder), configuration);
+  }
+
+  PlayedAction Do(const Action& action) {
+    auto ends = EndsOn(Files, brokenFolder);
+    ends.Link = Link;
+    return Play(ends, action);
+  }
+
+  std::string Stored(std::string_view section, std::string_view key) {
+    return SectionedText{Files.Read(ConfigFileIn(brokenFolder)).Bytes}
+        .Find(section, key)
+        .value_or("(missing)");
+  }
+
+  InterruptFlag Interrupt;
+  MemoryDisk Files;
+  std::shared_ptr<BenchLink> Link;
+};
+
+std::string Sent(const std::string& configuration, std::string_view key) {
+  const auto lines = WireFaceOfFile(configuration).Lines;
+  const auto* const value = lines.Find(key);
+  return value == nullptr ? "(not sent)" : value->Text.value_or("(nothing)");
+}
+
+ShownPage PageOf(const std::string& configuration) {
+  return *CopySession{configuration}.Do({.Kind = ActionKind::ShowPage}).Result.Page;
+}
+
+std::string QueriedAs(const std::string& configuration, const SimulatedInstrument::Setup& instrument,
+                      std::string_view section) {
+  CopySession session{configuration, instrument};
+  session.Do(PressOf(queryButton));
+  return session.Stored(section, "Installed");
+}
+
+// The file after an export and the import of what was exported.
+std::string BroughtBack(const std::string& configuration, std::string_view section, std::string_view key) {
+  CopySession session{configuration};
+  session.Do(PressOf(exportButton, brokenFolder + "/own.bak"));
+  session.Do(PressOf(importButton, brokenFolder + "/own.bak"));
+  return session.Stored(section, key);
+}
+
+std::string DownloadedAgain(const std::string& configuration, std::string_view section,
+                            std::string_view key) {
+  CopySession session{configuration};
+  session.Do(PressOf(uploadButton));
+  session.Do(PressOf(downloadButton));
+  return session.Stored(section, key);
+}
+
+// ---- The cases
+
+constexpr std::string_view wholeFile;  // a finding without a line
+
+struct Case {
+  std::string_view Code;
+  std::string Old;  // stands once in the sample
+  std::string New;
+  std::string_view Line;  // how the line of the finding starts
+  std::function<void(const std::string& configuration)> Effect;
+};
+
+// The sample's own value of a key.
+std::string SentOfTheSample(std::string_view key) {
+  return Sent(SampleConfiguration(), key);
+}
+
+// clang-format off
+const std::vector<Case>& Cases() {
+  static const std::vector<Case> cases{
+      {"missing-section", "[Position_Zolvane 400]", "[Position_Zolvane 40]", wholeFile,
+       [](const auto& file) { EXPECT_EQ(Sent(file, "STAGE1_X"), "0"); }},
+      {"missing-value", "MountHeight=164.35\n", "", "[Z_Calibration]",
+       [](const auto& file) { EXPECT_EQ(Sent(file, "MountHeight"), "0"); }},
+      {"missing-key", "ModuleInstalled=1\n", "", "[PumpControl]",
+       [](const auto& file) { EXPECT_NE(PageOf(file).Page.PumpText, pumpConnectedText); }},
+      {"default-value", "DeltaZTolerance=750\n", "", "[Z_Calibration]",
+       [](const auto& file) { EXPECT_EQ(WireFaceOfFile(file).InForce.Heights.DeltaZTolerance, 1000.0); }},
+      {"missing-correction", "[VolumeCorrection_8_CH_30]", "[VolumeCorrection_8_CH_3]", wholeFile,
+       [](const auto& file) { EXPECT_EQ(Sent(file, "VOL_8CH_30_1"), "(not sent)"); }},
+      {"missing-position", "Item4=STAGE4,\"Stage 4\",STAGE,1605", "Item4=STAGE44,\"Stage 4\",STAGE,1605",
+       "[Position_Zolvane 400]",
+       [](const auto& file) { EXPECT_EQ(Sent(file, "STAGE4_X"), "0"); }},
+      {"not-understood", "MountHeight=164.35", "MountHeight 164.35", "MountHeight 164.35",
+       [](const auto& file) { EXPECT_EQ(Sent(file, "MountHeight"), "0"); }},
+      {"unread-section", "[PumpControl]", "[PumpKontrol]", "[PumpKontrol]",
+       [](const auto& file) { EXPECT_NE(PageOf(file).Page.PumpText, pumpConnectedText); }},
+      {"unread-key", "ModuleInstalled=1", "ModuleInstaled=1", "ModuleInstaled=1",
+       [](const auto& file) { EXPECT_NE(PageOf(file).Page.PumpText, pumpConnectedText); }},
+      {"repeated-section", "[PumpControl]", "[Z_Calibration]\nMountHeight=1\n[PumpControl]", "[Z_Calibration]\nMountHeight=1",
+       [](const auto& file) { EXPECT_EQ(Sent(file, "MountHeight"), SentOfTheSample("MountHeight")); }},
+      {"repeated-key", "MountHeight=164.35", "MountHeight=164.35\nMountHeight=1", "MountHeight=1\n",
+       [](const auto& file) { EXPECT_EQ(Sent(file, "MountHeight"), SentOfTheSample("MountHeight")); }},
+      {"gap", "Item15=\"8-Channel 12.5 ul\"", "Item22=\"8-Channel 12.5 ul\"", "Item16=\"12-Channel 300",
+       [](const auto& file) { EXPECT_EQ(Sent(file, "PickUp_12Ch_Z"), "(not sent)"); }},
+      {"only-listed", "Item6=\"1250 ul Filter Tips\"", "Item66=\"1250 ul Filter Tips\"", "Item7=\"300 ul Wide",
+       [](const auto& file) {
+         const auto page = PageOf(file);
+         const auto& entries = page.Page.Of(ListControl::TipType).Entries;
+         EXPECT_TRUE(std::ranges::any_of(entries, [](const auto& entry) { return entry.Text == "300 ul Wide Bore Tips"; }));
+         EXPECT_EQ(Sent(file, "VOL_WIDE_300_1"), "(not sent)");
+       }},
+      {"not-a-number", "MountHeight=164.35", "MountHeight=l64.35", "MountHeight=l64.35",
+       [](const auto& file) { EXPECT_EQ(Sent(file, "MountHeight"), "0"); }},
+      {"part-of-number", "MountHeight=164.35", "MountHeight=16o.35", "MountHeight=16o.35",
+       [](const auto& file) { EXPECT_EQ(Sent(file, "MountHeight"), "1280"); }},
+      {"decimal-comma", "MountHeight=164.35", "MountHeight=164,35", "MountHeight=164,35",
+       [](const auto& file) { EXPECT_EQ(Sent(file, "MountHeight"), "13120"); }},
+      {"out-of-range", "\"Stage 1\",STAGE,1612,", "\"Stage 1\",STAGE,16120000000,", "Item1=STAGE1,\"Stage 1\",STAGE,16120",
+       [](const auto& file) { EXPECT_EQ(Sent(file, "STAGE1_X"), "0"); }},
+      {"rounded", "\"Stage 1\",STAGE,1612,", "\"Stage 1\",STAGE,1612.5,", "Item1=STAGE1,\"Stage 1\",STAGE,1612.5",
+       [](const auto& file) { EXPECT_EQ(Sent(file, "STAGE1_X"), "1612"); }},
+      {"not-a-flag", "SDXYEncoderStatus=1", "SDXYEncoderStatus=yes", "SDXYEncoderStatus=yes",
+       [](const auto& file) { EXPECT_FALSE(WireFaceOfFile(file).InForce.Device.SDXYEncoderStatus); }},
+      {"extra-field", "\"Stage 1\",STAGE,1612,2004", "\"Stage 1\",STAGE,16,12,2004", "Item1=STAGE1,\"Stage 1\",STAGE,16,",
+       [](const auto& file) { EXPECT_EQ(Sent(file, "STAGE1_Y"), "12"); }},
+      {"short-line", "131.35,\"12D\",12_CH,5,7815,9180,127.60,\"1F\",1_CH_LONG,6,12270,9165,123.40", "131.35",
+       "Item2=\"12-Channel Head Nest\"",
+       [](const auto& file) { EXPECT_EQ(Sent(file, "Nest_12D_Z"), "0"); }},
+      {"no-key", "4Item=1000 ul,0.9994,\"VOL_1CHSHORT_1250_4\"", "4Item=1000 ul,0.9994,\"\"", "4Item=1000 ul,0.9994,\"\"",
+       [](const auto& file) { EXPECT_EQ(Sent(file, "VOL_1CHSHORT_1250_4"), "(not sent)"); }},
+      {"zero-factor", "Axis3=\"Z\",0.0125,600,20000,40000,-80,15200", "Axis3=\"Z\",0,600,20000,40000,-80,15200",
+       "Axis3=\"Z\",0,",
+       [](const auto& file) {
+         EXPECT_EQ(Sent(file, "MountHeight"), "(not sent)");
+         EXPECT_EQ(Sent(file, "SDPreCollectHeightMM"), "0");
+       }},
+      {"page-changes", "Installed=12\n", "Installed=99\n", "Installed=99",
+       [](const auto& file) {
+         CopySession session{file};
+         session.Do({.Kind = ActionKind::ShowPage});
+         EXPECT_EQ(session.Stored("HeadType", "Installed"), "1");
+       }},
+      {"unstorable-name", "Item2=\"Zolvane 400\"", "Item2=\"Zolvane ]400\"", "Item2=\"Zolvane ]400\"",
+       [](const auto& file) {
+         EXPECT_EQ(Sent(file, "STAGE1_X"), "0");
+         CopySession session{file};
+         EXPECT_GT(session.Do(PressOf(downloadButton)).Result.Tally.WritesFailed, 0U);
+       }},
+      {"undetectable", "\"ZV400\"", "\"ZV200\"", "Item2=\"Zolvane 400\"",
+       [](const auto& file) { EXPECT_EQ(QueriedAs(file, {.Stage = "ZV200"}, "DeviceType"), "1"); }},
+      {"undetected-module", "MICROTITER,1,1,0,2150", "MICROPLATE,1,1,0,2150", "Item1=\"96/384 Module\"",
+       [](const auto& file) {
+         // The page takes the 0 that the query stores for its first entry when it is opened again.
+         CopySession session{file, {.Mechanics = "MICROPLATE"}};
+         const auto played = session.Do(PressOf(queryButton));
+         EXPECT_TRUE(std::ranges::any_of(played.Writes, [](const SettingWrite& write) {
+           return write.Section == "CageType" && write.Key == "Installed" && write.Text == "0";
+         }));
+       }},
+      {"overridden", "1.0241,\"VOL_8CH_30_2\"", "1.0241,\"VOL_8CH_30_1\"", wholeFile,
+       [](const auto& file) {
+         EXPECT_EQ(Sent(file, "VOL_8CH_30_1"), "102410");
+         EXPECT_EQ(WireFaceOfFile(file).Lines.Overridden().size(), 1U);
+       }},
+      {"sent-twice", "126,143,9480,50.4,3,1,0,0,0,1,0,\"\"", "126,143,9480,50.4,3,1,0,0,0,1,0,\"VolumeCorrection_8_CH_30\"",
+       wholeFile,
+       [](const auto& file) { EXPECT_EQ(WireFaceOfFile(file).Lines.Overridden().size(), 4U); }},
+      {"backup-changes", "3260,2485,131.20", "3260,2485,131.207", "Item1=\"8-Channel Head Nest\"",
+       [](const auto& file) {
+         EXPECT_NE(BroughtBack(file, "NestType", "Item1").find("3260,2485,131.21,"), std::string::npos);
+       }},
+      {"respelled", "3260,2485,131.20", "3260,2485,131.2", "Item1=\"8-Channel Head Nest\"",
+       [](const auto& file) {
+         EXPECT_NE(BroughtBack(file, "NestType", "Item1").find("3260,2485,131.20,"), std::string::npos);
+       }},
+      {"download-changes", "Item2=\"300 ul Tips\"", "Item2=\"300 ul Tips\"", "Item7=\"300 ul Wide",
+       [](const auto& file) {
+         EXPECT_NE(DownloadedAgain(file, "TipType", "Item7").find(",124,141,9320,"), std::string::npos)
+             << "the rack of the first small tip";
+       }},
+  };
+  return cases;
+}
+// clang-format on
+
+std::size_t LineThatStarts(const std::string& file, std::string_view start) {
+  if (start.empty()) {
+    return 0;
+  }
+  const auto place = ("\n" + file).find("\n" + std::string{start});
+  EXPECT_NE(place, std::string::npos) << start;
+  return 1 + static_cast<std::size_t>(
+                 std::count(file.begin(), file.begin() + static_cast<std::ptrdiff_t>(place), '\n'));
+}
+
+bool Has(const std::vector<Finding>& findings, std::string_view code, std::size_t line) {
+  return std::ranges::any_of(findings, [&](const Finding& f) { return f.Code == code && f.Line == line; });
+}
+
+std::string AsList(const std::vector<Finding>& findings) {
+  std::string list;
+  for (const auto& finding : findings) {
+    if (finding.Grade == Grade::Note) {
+      continue;
+    }
+    list += "  " + finding.Code + " in line " + std::to_string(finding.Line) + ": " + finding.Text + "\n";
+  }
+  return list;
+}
+
+std::string Broken(const Case& broken) {
+  const auto sample = SampleConfiguration();
+  const auto place = sample.find(broken.Old);
+  EXPECT_NE(place, std::string::npos) << broken.Old;
+  EXPECT_EQ(sample.find(broken.Old, place + 1), std::string::npos) << broken.Old << " stands twice";
+  return Replaced(sample, broken.Old, broken.New);
+}
+
+TEST(CheckRules, FindWhatIsBrokenOnItsLine) {
+  for (const auto& broken : Cases()) {
+    const auto file = Broken(broken);
+    const auto findings = CheckConfiguration(file, "Zolvane.ini");
+    EXPECT_TRUE(Has(findings, broken.Code, LineThatStarts(file, broken.Line))) << broken.Code << ":\n"
+                                                                               << AsList(findings);
+  }
+}
+
+TEST(CheckRules, SayWhatTheAddInReallyMakesOfIt) {
+  for (const auto& broken : Cases()) {
+    SCOPED_TRACE(broken.Code);
+    broken.Effect(Broken(broken));
+  }
+}
+
+TEST(CheckRules, AreAllShown) {
+  std::set<std::string_view> shown{"unreadable"};
+  for (const auto& broken : Cases()) {
+    shown.insert(broken.Code);
+  }
+  for (const auto code : FindingCodes()) {
+    EXPECT_TRUE(shown.contains(code)) << code;
+    EXPECT_NE(ExplainFinding(code), "") << code;
+  }
+  EXPECT_EQ(ExplainFinding("no-such-code"), "");
+}
+
+TEST(CheckRules, AUtf16TextCannotBeUsed) {
+  const std::string utf16{"\xFF\xFE[\0A\0]\0\n\0", 10};
+  const auto findings = CheckConfiguration(utf16, "Zolvane.ini");
+  ASSERT_EQ(findings.size(), 1U);
+  EXPECT_EQ(findings.front().Code, "unreadable");
+  EXPECT_TRUE(HasError(findings));
+  CopySession session{utf16};
+  EXPECT_NE(session.Do({.Kind = ActionKind::ShowPage}).ExitStatus, 0) << "the page cannot be loaded";
+}
+
+// What stands in the text of a finding is what the upload really leaves out.
+TEST(CheckRules, NameTheLinesThatFallOut) {
+  const auto file =
+      Replaced(SampleConfiguration(), "Axis4=\"S\",0.01,400,12000,24000,-50,6200,1500,900,400,16,0,0,4,100",
+               "Axis4=\"S\",0,400,12000,24000,-50,6200,1500,900,400,16,0,0,4,100");
+  std::string text;
+  for (const auto& finding : CheckConfiguration(file, "Zolvane.ini")) {
+    text += finding.Code == "zero-factor" ? finding.Text : "";
+  }
+  const auto lost = Compare(WireFaceOfFile(SampleConfiguration()).Lines, WireFaceOfFile(file).Lines);
+  EXPECT_GT(lost.OnlyInA, 0U);
+  EXPECT_NE(text.find("of the upload " + std::to_string(lost.OnlyInA) + " lines fall out"), std::string::npos)
+      << text;
+  for (const auto& difference : lost.Differences) {
+    EXPECT_NE(text.find(difference.Name), std::string::npos) << difference.Name;
+  }
+}
+
+TEST(CheckRules, ABackupIsCheckedForWhatItsImportReads) {
+  const auto backup =
+      Replaced(BytesOf(std::filesystem::path{ZOLVANE_SAMPLES_PATH} / "Zolvane.bak"), "\r\n", "\n");
+  EXPECT_FALSE(HasError(CheckBackup(backup, "a.bak", SampleConfiguration())))
+      << AsList(CheckBackup(backup, "a.bak", SampleConfiguration()));
+  const auto broken = Replaced(backup, "MountHeight=164.35\n", "");
+  const auto findings = CheckBackup(broken, "a.bak", SampleConfiguration());
+  EXPECT_TRUE(Has(findings, "missing-value", LineThatStarts(broken, "[Z_Calibration]"))) << AsList(findings);
+  EXPECT_TRUE(Has(CheckBackup(backup + "[TipType]\n", "a.bak", SampleConfiguration()), "unread-section",
+                  LineThatStarts(backup + "[TipType]\n", "[TipType]")));
+}
+
+}  // namespace
+}  // namespace zolvane
