@@ -156,8 +156,8 @@ struct Reader {
   }
 };
 
-constexpr const char* begun = "begun";
-constexpr const char* ended = "ended";
+constexpr const char* begunState = "begun";
+constexpr const char* endedState = "ended";
 
 bool NamesObjectsOnly(const Entry& entry) {
   return std::ranges::all_of(ObjectsOf(entry), IsSha256Hex) && IsSha256Hex(entry.Previous);
@@ -168,7 +168,7 @@ bool NamesObjectsOnly(const Entry& entry) {
 std::string LineOf(const Entry& entry) {
   Writer writer;
   VisitMembers(entry, writer);
-  writer.Object["state"] = entry.IsEnd() ? ended : begun;
+  writer.Object["state"] = entry.IsEnd() ? endedState : begunState;
   return CanonicalJson(writer.Object);
 }
 
@@ -183,7 +183,8 @@ std::optional<Entry> EntryIn(std::string_view line) {
   VisitMembers(entry, reader);
   std::string state;
   reader("state", state, Presence::Always);
-  const bool isEntry = reader.IsGood && state == (entry.IsEnd() ? ended : begun) && NamesObjectsOnly(entry);
+  const bool isEntry =
+      reader.IsGood && state == (entry.IsEnd() ? endedState : begunState) && NamesObjectsOnly(entry);
   return isEntry ? std::optional{std::move(entry)} : std::nullopt;
 }
 

@@ -120,8 +120,12 @@ Value AskCalibration(InstrumentLink& link, const std::string& key) {
   if (text.find(syntaxErrorReply) != std::string::npos) {
     return {.Name = key, .Text = {}};
   }
-  const auto equals = text.find('=');
-  const auto value = std::string_view{text}.substr(equals == std::string::npos ? 0 : equals + 1);
+  const auto name = key + "=";
+  const bool isNamed = EqualIgnoringCase(std::string_view{text}.substr(0, name.size()), name);
+  if (!isNamed && text.find('=') != std::string::npos) {
+    return {.Name = key, .Text = {}, .WasAnswered = false};
+  }
+  const auto value = std::string_view{text}.substr(isNamed ? name.size() : 0);
   return {.Name = key, .Text = std::string{Trimmed(value)}};
 }
 

@@ -35,7 +35,8 @@ WireFace WireFaceOfFile(const std::string& configuration);
 // After the add-in has imported the backup into a copy of the folder.
 WireFace WireFaceOfBackup(const std::string& configuration, const std::string& backup);
 
-// What the instrument answers to GET_CALIBRATION for the key. A key that it does not know has no text.
+// What the instrument answers to GET_CALIBRATION for the key. A key that it does not know has no text; a reply
+// that names another key is no answer.
 Value AskCalibration(InstrumentLink& link, const std::string& key);
 
 // The same for these keys, each asked once. After a question without answer no more is asked: the rest is not

@@ -1,0 +1,147 @@
+#include "custody/transfer/proving_link.h"
+
+#include <algorithm>
+#include <iterator>
+#include <span>
+#include <utility>
+
+#include "custody/values/sides.h"
+#include "text/joined.h"
+#include "text/printable.h"
+
+namespace zolvane {
+namespace {
+
+constexpr std::string_view saveCommand = "SET_CALIBRATION SAVE";
+
+std::string TextOf(const Verdict& verdict) {
+  const auto held = verdict.Left ? Quoted(*verdict.Left) : "nothing";
+  const auto why = verdict.Why == Cause::None ? NameOf(verdict.Is) : NameOf(verdict.Why);
+  return Joined(verdict.Key, " holds ", held, " and not ", Quoted(verdict.Sent), " (", why, ")");
+}
+
+std::vector<std::string> KeysOf(const std::vector<Verdict>& verdicts) {
+  std::vector<std::string> keys;
+  std::ranges::transform(verdicts, std::back_inserter(keys), &Verdict::Key);
+  return keys;
+}
+
+}  // namespace
+
+ProvingLink::ProvingLink(std::shared_ptr<BenchLink> link, Setup setup, const InterruptFlag& interrupt)
+    : BenchLink{interrupt}, link_{std::move(link)}, setup_{std::move(setup)}, lines_{setup_.Arrived} {}
+
+bool ProvingLink::IsProven(const Verdict& verdict) const {
+  return verdict.Is == Proof::Verified ||
+         (setup_.LetsUnreadablePass && verdict.Is == Proof::Unreadable && verdict.Why == Cause::None) ||
+         (setup_.LetsRoundedPass && verdict.Why == Cause::Rounded);
+}
+
+std::optional<std::string> ProvingLink::Exchange(const std::string& command, Delivery& delivery) {
+  if (command == saveCommand) {
+    return Save(command, delivery);
+  }
+  auto reply = PassOn(command, delivery);
+  if (auto setting = SettingIn(command)) {
+    Note(*std::move(setting), reply, delivery);
+  }
+  return reply;
+}
+
+std::optional<std::string> ProvingLink::PassOn(const std::string& command, Delivery& delivery) {
+  auto line = command;
+  std::string reply;
+  PassOver(link_->SetStop(false));
+  const bool isAnswered = MetOnlyIf(link_->SendCommand(line, reply, 0));
+  delivery = link_->LastDelivery();
+  if (MetOnlyIf(link_->Stop())) {
+    RaiseStop();
+  }
+  return isAnswered ? std::optional{std::move(reply)} : std::nullopt;
+}
+
+void ProvingLink::Note(Value setting, const std::optional<std::string>& reply, const Delivery& delivery) {
+  isDead_ |= !reply;
+  if (!delivery.HasLeft) {
+    return;
+  }
+  lines_.push_back({.Key = std::move(setting.Name), .Text = setting.Text.value_or(""), .Reply = reply});
+  ++tally_.Sent;
+  tally_.Answered += reply ? 1 : 0;
+  tally_.Accepted += lines_.back().IsAccepted() ? 1 : 0;
+  if (!reply && !tally_.UnknownSince) {
+    tally_.UnknownSince = lines_.size();
+  }
+}
+
+std::optional<std::string> ProvingLink::Save(const std::string& command, Delivery& delivery) {
+  if (!Prove()) {
+    delivery = {.HasLeft = false, .Problem = problem_, .SkippedLine = std::nullopt};
+    return std::nullopt;
+  }
+  auto reply = PassOn(command, delivery);
+  tally_.SaveWasSent = delivery.HasLeft;
+  if (!reply || !SentLine{.Key = {}, .Text = {}, .Reply = reply}.IsAccepted()) {
+    return reply;
+  }
+  if (!HoldsStill()) {
+    delivery.Problem = problem_;
+    return std::nullopt;
+  }
+  tally_.IsSaved = true;
+  return reply;
+}
+
+bool ProvingLink::Prove() {
+  if (isDead_) {
+    problem_ = "the instrument did not answer a line, so nothing was asked again and SAVE was not sent";
+    return false;
+  }
+  left_ = WireFaceOfInstrument(*link_, KeysOf(Verdicts()));
+  const auto verdicts = Verdicts();
+  const auto unanswered = std::ranges::find(verdicts, Proof::Unknown, &Verdict::Is);
+  if (unanswered != verdicts.end()) {
+    NoteUnanswered(unanswered->Key);
+    return false;
+  }
+  const bool isProven = std::ranges::all_of(verdicts, [this](const auto& one) { return IsProven(one); });
+  problem_ = isProven ? "" : Unproven(verdicts);
+  return isProven;
+}
+
+void ProvingLink::NoteUnanswered(const std::string& key) {
+  const auto line = std::ranges::find(lines_, key, &SentLine::Key);
+  tally_.UnknownSince = static_cast<std::size_t>(line - lines_.begin()) + 1;
+  isDead_ = true;
+  problem_ = Joined("the instrument did not say what it holds of ", key, ", so SAVE was not sent");
+}
+
+std::string ProvingLink::Unproven(const std::vector<Verdict>& verdicts) const {
+  const auto isUnproven = [this](const auto& verdict) { return !IsProven(verdict); };
+  const auto count = std::ranges::count_if(verdicts, isUnproven);
+  return Joined("SAVE was not sent, as ", std::to_string(count), " of ", std::to_string(verdicts.size()),
+                " values did not arrive; the first: ", TextOf(*std::ranges::find_if(verdicts, isUnproven)));
+}
+
+// A restart between proof and SAVE takes every value back to what was kept. One that had changed shows it.
+bool ProvingLink::HoldsStill() {
+  const auto verdicts = Verdicts();
+  if (verdicts.empty()) {
+    return true;
+  }
+  const auto changed = std::ranges::find_if(
+      verdicts, [](const auto& one) { return one.Left && (!one.Found || !SameText(*one.Found, *one.Left)); });
+  const auto& asked = changed == verdicts.end() ? verdicts.back() : *changed;
+  const auto now = WireFaceOfInstrument(*link_, std::span{&asked.Key, 1}).InOrder().front();
+  if (now.WasAnswered && now.Text == asked.Left) {
+    return true;
+  }
+  problem_ = Joined(
+      "SAVE was answered, but the instrument ",
+      now.WasAnswered ? "no longer holds what was sent: it may have restarted" : "does not say what it holds",
+      "; asked for ", asked.Key);
+  left_ = Values{};
+  return false;
+}
+
+}  // namespace zolvane

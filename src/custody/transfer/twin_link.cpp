@@ -1,0 +1,77 @@
+#include "custody/transfer/twin_link.h"
+
+#include <utility>
+
+#include "host/instrument_link.h"
+#include "text/joined.h"
+#include "text/printable.h"
+
+namespace zolvane {
+namespace {
+
+constexpr std::string_view question = "GET_CALIBRATION ";
+constexpr std::string_view instruction = "SET_CALIBRATION ";
+
+std::string ReplyFor(const std::string& key, const std::optional<std::string>& text) {
+  return text ? Joined(key, "=", *text) : std::string{syntaxErrorReply};
+}
+
+// Commands that change nothing in the instrument.
+bool IsQuestion(std::string_view command) {
+  return command.starts_with(question) || command.starts_with("STATUS");
+}
+
+}  // namespace
+
+TwinLink::TwinLink(const Values& known, std::shared_ptr<BenchLink> original, const InterruptFlag& interrupt)
+    : BenchLink{interrupt}, original_{std::move(original)} {
+  for (const auto& value : known.InOrder()) {
+    if (value.WasAnswered) {
+      replies_.emplace(Joined(question, value.Name), ReplyFor(value.Name, value.Text));
+    }
+  }
+}
+
+std::optional<std::string> TwinLink::Exchange(const std::string& command, Delivery& delivery) {
+  if (const auto setting = SettingIn(command)) {
+    Store(setting->Name, setting->Text.value_or(""));
+    return "OK";
+  }
+  if (command.starts_with(instruction)) {
+    return "OK";  // SAVE
+  }
+  const auto known = replies_.find(command);
+  return known != replies_.end() ? known->second : Ask(command, delivery);
+}
+
+void TwinLink::Store(const std::string& key, const std::string& text) {
+  const auto command = Joined(question, key);
+  const auto known = replies_.find(command);
+  if (known == replies_.end() || known->second == syntaxErrorReply) {
+    guesses_.push_back(
+        Joined("the instrument is not known to hold ", Printable(key), ", and is taken to store it"));
+  }
+  replies_.insert_or_assign(command, ReplyFor(key, text));
+}
+
+std::optional<std::string> TwinLink::Ask(const std::string& command, Delivery& delivery) {
+  if (original_ && IsQuestion(command)) {
+    auto line = command;
+    std::string reply;
+    const bool isAnswered = MetOnlyIf(original_->SendCommand(line, reply, 0));
+    delivery = original_->LastDelivery();
+    return isAnswered ? std::optional{replies_.emplace(command, reply).first->second} : std::nullopt;
+  }
+  guesses_.push_back(
+      Joined("nobody asked the instrument ", Quoted(command), ", and it is taken to refuse it"));
+  return replies_.emplace(command, syntaxErrorReply).first->second;
+}
+
+std::optional<std::string> TwinLink::Held(const std::string& key) const {
+  const auto reply = replies_.find(Joined(question, key));
+  return reply == replies_.end() || reply->second == syntaxErrorReply
+             ? std::nullopt
+             : std::optional{reply->second.substr(reply->second.find('=', key.size()) + 1)};
+}
+
+}  // namespace zolvane
