@@ -24,7 +24,8 @@ install_packages() {
 
 build_packages=(g++ cmake ninja-build libcli11-dev nlohmann-json3-dev libasio-dev libssl-dev)
 # clang compiles what runs under the sanitizers in half of the time.
-test_packages=(clang-19 libclang-rt-19-dev llvm-19 libgtest-dev gcovr python3 python3-jsonschema)
+test_packages=(clang-19 libclang-rt-19-dev llvm-19 libgtest-dev gcovr python3 python3-jsonschema
+  chromium fonts-liberation poppler-utils)
 # One release of the tools on every system, so that all agree on what is clean.
 check_packages=(clang-format-19 clang-tidy-19 shellcheck)
 benchmark_packages=(libbenchmark-dev libsimpleini-dev libglib2.0-dev pkg-config)

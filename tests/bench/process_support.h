@@ -213,6 +213,7 @@ class Process {
 struct RunSetup {
   std::string Input{};
   std::function<void()> InChild{};
+  std::chrono::seconds Deadline = processDeadline;
 };
 
 // Runs a program to its end.
@@ -238,7 +239,7 @@ inline ProcessResult RunProgram(const std::string& program, const Arguments& arg
   input.WriteEnd.Close();
 
   ProcessResult result;
-  const auto deadline = std::chrono::steady_clock::now() + processDeadline;
+  const auto deadline = std::chrono::steady_clock::now() + setup.Deadline;
   while (output.ReadEnd.IsOpen() || errors.ReadEnd.IsOpen()) {
     std::array<::pollfd, 2> waiting{::pollfd{.fd = output.ReadEnd.Number(), .events = POLLIN, .revents = 0},
                                     ::pollfd{.fd = errors.ReadEnd.Number(), .events = POLLIN, .revents = 0}};

@@ -11,8 +11,7 @@ constexpr std::string_view digits = "0123456789abcdef";
 }  // namespace
 
 bool IsSha256Hex(std::string_view text) {
-  constexpr std::size_t length = 64;
-  return text.size() == length && text.find_first_not_of(digits) == std::string_view::npos;
+  return text.size() == sha256HexLength && text.find_first_not_of(digits) == std::string_view::npos;
 }
 
 std::string HexOf(std::string_view bytes) {

@@ -195,11 +195,7 @@ TEST_F(HistoryOnDisk, ADamagedOneGivesWayToANewOneAndStays) {
     History history{Disk, Witness, folder};
     ASSERT_TRUE(history.OpenForRecording().Ok());
     EXPECT_EQ(history.Damage(), "line 1: it does not say which history this is");
-<<<<<<< HEAD
     EXPECT_EQ(PathOf(history.SetAside().value_or("")), PathOf(path));
-=======
-    EXPECT_EQ(MemoryDisk::NameOnDisk(history.SetAside().value_or("")), path);
->>>>>>> 191752b (Say where the history and its tests stand)
     EXPECT_EQ(Operate(history), 2U);
     EXPECT_EQ(Disk.Read(std::string{path} + "/journal.jsonl").Bytes, "no journal\n");
     EXPECT_TRUE(AuditAgainst().IsIntact);

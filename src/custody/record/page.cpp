@@ -1,0 +1,290 @@
+#include "custody/record/page.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cstddef>
+#include <initializer_list>
+#include <map>
+#include <optional>
+#include <utility>
+
+#include "custody/disk/sha256.h"
+#include "custody/record/drawings.h"
+#include "custody/record/markup.h"
+#include "custody/record/page_style.h"
+#include "custody/record/position_map.h"
+#include "custody/record/value_rows.h"
+#include "text/joined.h"
+
+namespace zolvane {
+namespace {
+
+std::string CountText(std::size_t count) {
+  return std::to_string(count);
+}
+
+std::string TextCell(std::string_view text) {
+  return Element("td", Escaped(text));
+}
+
+std::string HeadRow(std::initializer_list<std::string_view> titles) {
+  std::string cells;
+  for (const auto title : titles) {
+    cells += Element("th", Escaped(title));
+  }
+  return Element("thead", Element("tr", cells));
+}
+
+// ---- Who, when, why, what ----
+
+// "2026-03-14 10:26:53 +01:00" of the history's text of the same moment, as a clock on the wall showed it. A text
+// of another form stays as it is.
+std::string LocalTimeText(const std::string& utc, std::int64_t offset) {
+  using namespace std::chrono;
+  constexpr std::string_view form = "dddd-dd-ddTdd:dd:dd.dddZ";
+  const auto fits = [](char character, char expected) {
+    return expected == 'd' ? character >= '0' && character <= '9' : character == expected;
+  };
+  if (!std::ranges::equal(utc, form, fits) || offset < -24 * 60 || offset > 24 * 60) {
+    return utc;
+  }
+  const auto number = [&utc](std::size_t at, std::size_t length) {
+    return std::stoi(utc.substr(at, length));
+  };
+  const auto digits = [](int value) { return Joined(value < 10 ? "0" : "", std::to_string(value)); };
+  const year_month_day date{year{number(0, 4)}, month{static_cast<unsigned>(number(5, 2))},
+                            day{static_cast<unsigned>(number(8, 2))}};
+  const auto moment = sys_days{date} + hours{number(11, 2)} + minutes{number(14, 2) + offset};
+  const auto midnight = floor<days>(moment);
+  const year_month_day local{midnight};
+  const hh_mm_ss time{moment - midnight};
+  const hh_mm_ss zone{minutes{std::abs(offset)}};
+  const auto clock = [&digits](const auto& of) {
+    return Joined(digits(static_cast<int>(of.hours().count())), ":",
+                  digits(static_cast<int>(of.minutes().count())));
+  };
+  return Joined(std::to_string(static_cast<int>(local.year())), "-",
+                digits(static_cast<int>(static_cast<unsigned>(local.month()))), "-",
+                digits(static_cast<int>(static_cast<unsigned>(local.day()))), " ", clock(time), ":",
+                utc.substr(17, 2), offset < 0 ? " −" : " +", clock(zone));
+}
+
+std::string Fact(std::string_view title, std::string_view text) {
+  return Element("dt", title) + Element("dd", text.empty() ? Element("i", "not given") : Escaped(text));
+}
+
+std::string OperationText(const RecordedOperation& last) {
+  return Joined(std::to_string(last.Number), ": ", last.Action, ", ", last.Outcome, ", by ", last.Person,
+                last.Reason.empty() ? "" : ", because: ", last.Reason);
+}
+
+std::string Facts(const RecordContent& content, const Faces& faces) {
+  auto facts = Fact("Time", Joined(LocalTimeText(content.Time, content.Offset), " (", content.Time, ")"));
+  facts += Fact("Person", content.Person) + Fact("Reason", content.Reason);
+  facts += Fact("Model in the file", faces.Left.InForce.Device.Name);
+  facts += Fact("Module in the file", faces.Left.InForce.Cage.Name);
+  facts += content.Left.Instrument
+               ? Fact("Instrument says", content.Instrument) + Fact("Reached by", content.Link)
+               : Element("dt", "Instrument") + Element("dd", "was not asked");
+  facts += Fact("File", content.File);
+  facts += Fact("SHA-256 of the file", Sha256Hex(content.Left.Configuration));
+  facts += Fact("Computer", content.Machine) + Fact("Program", Joined(content.Program, " ", content.Version));
+  if (content.Last) {
+    facts += Fact("Last operation", OperationText(*content.Last));
+    facts += Fact("Its time", LocalTimeText(content.Last->Time, content.Offset));
+  }
+  std::string checkpoint;
+  for (const auto& line : content.Checkpoint) {
+    checkpoint += Escaped(line) + "<br>";
+  }
+  return Element("dl", facts + Element("dt", "Checkpoint of the history") + Element("dd", checkpoint));
+}
+
+// ---- Findings ----
+
+std::string FindingList(const std::vector<Finding>& findings) {
+  if (findings.empty()) {
+    return Element("p", "The check of the file found nothing.");
+  }
+  std::string rows;
+  for (const auto& finding : findings) {
+    const auto place = finding.Line == 0 ? "" : CountText(finding.Line);
+    rows += Element("tr", Joined(TextCell(NameOf(finding.Grade)), TextCell(finding.Code), TextCell(place),
+                                 Element("td", Joined(Escaped(finding.Text), "<br>",
+                                                      Element("small", Escaped(finding.Advice))))));
+  }
+  return Element("table class=\"findings\"",
+                 HeadRow({"Grade", "Code", "Line", "Finding"}) + Element("tbody", rows));
+}
+
+// ---- Differences ----
+
+std::string WithMeasure(const Faces& faces, std::string_view name, const std::optional<std::string>& text) {
+  if (!text) {
+    return Element("i", "none");
+  }
+  const auto measure = faces.Meanings.Measure(name, *text);
+  return Joined(Escaped(*text),
+                measure && *measure != *text + " mm" ? Element("small", Escaped(*measure)) : "",
+                measure && *measure == *text + " mm" ? " mm" : "");
+}
+
+std::string DifferenceRow(const Difference& difference, const Faces& faces) {
+  const auto title = faces.Meanings.Of(difference.Name).Title;
+  const bool isKnown = difference.Kind != DifferenceKind::NotAnswered;
+  return Element("tr", Joined(TextCell(difference.Name),
+                              Element("td", WithMeasure(faces, difference.Name, difference.A)),
+                              Element("td", isKnown ? WithMeasure(faces, difference.Name, difference.B)
+                                                    : Element("i", "not answered"))));
+}
+
+// The differences under the names of their groups.
+std::string DifferenceTable(const Comparison& comparison, const Faces& faces, std::string_view a,
+                            std::string_view b) {
+  std::string bodies;
+  std::string group;
+  std::string rows;
+  const auto close = [&] {
+    if (!rows.empty()) {
+      bodies +=
+          Element("tbody", Element("tr", Element("th colspan=\"3\" class=\"group\"", Escaped(group))) + rows);
+    }
+    rows.clear();
+  };
+  for (const auto& difference : comparison.Differences) {
+    const auto next = faces.Meanings.Of(difference.Name).Group;
+    if (next != group) {
+      close();
+      group = next;
+    }
+    rows += DifferenceRow(difference, faces);
+  }
+  close();
+  return bodies.empty() ? std::string{}
+                        : Element("table class=\"numbers\"", HeadRow({"Value", a, b}) + bodies);
+}
+
+std::string CountsText(const Comparison& comparison) {
+  const auto total = comparison.Same + comparison.Differences.size();
+  return Joined(CountText(total), " values: ", CountText(comparison.Same), " the same, ",
+                CountText(comparison.Different), " different, ",
+                CountText(comparison.OnlyInA + comparison.OnlyInB), " on one side only, ",
+                CountText(comparison.NotAnswered), " not answered.");
+}
+
+std::string ComparisonPart(std::string_view title, const Comparison& comparison, const Faces& faces,
+                           std::string_view a, std::string_view b) {
+  return Joined(Element("h3", Escaped(title)), Element("p", CountsText(comparison)),
+                DifferenceTable(comparison, faces, a, b));
+}
+
+std::string ChangePart(const RecordContent& content, const Faces& faces) {
+  if (!content.Last) {
+    return Element("p", "The history holds no operation that changed something.");
+  }
+  std::string markup;
+  if (content.Last->Found.Instrument && content.Left.Instrument) {
+    markup += ComparisonPart("On the instrument",
+                             Compare(*content.Last->Found.Instrument, *content.Left.Instrument), faces,
+                             "As found", "As left");
+  }
+  return markup + ComparisonPart("In the file",
+                                 Compare(FileFace(content.Last->Found.Configuration),
+                                         FileFace(content.Left.Configuration)),
+                                 faces, "As found", "As left");
+}
+
+std::string AgreementPart(const RecordContent& content, const Faces& faces) {
+  if (!content.Left.Instrument) {
+    return Element("p", "No instrument was asked.");
+  }
+  return ComparisonPart("What an upload of the file would send, and what the instrument holds",
+                        Compare(faces.Left.Lines, *content.Left.Instrument), faces, "File", "Instrument");
+}
+
+// ---- All values ----
+
+std::string StateText(const std::optional<Value>& value) {
+  if (!value) {
+    return {};
+  }
+  return !value->WasAnswered ? Element("i", "not answered")
+         : value->Text       ? Escaped(*value->Text)
+                             : Element("i", "unknown");
+}
+
+std::string AllValues(const std::vector<ValueRow>& rows, const Faces& faces) {
+  std::string markup;
+  std::string group;
+  for (const auto& row : rows) {
+    if (row.Meaning.Group != group) {
+      group = row.Meaning.Group;
+      markup += Element("tr", Element("th colspan=\"5\" class=\"group\"", Escaped(group)));
+    }
+    const auto now = row.Now();
+    const auto measure = now ? faces.Meanings.Measure(row.Name, *now) : std::nullopt;
+    const auto before = row.Before();
+    markup += Element(
+        before ? "tr class=\"moved\"" : "tr",
+        Joined(TextCell(row.Name), TextCell(before.value_or("")), Element("td", StateText(row.LeftInFile)),
+               Element("td", StateText(row.LeftOnInstrument)), TextCell(measure.value_or(""))));
+  }
+  return Element(
+      "table class=\"numbers\"",
+      HeadRow({"Value", "As found, if changed", "File", "Instrument", "Measure"}) + Element("tbody", markup));
+}
+
+// ---- The page ----
+
+std::string Section(std::string_view title, std::string_view content) {
+  return Element("section", Element("h2", Escaped(title)) + std::string{content});
+}
+
+std::string Signatures() {
+  const auto line = Element("tr", "<td></td><td></td><td></td><td></td>");
+  return Element("table class=\"signatures\"",
+                 HeadRow({"Name", "Meaning (done, checked, approved)", "Date and time", "Signature"}) +
+                     Element("tbody", line + line));
+}
+
+std::string Head(const std::string& title) {
+  return Element("head", Joined("<meta charset=\"utf-8\">\n<meta http-equiv=\"Content-Security-Policy\" "
+                                "content=\"default-src 'none'; style-src 'unsafe-inline'\">\n",
+                                Element("title", Escaped(title)), Element("style", pageStyle)));
+}
+
+std::string Positions(const std::vector<ValueRow>& rows, const Faces& faces) {
+  return PositionMap(rows, faces, "Stage XY", "Stage: places, chute, nests and racks") +
+         PositionMap(rows, faces, "SD XY", "1/8/12 module: its positions and the places of its nests");
+}
+
+}  // namespace
+
+std::string PageOf(const RecordContent& content, std::string_view hiddenElement) {
+  const Faces faces{content};
+  const auto rows = RowsOf(content, faces);
+  const auto title =
+      Joined("Adjustment record ", faces.Left.InForce.Device.Name, " ", content.Time.substr(0, 10));
+  const auto problem =
+      faces.Left.Problem.empty() ? "" : Element("p class=\"moved\"", Escaped(faces.Left.Problem));
+  const auto head = Joined(Element("h1", "Adjustment record"),
+                           Element("p",
+                                   "What was set, and what was found. It states no result of a measurement: "
+                                   "whether the instrument is right, a test with a standard says."));
+  const auto body = Joined(
+      Element("header", Joined(head, Facts(content, faces), problem)),
+      Section("As found and as left", ChangePart(content, faces)),
+      Section("File and instrument", AgreementPart(content, faces)),
+      Section("Positions", Positions(rows, faces)),
+      Section("Heights, values of the Z axis", HeightDrawing(rows, faces)),
+      Section("Volume corrections", VolumeCurves(content)),
+      Section("Findings in the file", FindingList(content.Findings)),
+      Section("All values", AllValues(rows, faces)), Section("Signatures", Signatures()),
+      Element("footer",
+              "The last line of this file holds the SHA-256 of all bytes before it: compare it with "
+              "<code>head -n -1 FILE | sha256sum</code>. The program restores the settings from this file."),
+      hiddenElement);
+  return Joined("<html lang=\"en\">\n", Head(title), Element("body", body), "</html>\n");
+}
+
+}  // namespace zolvane
