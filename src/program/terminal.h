@@ -28,6 +28,9 @@ std::optional<std::size_t> ErrorTerminalWidth();
 // The arguments after the program's name, in UTF-8 where the system has an encoding for them.
 std::vector<std::string> ProgramArguments(int count, char** arguments);
 
+// The same encoding. Empty if there is no such variable, or nothing in it.
+std::optional<std::string> EnvironmentVariable(const std::string& name);
+
 // Call this first. An impossible write (a closed stream, a reader who has left, a limit on file sizes) then
 // fails instead of ending the program, and standard streams that the program was started without are
 // replaced: otherwise the first files that it opens would be taken for them.

@@ -7,6 +7,7 @@
 #include <atomic>
 #include <cerrno>
 #include <csignal>
+#include <cstdlib>
 
 #include "program/terminal.h"
 
@@ -156,6 +157,11 @@ std::optional<std::size_t> ErrorTerminalWidth() {
 
 std::vector<std::string> ProgramArguments(int count, char** arguments) {
   return {arguments + (count > 0 ? 1 : 0), arguments + count};
+}
+
+std::optional<std::string> EnvironmentVariable(const std::string& name) {
+  const char* const text = std::getenv(name.c_str());
+  return text == nullptr || *text == '\0' ? std::nullopt : std::optional<std::string>{text};
 }
 
 void KeepStandardStreams() {

@@ -6,6 +6,7 @@
 #include <array>
 #include <atomic>
 #include <cstdio>
+#include <string>
 
 #include "win32/text.h"
 // After the header of the system that it builds on.
@@ -65,6 +66,13 @@ std::vector<std::string> ProgramArguments(int, char**) {
   }
   ::LocalFree(arguments);
   return texts;
+}
+
+std::optional<std::string> EnvironmentVariable(const std::string& name) {
+  const std::wstring wide{name.begin(), name.end()};
+  std::wstring text(32768, L'\0');
+  text.resize(::GetEnvironmentVariableW(wide.c_str(), text.data(), static_cast<DWORD>(text.size())));
+  return text.empty() ? std::nullopt : std::optional{Utf8(text)};
 }
 
 // Windows does not reuse handles as other systems reuse descriptors.

@@ -9,6 +9,7 @@
 
 #include "config/text.h"
 #include "files/paths.h"
+#include "program/command_rows.h"
 #include "text/joined.h"
 #include "text/printable.h"
 #include "text/suggestion.h"
@@ -169,26 +170,14 @@ constexpr std::array<CommandRow, 12> commandRows{{
      "The same as COMMAND --help.\n"},
 }};
 
-const CommandRow& RowOfCommand(std::string_view name) {
-  const auto* const found = std::ranges::find(commandRows, name, &CommandRow::Name);
-  if (found != commandRows.end()) {
-    return *found;
-  }
-  const auto suggestion = DidYouMean(name, NamesOf(commandRows));
-  throw UsageError{Joined("there is no command ", Quoted(name),
-                          suggestion.empty() ? std::string{"; see zolvane-bench --help"} : suggestion)};
-}
+constexpr std::string_view program = "zolvane-bench";
 
 const CommandRow& CheckedRow(const Words& words) {
-  const auto& row = RowOfCommand(words.front());
+  const auto& row = CommandNamed(commandRows, words.front(), program);
   if (row.Name == helpCommand) {
     throw UsageError{"help stands on the command line and in no run file"};
   }
-  if (words.size() < row.LeastWords || words.size() > row.MostWords) {
-    const bool isShort = words.size() < row.LeastWords;
-    throw UsageError{
-        Joined(row.Name, " has too ", isShort ? "few" : "many", " arguments; it is used as: ", row.Usage)};
-  }
+  DemandWords(row, words);
   return row;
 }
 
@@ -220,17 +209,12 @@ Action MakeAction(const Words& words, const std::optional<std::string>& file) {
   return action;
 }
 
-std::vector<CommandHelp> CommandsHelp() {
-  std::vector<CommandHelp> help;
-  std::ranges::transform(commandRows, std::back_inserter(help),
-                         [](const auto& row) { return CommandHelp{row.Usage, row.Effect}; });
-  return help;
+std::string ActionsHelpText() {
+  return CommandsHelpText(commandRows);
 }
 
-std::string CommandHelpText(std::string_view command) {
-  const auto& row = RowOfCommand(command);
-  return Joined("Usage: zolvane-bench [OPTIONS] ", row.Usage, "\n\n  ", row.Effect, "\n\n", row.Details,
-                "\nExample:\n  zolvane-bench ", row.Example, "\n\nThe options: zolvane-bench --help\n");
+std::string ActionHelpText(std::string_view command) {
+  return CommandHelpText(CommandNamed(commandRows, command, program), program);
 }
 
 }  // namespace zolvane

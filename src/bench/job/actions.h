@@ -37,17 +37,10 @@ bool RunsFile(const std::vector<std::string>& words);
 // What any other command does. `file` is the value of --file, if there is one. Throws UsageError.
 Action MakeAction(const std::vector<std::string>& words, const std::optional<std::string>& file);
 
-// One line of help per command.
-struct CommandHelp {
-  std::string_view Command;
-  std::string_view Effect;
-};
-std::vector<CommandHelp> CommandsHelp();
-
-// The command that asks for help; it starts no session.
-inline constexpr std::string_view helpCommand = "help";
+// The commands, a line each, for the help.
+std::string ActionsHelpText();
 
 // How one command is used, with an example. Throws UsageError if there is no such command.
-std::string CommandHelpText(std::string_view command);
+std::string ActionHelpText(std::string_view command);
 
 }  // namespace zolvane

@@ -1,15 +1,13 @@
 #include "bench/program/bench_program.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <chrono>
-#include <exception>
 #include <iterator>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <ostream>
 #include <span>
-#include <system_error>
+#include <string_view>
 #include <variant>
 
 #include "bench/host/bench_host.h"
@@ -22,22 +20,18 @@
 #include "bench/program/report.h"
 #include "instrument/links/link_factory.h"
 #include "program/console.h"
+#include "program/program_frame.h"
 #include "program/terminal.h"
 #include "program/version.h"
 #include "program/write_failure.h"
 #include "text/joined.h"
 #include "text/json_text.h"
-#include "text/printable.h"
 #include "text/usage_error.h"
 
 namespace zolvane {
 namespace {
 
-// Outlives everything, so that a signal finds it at any time.
-InterruptFlag& Interrupt() {
-  static constinit InterruptFlag flag;
-  return flag;
-}
+constexpr std::string_view programName = "zolvane-bench";
 
 // Prints each result at once, or all of them as one document at the end.
 class Results {
@@ -95,13 +89,13 @@ int PlayJob(const Options& options, const Job& job, const std::shared_ptr<BenchL
       .Folder = options.Folder,
       .OffersDialog = options.OffersHostDialog,
       .Answers = {.Listed = options.Answers, .AffirmsRest = options.AffirmsRest},
-      .WantsToStop = [] { return Interrupt().IsRaised(); },
+      .WantsToStop = [] { return ProgramInterrupt().IsRaised(); },
   };
   BenchHost host{setup, link, terminal.get(), console};
   Results results{options, job, console};
   Session session{host, console, trace.Log()};
   const int played = session.Play(job.Actions, options.KeepsGoing ? OnFailure::GoOn : OnFailure::Stop,
-                                  {.IsInterrupted = [] { return Interrupt().IsRaised(); },
+                                  {.IsInterrupted = [] { return ProgramInterrupt().IsRaised(); },
                                    .Ended = [&](const ActionResult& result) { results.Take(result); },
                                    .NotBegun = [&](auto actions) { results.LeaveOut(actions); }});
   if (const auto loss = trace.Finish()) {
@@ -114,7 +108,7 @@ int PlayJob(const Options& options, const Job& job, const std::shared_ptr<BenchL
 int Run(const Options& options, std::istream& input, std::ostream& output, std::ostream& errors) {
   const Job job = ParseJob(options.Command, options.File, input);
   const auto notes = CheckFiles(options, job);
-  const auto link = CreateLink(options.Link, options.TimeoutSeconds, Interrupt());
+  const auto link = CreateLink(options.Link, options.TimeoutSeconds, ProgramInterrupt());
   TraceOutput trace{options.Trace, options.TracesReads, output};
   link->Begin();
   Console console{output,
@@ -125,24 +119,15 @@ int Run(const Options& options, std::istream& input, std::ostream& output, std::
   std::ranges::for_each(notes, [&](const auto& note) { console.Note(note); });
   // So far only the trace and an instrument's memory have been opened, and an interrupt
   // may simply end the program.
-  TakeInterrupts([] { Interrupt().Raise(); });
+  TakeInterrupts([] { ProgramInterrupt().Raise(); });
   return PlayJob(options, job, link, trace, console);
-}
-
-void Complain(std::ostream& errors, const std::string& text) {
-  errors << Joined("zolvane-bench: ", OneLine(text), "\n") << std::flush;
 }
 
 int ParseAndRun(const std::vector<std::string>& arguments, std::istream& input, std::ostream& output,
                 std::ostream& errors) {
   const auto parsed = ParseOptions(arguments);
   if (const auto* information = std::get_if<Information>(&parsed)) {
-    errno = 0;
-    if (output << information->Text << std::flush || ReaderHasLeft(LastWriteFailure())) {
-      return exit_status::done;
-    }
-    Complain(errors, "standard output could not be written");
-    return exit_status::notDone;
+    return PrintInformation(programName, information->Text, output, errors);
   }
   return Run(std::get<Options>(parsed), input, output, errors);
 }
@@ -151,17 +136,7 @@ int ParseAndRun(const std::vector<std::string>& arguments, std::istream& input, 
 
 int RunBench(const std::vector<std::string>& arguments, std::istream& input, std::ostream& output,
              std::ostream& errors) {
-  try {
-    return ParseAndRun(arguments, input, output, errors);
-  } catch (const UsageError& error) {
-    Complain(errors, error.what());
-    return exit_status::unusable;
-  } catch (const std::exception& error) {
-    Complain(errors, std::string{"the run broke off: "} + error.what());
-  } catch (...) {
-    Complain(errors, "the run broke off");
-  }
-  return exit_status::notDone;
+  return RunFramed(programName, errors, [&] { return ParseAndRun(arguments, input, output, errors); });
 }
 
 }  // namespace zolvane

@@ -13,11 +13,11 @@
 
 #include "bench/host/outcome.h"
 #include "bench/host/result_text.h"
+#include "bench/host/session_options.h"
 #include "bench/host/trace_output.h"
 #include "bench/host/watch.h"
 #include "bench/job/job.h"
 #include "bench/program/file_checks.h"
-#include "bench/program/options.h"
 #include "bench/windows/com/add_in_class.h"
 #include "bench/windows/com/com_session.h"
 #include "bench/windows/com/offered_host.h"

@@ -23,4 +23,10 @@ class InterruptFlag {
   std::atomic<unsigned> timesRaised_ = 0;
 };
 
+// The program's own. It outlives everything, so that a signal finds it at any time.
+inline InterruptFlag& ProgramInterrupt() {
+  static constinit InterruptFlag flag;
+  return flag;
+}
+
 }  // namespace zolvane
