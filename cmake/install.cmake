@@ -22,7 +22,7 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/HZOCalibrateDeviceConfigV
 install(FILES ${PROJECT_BINARY_DIR}/HZOCalibrateDeviceConfigVersion.cmake DESTINATION ${package})
 
 if(NOT ZOLVANE_FUZZERS)
-  install(TARGETS zolvane-bench zolvane-sim)
+  install(TARGETS zolvane zolvane-bench zolvane-sim)
 endif()
 if(WIN32)
   install(TARGETS HestrionBench HZOCalibrateDevice RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}

@@ -1,5 +1,5 @@
-// What the programs' tables of commands have in common. A row is any structure with Name, Usage, Effect, LeastWords,
-// MostWords, Example and Details.
+// What the programs' tables of commands have in common. A row is any structure with Name, Usage, Effect,
+// LeastWords, MostWords, Example and Details.
 #pragma once
 
 #include <algorithm>

@@ -32,7 +32,7 @@ cp "$calibrated" "$installed/Zolvane.ini"
 unzip -q "${archives[0]}" -d "$unpacked"
 
 expected='CHANGELOG.md HZOCalibrateDevice.dll HestrionBench.exe LICENSE README.txt docs host.manifest register.cmd
-samples unregister.cmd zolvane-bench.exe zolvane-sim.exe'
+samples unregister.cmd zolvane-bench.exe zolvane-sim.exe zolvane.exe'
 [[ $(find "$unpacked"/* -mindepth 1 -maxdepth 1 -printf '%f\n' | LC_ALL=C sort | xargs) == "$(xargs <<<"$expected")" ]] ||
   fail "the package holds what it should"
 cp -r "$unpacked"/*/* "$installed/"

@@ -118,7 +118,7 @@ Status DrySettings::WriteValue(std::string_view section, std::string_view key, s
 }
 
 void RunDry(const std::string& programFolder, std::shared_ptr<IniFileService> settings,
-            std::shared_ptr<InstrumentLink> link, const Operation& operation) {
+            std::shared_ptr<InstrumentLink> link, const DryOperation& operation) {
   // NOLINTBEGIN(misc-const-correctness): the context refers to them, and the operation changes them
   DryProcess process{programFolder, std::move(settings)};
   ConsentingUser user;

@@ -46,12 +46,12 @@ class DrySettings final : public ForwardingSettings {
   std::map<std::string, Kept> writes_;
 };
 
-using Operation = std::function<void(const OperationContext& context)>;
+using DryOperation = std::function<void(const OperationContext& context)>;
 
 // Runs the operation with nothing but these settings and this link, as if the user agreed to everything. No
 // empty line is appended.
 void RunDry(const std::string& programFolder, std::shared_ptr<IniFileService> settings,
-            std::shared_ptr<InstrumentLink> link, const Operation& operation);
+            std::shared_ptr<InstrumentLink> link, const DryOperation& operation);
 
 // How many commands the query, upload or download button would send to an instrument that answers each of
 // them; 0 for any other button. Reads the configuration file of the program folder and changes nothing.

@@ -1,0 +1,254 @@
+#include "zolvane/looking.h"
+
+#include <algorithm>
+#include <ranges>
+
+#include "config/text.h"
+#include "custody/values/values_json.h"
+#include "text/joined.h"
+#include "text/printable.h"
+#include "text/usage_error.h"
+#include "zolvane/operations/custody.h"
+#include "zolvane/operations/kept_operation.h"
+#include "zolvane/work/printing.h"
+#include "zolvane/work/sides.h"
+
+namespace zolvane {
+namespace {
+
+// The keys that an upload of the side would send; of the instrument, those of the file in the folder.
+std::vector<std::string> KeysOf(Workplace& work, const Side& side) {
+  if (side.Answers) {
+    return NamesOf(*side.Answers);
+  }
+  const auto named = side.IsInstrument ? SideNamed(work, "file") : side;
+  return NamesOf(WireFaceOf(work, named, {}));
+}
+
+// What is known of values that a configuration explains: the side's own, else the one in the folder.
+Descriptions DescriptionsFor(Workplace& work, const Side& side) {
+  auto bytes =
+      side.Configuration && !side.IsBackup ? *side.Configuration : work.Files.Read(work.ConfigFile()).Bytes;
+  return Descriptions{WireFaceOfFile(bytes)};
+}
+
+// A name, or the beginning of one up to a blank.
+bool IsMeant(const std::string& name, const std::string& key) {
+  return EqualIgnoringCase(name, key) ||
+         (name.size() > key.size() && name[key.size()] == ' ' &&
+          EqualIgnoringCase(std::string_view{name}.substr(0, key.size()), key));
+}
+
+void DemandKnown(const Values& values, const std::vector<std::string>& keys) {
+  for (const auto& key : keys) {
+    if (std::ranges::none_of(values.InOrder(),
+                             [&](const Value& value) { return IsMeant(value.Name, key); })) {
+      throw UsageError{Joined("the side has no value ", Quoted(key))};
+    }
+  }
+}
+
+std::string TextOfValue(const Descriptions& descriptions, const Value& value) {
+  return value.WasAnswered ? MeasuredText(descriptions, value.Name, value.Text) : "(not answered)";
+}
+
+Json ShownJson(const Descriptions& descriptions, const Value& value, bool isOverridden) {
+  Json json{{"key", value.Name}};
+  if (value.Text) {
+    json["found"] = *value.Text;
+    if (const auto measure = descriptions.Measure(value.Name, *value.Text)) {
+      json["measure"] = *measure;
+    }
+  }
+  if (!value.WasAnswered) {
+    json["verdict"] = "not_answered";
+  } else if (isOverridden) {
+    json["verdict"] = "overridden";
+  }
+  return json;
+}
+
+// In groups; what is overridden comes last.
+void PrintValues(Workplace& work, const Values& values, const Descriptions& descriptions,
+                 const std::vector<std::string>& keys) {
+  const auto isShown = [&](const Value& value) {
+    return keys.empty() ||
+           std::ranges::any_of(keys, [&](const auto& key) { return IsMeant(value.Name, key); });
+  };
+  std::vector<TextRow> rows;
+  std::string group;
+  std::size_t shown = 0;
+  const auto add = [&](const Value& value, bool isOverridden) {
+    const auto description = descriptions.Of(value.Name);
+    if (rows.empty() || description.Group != group) {
+      group = description.Group;
+      rows.push_back({Printable(group)});
+    }
+    rows.push_back({Joined("  ", Printable(value.Name)), TextOfValue(descriptions, value),
+                    isOverridden ? "overridden" : Printable(description.Title)});
+    work.Result.More["values"].push_back(ShownJson(descriptions, value, isOverridden));
+    ++shown;
+  };
+  for (const auto& value : values.InOrder() | std::views::filter(isShown)) {
+    add(value, false);
+  }
+  work.Result.Counts.emplace_back("values", shown);
+  for (const auto& value : values.Overridden() | std::views::filter(isShown)) {
+    add(value, true);
+  }
+  work.Result.Counts.emplace_back("overridden", shown - work.Result.Counts.back().second);
+  work.Out.Print(ColumnsText(rows, 0));
+}
+
+Json DifferenceJson(const Difference& difference) {
+  Json json{{"key", difference.Name}};
+  if (difference.A) {
+    json["a"] = *difference.A;
+  }
+  if (difference.B) {
+    json["b"] = *difference.B;
+  }
+  if (difference.Kind == DifferenceKind::NotAnswered) {
+    json["answered"] = false;
+  }
+  return json;
+}
+
+}  // namespace
+
+void Show(Workplace& work, const Words& words) {
+  const auto side = SideNamed(work, words[1]);
+  const std::vector<std::string> keys{words.begin() + 2, words.end()};
+  const bool isWire = work.Options.ComparesWire || side.IsInstrument;
+  const auto values = !isWire                              ? FileFaceOf(side)
+                      : side.IsInstrument && !keys.empty() ? WireFaceOf(work, side, keys)
+                                                           : WireFaceOf(work, side, KeysOf(work, side));
+  DemandKnown(values, keys);
+  PrintValues(work, values, DescriptionsFor(work, side), keys);
+  if (std::ranges::any_of(values.InOrder(), [](const Value& value) { return !value.WasAnswered; })) {
+    work.Out.Error(Joined("the instrument does not answer", LinkProblem(*work.Link)));
+    work.Result.Worsen(exit_status::unusable);
+  }
+}
+
+void Check(Workplace& work, const Words& words) {
+  if (work.Options.Explains) {
+    const auto text = ExplainFinding(*work.Options.Explains);
+    if (text.empty()) {
+      throw UsageError{Joined("there is no finding ", Quoted(*work.Options.Explains))};
+    }
+    work.Out.Print(text.ends_with('\n') ? text : text + "\n");
+    return;
+  }
+  const auto side = SideNamed(work, words.size() > 1 ? words[1] : "file");
+  if (!side.Configuration) {
+    throw UsageError{Joined(Quoted(side.Name), " has no configuration to check")};
+  }
+  const auto file = side.Name == "file" ? work.ConfigFile() : side.Name;
+  auto& findings = work.Result.Findings;
+  findings = side.IsBackup ? CheckBackup(*side.Configuration, file, ReadConfiguration(work))
+                           : CheckConfiguration(*side.Configuration, file);
+  std::string counts;
+  for (const auto grade : {Grade::Error, Grade::Warning, Grade::Note}) {
+    const auto count = static_cast<std::size_t>(std::ranges::count(findings, grade, &Finding::Grade));
+    work.Result.Counts.emplace_back(NameOf(grade), count);
+    counts.append(counts.empty() ? "" : ", ").append(CountOf(count, NameOf(grade)));
+  }
+  work.Out.Print(FindingsText(findings) + counts + "\n");
+  work.Result.Worsen(HasError(findings) ? exit_status::notDone : exit_status::done);
+}
+
+void Diff(Workplace& work, const Words& words) {
+  const auto a = SideNamed(work, words[1]);
+  const auto b = SideNamed(work, words[2]);
+  const bool isWire = work.Options.ComparesWire || a.IsInstrument || b.IsInstrument;
+  const auto keys = isWire ? KeysOf(work, a.IsInstrument ? b : a) : std::vector<std::string>{};
+  const auto face = [&](const Side& side) {
+    return isWire ? WireFaceOf(work, side, keys) : FileFaceOf(side);
+  };
+  const auto changes = Compare(face(a), face(b));
+  work.Result.Counts = CountsOf(changes);
+  work.Result.More["differences"] = Json::array();
+  for (const auto& difference : changes.Differences) {
+    work.Result.More["differences"].push_back(DifferenceJson(difference));
+  }
+  work.Out.Print(
+      DifferencesText(changes, DescriptionsFor(work, a.IsInstrument || a.IsBackup ? b : a), a.Name, b.Name) +
+      CountsText(work.Result.Counts) + "\n");
+  work.Result.Worsen(changes.Differences.empty() ? exit_status::done : exit_status::notDone);
+  if (changes.NotAnswered > 0) {
+    work.Out.Error(
+        Joined("the instrument does not answer", work.Link ? LinkProblem(*work.Link) : std::string{}));
+  }
+}
+
+// ---- drift ----
+
+namespace {
+
+// What the instrument was left with, each value by the last operation that sent some.
+Values LastLeft(Workplace& work) {
+  auto history = ReadHistory(work);
+  Values left;
+  for (const auto& operation : history.Operations()) {
+    const bool isKept =
+        operation.Ended != nullptr && !operation.Ended->Left.empty() && SendsValues(operation.Begun->Action);
+    const auto text = isKept ? history.Object(operation.Ended->Left) : std::nullopt;
+    const auto values = text ? ValuesIn(*text) : std::nullopt;
+    if (values) {
+      std::ranges::for_each(values->InOrder(), [&](const Value& value) { left.Add(value); });
+    }
+  }
+  if (left.InOrder().empty()) {
+    throw UsageError{"no operation of the history has left values on an instrument"};
+  }
+  return left;
+}
+
+// Nothing if the value is not known there.
+std::optional<std::string> TextIn(const Values& values, const std::string& name) {
+  const auto* const value = values.Find(name);
+  return value != nullptr && value->WasAnswered ? value->Text : std::nullopt;
+}
+
+bool IsSameHere(const std::optional<std::string>& left, const std::optional<std::string>& right) {
+  return left && right ? SameText(*left, *right) : left == right;
+}
+
+}  // namespace
+
+void Drift(Workplace& work, const Words& /*words*/) {
+  auto& link = DemandLink(work);
+  const auto file = SideNamed(work, "file");
+  const auto left = LastLeft(work);
+  const auto says = WireFaceOf(work, file, {});
+  const auto names = NamesOf(says);
+  const auto holds = WireFaceOfInstrument(link, names);
+  DemandAnswers(holds, link);
+  const auto descriptions = DescriptionsFor(work, file);
+  std::vector<TextRow> rows{{"", "left last", "instrument", "file"}};
+  for (const auto& name : names) {
+    const auto was = TextIn(left, name);
+    const auto is = TextIn(holds, name);
+    const auto should = TextIn(says, name);
+    if (IsSameHere(was, is) && IsSameHere(is, should)) {
+      continue;
+    }
+    rows.push_back({Printable(name), MeasuredText(descriptions, name, was),
+                    MeasuredText(descriptions, name, is), MeasuredText(descriptions, name, should)});
+    Json json{{"key", name}};
+    for (const auto& [member, text] :
+         {std::pair{"left", was}, std::pair{"instrument", is}, std::pair{"file", should}}) {
+      if (text) {
+        json[member] = *text;
+      }
+    }
+    work.Result.More["drift"].push_back(std::move(json));
+  }
+  const auto drifted = rows.size() - 1;
+  work.Result.Counts = {{"same", names.size() - drifted}, {"different", drifted}};
+  work.Out.Print((drifted > 0 ? ColumnsText(rows) : std::string{}) + CountsText(work.Result.Counts) + "\n");
+  work.Result.Worsen(drifted == 0 ? exit_status::done : exit_status::notDone);
+}
+
+}  // namespace zolvane

@@ -1,0 +1,382 @@
+#include "zolvane/operations/add_in_operations.h"
+
+#include <algorithm>
+#include <array>
+#include <memory>
+#include <utility>
+#include <vector>
+
+#include "bench/host/dry_run.h"
+#include "custody/transfer/proving_link.h"
+#include "custody/transfer/twin_link.h"
+#include "custody/values/play.h"
+#include "custody/values/sides.h"
+#include "instrument/links/no_link.h"
+#include "page/page_controls.h"
+#include "text/joined.h"
+#include "text/printable.h"
+#include "text/usage_error.h"
+#include "zolvane/operations/custody.h"
+#include "zolvane/operations/evidence.h"
+#include "zolvane/work/printing.h"
+
+namespace zolvane {
+namespace {
+
+enum class FileRole : std::uint8_t { None, Loaded, Saved };
+
+struct OperationRow {
+  std::string_view Name;
+  int Button;
+  bool AsksInstrument;
+  FileRole File;
+};
+
+constexpr std::array<OperationRow, 5> operationRows{{
+    {"upload", uploadButton, true, FileRole::None},
+    {"download", downloadButton, true, FileRole::None},
+    {"query", queryButton, true, FileRole::None},
+    {"import", importButton, false, FileRole::Loaded},
+    {"export", exportButton, false, FileRole::Saved},
+}};
+
+// What the add-in wrote last under each name, as values of the file's face.
+Values LastWrites(const std::vector<SettingWrite>& writes, const std::string& file) {
+  Values values{NameCase::Ignored};
+  for (const auto& write : writes) {
+    if (IsSameFile(write.File, file)) {
+      values.Add({.Name = Joined("[", write.Section, "] ", write.Key), .Text = write.Text});
+    }
+  }
+  return values;
+}
+
+// The bytes of the file with what the add-in wrote into it.
+std::string WithWrites(const std::string& bytes, const std::vector<SettingWrite>& writes,
+                       const std::string& file) {
+  MemoryDisk copy;
+  copy.Put(file, bytes);
+  FileSettingsService settings{[&copy](const auto& path) { return copy.OpenSettings(path); }};
+  for (const auto& write : writes) {
+    if (IsSameFile(write.File, file)) {
+      PassOver(settings.WriteValue(write.Section, write.Key, file, write.Text));
+    }
+  }
+  return copy.Read(file).Bytes;
+}
+
+// Hands every command on, and remembers which keys were asked for.
+class ListeningLink final : public BenchLink {
+ public:
+  ListeningLink(std::shared_ptr<BenchLink> inner, const InterruptFlag& interrupt)
+      : BenchLink{interrupt}, inner_{std::move(inner)} {}
+
+  const std::vector<std::string>& AskedFor() const { return keys_; }
+
+ private:
+  std::optional<std::string> Exchange(const std::string& command, Delivery& delivery) override {
+    constexpr std::string_view question = "GET_CALIBRATION ";
+    if (command.starts_with(question)) {
+      keys_.push_back(command.substr(question.size()));
+    }
+    auto passed = command;
+    std::string reply;
+    const bool isAnswered = MetOnlyIf(inner_->SendCommand(passed, reply, 0));
+    delivery = inner_->LastDelivery();
+    return isAnswered ? std::optional{reply} : std::nullopt;
+  }
+
+  std::shared_ptr<BenchLink> inner_;
+  std::vector<std::string> keys_;
+};
+
+// Comments behind the last line of a backup.
+std::string ClosingComments(const Checkpoint& checkpoint) {
+  std::string text = Joined(checkpointHeading, "\r\n");
+  for (const auto& line : LinesOf(checkpoint)) {
+    text += Joined("; ", line, "\r\n");
+  }
+  return text;
+}
+
+class AddInOperation final : public CustodyOperation {
+ public:
+  AddInOperation(const OperationRow& row, std::optional<std::string> file)
+      : row_{row}, file_{std::move(file)} {}
+
+  std::string_view Action() const override { return row_.Name; }
+  void Look(Custody& custody) override;
+  void Show(Custody& custody) override;
+  Conclusion Act(Custody& custody) override;
+
+ private:
+  bool Sends() const { return row_.Button == uploadButton; }
+  bool ChangesFile() const { return row_.Button == downloadButton || row_.File == FileRole::Loaded; }
+
+  void LookAtFile(Custody& custody);
+  void Foresee(Custody& custody);
+  void DemandForeseen(const PlayedAction& played) const;
+  void ForeseeSending(Custody& custody);
+  void LookAtBackup(Custody& custody) const;
+  void ShowLoss(Custody& custody) const;
+  SessionEnds RealEnds(Workplace& work, std::shared_ptr<BenchLink> link) const;
+  void MakeRoom(Custody& custody);
+  void CloseSavedFile(Custody& custody, Evidence& evidence) const;
+
+  const OperationRow& row_;
+  std::optional<std::string> file_;
+  std::optional<std::string> fileBefore_;  // what is in it
+  std::string intendedFile_;               // what an export will write
+};
+
+// ---- Look ----
+
+void AddInOperation::Look(Custody& custody) {
+  auto& work = custody.Work;
+  custody.Found.Configuration = ReadConfiguration(work);
+  ObjectToUnfinished(custody.Kept, custody.Doubts);
+  if (row_.AsksInstrument) {
+    custody.LookAtInstrument();
+  }
+  LookAtFile(custody);
+  if (row_.Button == queryButton) {
+    custody.Intended.Configuration =
+        custody.Found.Configuration;  // only the hardware knows what will be written
+  } else {
+    Foresee(custody);
+  }
+  if (Sends() || ChangesFile()) {
+    custody.LookFor(CheckConfiguration(*custody.Intended.Configuration, work.ConfigFile()));
+  }
+}
+
+void AddInOperation::LookAtFile(Custody& custody) {
+  if (row_.File == FileRole::None) {
+    return;
+  }
+  auto& work = custody.Work;
+  if (IsSameFile(*file_, work.ConfigFile())) {
+    throw UsageError{Joined(Quoted(*file_), " is the configuration itself")};
+  }
+  auto content = work.Files.Read(*file_);
+  const bool isThere = content.Is == DiskContent::State::Present;
+  if (!isThere && (content.Is == DiskContent::State::Unreadable || row_.File == FileRole::Loaded)) {
+    throw UsageError{Joined(Quoted(*file_), " ", content.Reason)};
+  }
+  if (isThere) {
+    fileBefore_ = std::move(content.Bytes);
+    custody.OtherFile = {.Path = *file_, .Before = fileBefore_, .After = fileBefore_};
+  } else {
+    DemandFolder(work.Files, *file_);
+  }
+  if (isThere && row_.File == FileRole::Saved) {
+    custody.Doubts.push_back({.Code = std::string{objection_code::exists},
+                              .Expected = "a new file",
+                              .Actual = Joined(*file_, " is there already")});
+  }
+}
+
+// Plays it on copies: what is written there is what is to be written.
+void AddInOperation::Foresee(Custody& custody) {
+  auto& work = custody.Work;
+  MemoryDisk copy;
+  copy.Put(work.ConfigFile(), *custody.Found.Configuration);
+  if (row_.File == FileRole::Loaded) {
+    copy.Put(*file_, *fileBefore_);
+  }
+  auto ends = EndsOn(copy, work.Options.Folder);
+  const auto twin = std::make_shared<TwinLink>(Values{}, Sends() ? nullptr : work.Link, ProgramInterrupt());
+  const auto listening = std::make_shared<ListeningLink>(twin, ProgramInterrupt());
+  if (row_.AsksInstrument) {
+    ends.Link = listening;
+  }
+  const auto played = Play(ends, PressOf(row_.Button, file_));
+  DemandForeseen(played);
+  custody.Intended.Configuration = copy.Read(work.ConfigFile()).Bytes;
+  if (row_.File == FileRole::Saved) {
+    intendedFile_ = copy.Read(*file_).Bytes;
+  } else if (row_.File == FileRole::Loaded) {
+    LookAtBackup(custody);
+  }
+  if (Sends()) {
+    ForeseeSending(custody);
+    return;
+  }
+  custody.Intended.Answers = LastWrites(played.Writes, work.ConfigFile());
+  if (row_.AsksInstrument) {
+    custody.Found.Answers = WireFaceOfInstrument(*twin, listening->AskedFor());
+  }
+}
+
+void AddInOperation::DemandForeseen(const PlayedAction& played) const {
+  const auto& tally = played.Result.Tally;
+  if (tally.WasDisabled) {
+    throw UsageError{Joined("the page does not offer it: the configuration switches ", row_.Name, " off")};
+  }
+  const auto& commands = tally.Commands;
+  if (commands.NotAnswered > 0 || commands.Undelivered > 0 || tally.WasStopped) {
+    throw UsageError{Joined("the instrument does not answer",
+                            commands.FirstProblem ? Joined(": ", *commands.FirstProblem) : std::string{},
+                            "; nothing was changed")};
+  }
+  if (tally.WritesFailed > 0 || tally.ReadsFailed > 0) {
+    throw UsageError{
+        Joined(row_.Name, " cannot be played: a settings file cannot be read, or cannot hold a value")};
+  }
+}
+
+void AddInOperation::ForeseeSending(Custody& custody) {
+  const auto face = WireFaceOfFile(*custody.Found.Configuration);
+  if (!face.Problem.empty()) {
+    throw UsageError{Joined(Quoted(custody.Work.ConfigFile()), ": ", face.Problem)};
+  }
+  auto& link = DemandLink(custody.Work);
+  custody.Intended.Answers = face.Lines;
+  custody.Found.Answers = WireFaceOfInstrument(link, NamesOf(face.Lines));
+  DemandAnswers(*custody.Found.Answers, link);
+}
+
+void AddInOperation::LookAtBackup(Custody& custody) const {
+  auto& work = custody.Work;
+  if (!HoldsBackup(work.Options.Folder, *file_,
+                   [&](const auto& path) { return work.Files.OpenSettings(path); })) {
+    custody.Doubts.push_back({.Code = std::string{objection_code::notABackup},
+                              .Expected = "the sections of a backup",
+                              .Actual = Joined(*file_, " has none of them")});
+    return;
+  }
+  const std::string exported = "exported.bak";
+  MemoryDisk copy;
+  copy.Put(work.ConfigFile(), *custody.Found.Configuration);
+  Play(EndsOn(copy, work.Options.Folder), PressOf(exportButton, exported));
+  ObjectToBackup(custody.Kept, *file_, *fileBefore_, copy.Read(exported).Bytes,
+                 WireFaceOfFile(*custody.Found.Configuration).InForce.Device.Name, custody.Doubts);
+}
+
+// ---- Show ----
+
+void AddInOperation::Show(Custody& custody) {
+  const auto& before = *custody.Found.Configuration;
+  const Descriptions descriptions{WireFaceOfFile(before)};
+  auto& work = custody.Work;
+  if (Sends()) {
+    ShowChanges(work, "instrument", Compare(*custody.Found.Answers, *custody.Intended.Answers), descriptions,
+                "to be sent");
+  }
+  const auto changes = Compare(FileFace(before), FileFace(*custody.Intended.Configuration));
+  if (!changes.Differences.empty() || ChangesFile()) {
+    ShowChanges(work, "file", changes, descriptions, "to be written");
+  }
+  const auto zeros = std::ranges::count_if(changes.Differences, [](const Difference& change) {
+    return change.A && change.B && !SameText(*change.A, "0") && SameText(*change.B, "0");
+  });
+  if (zeros > 0) {
+    work.Out.Note(Joined("set to zero: ", CountOf(static_cast<std::size_t>(zeros), "value")));
+  }
+  if (row_.File == FileRole::Saved) {
+    ShowLoss(custody);
+  }
+}
+
+// What a later import of the exported file would not bring back.
+void AddInOperation::ShowLoss(Custody& custody) const {
+  const auto& configuration = *custody.Intended.Configuration;
+  const auto lost = Compare(FileFace(configuration), FileFace(intendedFile_));
+  const Descriptions descriptions{WireFaceOfFile(configuration)};
+  auto& work = custody.Work;
+  work.Result.Counts.emplace_back("not_brought_back", lost.Differences.size());
+  work.Out.Print(Joined("A later import will not bring back ", CountOf(lost.Differences.size(), "value"),
+                        " of ", std::to_string(lost.Differences.size() + lost.Same), "\n",
+                        DifferencesText(lost, descriptions, "in the file", "in the backup")));
+}
+
+// ---- Act ----
+
+// What an upload would now change: what the way into the file and back has lost.
+void ShowRoundTrip(Workplace& work, const Custody& custody) {
+  const auto now = WireFaceOfFile(custody.Left.Configuration.value_or(""));
+  const auto before = work.Link != nullptr ? WireFaceOfInstrument(*work.Link, NamesOf(now.Lines))
+                                           : WireFaceOfFile(*custody.Found.Configuration).Lines;
+  const auto changes = Compare(before, now.Lines);
+  work.Result.Counts.emplace_back("upload_would_change", changes.Differences.size());
+  if (!changes.Differences.empty()) {
+    work.Out.Print(Joined("An upload would now change ", CountOf(changes.Differences.size(), "value"), "\n",
+                          DifferencesText(changes, Descriptions{now},
+                                          work.Link != nullptr ? "instrument" : "as found", "to be sent")));
+  }
+}
+
+Conclusion AddInOperation::Act(Custody& custody) {
+  auto& work = custody.Work;
+  const auto proving = std::make_shared<ProvingLink>(
+      work.Link != nullptr ? work.Link : std::make_shared<NoLink>(ProgramInterrupt()),
+      ProvingLink::Setup{.Found = Sends() ? *custody.Found.Answers : Values{},
+                         .Arrived = {},
+                         .LetsUnreadablePass = IsLetPass(work.Options, objection_code::unreadable),
+                         .LetsRoundedPass = IsLetPass(work.Options, objection_code::rounded)},
+      ProgramInterrupt());
+  MakeRoom(custody);
+  const auto played = Play(RealEnds(work, proving), PressOf(row_.Button, file_));
+  if (row_.Button == queryButton) {
+    custody.Intended.Configuration =
+        WithWrites(*custody.Found.Configuration, played.Writes, work.ConfigFile());
+  }
+  Evidence evidence{custody};
+  evidence.TakeTally(played.Result.Tally, Sends());
+  if (Sends()) {
+    evidence.TakeInstrument(*proving, true);
+  } else {
+    custody.Left.Answers = custody.Found.Answers;
+  }
+  evidence.TakeConfiguration();
+  CloseSavedFile(custody, evidence);
+  if (ChangesFile()) {
+    ShowRoundTrip(work, custody);
+  }
+  return evidence.Conclude();
+}
+
+SessionEnds AddInOperation::RealEnds(Workplace& work, std::shared_ptr<BenchLink> link) const {
+  auto ends = EndsOn(work.Files, work.Options.Folder);
+  ends.Host.Answers = {.Listed = work.Options.Answers, .AffirmsRest = work.Options.AffirmsRest};
+  ends.Host.WantsToStop = [] { return ProgramInterrupt().IsRaised(); };
+  ends.Link = std::move(link);
+  ends.Terminal = work.Terminal;
+  ends.Out = &work.Out;
+  ends.Trace = work.Trace;
+  return ends;
+}
+
+// The old file is in the history by now: an export writes a fresh one.
+void AddInOperation::MakeRoom(Custody& custody) {
+  auto& files = custody.Work.Files;
+  if (row_.File == FileRole::Saved && fileBefore_ && !files.Remove(*file_).Ok()) {
+    custody.Work.Out.Error(files.FailureReason());
+  }
+}
+
+void AddInOperation::CloseSavedFile(Custody& custody, Evidence& evidence) const {
+  const auto checkpoint = custody.Kept.LastCheckpoint();
+  if (row_.File != FileRole::Saved || !checkpoint) {
+    return;
+  }
+  auto& files = custody.Work.Files;
+  const auto comments = ClosingComments(*checkpoint);
+  const auto closed = files.Append(*file_, comments).Then([&] { return files.SyncFile(*file_); });
+  if (!closed.Ok()) {
+    evidence.Worsen(outcome::notProven,
+                    Joined("the checkpoint could not be appended: ", files.FailureReason()));
+  }
+  evidence.TakeFile(*file_, intendedFile_ + comments);
+  custody.OtherFile = {.Path = *file_, .Before = fileBefore_, .After = intendedFile_ + comments};
+}
+
+}  // namespace
+
+void OperateAddIn(Workplace& work, std::string_view name, const std::optional<std::string>& file) {
+  const auto* const row = std::ranges::find(operationRows, name, &OperationRow::Name);
+  AddInOperation operation{*row, file};
+  Operate(work, operation);
+}
+
+}  // namespace zolvane

@@ -1,0 +1,311 @@
+#include "zolvane/operations/bringing_back.h"
+
+#include <algorithm>
+#include <functional>
+#include <memory>
+#include <ranges>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "custody/transfer/proving_link.h"
+#include "custody/transfer/wanted_state.h"
+#include "custody/values/sides.h"
+#include "files/splice.h"
+#include "text/joined.h"
+#include "text/printable.h"
+#include "text/usage_error.h"
+#include "zolvane/operations/custody.h"
+#include "zolvane/operations/evidence.h"
+#include "zolvane/operations/kept_operation.h"
+#include "zolvane/work/printing.h"
+#include "zolvane/work/sides.h"
+
+namespace zolvane {
+namespace {
+
+// What both sides are to be brought to, and what is expected there now.
+struct Target {
+  Moment Wanted{};                    // without answers: the instrument is left alone
+  std::optional<KeptOperation> Of{};  // that is taken back or resumed; none: whatever is there may go
+  bool Saves = true;
+  bool IsChecked = false;  // the configuration may never have been in force here
+};
+
+class BringingBack final : public CustodyOperation {
+ public:
+  using Choice = std::function<Target(Custody& custody)>;
+
+  BringingBack(std::string_view action, Choice choose) : action_{action}, choose_{std::move(choose)} {}
+
+  std::string_view Action() const override { return action_; }
+  void Look(Custody& custody) override;
+  void Show(Custody& custody) override;
+  Conclusion Act(Custody& custody) override;
+
+ private:
+  void LookAtFile(Custody& custody);
+  void LookAtValues(Custody& custody);
+  void ObjectToChanges(Custody& custody) const;
+  void WriteFile(Custody& custody, Evidence& evidence) const;
+  void SendValues(Custody& custody, Evidence& evidence) const;
+  void NameWhatStays(Evidence& evidence) const;
+
+  std::string_view action_;
+  Choice choose_;
+  Target target_;
+  std::vector<Step> steps_;  // in the file, where it does not go back as a whole, and on the instrument
+  std::vector<Step> lines_;  // of these, the instrument's
+};
+
+// ---- Look ----
+
+void BringingBack::Look(Custody& custody) {
+  auto& work = custody.Work;
+  target_ = choose_(custody);
+  auto content = work.Files.Read(work.ConfigFile());
+  if (content.Is == DiskContent::State::Unreadable) {
+    throw UsageError{Joined(Quoted(work.ConfigFile()), " ", content.Reason)};
+  }
+  if (content.Is == DiskContent::State::Present) {
+    custody.Found.Configuration = std::move(content.Bytes);
+  }
+  LookAtFile(custody);
+  if (target_.Wanted.Answers) {
+    custody.LookAtInstrument();
+    LookAtValues(custody);
+  }
+  ObjectToChanges(custody);
+  if (target_.IsChecked && custody.Intended.Configuration) {
+    custody.LookFor(CheckConfiguration(*custody.Intended.Configuration, work.ConfigFile()));
+  }
+  custody.Draft.Counts["saves"] = target_.Saves ? 1 : 0;
+}
+
+// The bytes go back as a whole if the operation left them, or stopped on its way between its two ends; else
+// value by value.
+void BringingBack::LookAtFile(Custody& custody) {
+  const auto& present = custody.Found.Configuration;
+  const auto& wanted = target_.Wanted.Configuration;
+  Wish wish{.Name = std::string{configFileName}, .Wanted = wanted};
+  if (target_.Of) {
+    wish.Expected = target_.Of->Ends();
+  }
+  custody.Intended.Configuration = wanted;
+  if (PlanForFile(wish, present).Is != Standing::Changed || !wanted) {
+    return;
+  }
+  const auto other = target_.Of->OtherEnd(wanted).value_or("");
+  const auto now = present.value_or("");
+  if (Brought(now, PlanInFile(other, *wanted, now)) == other) {
+    return;
+  }
+  steps_ = PlanInFile(*wanted, other, now);
+  custody.Intended.Configuration = Brought(now, steps_);
+}
+
+void BringingBack::LookAtValues(Custody& custody) {
+  auto& link = DemandLink(custody.Work);
+  const auto& wanted = *target_.Wanted.Answers;
+  custody.Found.Answers = WireFaceOfInstrument(link, NamesOf(wanted));
+  DemandAnswers(*custody.Found.Answers, link);
+  const auto wishes = WishesFor(wanted, target_.Of ? target_.Of->TracesOf() : Traces{});
+  lines_ = PlanFor(wishes, *custody.Found.Answers, target_.Of ? Spelling::GoesBack : Spelling::Stays);
+  Values intended;
+  for (const auto& step : lines_) {
+    if (step.Is == Standing::AsWanted || step.Is == Standing::ToDo) {
+      intended.Add({.Name = step.Of.Name, .Text = step.Of.Wanted});
+    }
+  }
+  custody.Intended.Answers = std::move(intended);
+  steps_.insert(steps_.end(), lines_.begin(), lines_.end());
+}
+
+void BringingBack::ObjectToChanges(Custody& custody) const {
+  for (const auto& step : steps_) {
+    if (step.Is == Standing::Changed) {
+      const auto& expected = step.Of.Expected;
+      custody.Doubts.push_back(
+          {.Code = std::string{objection_code::changed},
+           .Expected = Joined(step.Of.Name, " is ",
+                              expected.empty() ? "(none)" : expected.front().value_or("(none)")),
+           .Actual = Joined("it is ", step.Present.value_or("(none)"))});
+    }
+  }
+}
+
+// ---- Show ----
+
+void BringingBack::Show(Custody& custody) {
+  const auto found = custody.Found.Configuration.value_or("");
+  const auto intended = custody.Intended.Configuration.value_or("");
+  const Descriptions descriptions{WireFaceOfFile(intended)};
+  ShowChanges(custody.Work, "file", Compare(FileFace(found), FileFace(intended)), descriptions,
+              "to be written");
+  if (custody.Found.Answers) {
+    Values present;
+    for (const auto& value : custody.Intended.Answers->InOrder()) {
+      present.Add(*custody.Found.Answers->Find(value.Name));
+    }
+    ShowChanges(custody.Work, "instrument", Compare(present, *custody.Intended.Answers), descriptions,
+                "to be sent");
+  }
+}
+
+// ---- Act ----
+
+Conclusion BringingBack::Act(Custody& custody) {
+  Evidence evidence{custody};
+  WriteFile(custody, evidence);
+  if (target_.Wanted.Answers) {
+    SendValues(custody, evidence);
+  }
+  evidence.TakeConfiguration();
+  NameWhatStays(evidence);
+  return evidence.Conclude();
+}
+
+void BringingBack::WriteFile(Custody& custody, Evidence& evidence) const {
+  auto& work = custody.Work;
+  const auto& before = custody.Found.Configuration;
+  const auto& after = custody.Intended.Configuration;
+  if (before == after) {
+    return;
+  }
+  if (!after) {
+    if (!work.Files.Remove(work.ConfigFile())
+             .Then([&] { return work.Files.SyncFolder(work.Options.Folder); })
+             .Ok()) {
+      evidence.Worsen(outcome::failed, work.Files.FailureReason());
+    }
+    return;
+  }
+  const auto file = work.Files.OpenSettings(work.ConfigFile());
+  const auto now = file->Read();
+  const bool isAsFound = now.Bytes == before.value_or("");
+  const auto written =
+      isAsFound ? file->Write(now.Bytes, {.Offset = 0, .Removed = now.Bytes.size(), .Inserted = *after})
+                : WriteOutcome::Changed;
+  if (written != WriteOutcome::Done || !file->Flush().Ok()) {
+    evidence.Worsen(outcome::failed,
+                    Joined(Quoted(work.ConfigFile()), written == WriteOutcome::Changed
+                                                          ? " was changed by another program meanwhile"
+                                                          : " could not be written"));
+  }
+}
+
+void BringingBack::SendValues(Custody& custody, Evidence& evidence) const {
+  auto& work = custody.Work;
+  ProvingLink link{work.Link,
+                   {.Found = *custody.Found.Answers,
+                    .Arrived = ArrivedOf(lines_),
+                    .LetsUnreadablePass = IsLetPass(work.Options, objection_code::unreadable),
+                    .LetsRoundedPass = IsLetPass(work.Options, objection_code::rounded)},
+                   ProgramInterrupt()};
+  if (!Bring(link, lines_, target_.Saves ? Ending::Save : Ending::Prove)) {
+    evidence.Worsen(outcome::notProven, "");
+  }
+  evidence.TakeInstrument(link, target_.Saves);
+}
+
+// The first few by name.
+std::string NamesText(const std::vector<Step>& steps, Standing standing) {
+  constexpr std::size_t most = 5;
+  std::string names;
+  std::size_t count = 0;
+  for (const auto& step : steps) {
+    if (step.Is == standing && ++count <= most) {
+      names.append(names.empty() ? "" : ", ").append(step.Of.Name);
+    }
+  }
+  return count <= most ? names : Joined(names, " and ", std::to_string(count - most), " more");
+}
+
+void BringingBack::NameWhatStays(Evidence& evidence) const {
+  for (const auto& [standing, why] :
+       {std::pair{Standing::Changed, "changed by somebody else, and left as found: "},
+        std::pair{Standing::CannotBeRemoved, "not known before, and cannot be removed: "}}) {
+    if (const auto names = NamesText(steps_, standing); !names.empty()) {
+      evidence.Worsen(outcome::notProven, Joined(why, names));
+    }
+  }
+}
+
+// ---- What is to be brought back ----
+
+std::size_t PlaceNamed(const std::vector<Operation>& operations, const Operation& named) {
+  return static_cast<std::size_t>(std::ranges::find(operations, named.Number(), &Operation::Number) -
+                                  operations.begin());
+}
+
+Target TakingBack(Custody& custody, const std::optional<std::string>& number) {
+  const auto operations = custody.Kept.Operations();
+  const auto place = number ? std::optional{PlaceNamed(operations, OperationNamed(custody.Kept, *number))}
+                            : LastChange(operations);
+  if (!place) {
+    throw UsageError{"there is nothing to undo: no operation in the history has changed anything"};
+  }
+  auto kept = KeptOf(custody.Kept, operations, *place);
+  Target target{.Wanted = kept.Found, .Saves = kept.SavedOrMayHave};
+  if (kept.HasEnded && IsSame(kept.Left.Answers, kept.Found.Answers)) {
+    target.Wanted.Answers.reset();
+  }
+  target.Of = std::move(kept);
+  return target;
+}
+
+bool IsUnproven(const Operation& operation) {
+  return operation.Ended == nullptr || operation.Ended->Outcome == outcome::failed ||
+         operation.Ended->Outcome == outcome::notProven;
+}
+
+Target Finishing(Custody& custody) {
+  const auto operations = custody.Kept.Operations();
+  const auto last = std::ranges::find_if(operations.rbegin(), operations.rend(), IsOurs);
+  if (last == operations.rend() || !IsUnproven(*last)) {
+    throw UsageError{"there is nothing to resume: the last operation came to its end"};
+  }
+  const auto& operation = *last;
+  if (!SendsValues(operation.Begun->Action)) {
+    throw UsageError{Joined("operation ", std::to_string(operation.Number()), " is a ",
+                            operation.Begun->Action, ", which cannot be resumed: undo it, or run it again")};
+  }
+  auto kept = KeptOf(custody.Kept, operations, PlaceNamed(operations, operation));
+  return {.Wanted = kept.Intended, .Of = std::move(kept), .Saves = kept.Saves};
+}
+
+Target Recorded(Custody& custody, const std::string& name) {
+  auto side = SideNamed(custody.Work, name);
+  if (side.IsInstrument || side.IsBackup || !side.Configuration) {
+    throw UsageError{Joined(Quoted(name), " is no record and no operation, and only these can be restored")};
+  }
+  Target target{.Wanted = {.Configuration = std::move(side.Configuration), .Answers = {}}, .IsChecked = true};
+  if (custody.Work.Options.TakesInstrument) {
+    if (!side.Answers) {
+      throw UsageError{Joined(Quoted(name), " holds no answers of an instrument")};
+    }
+    target.Wanted.Answers = std::move(side.Answers);
+  }
+  return target;
+}
+
+void BringBack(Workplace& work, std::string_view action, BringingBack::Choice choose) {
+  BringingBack operation{action, std::move(choose)};
+  Operate(work, operation);
+}
+
+}  // namespace
+
+void Undo(Workplace& work, const std::optional<std::string>& number) {
+  BringBack(work, "undo", [&](Custody& custody) { return TakingBack(custody, number); });
+}
+
+void Resume(Workplace& work) {
+  BringBack(work, "resume", Finishing);
+}
+
+void Restore(Workplace& work, const std::string& side) {
+  BringBack(work, "restore", [&](Custody& custody) { return Recorded(custody, side); });
+}
+
+}  // namespace zolvane

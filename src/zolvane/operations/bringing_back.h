@@ -1,0 +1,20 @@
+// undo, resume and restore: one operation that brings the configuration and the instrument to a wanted state.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "zolvane/work/workplace.h"
+
+namespace zolvane {
+
+// Takes back the last operation that changed something, or that one.
+void Undo(Workplace& work, const std::optional<std::string>& number);
+
+// Ends the operation that was cut short.
+void Resume(Workplace& work);
+
+// To a record, or to what an operation left ("@N").
+void Restore(Workplace& work, const std::string& side);
+
+}  // namespace zolvane

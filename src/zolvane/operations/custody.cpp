@@ -1,0 +1,268 @@
+#include "zolvane/operations/custody.h"
+
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
+#include "config/text.h"
+#include "custody/values/sides.h"
+#include "custody/values/values_json.h"
+#include "instrument/links/interrupt_flag.h"
+#include "program/version.h"
+#include "text/joined.h"
+#include "text/json_text.h"
+#include "text/printable.h"
+#include "text/usage_error.h"
+#include "zolvane/operations/kept_operation.h"
+#include "zolvane/work/printing.h"
+
+namespace zolvane {
+namespace {
+
+constexpr std::string_view stageQuestion = "STATUS_STAGE";
+
+[[noreturn]] void RefuseHistory(const History& history) {
+  throw UsageError{Joined("the history cannot be written: ", history.FailureReason())};
+}
+
+Entry DraftOf(Workplace& work, std::string_view action) {
+  Entry draft;
+  draft.Action = action;
+  draft.Person = work.Options.By.value_or(work.Who.Person());
+  draft.Reason = work.Options.Reason;
+  draft.Program = programName;
+  draft.Version = programVersion;
+  draft.Link = work.Options.Link;
+  draft.File = configFileName;
+  return draft;
+}
+
+// "done" is said only of what is proven, saved and recorded.
+std::string OutcomeText(const Workplace& work) {
+  const auto& name = work.Result.Outcome;
+  const auto text = name == outcome::notProven ? std::string{"not proven"} : name;
+  return work.IsRehearsal
+             ? Joined("rehearsed on copies: ", name == outcome::done ? "it would be proven" : text)
+             : text;
+}
+
+}  // namespace
+
+Custody::Custody(Workplace& work, std::string_view action)
+    : Work{work}, Kept{work.Files, work.Who, work.Options.Folder}, Draft{DraftOf(work, action)} {
+  const Waiting waiting{.IsUnwanted = [] { return ProgramInterrupt().IsRaised(); }};
+  if (!Kept.OpenForRecording(waiting).Ok()) {
+    RefuseHistory(Kept);
+  }
+}
+
+void Custody::LookAtInstrument() {
+  auto& link = DemandLink(Work);
+  std::string command{stageQuestion};
+  std::string reply;
+  if (!MetOnlyIf(link.SendCommand(command, reply, 0))) {
+    throw UsageError{Joined("the instrument does not answer ", stageQuestion, LinkProblem(link))};
+  }
+  Draft.Instrument = Trimmed(reply);
+  if (Found.Configuration) {
+    ObjectToInstrument(Kept, *Found.Configuration, Draft.Instrument, Doubts);
+  }
+}
+
+void Custody::LookFor(std::vector<Finding> findings) {
+  Work.Result.Findings = std::move(findings);
+  ObjectToFindings(Work, Doubts);
+}
+
+void Custody::SettleDamage() {
+  if (!Kept.Damage().empty()) {
+    Draft.Objections = Settle(Work, {{.Code = std::string{objection_code::historyDamaged},
+                                      .Expected = "a whole history",
+                                      .Actual = Kept.Damage()}});
+  }
+}
+
+void Custody::SettleDoubts() {
+  std::ranges::move(Settle(Work, Doubts), std::back_inserter(Draft.Objections));
+  if (Kept.Damage().empty()) {
+    return;
+  }
+  const auto name = Kept.SetAside();
+  if (!name) {
+    RefuseHistory(Kept);
+  }
+  Work.Out.Error(Joined("the damaged history is kept in ", Quoted(*name), ", and a new one begins"));
+}
+
+std::optional<std::string> Custody::Keep(const std::optional<std::string>& bytes) {
+  return bytes ? Kept.PutObject(*bytes) : std::optional{std::string{}};
+}
+
+std::optional<std::string> Custody::Keep(const std::optional<Values>& values) {
+  return Keep(values ? std::optional{ValuesText(*values)} : std::nullopt);
+}
+
+bool Custody::KeepOtherFile() {
+  if (!OtherFile) {
+    return true;
+  }
+  const auto before = Keep(OtherFile->Before);
+  const auto after = Keep(OtherFile->After);
+  Draft.OtherFiles = {{.Path = OtherFile->Path, .Before = before.value_or(""), .After = after.value_or("")}};
+  return before && after;
+}
+
+// What somebody did with the host's own button, or with an editor.
+void Custody::RecordOutside() {
+  const auto last = Kept.LastLeft(Draft.File);
+  const auto found = Keep(Found.Configuration);
+  if (!last || !found || *last == *found) {
+    return;
+  }
+  auto entry = DraftOf(Work, "outside");
+  entry.Link.clear();
+  entry.Reason.clear();
+  entry.FileBefore = *last;
+  const auto number = Kept.Begin(entry);
+  entry.FileAfter = *found;
+  entry.Outcome = outcome::done;
+  if (!number || !Kept.End(*number, entry).Ok()) {
+    RefuseHistory(Kept);
+  }
+  if (!Work.IsRehearsal) {
+    Work.Out.Note(Joined("somebody changed the configuration since it was last left; recorded as operation ",
+                         std::to_string(*number), ", \"outside\""));
+  }
+}
+
+void Custody::Begin() {
+  RecordOutside();
+  const auto file = Keep(Found.Configuration);
+  const auto intendedFile = Keep(Intended.Configuration);
+  const auto found = Keep(Found.Answers);
+  const auto intended = Keep(Intended.Answers);
+  if (!file || !intendedFile || !found || !intended || !KeepOtherFile()) {
+    RefuseHistory(Kept);
+  }
+  Draft.FileBefore = *file;
+  Draft.Found = *found;
+  Draft.Intended = *intended;
+  auto begun = Draft;
+  begun.FileAfter = *intendedFile;
+  const auto number = Kept.Begin(std::move(begun));
+  if (!number) {
+    RefuseHistory(Kept);
+  }
+  number_ = *number;
+}
+
+// An operation that was cut short is over as soon as a later one has brought everything to a proven state.
+void Custody::EndOlderOnes() {
+  for (const auto& operation : Kept.Operations()) {
+    if (operation.Ended != nullptr || operation.Number() == number_) {
+      continue;
+    }
+    auto end = *operation.Begun;
+    end.Outcome = outcome::failed;
+    end.FileAfter = Draft.FileBefore;
+    end.Left = Draft.Found;
+    if (!Kept.End(operation.Number(), end).Ok()) {
+      return;  // the end of this one fails for the same reason, and says so
+    }
+  }
+}
+
+void Custody::RecordEnd(const Conclusion& conclusion) {
+  const bool isOtherFileKept = KeepOtherFile();
+  auto end = Draft;
+  end.Outcome = conclusion.Outcome;
+  const auto file = Keep(Left.Configuration);
+  const auto left = Keep(Left.Answers);
+  const auto details = Keep(std::optional{JsonText(conclusion.Details)});
+  end.FileAfter = file.value_or("");
+  end.Left = left.value_or("");
+  end.Details = details.value_or("");
+  for (const auto& [name, count] : Work.Result.Counts) {
+    end.Counts[name] = static_cast<std::int64_t>(count);
+  }
+  const bool isKept = file && left && details && isOtherFileKept;
+  if (!isKept || !Kept.End(number_, std::move(end)).Ok()) {
+    Work.Out.Error(Joined("the end of the operation could not be recorded: ", Kept.FailureReason()));
+    Work.Result.Outcome = outcome::notProven;
+  }
+}
+
+void Custody::End(const Conclusion& conclusion) {
+  Work.Result.Outcome = conclusion.Outcome;
+  if (conclusion.Outcome == outcome::done) {
+    EndOlderOnes();
+  }
+  RecordEnd(conclusion);
+  Work.Result.Checkpoint = Kept.LastCheckpoint();
+  Work.Result.Worsen(Work.Result.Outcome == outcome::done ? exit_status::done : exit_status::notDone);
+}
+
+namespace {
+
+// What the user can do now.
+std::string_view WayOn(std::string_view action, std::string_view outcome) {
+  const bool hasStopped = outcome == outcome::failed || outcome == outcome::notProven;
+  return !hasStopped           ? ""
+         : SendsValues(action) ? "; \"resume\" goes on from here, \"undo\" takes it back"
+                               : "; \"undo\" takes back what it changed, or run it again";
+}
+
+void Tell(const Custody& custody, const Conclusion& conclusion) {
+  auto& work = custody.Work;
+  if (work.IsRehearsal) {
+    work.Out.Print(Joined(custody.Draft.Action, ": ", OutcomeText(work), "\n"));
+    return;
+  }
+  const auto text = Joined(custody.Draft.Action, ": ", OutcomeText(work),
+                           conclusion.Account.empty() ? "" : "; ", conclusion.Account);
+  if (work.Result.Outcome == outcome::done) {
+    work.Out.Print(Joined(text, "; recorded as operation ", std::to_string(custody.Number()), "\n"));
+  } else {
+    work.Out.Error(Joined(text, WayOn(custody.Draft.Action, conclusion.Outcome)));
+  }
+  if (work.Result.Checkpoint) {
+    work.Out.Print(CheckpointText(*work.Result.Checkpoint));
+  }
+}
+
+}  // namespace
+
+void Operate(Workplace& work, CustodyOperation& operation) {
+  Custody custody{work, operation.Action()};
+  custody.SettleDamage();
+  operation.Look(custody);
+  custody.SettleDoubts();
+  operation.Show(custody);
+  custody.Begin();
+  const auto conclusion = operation.Act(custody);
+  custody.End(conclusion);
+  Tell(custody, conclusion);
+}
+
+void ShowChanges(Workplace& work, std::string_view where, const Comparison& changes,
+                 const Descriptions& descriptions, std::string_view meant) {
+  work.Out.Print(Joined(where, ": ", CountOf(changes.Differences.size(), "value"), " of ",
+                        std::to_string(changes.Differences.size() + changes.Same), " to change\n",
+                        DifferencesText(changes, descriptions, "as found", meant)));
+}
+
+std::string LinkProblem(const BenchLink& link) {
+  const auto& problem = link.LastDelivery().Problem;
+  return problem.empty() ? std::string{} : Joined(": ", problem);
+}
+
+void DemandAnswers(const Values& answers, const BenchLink& link) {
+  for (const auto& value : answers.InOrder()) {
+    if (!value.WasAnswered) {
+      throw UsageError{Joined("the instrument does not answer for ", Quoted(value.Name), LinkProblem(link),
+                              "; nothing was changed")};
+    }
+  }
+}
+
+}  // namespace zolvane

@@ -1,0 +1,64 @@
+// What an operation found, meant and left, out of the history.
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "custody/history/history.h"
+#include "custody/transfer/wanted_state.h"
+#include "zolvane/operations/custody.h"
+
+namespace zolvane {
+
+struct KeptOperation {
+  bool HasEnded = false;
+  bool IsProven = false;
+  bool Saves = true;           // it was to send SAVE
+  bool SavedOrMayHave = true;  // SAVE was sent, as far as anybody knows
+  Moment Found{};
+  Moment Intended{};
+  Moment Left{};  // of one that has ended
+
+  // What the file may hold: what was left or, if that is not known, either end.
+  std::vector<std::optional<std::string>> Ends() const {
+    return HasEnded ? std::vector{Left.Configuration}
+                    : std::vector{Found.Configuration, Intended.Configuration};
+  }
+
+  std::optional<std::string> OtherEnd(const std::optional<std::string>& wanted) const {
+    return HasEnded                        ? Left.Configuration
+           : wanted == Found.Configuration ? Intended.Configuration
+                                           : Found.Configuration;
+  }
+
+  Traces TracesOf() const {
+    const auto pointer = [](const std::optional<Values>& values) { return values ? &*values : nullptr; };
+    return {.Found = pointer(Found.Answers),
+            .Intended = pointer(Intended.Answers),
+            .Left = HasEnded ? pointer(Left.Answers) : nullptr,
+            .IsLeftCertain = IsProven && SavedOrMayHave};
+  }
+};
+
+// The operation at that place of the list; one that was resumed and what resumed it are one. Throws UsageError if the
+// history has lost some of it.
+KeptOperation KeptOf(History& history, const std::vector<Operation>& operations, std::size_t place);
+
+// Changes or may change the configuration or the instrument, and was not somebody else's doing.
+bool IsOurs(const Operation& operation);
+
+// The operation sends values to the instrument; the others only ask it.
+bool SendsValues(std::string_view action);
+
+// In the configuration or on the instrument, as far as is known, with what it resumed.
+bool HasChangedSomething(const std::vector<Operation>& operations, std::size_t place);
+
+// The last one that did. Nothing if none has.
+std::optional<std::size_t> LastChange(const std::vector<Operation>& operations);
+
+bool IsSame(const std::optional<Values>& left, const std::optional<Values>& right);
+
+}  // namespace zolvane

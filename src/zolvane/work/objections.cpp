@@ -1,0 +1,204 @@
+#include "zolvane/work/objections.h"
+
+#include <algorithm>
+#include <array>
+#include <iterator>
+
+#include "config/text.h"
+#include "custody/values/sides.h"
+#include "files/sectioned_text.h"
+#include "program/command_line.h"
+#include "text/joined.h"
+#include "text/printable.h"
+#include "text/suggestion.h"
+#include "text/usage_error.h"
+#include "zolvane/work/printing.h"
+
+namespace zolvane {
+namespace {
+
+struct PassableRow {
+  std::string_view Code;
+  std::string_view Meaning;
+};
+
+constexpr std::array<PassableRow, 11> passableRows{{
+    {objection_code::findings, "the configuration has errors"},
+    {objection_code::otherInstrument, "the instrument is another than expected"},
+    {objection_code::unfinished, "an operation was begun and has not ended"},
+    {objection_code::notABackup, "the file has no section that a backup has"},
+    {objection_code::cutOff, "the end of the file is missing"},
+    {objection_code::otherDevice, "the file has positions of another device only"},
+    {objection_code::changed, "somebody else changed values since"},
+    {objection_code::exists, "the file is there already"},
+    {objection_code::historyDamaged, "the history is damaged; a new one is begun"},
+    {objection_code::unreadable, "values that the instrument never gives back count as proven"},
+    {objection_code::rounded, "values that the instrument rounds count as proven"},
+}};
+
+std::string_view MeaningOf(std::string_view code) {
+  const auto* const found = std::ranges::find(passableRows, code, &PassableRow::Code);
+  return found == passableRows.end() ? code : found->Meaning;
+}
+
+std::string ObjectionText(const Objection& objection) {
+  return Joined(MeaningOf(objection.Code), ": expected ", Printable(objection.Expected), ", but ",
+                Printable(objection.Actual));
+}
+
+bool UserLetsPass(Workplace& work, const Objection& objection) {
+  if (work.Terminal == nullptr) {
+    return false;
+  }
+  work.Out.ClearStatus();
+  const auto answer = work.Terminal->Ask(Joined(ObjectionText(objection),
+                                                "\nGo on all the same? Type the code to let it pass [",
+                                                objection.Code, "]: "));
+  return answer && Trimmed(*answer) == objection.Code;
+}
+
+// What a backup holds, as far as an objection asks.
+std::vector<std::string> SectionsIn(const std::string& bytes) {
+  std::vector<std::string> sections;
+  SectionedText{bytes}.VisitLines([&](const SectionedText::SeenLine& line) {
+    if (line.Is == SectionedText::LineKind::Header && line.Counts) {
+      sections.push_back(line.Section);
+    }
+  });
+  return sections;
+}
+
+bool Has(const std::vector<std::string>& sections, std::string_view name) {
+  return std::ranges::any_of(sections,
+                             [name](const auto& section) { return EqualIgnoringCase(section, name); });
+}
+
+// The first section that an export writes behind the last one of the backup, and that is not in it.
+std::string MissingSection(const std::vector<std::string>& sections,
+                           const std::vector<std::string>& exported) {
+  auto last = std::ranges::find_if(exported.rbegin(), exported.rend(),
+                                   [&](const auto& section) { return Has(sections, section); });
+  return last == exported.rbegin() || last == exported.rend() ? std::string{} : *std::prev(last);
+}
+
+bool ExpectsCheckpoint(const History& history, const std::string& file, const std::string& backup) {
+  const auto ours = std::ranges::any_of(history.Entries(), [&](const Entry& entry) {
+    return entry.IsEnd() && entry.Action == "export" &&
+           std::ranges::any_of(entry.OtherFiles,
+                               [&](const auto& other) { return IsSameFile(other.Path, file); });
+  });
+  return ours || backup.find(checkpointHeading) != std::string::npos;
+}
+
+std::string CutOffReason(const History& history, const std::string& file, const std::string& backup,
+                         const std::string& exported) {
+  if (!backup.ends_with('\n')) {
+    return "its last line has no end";
+  }
+  if (const auto missing = MissingSection(SectionsIn(backup), SectionsIn(exported)); !missing.empty()) {
+    return Joined("the section [", missing, "] is missing behind its last");
+  }
+  return ExpectsCheckpoint(history, file, backup) && CheckpointsIn(backup).empty()
+             ? "its closing checkpoint is missing"
+             : std::string{};
+}
+
+}  // namespace
+
+bool IsLetPass(const CustodyOptions& options, std::string_view code) {
+  return std::ranges::find(options.Despite, code) != options.Despite.end();
+}
+
+void DemandPassable(const std::string& code) {
+  std::vector<std::string_view> codes;
+  std::ranges::transform(passableRows, std::back_inserter(codes), &PassableRow::Code);
+  if (std::ranges::find(codes, code) == codes.end()) {
+    throw UsageError{Joined("--despite: there is no code ", Quoted(code), DidYouMean(code, codes))};
+  }
+}
+
+std::string PassableHelp() {
+  std::string text = "\nWhat --despite lets pass:\n";
+  for (const auto& row : passableRows) {
+    text += HelpRow(row.Code, row.Meaning);
+  }
+  return text;
+}
+
+std::vector<Objection> Settle(Workplace& work, const std::vector<Objection>& objections) {
+  auto& reported = work.Result.Objections;
+  reported.insert(reported.end(), objections.begin(), objections.end());
+  bool goesOn = true;
+  for (const auto& objection : objections) {
+    if (IsLetPass(work.Options, objection.Code) || UserLetsPass(work, objection)) {
+      work.Out.Note(Joined("let pass: ", ObjectionText(objection), " [", objection.Code, "]"));
+    } else {
+      work.Out.Error(Joined(ObjectionText(objection), " [", objection.Code, "]"));
+      goesOn = false;
+    }
+  }
+  if (!goesOn) {
+    throw Refusal{};
+  }
+  return objections;
+}
+
+void ObjectToFindings(const Workplace& work, Objections& objections) {
+  const auto& findings = work.Result.Findings;
+  const auto isError = [](const Finding& finding) { return finding.Grade == Grade::Error; };
+  const auto first = std::ranges::find_if(findings, isError);
+  if (first != findings.end()) {
+    const auto count = static_cast<std::size_t>(std::ranges::count_if(findings, isError));
+    const auto place = first->Line == 0 ? std::string{} : Joined(" in line ", std::to_string(first->Line));
+    objections.push_back(
+        {.Code = std::string{objection_code::findings},
+         .Expected = "no error",
+         .Actual = Joined(CountOf(count, "error"), ", the first", place, ": ", first->Text)});
+  }
+}
+
+void ObjectToInstrument(const History& history, const std::string& configuration, const std::string& stage,
+                        Objections& objections) {
+  const auto entries = history.Entries();
+  const auto last = std::ranges::find_if(entries.rbegin(), entries.rend(),
+                                         [](const Entry& entry) { return !entry.Instrument.empty(); });
+  const auto expected =
+      last != entries.rend() ? last->Instrument : WireFaceOfFile(configuration).InForce.Device.Code;
+  if (stage != expected) {
+    objections.push_back(
+        {.Code = std::string{objection_code::otherInstrument}, .Expected = expected, .Actual = stage});
+  }
+}
+
+void ObjectToUnfinished(const History& history, Objections& objections) {
+  for (const auto& operation : history.Operations()) {
+    if (operation.Ended == nullptr) {
+      objections.push_back(
+          {.Code = std::string{objection_code::unfinished},
+           .Expected = "every operation ended",
+           .Actual = Joined("operation ", std::to_string(operation.Number()), ", ", operation.Begun->Action,
+                            " of ", operation.Begun->Time, ", has not; \"resume\" or \"undo\" ends it")});
+    }
+  }
+}
+
+void ObjectToBackup(const History& history, const std::string& file, const std::string& backup,
+                    const std::string& exported, const std::string& device, Objections& objections) {
+  constexpr std::string_view positions = "Position_";
+  const auto sections = SectionsIn(backup);
+  const auto isOfPositions = [&](const auto& section) {
+    return EqualIgnoringCase(std::string_view{section}.substr(0, positions.size()), positions);
+  };
+  if (const auto reason = CutOffReason(history, file, backup, exported); !reason.empty()) {
+    objections.push_back(
+        {.Code = std::string{objection_code::cutOff}, .Expected = "a whole backup", .Actual = reason});
+  }
+  const auto other = std::ranges::find_if(sections, isOfPositions);
+  if (other != sections.end() && !Has(sections, Joined(positions, device))) {
+    objections.push_back({.Code = std::string{objection_code::otherDevice},
+                          .Expected = Joined("[", positions, device, "]"),
+                          .Actual = Joined("[", *other, "]")});
+  }
+}
+
+}  // namespace zolvane

@@ -1,0 +1,66 @@
+// What speaks against going on. Somebody lets it pass, or nothing is changed.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "custody/history/entry.h"
+#include "custody/history/history.h"
+#include "zolvane/work/workplace.h"
+
+namespace zolvane {
+
+namespace objection_code {
+inline constexpr std::string_view findings = "findings";
+inline constexpr std::string_view otherInstrument = "other-instrument";
+inline constexpr std::string_view unfinished = "unfinished";
+inline constexpr std::string_view notABackup = "not-a-backup";
+inline constexpr std::string_view cutOff = "cut-off";
+inline constexpr std::string_view otherDevice = "other-device";
+inline constexpr std::string_view changed = "changed";
+inline constexpr std::string_view exists = "exists";
+inline constexpr std::string_view historyDamaged = "history-damaged";
+inline constexpr std::string_view unreadable = "unreadable";  // a verdict that counts as proven
+inline constexpr std::string_view rounded = "rounded";        // the same
+}  // namespace objection_code
+
+// The line above the checkpoint that closes a backup.
+inline constexpr std::string_view checkpointHeading = "; Checkpoint of the history of operations:";
+
+// Ends a command: nothing was changed, because of the objections in the report.
+struct Refusal {};
+
+// Of --despite.
+bool IsLetPass(const CustodyOptions& options, std::string_view code);
+
+// Throws UsageError if nothing of that code can be let pass.
+void DemandPassable(const std::string& code);
+
+// The codes, for the help.
+std::string PassableHelp();
+
+// Whatever speaks against is put to the user: --despite lets it pass, or who sits at the terminal. Otherwise
+// throws Refusal. All of it is in the report then. Returns what was let pass.
+std::vector<Objection> Settle(Workplace& work, const std::vector<Objection>& objections);
+
+// ---- What is looked for ----
+
+using Objections = std::vector<Objection>;
+
+// In the findings of the report.
+void ObjectToFindings(const Workplace& work, Objections& objections);
+
+// `stage` is what the instrument says of itself.
+void ObjectToInstrument(const History& history, const std::string& configuration, const std::string& stage,
+                        Objections& objections);
+
+void ObjectToUnfinished(const History& history, Objections& objections);
+
+// A file to import: not a backup at all, cut off, or of another device. `exported` is what an export of the
+// configuration that the import would change would be, `device` the name of the device in force.
+void ObjectToBackup(const History& history, const std::string& file, const std::string& backup,
+                    const std::string& exported, const std::string& device, Objections& objections);
+
+}  // namespace zolvane

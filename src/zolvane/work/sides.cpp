@@ -1,0 +1,136 @@
+#include "zolvane/work/sides.h"
+
+#include <cstdint>
+#include <limits>
+#include <string_view>
+#include <utility>
+
+#include "custody/record/record.h"
+#include "custody/values/values_json.h"
+#include "files/sectioned_text.h"
+#include "text/joined.h"
+#include "text/printable.h"
+#include "text/usage_error.h"
+#include "text/whole_number.h"
+
+namespace zolvane {
+namespace {
+
+constexpr std::string_view lastOperation = "@last";
+
+[[noreturn]] void RefuseSide(const std::string& name, std::string_view reason) {
+  throw UsageError{Joined(Quoted(name), " ", reason)};
+}
+
+// Nothing if the operation left or found none.
+std::optional<std::string> KeptObject(History& history, const std::string& name) {
+  if (name.empty()) {
+    return std::nullopt;
+  }
+  auto bytes = history.Object(name);
+  if (!bytes) {
+    throw UsageError{Joined("the history has lost what it kept: ", history.FailureReason())};
+  }
+  return bytes;
+}
+
+Side SideOfOperation(Workplace& work, const std::string& name) {
+  constexpr std::string_view foundSuffix = ":found";
+  const bool isFound = name.ends_with(foundSuffix);
+  auto history = ReadHistory(work);
+  const auto operation =
+      OperationNamed(history, name.substr(0, name.size() - (isFound ? foundSuffix.size() : 0)));
+  if (!isFound && operation.Ended == nullptr) {
+    RefuseSide(name, "has not ended, and nobody knows what it left; \":found\" behind it is what it found");
+  }
+  const auto& entry = isFound ? *operation.Begun : *operation.Ended;
+  const auto answers = KeptObject(history, isFound ? entry.Found : entry.Left);
+  return {.Name = name,
+          .Configuration = KeptObject(history, isFound ? entry.FileBefore : entry.FileAfter),
+          .Answers = answers ? ValuesIn(*answers) : std::nullopt};
+}
+
+Side SideOfFile(Workplace& work, const std::string& name) {
+  auto bytes = ReadFile(work.Files, AbsolutePath(name));
+  if (!LooksLikeRecord(bytes)) {
+    const bool isBackup = IsBackup(bytes);
+    return {.Name = name, .Configuration = std::move(bytes), .IsBackup = isBackup};
+  }
+  auto record = ReadRecord(bytes);
+  if (!record.Content) {
+    RefuseSide(name, record.Refusal);
+  }
+  return {.Name = name,
+          .Configuration = std::move(record.Content->Left.Configuration),
+          .Answers = std::move(record.Content->Left.Instrument)};
+}
+
+}  // namespace
+
+Side SideNamed(Workplace& work, const std::string& name) {
+  if (name == "file") {
+    return {.Name = name, .Configuration = ReadConfiguration(work)};
+  }
+  if (name == "instrument") {
+    DemandLink(work);
+    return {.Name = name, .IsInstrument = true};
+  }
+  return name.starts_with('@') ? SideOfOperation(work, name) : SideOfFile(work, name);
+}
+
+Values FileFaceOf(const Side& side) {
+  if (!side.Configuration) {
+    RefuseSide(side.Name, "has no configuration");
+  }
+  return FileFace(*side.Configuration);
+}
+
+Values WireFaceOf(Workplace& work, const Side& side, const std::vector<std::string>& keys) {
+  if (side.IsInstrument) {
+    return WireFaceOfInstrument(DemandLink(work), keys);
+  }
+  if (side.Answers) {
+    return *side.Answers;
+  }
+  if (!side.Configuration) {
+    RefuseSide(side.Name, "has no configuration that could be sent");
+  }
+  auto face = side.IsBackup ? WireFaceOfBackup(ReadConfiguration(work), *side.Configuration)
+                            : WireFaceOfFile(*side.Configuration);
+  if (!face.Problem.empty()) {
+    RefuseSide(side.Name, Joined("cannot be sent: ", face.Problem));
+  }
+  return std::move(face.Lines);
+}
+
+Operation OperationNamed(const History& history, const std::string& number) {
+  const auto operations = history.Operations();
+  if (number == lastOperation && !operations.empty()) {
+    return operations.back();
+  }
+  const auto digits = std::string_view{number}.substr(number.starts_with('@') ? 1 : 0);
+  const auto wanted = WholeNumberIn(digits, std::uint64_t{1}, std::numeric_limits<std::uint64_t>::max());
+  for (const auto& operation : operations) {
+    if (operation.Number() == wanted) {
+      return operation;
+    }
+  }
+  throw UsageError{
+      Joined("the history has no operation ", Quoted(number), "; \"zolvane history\" lists them")};
+}
+
+History ReadHistory(Workplace& work) {
+  History history{work.Files, work.Who, work.Options.Folder};
+  if (!history.Open().Ok()) {
+    throw UsageError{Joined("the history cannot be read: ", history.FailureReason())};
+  }
+  return history;
+}
+
+// An export writes every key of the page's settings but what is installed.
+bool IsBackup(const std::string& bytes) {
+  const SectionedText text{bytes};
+  return !text.Find("DeviceType", "Installed") && !text.Find("CageType", "Installed");
+}
+
+}  // namespace zolvane

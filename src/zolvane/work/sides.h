@@ -1,0 +1,38 @@
+// What the user names as a side: a file, the instrument, or an operation of the history.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "custody/history/history.h"
+#include "custody/values/sides.h"
+#include "zolvane/work/workplace.h"
+
+namespace zolvane {
+
+struct Side {
+  std::string Name;                            // as the user wrote it
+  bool IsInstrument = false;                   // the one behind the link
+  std::optional<std::string> Configuration{};  // the bytes of its file's part
+  bool IsBackup = false;                       // these bytes are a backup's
+  std::optional<Values> Answers{};             // what the instrument answered, where that was kept
+};
+
+// Throws UsageError if there is no such side.
+Side SideNamed(Workplace& work, const std::string& name);
+
+// The two faces. Throw UsageError if the side has none. Of the instrument: what it answers for `keys`.
+Values FileFaceOf(const Side& side);
+Values WireFaceOf(Workplace& work, const Side& side, const std::vector<std::string>& keys);
+
+// The operation of that number, or the last one of `@last`. Throws UsageError if there is none.
+Operation OperationNamed(const History& history, const std::string& number);
+
+// Reads the history, for a command that writes nothing. Throws UsageError if it cannot be read.
+History ReadHistory(Workplace& work);
+
+// Whether the bytes are a backup, which knows nothing of what is installed, or a whole configuration.
+bool IsBackup(const std::string& bytes);
+
+}  // namespace zolvane

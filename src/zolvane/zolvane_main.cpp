@@ -1,0 +1,12 @@
+#include <iostream>
+
+#include "program/terminal.h"
+#include "zolvane/zolvane_program.h"
+
+int main(int count, char** arguments) {
+  zolvane::KeepStandardStreams();
+  std::ios::sync_with_stdio(false);
+  const auto terminal = zolvane::OpenTerminal();
+  return zolvane::RunZolvane(zolvane::ProgramArguments(count, arguments), std::cout, std::clog,
+                             terminal.get());
+}

@@ -1,0 +1,115 @@
+#include "zolvane/zolvane_program.h"
+
+#include <algorithm>
+#include <memory>
+#include <optional>
+#include <ostream>
+#include <variant>
+
+#include "bench/host/trace_output.h"
+#include "instrument/links/link_factory.h"
+#include "program/console.h"
+#include "program/program_frame.h"
+#include "program/terminal.h"
+#include "program/write_failure.h"
+#include "text/joined.h"
+#include "text/json_text.h"
+#include "text/usage_error.h"
+#include "zolvane/command_line.h"
+#include "zolvane/commands.h"
+#include "zolvane/work/objections.h"
+#include "zolvane/work/workplace.h"
+
+namespace zolvane {
+namespace {
+
+std::shared_ptr<BenchLink> LinkOf(const CustodyOptions& options) {
+  FaultPlan faults;
+  for (const auto& fault : options.Faults) {
+    faults.Add(fault);
+  }
+  if (!options.HasLink) {
+    return nullptr;
+  }
+  return CreateLink(options.Link, options.TimeoutSeconds, ProgramInterrupt(), faults);
+}
+
+// Runs the command. What it could not use, and what spoke against it, is in the report.
+void RunReported(Workplace& work, std::ostream& errors) {
+  auto& report = work.Result;
+  const auto nothingWasChanged = [&](int status, std::string_view outcome) {
+    report.ExitStatus = status;
+    report.Outcome = outcome;
+  };
+  try {
+    RunCommand(work);
+  } catch (const Refusal&) {
+    work.Out.Error("nothing was changed");
+    nothingWasChanged(exit_status::objection, outcome::refused);
+  } catch (const UsageError& error) {
+    Complain(programName, errors, error.what());
+    report.More["problem"] = error.what();
+    nothingWasChanged(exit_status::unusable, outcome::failed);
+  }
+}
+
+int Finish(Workplace& work, TraceOutput& trace) {
+  auto& report = work.Result;
+  if (const auto loss = trace.Finish()) {
+    work.Out.Error(*loss);
+    report.Worsen(exit_status::notDone);
+  }
+  if (work.Options.PrintsJson) {
+    const bool isAlone = work.Options.Trace != standardOutput;  // else it is the last line of many
+    work.Out.PrintDocument(JsonText(ReportJson(report), isAlone));
+  }
+  const auto failure = work.Out.Flush();
+  if (failure && !ReaderHasLeft(failure)) {
+    work.Out.Error("the results are lost, as standard output could not be written");
+    report.Worsen(exit_status::notDone);
+  }
+  return report.ExitStatus;
+}
+
+int Run(const CustodyOptions& options, std::ostream& output, std::ostream& errors, Questioner* terminal) {
+  const auto link = LinkOf(options);
+  TraceOutput trace{options.Trace, false, output};
+  if (link != nullptr) {
+    link->Begin();
+  }
+  Console console{output,
+                  errors,
+                  {.Program = programName,
+                   .IsQuiet = options.IsQuiet,
+                   .ResultsGoToNotes = options.PrintsJson || options.Trace == standardOutput,
+                   .NotesWidth = ErrorTerminalWidth()}};
+  TakeInterrupts([] { ProgramInterrupt().Raise(); });
+  SystemDisk files;
+  SystemWitness who;
+  Report report{.Command = options.Command.front()};
+  Workplace work{.Options = options,
+                 .Files = files,
+                 .Who = who,
+                 .Link = link,
+                 .Terminal = terminal,
+                 .Out = console,
+                 .Trace = trace.Log(),
+                 .Result = report};
+  RunReported(work, errors);
+  return Finish(work, trace);
+}
+
+}  // namespace
+
+int RunZolvane(const std::vector<std::string>& arguments, std::ostream& output, std::ostream& errors,
+               Questioner* terminal) {
+  return RunFramed(programName, errors, [&] {
+    const auto parsed = ParseCustodyOptions(arguments);
+    if (const auto* information = std::get_if<Information>(&parsed)) {
+      return PrintInformation(programName, information->Text, output, errors);
+    }
+    return Run(std::get<CustodyOptions>(parsed), output, errors, terminal);
+  });
+}
+
+}  // namespace zolvane

@@ -1,0 +1,117 @@
+#include "custody/program/zolvane_fixture.h"
+
+namespace zolvane {
+namespace {
+
+class BringingBackTest : public Zolvane {
+ protected:
+  // The instrument knows all keys and has nothing unsaved; then the file changes.
+  void SetUp() override {
+    ASSERT_EQ(Run({"--yes", "upload"}).Status, 0);
+    Replace("STAGE,1612,", "STAGE,11612,");
+    Replace("MountHeight=164.35", "MountHeight=164.5");
+  }
+};
+
+TEST_F(BringingBackTest, UndoOfAnUploadLeavesFileAndMemoryAsTheyWere) {
+  const auto memory = Memory();
+  const auto file = Configuration();
+  ASSERT_EQ(Run({"--yes", "upload"}).Status, 0);
+  ASSERT_NE(Memory(), memory);
+  const auto document = RunJson({"undo"});
+  EXPECT_EQ(document.at("outcome"), "done") << document.dump(2);
+  EXPECT_EQ(Memory(), memory);
+  EXPECT_EQ(Configuration(), file);
+}
+
+TEST_F(BringingBackTest, UndoTwiceIsRedo) {
+  ASSERT_EQ(Run({"--yes", "upload"}).Status, 0);
+  const auto memory = Memory();
+  ASSERT_EQ(Run({"undo"}).Status, 0);
+  ASSERT_EQ(Run({"undo"}).Status, 0);
+  EXPECT_EQ(Memory(), memory);
+}
+
+TEST_F(BringingBackTest, UndoOfADownloadPutsTheFileBackByteForByte) {
+  const auto file = Configuration();
+  ASSERT_EQ(Run({"--yes", "download"}).Status, 0);
+  ASSERT_NE(Configuration(), file);
+  EXPECT_EQ(RunAlone({"undo"}).Status, 0);
+  EXPECT_EQ(Configuration(), file);
+}
+
+TEST_F(BringingBackTest, WithoutAHistoryThereIsNothingToUndo) {
+  std::filesystem::remove_all(Folder.Path("Zolvane.history"));
+  const auto run = Run({"undo"});
+  EXPECT_EQ(run.Status, 2);
+  EXPECT_NE(run.Errors.find("there is nothing to undo"), std::string::npos);
+  EXPECT_EQ(Run({"resume"}).Status, 2);
+}
+
+TEST_F(BringingBackTest, ResumeSendsWhatIsMissing) {
+  const auto cut = Run({"--yes", "--fault", "silent@250", "upload"});
+  ASSERT_EQ(cut.Status, 1) << cut.All();
+  EXPECT_NE(cut.Errors.find("\"resume\" goes on from here"), std::string::npos) << cut.Errors;
+  const auto document = RunJson({"resume"});
+  EXPECT_EQ(document.at("outcome"), "done") << document.dump(2);
+  EXPECT_EQ(Run({"diff", "file", "instrument"}).Status, 0);
+}
+
+TEST_F(BringingBackTest, UndoOfACutUploadLeavesTheMemoryAsItWas) {
+  const auto memory = Memory();
+  ASSERT_EQ(Run({"--yes", "--fault", "silent@250", "upload"}).Status, 1);
+  const auto run = Run({"undo"});
+  EXPECT_EQ(run.Status, 0) << run.All();
+  EXPECT_EQ(Memory(), memory);
+}
+
+TEST_F(BringingBackTest, WhatSomebodyElseChangedStaysAndIsNamed) {
+  const auto before = Configuration();
+  ASSERT_EQ(Run({"--yes", "download"}).Status, 0);
+  Replace("STAGE,1612,", "STAGE,77,");
+  const auto changed = Configuration();
+  const auto document = RunJson({"undo"});
+  EXPECT_EQ(document.at("exit_status"), 3);
+  EXPECT_EQ(document.at("objections")[0].at("code"), "changed");
+  EXPECT_EQ(Configuration(), changed);
+  const auto run = Run({"--despite", "changed", "undo"});
+  EXPECT_EQ(run.Status, 1) << run.All();
+  EXPECT_NE(run.Errors.find("changed by somebody else"), std::string::npos) << run.Errors;
+  EXPECT_NE(Configuration().find("STAGE,77,"), std::string::npos);
+}
+
+TEST_F(BringingBackTest, ARestoreNeedsNoConfigurationInTheFolder) {
+  const auto file = Configuration();
+  ASSERT_EQ(Run({"--yes", "upload"}).Status, 0);
+  std::filesystem::remove(Folder.Path("Zolvane.ini"));
+  const auto run = RunAlone({"restore", "@last"});
+  EXPECT_EQ(run.Status, 0) << run.All();
+  EXPECT_EQ(Configuration(), file);
+}
+
+TEST_F(BringingBackTest, ARecordRestoresFileAndInstrument) {
+  ASSERT_EQ(Run({"--yes", "upload"}).Status, 0);
+  const auto memory = Memory();
+  const auto file = Configuration();
+  const auto record = Folder.Path("record.html");
+  ASSERT_EQ(Run({"backup", record}).Status, 0);
+  Replace("MountHeight=164.5", "MountHeight=160");
+  ASSERT_EQ(Run({"--yes", "upload"}).Status, 0);
+  const auto document = RunJson({"restore", "--instrument", record});
+  EXPECT_EQ(document.at("outcome"), "done") << document.dump(2);
+  EXPECT_EQ(Memory(), memory);
+  EXPECT_EQ(Configuration(), file);
+  EXPECT_EQ(RunAlone({"history", "audit", "--against", record}).Status, 0);
+}
+
+TEST_F(BringingBackTest, ADamagedRecordIsRefused) {
+  const auto record = Folder.Path("record.html");
+  ASSERT_EQ(Run({"backup", record}).Status, 0);
+  auto bytes = Folder.Read("record.html");
+  bytes[bytes.size() / 2] ^= 1;
+  Folder.Put("record.html", bytes);
+  EXPECT_EQ(RunAlone({"restore", record}).Status, 2);
+}
+
+}  // namespace
+}  // namespace zolvane

@@ -1,0 +1,85 @@
+#include "custody/program/zolvane_fixture.h"
+
+namespace zolvane {
+namespace {
+
+using HistoryCommands = Zolvane;
+
+TEST_F(HistoryCommands, AnEmptyHistoryIsSaid) {
+  EXPECT_EQ(RunAlone({"history"}).Output, "The history has no operation yet.\n");
+}
+
+TEST_F(HistoryCommands, OperationsAreListedInTheirOrder) {
+  ASSERT_EQ(Run({"--yes", "--by", "Ada", "upload"}).Status, 0);
+  ASSERT_EQ(Run({"--by", "Bea", "export", Folder.Path("a.bak")}).Status, 0);
+  const auto document = RunJson({"history"});
+  ASSERT_EQ(document.at("operations").size(), 2U);
+  EXPECT_EQ(document.at("operations")[0].at("operation"), 2);
+  EXPECT_EQ(document.at("operations")[0].at("action"), "upload");
+  EXPECT_EQ(document.at("operations")[0].at("person"), "Ada");
+  EXPECT_EQ(document.at("operations")[1].at("operation"), 4);
+  EXPECT_EQ(document.at("checkpoint")[1], "4");
+}
+
+TEST_F(HistoryCommands, ATableProgramTakesNoTextForAFormula) {
+  ASSERT_EQ(Run({"--yes", "--by", "=1+1", "--reason", "a, \"b\"", "upload"}).Status, 0);
+  const auto table = RunAlone({"history", "--csv"}).Output;
+  EXPECT_NE(table.find(",'=1+1,"), std::string::npos) << table;
+  EXPECT_NE(table.find(",\"a, \"\"b\"\"\","), std::string::npos) << table;
+}
+
+TEST_F(HistoryCommands, OneOperationShowsItsVerdicts) {
+  ASSERT_EQ(Run({"--yes", "upload"}).Status, 0);
+  const auto document = RunJson({"history", "show", "2"});
+  EXPECT_EQ(document.at("operation").at("action"), "upload");
+  EXPECT_GT(document.at("values").size(), 100U);
+  EXPECT_EQ(RunAlone({"history", "show", "3"}).Status, 2);
+}
+
+TEST_F(HistoryCommands, AWholeHistoryPassesTheAudit) {
+  ASSERT_EQ(Run({"--yes", "upload"}).Status, 0);
+  ASSERT_EQ(RunAlone({"export", Folder.Path("a.bak")}).Status, 0);
+  const auto document = RunJson({"history", "audit", "--against", Folder.Path("a.bak")});
+  EXPECT_EQ(document.at("exit_status"), 0) << document.dump(2);
+  EXPECT_EQ(document.at("audit").at("anchored_up_to"), 4);
+}
+
+TEST_F(HistoryCommands, AChangedEntryFailsTheAudit) {
+  ASSERT_EQ(Run({"--yes", "--by", "Ada", "upload"}).Status, 0);
+  auto journal = Folder.Read("Zolvane.history/journal.jsonl");
+  journal.replace(journal.find("Ada"), 3, "Eve");
+  Folder.Put("Zolvane.history/journal.jsonl", journal);
+  const auto document = RunJson({"history", "audit"});
+  EXPECT_EQ(document.at("exit_status"), 1);
+  EXPECT_EQ(document.at("audit").at("intact"), false);
+  EXPECT_EQ(RunJson({"--yes", "upload"}).at("objections")[0].at("code"), "history-damaged");
+}
+
+TEST_F(HistoryCommands, ADeletedHistoryIsNotAnchored) {
+  ASSERT_EQ(RunAlone({"export", Folder.Path("a.bak")}).Status, 0);
+  std::filesystem::remove_all(Folder.Path("Zolvane.history"));
+  EXPECT_EQ(RunAlone({"history", "audit", "--against", Folder.Path("a.bak")}).Status, 1);
+}
+
+TEST_F(HistoryCommands, SidesComeOutOfTheHistory) {
+  ASSERT_EQ(Run({"--yes", "upload"}).Status, 0);
+  Replace("MountHeight=164.35", "MountHeight=164.5");
+  const auto document = RunJson({"diff", "@last", "file"});
+  EXPECT_EQ(document.at("exit_status"), 1);
+  EXPECT_EQ(document.at("differences").size(), 1U);
+  EXPECT_EQ(RunAlone({"diff", "@2:found", "@2"}).Status, 0);
+}
+
+TEST_F(HistoryCommands, OfADamagedHistoryNothingIsTakenBack) {
+  ASSERT_EQ(Run({"--yes", "upload"}).Status, 0);
+  const auto journal = Folder.Read("Zolvane.history/journal.jsonl");
+  Folder.Put("Zolvane.history/journal.jsonl", "x" + journal);
+  const auto run = Run({"undo"});
+  EXPECT_EQ(run.Status, 3) << run.All();
+  EXPECT_NE(run.Errors.find("history-damaged"), std::string::npos) << run.Errors;
+  EXPECT_EQ(Folder.Read("Zolvane.history/journal.jsonl"), "x" + journal);
+  EXPECT_EQ(Run({"history"}).Output.find("no operation yet"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace zolvane

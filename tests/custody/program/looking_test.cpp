@@ -1,0 +1,104 @@
+#include "custody/program/zolvane_fixture.h"
+
+namespace zolvane {
+namespace {
+
+using Looking = Zolvane;
+
+TEST_F(Looking, CheckOfTheSampleFindsNoError) {
+  const auto document = RunJson({"check"});
+  EXPECT_EQ(document.at("exit_status"), 0);
+  EXPECT_EQ(document.at("counts").at("error"), 0);
+  EXPECT_EQ(document.at("counts").at("warning"), 0);
+  EXPECT_FALSE(document.contains("outcome"));
+}
+
+TEST_F(Looking, CheckOfADamagedValueNamesFileAndLine) {
+  Replace("0.01,800,32000", "0.O1,800,32000");
+  const auto document = RunJson({"check"});
+  bool isNamed = false;
+  for (const auto& finding : document.at("findings")) {
+    const auto file = finding.at("file").get<std::string>();
+    isNamed = isNamed || (file.ends_with("Zolvane.ini") && finding.at("line") == 42);
+  }
+  EXPECT_TRUE(isNamed) << document.dump(2);
+}
+
+TEST_F(Looking, AFileIsTheSameAsItself) {
+  const auto document = RunJson({"diff", "file", "file"});
+  EXPECT_EQ(document.at("exit_status"), 0);
+  EXPECT_EQ(document.at("counts").at("different"), 0);
+  EXPECT_EQ(document.at("differences"), Json::array());
+}
+
+TEST_F(Looking, ADifferenceShowsBothTexts) {
+  const auto other = Folder.Put("other.ini", Sample());
+  Replace("MountHeight=164.35", "MountHeight=164.5");
+  const auto document = RunJson({"diff", other, "file"});
+  EXPECT_EQ(document.at("exit_status"), 1);
+  ASSERT_EQ(document.at("differences").size(), 1U);
+  EXPECT_EQ(document.at("differences")[0],
+            (Json{{"key", "[Z_Calibration] MountHeight"}, {"a", "164.35"}, {"b", "164.5"}}));
+}
+
+TEST_F(Looking, NumbersOfOneValueAreNoDifference) {
+  const auto other = Folder.Put("other.ini", Sample());
+  Replace("MountHeight=164.35", "MountHeight=+164.3500");
+  EXPECT_EQ(RunAlone({"diff", other, "file"}).Status, 0);
+}
+
+TEST_F(Looking, ANewInstrumentKnowsNothingOfWhatAnUploadWouldSend) {
+  const auto document = RunJson({"diff", "file", "instrument"});
+  EXPECT_EQ(document.at("exit_status"), 1);
+  const auto& counts = document.at("counts");
+  EXPECT_GT(counts.at("only_in_a"), 100);
+  EXPECT_EQ(counts.at("same"), 0);
+}
+
+TEST_F(Looking, ShowGroupsAndMeasures) {
+  const auto run = RunAlone({"--wire", "show", "file", "STAGE1_X"});
+  EXPECT_EQ(run.Status, 0);
+  EXPECT_NE(run.Output.find("Stage XY\n  STAGE1_X"), std::string::npos) << run.Output;
+}
+
+TEST_F(Looking, AValueThatTheSideLacksIsSaid) {
+  const auto run = RunAlone({"show", "file", "[NoSuch] Key"});
+  EXPECT_EQ(run.Status, 2);
+  EXPECT_EQ(run.Errors, "zolvane: the side has no value \"[NoSuch] Key\"\n");
+}
+
+TEST_F(Looking, AnInstrumentThatDoesNotAnswerIsUnusable) {
+  const auto run = RunAlone({"--link", "none", "show", "instrument", "STAGE1_X"});
+  EXPECT_EQ(run.Status, 2);
+}
+
+TEST_F(Looking, WritesNothingAnywhere) {
+  RunAlone({"check"});
+  RunAlone({"show", "file"});
+  RunAlone({"diff", "file", "file"});
+  RunAlone({"--wire", "show", "file"});
+  RunAlone({"history"});
+  RunAlone({"history", "audit"});
+  EXPECT_EQ(Folder.Names(), std::vector<std::string>{"Zolvane.ini"});
+  EXPECT_EQ(Configuration(), Sample());
+}
+
+TEST_F(Looking, ThereIsNoDriftBehindAnUpload) {
+  ASSERT_EQ(Run({"--yes", "upload"}).Status, 0);
+  const auto document = RunJson({"drift"});
+  EXPECT_EQ(document.at("exit_status"), 0);
+  EXPECT_FALSE(document.contains("drift"));
+}
+
+TEST_F(Looking, DriftShowsAllThree) {
+  ASSERT_EQ(Run({"--yes", "upload"}).Status, 0);
+  Replace("MountHeight=164.35", "MountHeight=164.5");
+  const auto document = RunJson({"drift"});
+  EXPECT_EQ(document.at("exit_status"), 1);
+  for (const auto& drifted : document.at("drift")) {
+    EXPECT_EQ(drifted.at("left"), drifted.at("instrument"));
+  }
+}
+
+}  // namespace
+}  // namespace zolvane

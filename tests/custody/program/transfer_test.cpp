@@ -1,0 +1,222 @@
+#include "custody/program/zolvane_fixture.h"
+
+namespace zolvane {
+namespace {
+
+class TransferInCustody : public Zolvane {
+ protected:
+  std::string Journal() const { return Folder.Read("Zolvane.history/journal.jsonl"); }
+
+  // The last entry of the history.
+  Json LastEntry() const {
+    const auto text = Journal();
+    const auto begin = text.rfind('\n', text.size() - 2) + 1;
+    return Json::parse(text.substr(begin));
+  }
+
+  // The word is a promise: it stands in an output only beside exit status 0.
+  static void ExpectHonest(const ProgramRun& run) {
+    const bool claims = run.All().find("done") != std::string::npos;
+    EXPECT_EQ(claims, run.Status == 0) << run.All();
+  }
+};
+
+TEST_F(TransferInCustody, AnUploadIsVerifiedSavedAndRecorded) {
+  const auto document = RunJson({"--yes", "--by", "Ada", "--reason", "new chute", "upload"});
+  EXPECT_EQ(document.at("exit_status"), 0);
+  EXPECT_EQ(document.at("outcome"), "done");
+  const auto& counts = document.at("counts");
+  EXPECT_GT(counts.at("values"), 100);
+  EXPECT_EQ(counts.at("verified"), counts.at("values"));
+  EXPECT_EQ(counts.at("saved"), 1);
+  for (const auto& value : document.at("values")) {
+    EXPECT_EQ(value.at("verdict"), "verified");
+  }
+  EXPECT_FALSE(Kept("STAGE1_X").is_null());
+  const auto entry = LastEntry();
+  EXPECT_EQ(entry.at("action"), "upload");
+  EXPECT_EQ(entry.at("outcome"), "done");
+  EXPECT_EQ(entry.at("person"), "Ada");
+  EXPECT_EQ(entry.at("reason"), "new chute");
+  EXPECT_EQ(entry.at("instrument"), "ZV400");
+}
+
+TEST_F(TransferInCustody, AfterwardsFileAndInstrumentAgree) {
+  ASSERT_EQ(Run({"--yes", "upload"}).Status, 0);
+  EXPECT_EQ(Run({"diff", "file", "instrument"}).Status, 0);
+}
+
+TEST_F(TransferInCustody, AValueThatWasNotStoredKeepsSaveBack) {
+  ASSERT_EQ(Run({"--yes", "upload"}).Status, 0);
+  const auto memory = Memory();
+  Replace("STAGE,1612,", "STAGE,11612,");
+  const auto run = Run({"--yes", "--fault", "drop@STAGE1_X", "upload"});
+  EXPECT_EQ(run.Status, 1);
+  ExpectHonest(run);
+  EXPECT_NE(run.Errors.find("SAVE was not sent"), std::string::npos) << run.All();
+  EXPECT_EQ(Memory(), memory);
+  EXPECT_EQ(LastEntry().at("outcome"), "not_proven");
+}
+
+TEST_F(TransferInCustody, TheCauseIsNamed) {
+  ASSERT_EQ(Run({"--yes", "upload"}).Status, 0);
+  Replace("STAGE,1612,", "STAGE,11612,");
+  const auto causeOf = [&](const std::string& fault) {
+    const auto document = RunJson({"--yes", "--fault", fault + "@STAGE1_X", "upload"});
+    EXPECT_EQ(document.at("exit_status"), 1) << fault;
+    for (const auto& value : document.at("values")) {
+      if (value.at("key") == "STAGE1_X") {
+        return value.value("cause", "");
+      }
+    }
+    return std::string{};
+  };
+  EXPECT_EQ(causeOf("drop"), "kept");
+  EXPECT_EQ(causeOf("refuse"), "refused");
+  EXPECT_EQ(causeOf("negate"), "sign");
+  EXPECT_EQ(causeOf("times100"), "factor");
+  EXPECT_EQ(causeOf("cut"), "cut");
+}
+
+TEST_F(TransferInCustody, AnotherSpellingOfANumberIsNoAlarm) {
+  const auto run = Run({"--yes", "--fault", "respell@STAGE1_X", "upload"});
+  EXPECT_EQ(run.Status, 0) << run.All();
+  ExpectHonest(run);
+}
+
+TEST_F(TransferInCustody, AnInstrumentThatFallsSilentWhileLookingChangesNothing) {
+  const auto run = Run({"--yes", "--fault", "silent@3", "upload"});
+  EXPECT_EQ(run.Status, 2);
+  ExpectHonest(run);
+  EXPECT_FALSE(Folder.Has("Zolvane.history/journal.jsonl"));
+}
+
+TEST_F(TransferInCustody, CancelledInTheBoxIsCancelled) {
+  const auto document = RunJson({"--answer", "cancel", "upload"});
+  EXPECT_EQ(document.at("exit_status"), 1);
+  EXPECT_EQ(document.at("outcome"), "cancelled");
+}
+
+TEST_F(TransferInCustody, AnotherInstrumentIsAnObjection) {
+  Replace("Installed=2", "Installed=1");
+  const auto document = RunJson({"--yes", "upload"});
+  EXPECT_EQ(document.at("exit_status"), 3);
+  EXPECT_EQ(document.at("outcome"), "refused");
+  EXPECT_EQ(document.at("objections")[0],
+            (Json{{"code", "other-instrument"}, {"expected", "ZV200"}, {"actual", "ZV400"}}));
+  EXPECT_FALSE(Folder.Has("Zolvane.history/journal.jsonl"));
+}
+
+TEST_F(TransferInCustody, WhoSitsAtTheTerminalLetsAnObjectionPass) {
+  const auto backup = Folder.Put("old.bak", "something\r\n");
+  PreparedUser user{{"exists"}};
+  const auto run = RunAlone({"--yes", "export", backup}, &user);
+  EXPECT_EQ(run.Status, 0) << run.All();
+  EXPECT_NE(user.Asked.find("[exists]"), std::string::npos);
+  EXPECT_EQ(LastEntry().at("objections")[0].at("code"), "exists");
+}
+
+TEST_F(TransferInCustody, YesAloneLetsNoObjectionPass) {
+  const auto backup = Folder.Put("old.bak", "something\r\n");
+  const auto run = RunAlone({"--yes", "export", backup});
+  EXPECT_EQ(run.Status, 3);
+  EXPECT_EQ(Folder.Read("old.bak"), "something\r\n");
+}
+
+TEST_F(TransferInCustody, AnExportIsFreshAndCarriesTheCheckpointOfItsBeginning) {
+  const auto document = RunJson({"export", Folder.Path("new.bak")});
+  EXPECT_EQ(document.at("exit_status"), 0);
+  const auto backup = Folder.Read("new.bak");
+  EXPECT_TRUE(backup.starts_with("[DeviceType]\r\n"));
+  const auto identity = document.at("checkpoint")[0].get<std::string>();
+  EXPECT_NE(backup.find("; " + identity + "\r\n; 1\r\n; "), std::string::npos)
+      << backup.substr(backup.size() - 200);
+  EXPECT_GT(document.at("counts").at("not_brought_back"), 0);
+}
+
+TEST_F(TransferInCustody, OurOwnBackupRaisesNoObjection) {
+  ASSERT_EQ(RunAlone({"export", Folder.Path("new.bak")}).Status, 0);
+  const auto run = RunAlone({"--yes", "import", Folder.Path("new.bak")});
+  EXPECT_EQ(run.Status, 0) << run.All();
+  ExpectHonest(run);
+  EXPECT_EQ(RunAlone({"--yes", "import", std::string{ZOLVANE_SAMPLES_PATH} + "/Zolvane.bak"}).Status, 0);
+}
+
+TEST_F(TransferInCustody, AFileThatIsNoBackupIsAnObjection) {
+  const auto document = RunJson({"--yes", "import", Folder.Put("some.txt", "[Nothing]\r\nKey=1\r\n")});
+  EXPECT_EQ(document.at("exit_status"), 3);
+  EXPECT_EQ(document.at("objections")[0].at("code"), "not-a-backup");
+  EXPECT_EQ(Configuration(), Sample());
+}
+
+TEST_F(TransferInCustody, ABackupThatIsCutOffIsAnObjection) {
+  const auto whole = BytesOf(std::string{ZOLVANE_SAMPLES_PATH} + "/Zolvane.bak");
+  for (const auto& part :
+       {whole.substr(0, whole.size() / 2 - 3), whole.substr(0, whole.find("[HeadType]"))}) {
+    const auto document = RunJson({"--yes", "import", Folder.Put("part.bak", part)});
+    EXPECT_EQ(document.at("exit_status"), 3);
+    EXPECT_EQ(document.at("objections")[0].at("code"), "cut-off") << document.dump(2);
+  }
+}
+
+TEST_F(TransferInCustody, ABackupOfAnotherDeviceIsAnObjection) {
+  auto backup = BytesOf(std::string{ZOLVANE_SAMPLES_PATH} + "/Zolvane.bak");
+  backup.replace(backup.find("[Position_Zolvane 400]"), 22, "[Position_Zolvane 200]");
+  const auto document = RunJson({"--yes", "import", Folder.Put("other.bak", backup)});
+  EXPECT_EQ(document.at("exit_status"), 3);
+  EXPECT_EQ(document.at("objections").back().at("code"), "other-device");
+}
+
+TEST_F(TransferInCustody, ADownloadIsReadBack) {
+  ASSERT_EQ(Run({"--yes", "upload"}).Status, 0);
+  Replace("STAGE,1612,", "STAGE,11612,");
+  const auto document = RunJson({"--yes", "download"});
+  EXPECT_EQ(document.at("exit_status"), 0) << document.dump(2);
+  EXPECT_EQ(document.at("outcome"), "done");
+  bool isFetched = false;
+  for (const auto& value : document.at("values")) {
+    isFetched = isFetched || value.at("key").get<std::string>().starts_with("[Position_Zolvane 400] Item1");
+    EXPECT_EQ(value.at("verdict"), "verified");
+  }
+  EXPECT_TRUE(isFetched);
+}
+
+TEST_F(TransferInCustody, WhatAnEditorDidIsSeenAsOutside) {
+  ASSERT_EQ(Run({"--yes", "upload"}).Status, 0);
+  Replace("MountHeight=164.35", "MountHeight=164.5");
+  ASSERT_EQ(Run({"--yes", "upload"}).Status, 0);
+  const auto document = RunJson({"history"});
+  ASSERT_EQ(document.at("operations").size(), 3U);
+  EXPECT_EQ(document.at("operations")[1].at("action"), "outside");
+}
+
+TEST_F(TransferInCustody, ARehearsalChangesNothingAndForetells) {
+  const auto document = RunJson({"--yes", "--rehearse", "upload"});
+  EXPECT_EQ(document.at("exit_status"), 0);
+  EXPECT_EQ(document.at("rehearsal").at("would_be_proven"), true);
+  EXPECT_FALSE(document.contains("outcome"));
+  EXPECT_FALSE(Folder.Has("Zolvane.history/journal.jsonl"));
+  EXPECT_EQ(Configuration(), Sample());
+  EXPECT_EQ(Run({"show", "instrument", "STAGE1_X"}).Output.find("(none)") != std::string::npos, true);
+  const auto run = Run({"--yes", "--rehearse", "upload"});
+  for (const auto* word : {"done", "recorded", "saved", "177 sent", "177 answered"}) {
+    EXPECT_EQ(run.All().find(word), std::string::npos) << word << "\n" << run.All();
+  }
+}
+
+TEST_F(TransferInCustody, EveryFaultAtEveryLineIsHonest) {
+  ASSERT_EQ(Run({"--yes", "upload"}).Status, 0);
+  const auto fresh = Memory();
+  for (const std::string fault :
+       {"silent", "garbage", "empty", "refuse", "drop", "negate", "double", "echo", "shift"}) {
+    for (const int line : {2, 200}) {
+      std::filesystem::remove_all(Folder.Path("Zolvane.history"));
+      Folder.Put("memory.json", fresh);
+      const auto run = Run({"--yes", "--fault", fault + "@" + std::to_string(line), "upload"});
+      ExpectHonest(run);
+    }
+  }
+}
+
+}  // namespace
+}  // namespace zolvane
