@@ -93,7 +93,11 @@ std::optional<std::string> SectionedText::Find(std::string_view section, std::st
     return std::nullopt;
   }
   const Section& inSection = sections_[*place.Section];
-  const std::string_view content = ContentAt(inSection.Start + inSection.KeyLines[*place.Key]);
+  return ValueIn(ContentAt(inSection.Start + inSection.KeyLines[*place.Key]));
+}
+
+// Of a line with a key.
+std::string SectionedText::ValueIn(std::string_view content) const {
   return Decoded(Trimmed(content.substr(content.find('=') + 1)));
 }
 
@@ -132,7 +136,7 @@ SectionedText::SeenLine SectionedText::Seen(const Line& line, std::size_t sectio
     const auto found = FindKey(inSection, NameOf(*key));
     seen.Is = LineKind::Key;
     seen.Key = Decoded(*key);
-    seen.Value = Decoded(Trimmed(content.substr(content.find('=') + 1)));
+    seen.Value = ValueIn(content);
     seen.Counts = seen.Counts && found && inSection.Start + inSection.KeyLines[*found] == line.Begin;
   }
   return seen;

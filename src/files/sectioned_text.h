@@ -109,6 +109,7 @@ class SectionedText {
   std::string_view ContentAt(std::size_t begin) const { return ContentOf(LineAt(begin)); }
 
   std::string Decoded(std::string_view bytes) const;
+  std::string ValueIn(std::string_view content) const;
   std::string Encoded(std::string_view text) const;
   Name NameOf(std::string_view bytes) const { return {bytes, HashIgnoringCase(bytes, Encoding())}; }
   bool IsNamed(std::string_view bytes, const Name& name) const {
