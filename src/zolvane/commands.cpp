@@ -14,6 +14,7 @@
 #include "zolvane/operations/backup.h"
 #include "zolvane/operations/bringing_back.h"
 #include "zolvane/operations/rehearsal.h"
+#include "zolvane/work/actions.h"
 
 namespace zolvane {
 namespace {
@@ -51,32 +52,32 @@ constexpr std::array<CustodyCommandRow, 15> commandRows{{
     {"diff", "diff A B", "print the differences of two sides", 3, 3, Diff,
      "--link /dev/ttyS0 diff file instrument",
      "Two decimal numbers of one value are the same, however they are written.\n"},
-    {"upload", "upload", "send the calibration data to the instrument, and prove it before SAVE", 1, 1, AddIn,
-     "--link /dev/ttyS0 --yes --reason \"new chute\" upload",
+    {action::upload, "upload", "send the calibration data to the instrument, and prove it before SAVE", 1, 1,
+     AddIn, "--link /dev/ttyS0 --yes --reason \"new chute\" upload",
      "Every value is asked again when the add-in sends SAVE, which is passed on only if all agree.\n"},
-    {"download", "download", "fetch the calibration data from the instrument", 1, 1, AddIn,
+    {action::download, "download", "fetch the calibration data from the instrument", 1, 1, AddIn,
      "--link /dev/ttyS0 --yes download", "Shows beforehand what it would change in the file.\n"},
-    {"query", "query", "ask the instrument which hardware is fitted", 1, 1, AddIn, "--link /dev/ttyS0 query",
-     "What was found is stored in the file.\n"},
-    {"import", "import FILE", "load the tables of a backup", 2, 2, AddIn, "--yes import backup.bak",
+    {action::query, "query", "ask the instrument which hardware is fitted", 1, 1, AddIn,
+     "--link /dev/ttyS0 query", "What was found is stored in the file.\n"},
+    {action::import, "import FILE", "load the tables of a backup", 2, 2, AddIn, "--yes import backup.bak",
      "Shows beforehand what it would overwrite, and what it would set to zero.\n"},
-    {"export", "export FILE", "save the tables to a new backup", 2, 2, AddIn, "export backup.bak",
+    {action::exporting, "export FILE", "save the tables to a new backup", 2, 2, AddIn, "export backup.bak",
      "Says which values a later import would not bring back. With --despite exists an old file gives way; "
      "the\n"
      "history keeps it.\n"},
-    {"backup", "backup FILE", "write a record: a page that can be looked at and restored", 2, 2,
+    {action::backup, "backup FILE", "write a record: a page that can be looked at and restored", 2, 2,
      [](Workplace& work, const Words& words) { Backup(work, FileNamed(words[1])); },
      "--link /dev/ttyS0 backup before-service.html",
      "Holds the file and, with --link, what the instrument answers.\n"},
-    {"restore", "restore RECORD|@N", "put the configuration back, byte for byte", 2, 2,
+    {action::restore, "restore RECORD|@N", "put the configuration back, byte for byte", 2, 2,
      [](Workplace& work, const Words& words) { Restore(work, words[1]); }, "restore before-service.html",
      "With --instrument the instrument's values, too. Needs no configuration in the folder.\n"},
-    {"undo", "undo [N]", "take the last operation that changed something back, or operation N", 1, 2,
+    {action::undo, "undo [N]", "take the last operation that changed something back, or operation N", 1, 2,
      [](Workplace& work, const Words& words) {
        Undo(work, words.size() > 1 ? std::optional{words[1]} : std::nullopt);
      },
      "--link /dev/ttyS0 undo", "In the file and on the instrument. Undo twice is redo.\n"},
-    {"resume", "resume", "go on with an upload, restore or undo that was cut short", 1, 1,
+    {action::resume, "resume", "go on with an upload, restore or undo that was cut short", 1, 1,
      [](Workplace& work, const Words&) { Resume(work); }, "--link /dev/ttyS0 resume",
      "Asks what has arrived, and sends only what is missing.\n"},
     {"drift", "drift", "compare what was left last, the instrument and the file", 1, 1, Drift,

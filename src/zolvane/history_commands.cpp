@@ -10,6 +10,7 @@
 #include "text/printable.h"
 #include "text/usage_error.h"
 #include "zolvane/operations/custody.h"
+#include "zolvane/work/actions.h"
 #include "zolvane/work/printing.h"
 #include "zolvane/work/sides.h"
 
@@ -17,9 +18,9 @@ namespace zolvane {
 namespace {
 
 std::string OutcomeOfOperation(const Operation& operation) {
-  return operation.Ended == nullptr             ? "not_ended"
-         : operation.Begun->Action == "outside" ? "seen"
-                                                : operation.Ended->Outcome;
+  return operation.Ended == nullptr                   ? "not_ended"
+         : operation.Begun->Action == action::outside ? "seen"
+                                                      : operation.Ended->Outcome;
 }
 
 // One row for an operation, in the order of the heading.

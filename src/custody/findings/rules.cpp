@@ -31,9 +31,8 @@ class ObedientInstrument final : public InstrumentLink {
     if (auto setting = SettingIn(command)) {
       held_[setting->Name] = *std::move(setting->Text);
     }
-    constexpr std::string_view question = "GET_CALIBRATION ";
-    const auto isQuestion = command.starts_with(question);
-    const auto value = isQuestion ? held_.find(command.substr(question.size())) : held_.end();
+    const auto isQuestion = command.starts_with(questionStart);
+    const auto value = isQuestion ? held_.find(command.substr(questionStart.size())) : held_.end();
     reply = !isQuestion            ? "OK"
             : value == held_.end() ? std::string{syntaxErrorReply}
                                    : Joined(value->first, "=", value->second);

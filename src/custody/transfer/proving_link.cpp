@@ -12,8 +12,6 @@
 namespace zolvane {
 namespace {
 
-constexpr std::string_view saveCommand = "SET_CALIBRATION SAVE";
-
 std::string TextOf(const Verdict& verdict) {
   const auto held = verdict.Left ? Quoted(*verdict.Left) : "nothing";
   const auto why = verdict.Why == Cause::None ? NameOf(verdict.Is) : NameOf(verdict.Why);
@@ -38,7 +36,7 @@ bool ProvingLink::IsProven(const Verdict& verdict) const {
 }
 
 std::optional<std::string> ProvingLink::Exchange(const std::string& command, Delivery& delivery) {
-  if (command == saveCommand) {
+  if (command == saveLine) {
     return Save(command, delivery);
   }
   auto reply = PassOn(command, delivery);
@@ -49,15 +47,12 @@ std::optional<std::string> ProvingLink::Exchange(const std::string& command, Del
 }
 
 std::optional<std::string> ProvingLink::PassOn(const std::string& command, Delivery& delivery) {
-  auto line = command;
-  std::string reply;
   PassOver(link_->SetStop(false));
-  const bool isAnswered = MetOnlyIf(link_->SendCommand(line, reply, 0));
-  delivery = link_->LastDelivery();
+  auto reply = HandOn(*link_, command, delivery);
   if (MetOnlyIf(link_->Stop())) {
     RaiseStop();
   }
-  return isAnswered ? std::optional{std::move(reply)} : std::nullopt;
+  return reply;
 }
 
 void ProvingLink::Note(Value setting, const std::optional<std::string>& reply, const Delivery& delivery) {

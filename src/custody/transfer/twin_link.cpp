@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "custody/values/sides.h"
 #include "host/instrument_link.h"
 #include "text/joined.h"
 #include "text/printable.h"
@@ -9,16 +10,13 @@
 namespace zolvane {
 namespace {
 
-constexpr std::string_view question = "GET_CALIBRATION ";
-constexpr std::string_view instruction = "SET_CALIBRATION ";
-
 std::string ReplyFor(const std::string& key, const std::optional<std::string>& text) {
   return text ? Joined(key, "=", *text) : std::string{syntaxErrorReply};
 }
 
 // Commands that change nothing in the instrument.
 bool IsQuestion(std::string_view command) {
-  return command.starts_with(question) || command.starts_with("STATUS");
+  return command.starts_with(questionStart) || command.starts_with("STATUS");
 }
 
 }  // namespace
@@ -27,7 +25,7 @@ TwinLink::TwinLink(const Values& known, std::shared_ptr<BenchLink> original, con
     : BenchLink{interrupt}, original_{std::move(original)} {
   for (const auto& value : known.InOrder()) {
     if (value.WasAnswered) {
-      replies_.emplace(Joined(question, value.Name), ReplyFor(value.Name, value.Text));
+      replies_.emplace(Joined(questionStart, value.Name), ReplyFor(value.Name, value.Text));
     }
   }
 }
@@ -37,7 +35,7 @@ std::optional<std::string> TwinLink::Exchange(const std::string& command, Delive
     Store(setting->Name, setting->Text.value_or(""));
     return "OK";
   }
-  if (command.starts_with(instruction)) {
+  if (command.starts_with(settingStart)) {
     return "OK";  // SAVE
   }
   const auto known = replies_.find(command);
@@ -45,7 +43,7 @@ std::optional<std::string> TwinLink::Exchange(const std::string& command, Delive
 }
 
 void TwinLink::Store(const std::string& key, const std::string& text) {
-  const auto command = Joined(question, key);
+  const auto command = Joined(questionStart, key);
   const auto known = replies_.find(command);
   if (known == replies_.end() || known->second == syntaxErrorReply) {
     guesses_.push_back(
@@ -56,22 +54,12 @@ void TwinLink::Store(const std::string& key, const std::string& text) {
 
 std::optional<std::string> TwinLink::Ask(const std::string& command, Delivery& delivery) {
   if (original_ && IsQuestion(command)) {
-    auto line = command;
-    std::string reply;
-    const bool isAnswered = MetOnlyIf(original_->SendCommand(line, reply, 0));
-    delivery = original_->LastDelivery();
-    return isAnswered ? std::optional{replies_.emplace(command, reply).first->second} : std::nullopt;
+    auto reply = HandOn(*original_, command, delivery);
+    return reply ? std::optional{replies_.emplace(command, *std::move(reply)).first->second} : std::nullopt;
   }
   guesses_.push_back(
       Joined("nobody asked the instrument ", Quoted(command), ", and it is taken to refuse it"));
   return replies_.emplace(command, syntaxErrorReply).first->second;
-}
-
-std::optional<std::string> TwinLink::Held(const std::string& key) const {
-  const auto reply = replies_.find(Joined(question, key));
-  return reply == replies_.end() || reply->second == syntaxErrorReply
-             ? std::nullopt
-             : std::optional{reply->second.substr(reply->second.find('=', key.size()) + 1)};
 }
 
 }  // namespace zolvane

@@ -21,9 +21,6 @@ class TwinLink final : public BenchLink {
   // Where it had to guess, a sentence for each.
   const std::vector<std::string>& Guesses() const { return guesses_; }
 
-  // What it holds of this key; empty for one that it does not know.
-  std::optional<std::string> Held(const std::string& key) const;
-
  private:
   std::optional<std::string> Exchange(const std::string& command, Delivery& delivery) override;
   std::optional<std::string> Ask(const std::string& command, Delivery& delivery);

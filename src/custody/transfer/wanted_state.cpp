@@ -117,11 +117,11 @@ bool Bring(ProvingLink& link, const std::vector<Step>& plan, Ending ending) {
   std::string reply;
   const auto send = [&](std::string line) { return MetOnlyIf(link.SendCommand(line, reply, 0)); };
   for (const auto& step : plan) {
-    if (step.Is == Standing::ToDo && !send(Joined("SET_CALIBRATION ", step.Of.Name, " ", *step.Of.Wanted))) {
+    if (step.Is == Standing::ToDo && !send(Joined(settingStart, step.Of.Name, " ", *step.Of.Wanted))) {
       return false;
     }
   }
-  return ending == Ending::Prove ? link.Prove() : send("SET_CALIBRATION SAVE") && link.Tally().IsSaved;
+  return ending == Ending::Prove ? link.Prove() : send(std::string{saveLine}) && link.Tally().IsSaved;
 }
 
 // ---- A file ----

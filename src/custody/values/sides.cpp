@@ -51,7 +51,7 @@ WireFace LinesOn(MemoryDisk& disk) {
   });
   for (const auto& line : face.Script) {
     if (line.Value) {
-      auto setting = SettingIn(Joined("SET_CALIBRATION ", line.Key, " ", *line.Value));
+      auto setting = SettingIn(Joined(settingStart, line.Key, " ", *line.Value));
       face.Lines.Add(setting ? *std::move(setting) : Value{.Name = line.Key, .Text = line.Value});
     }
   }
@@ -110,8 +110,15 @@ WireFace WireFaceOfBackup(const std::string& configuration, const std::string& b
   return FaceAfter(configuration, backup, PressOf(importButton, file), "import the backup");
 }
 
+std::optional<std::string> HandOn(BenchLink& link, std::string command, Delivery& delivery) {
+  std::string reply;
+  const bool isAnswered = MetOnlyIf(link.SendCommand(command, reply, 0));
+  delivery = link.LastDelivery();
+  return isAnswered ? std::optional{std::move(reply)} : std::nullopt;
+}
+
 Value AskCalibration(InstrumentLink& link, const std::string& key) {
-  auto command = "GET_CALIBRATION " + key;
+  auto command = Joined(questionStart, key);
   std::string reply;
   if (!MetOnlyIf(link.SendCommand(command, reply, 0))) {
     return {.Name = key, .Text = {}, .WasAnswered = false};

@@ -10,6 +10,7 @@
 #include "config/configuration.h"
 #include "custody/values/values.h"
 #include "host/instrument_link.h"
+#include "instrument/links/bench_link.h"
 #include "operations/upload_script.h"
 
 namespace zolvane {
@@ -34,6 +35,9 @@ WireFace WireFaceOfFile(const std::string& configuration);
 
 // After the add-in has imported the backup into a copy of the folder.
 WireFace WireFaceOfBackup(const std::string& configuration, const std::string& backup);
+
+// Hands the command on. Returns the reply, or nothing; `delivery` tells what became of it.
+std::optional<std::string> HandOn(BenchLink& link, std::string command, Delivery& delivery);
 
 // What the instrument answers to GET_CALIBRATION for the key. A key that it does not know has no text; a reply
 // that names another key is no answer.

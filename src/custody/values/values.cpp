@@ -65,11 +65,10 @@ const Value* Values::Find(std::string_view name) const {
 }
 
 std::optional<Value> SettingIn(std::string_view line) {
-  constexpr std::string_view start = "SET_CALIBRATION ";
-  if (!line.starts_with(start)) {
+  if (!line.starts_with(settingStart)) {
     return std::nullopt;
   }
-  line.remove_prefix(start.size());
+  line.remove_prefix(settingStart.size());
   const auto blank = line.find(' ');
   if (blank == std::string_view::npos || blank == 0) {
     return std::nullopt;

@@ -18,6 +18,7 @@
 #include "text/usage_error.h"
 #include "zolvane/operations/custody.h"
 #include "zolvane/operations/evidence.h"
+#include "zolvane/work/actions.h"
 #include "zolvane/work/printing.h"
 
 namespace zolvane {
@@ -33,11 +34,11 @@ struct OperationRow {
 };
 
 constexpr std::array<OperationRow, 5> operationRows{{
-    {"upload", uploadButton, true, FileRole::None},
-    {"download", downloadButton, true, FileRole::None},
-    {"query", queryButton, true, FileRole::None},
-    {"import", importButton, false, FileRole::Loaded},
-    {"export", exportButton, false, FileRole::Saved},
+    {action::upload, uploadButton, true, FileRole::None},
+    {action::download, downloadButton, true, FileRole::None},
+    {action::query, queryButton, true, FileRole::None},
+    {action::import, importButton, false, FileRole::Loaded},
+    {action::exporting, exportButton, false, FileRole::Saved},
 }};
 
 // What the add-in wrote last under each name, as values of the file's face.
@@ -75,15 +76,10 @@ class ListeningLink final : public BenchLink {
 
  private:
   std::optional<std::string> Exchange(const std::string& command, Delivery& delivery) override {
-    constexpr std::string_view question = "GET_CALIBRATION ";
-    if (command.starts_with(question)) {
-      keys_.push_back(command.substr(question.size()));
+    if (command.starts_with(questionStart)) {
+      keys_.push_back(command.substr(questionStart.size()));
     }
-    auto passed = command;
-    std::string reply;
-    const bool isAnswered = MetOnlyIf(inner_->SendCommand(passed, reply, 0));
-    delivery = inner_->LastDelivery();
-    return isAnswered ? std::optional{reply} : std::nullopt;
+    return HandOn(*inner_, command, delivery);
   }
 
   std::shared_ptr<BenchLink> inner_;

@@ -13,6 +13,7 @@
 #include "zolvane/operations/custody.h"
 #include "zolvane/operations/evidence.h"
 #include "zolvane/operations/kept_operation.h"
+#include "zolvane/work/actions.h"
 
 namespace zolvane {
 namespace {
@@ -39,7 +40,7 @@ class BackupOperation final : public CustodyOperation {
  public:
   explicit BackupOperation(std::string file) : file_{std::move(file)} {}
 
-  std::string_view Action() const override { return "backup"; }
+  std::string_view Action() const override { return action::backup; }
 
   void Look(Custody& custody) override {
     auto& work = custody.Work;

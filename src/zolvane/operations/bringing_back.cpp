@@ -18,6 +18,7 @@
 #include "zolvane/operations/custody.h"
 #include "zolvane/operations/evidence.h"
 #include "zolvane/operations/kept_operation.h"
+#include "zolvane/work/actions.h"
 #include "zolvane/work/printing.h"
 #include "zolvane/work/sides.h"
 
@@ -297,15 +298,15 @@ void BringBack(Workplace& work, std::string_view action, BringingBack::Choice ch
 }  // namespace
 
 void Undo(Workplace& work, const std::optional<std::string>& number) {
-  BringBack(work, "undo", [&](Custody& custody) { return TakingBack(custody, number); });
+  BringBack(work, action::undo, [&](Custody& custody) { return TakingBack(custody, number); });
 }
 
 void Resume(Workplace& work) {
-  BringBack(work, "resume", Finishing);
+  BringBack(work, action::resume, Finishing);
 }
 
 void Restore(Workplace& work, const std::string& side) {
-  BringBack(work, "restore", [&](Custody& custody) { return Recorded(custody, side); });
+  BringBack(work, action::restore, [&](Custody& custody) { return Recorded(custody, side); });
 }
 
 }  // namespace zolvane

@@ -14,6 +14,7 @@
 #include "text/printable.h"
 #include "text/usage_error.h"
 #include "zolvane/operations/kept_operation.h"
+#include "zolvane/work/actions.h"
 #include "zolvane/work/printing.h"
 
 namespace zolvane {
@@ -119,7 +120,7 @@ void Custody::RecordOutside() {
   if (!last || !found || *last == *found) {
     return;
   }
-  auto entry = DraftOf(Work, "outside");
+  auto entry = DraftOf(Work, action::outside);
   entry.Link.clear();
   entry.Reason.clear();
   entry.FileBefore = *last;

@@ -7,42 +7,26 @@
 #include <string_view>
 #include <utility>
 
-#include "custody/values/values_json.h"
-#include "text/joined.h"
-#include "text/usage_error.h"
+#include "zolvane/work/actions.h"
+#include "zolvane/work/sides.h"
 
 namespace zolvane {
 namespace {
 
-std::optional<std::string> ObjectOf(History& history, const std::string& name) {
-  if (name.empty()) {
-    return std::nullopt;
-  }
-  auto bytes = history.Object(name);
-  if (!bytes) {
-    throw UsageError{Joined("the history has lost what is needed: ", history.FailureReason())};
-  }
-  return bytes;
-}
-
-std::optional<Values> ValuesOf(History& history, const std::string& name) {
-  const auto text = ObjectOf(history, name);
-  return text ? ValuesIn(*text) : std::nullopt;
-}
-
 bool LeavesBothSides(const Operation& operation) {
-  return operation.Begun->Action == "backup" || operation.Begun->Action == "export";
+  return operation.Begun->Action == action::backup || operation.Begun->Action == action::exporting;
 }
 
 }  // namespace
 
-bool SendsValues(std::string_view action) {
-  constexpr std::array<std::string_view, 4> actions{"upload", "undo", "resume", "restore"};
-  return std::ranges::find(actions, action) != actions.end();
+bool SendsValues(std::string_view name) {
+  constexpr std::array<std::string_view, 4> actions{action::upload, action::undo, action::resume,
+                                                    action::restore};
+  return std::ranges::find(actions, name) != actions.end();
 }
 
 bool IsOurs(const Operation& operation) {
-  return !LeavesBothSides(operation) && operation.Begun->Action != "outside";
+  return !LeavesBothSides(operation) && operation.Begun->Action != action::outside;
 }
 
 namespace {
@@ -58,7 +42,7 @@ bool MayHaveSaved(const Operation& operation) {
 
 // Where that began which the operation at this place goes on with.
 std::size_t FirstOf(const std::vector<Operation>& operations, std::size_t place) {
-  while (operations[place].Begun->Action == "resume") {
+  while (operations[place].Begun->Action == action::resume) {
     const std::span before{operations.data(), place};
     const auto resumed = std::ranges::find_if(before.rbegin(), before.rend(), IsOurs);
     if (resumed == before.rend()) {
@@ -72,18 +56,18 @@ std::size_t FirstOf(const std::vector<Operation>& operations, std::size_t place)
 KeptOperation Alone(History& history, const Operation& operation) {
   const auto& begun = *operation.Begun;
   KeptOperation kept{.HasEnded = operation.Ended != nullptr};
-  kept.Found.Configuration = ObjectOf(history, begun.FileBefore);
-  kept.Intended.Configuration = ObjectOf(history, begun.FileAfter);
+  kept.Found.Configuration = KeptObject(history, begun.FileBefore);
+  kept.Intended.Configuration = KeptObject(history, begun.FileAfter);
   const auto saves = begun.Counts.find("saves");
   kept.Saves = saves == begun.Counts.end() || saves->second != 0;
   if (SendsValues(begun.Action)) {
-    kept.Found.Answers = ValuesOf(history, begun.Found);
-    kept.Intended.Answers = ValuesOf(history, begun.Intended);
+    kept.Found.Answers = KeptValues(history, begun.Found);
+    kept.Intended.Answers = KeptValues(history, begun.Intended);
   }
   if (kept.HasEnded) {
     kept.IsProven = operation.Ended->Outcome == outcome::done;
-    kept.Left.Configuration = ObjectOf(history, operation.Ended->FileAfter);
-    kept.Left.Answers = kept.Found.Answers ? ValuesOf(history, operation.Ended->Left) : std::nullopt;
+    kept.Left.Configuration = KeptObject(history, operation.Ended->FileAfter);
+    kept.Left.Answers = kept.Found.Answers ? KeptValues(history, operation.Ended->Left) : std::nullopt;
   }
   return kept;
 }

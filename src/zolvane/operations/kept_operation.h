@@ -51,7 +51,7 @@ KeptOperation KeptOf(History& history, const std::vector<Operation>& operations,
 bool IsOurs(const Operation& operation);
 
 // The operation sends values to the instrument; the others only ask it.
-bool SendsValues(std::string_view action);
+bool SendsValues(std::string_view name);
 
 // In the configuration or on the instrument, as far as is known, with what it resumed.
 bool HasChangedSomething(const std::vector<Operation>& operations, std::size_t place);

@@ -12,6 +12,7 @@
 #include "text/printable.h"
 #include "text/suggestion.h"
 #include "text/usage_error.h"
+#include "zolvane/work/actions.h"
 #include "zolvane/work/printing.h"
 
 namespace zolvane {
@@ -83,7 +84,7 @@ std::string MissingSection(const std::vector<std::string>& sections,
 
 bool ExpectsCheckpoint(const History& history, const std::string& file, const std::string& backup) {
   const auto ours = std::ranges::any_of(history.Entries(), [&](const Entry& entry) {
-    return entry.IsEnd() && entry.Action == "export" &&
+    return entry.IsEnd() && entry.Action == action::exporting &&
            std::ranges::any_of(entry.OtherFiles,
                                [&](const auto& other) { return IsSameFile(other.Path, file); });
   });

@@ -22,18 +22,6 @@ constexpr std::string_view lastOperation = "@last";
   throw UsageError{Joined(Quoted(name), " ", reason)};
 }
 
-// Nothing if the operation left or found none.
-std::optional<std::string> KeptObject(History& history, const std::string& name) {
-  if (name.empty()) {
-    return std::nullopt;
-  }
-  auto bytes = history.Object(name);
-  if (!bytes) {
-    throw UsageError{Joined("the history has lost what it kept: ", history.FailureReason())};
-  }
-  return bytes;
-}
-
 Side SideOfOperation(Workplace& work, const std::string& name) {
   constexpr std::string_view foundSuffix = ":found";
   const bool isFound = name.ends_with(foundSuffix);
@@ -44,10 +32,9 @@ Side SideOfOperation(Workplace& work, const std::string& name) {
     RefuseSide(name, "has not ended, and nobody knows what it left; \":found\" behind it is what it found");
   }
   const auto& entry = isFound ? *operation.Begun : *operation.Ended;
-  const auto answers = KeptObject(history, isFound ? entry.Found : entry.Left);
   return {.Name = name,
           .Configuration = KeptObject(history, isFound ? entry.FileBefore : entry.FileAfter),
-          .Answers = answers ? ValuesIn(*answers) : std::nullopt};
+          .Answers = KeptValues(history, isFound ? entry.Found : entry.Left)};
 }
 
 Side SideOfFile(Workplace& work, const std::string& name) {
@@ -117,6 +104,22 @@ Operation OperationNamed(const History& history, const std::string& number) {
   }
   throw UsageError{
       Joined("the history has no operation ", Quoted(number), "; \"zolvane history\" lists them")};
+}
+
+std::optional<std::string> KeptObject(History& history, const std::string& name) {
+  if (name.empty()) {
+    return std::nullopt;
+  }
+  auto bytes = history.Object(name);
+  if (!bytes) {
+    throw UsageError{Joined("the history has lost what it kept: ", history.FailureReason())};
+  }
+  return bytes;
+}
+
+std::optional<Values> KeptValues(History& history, const std::string& name) {
+  const auto text = KeptObject(history, name);
+  return text ? ValuesIn(*text) : std::nullopt;
 }
 
 History ReadHistory(Workplace& work) {

@@ -29,6 +29,10 @@ Values WireFaceOf(Workplace& work, const Side& side, const std::vector<std::stri
 // The operation of that number, or the last one of `@last`. Throws UsageError if there is none.
 Operation OperationNamed(const History& history, const std::string& number);
 
+// What the history kept under that name; nothing if there was nothing to keep. Throw UsageError if it is lost.
+std::optional<std::string> KeptObject(History& history, const std::string& name);
+std::optional<Values> KeptValues(History& history, const std::string& name);
+
 // Reads the history, for a command that writes nothing. Throws UsageError if it cannot be read.
 History ReadHistory(Workplace& work);
 

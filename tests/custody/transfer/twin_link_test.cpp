@@ -21,8 +21,8 @@ TEST(TwinLink, AnswersWhatTheInstrumentAnsweredAndStoresWhatItIsSent) {
   EXPECT_EQ(SendLine(twin, "SET_CALIBRATION A 2"), "OK");
   EXPECT_EQ(SendLine(twin, "SET_CALIBRATION SAVE"), "OK");
   EXPECT_EQ(SendLine(twin, "GET_CALIBRATION A"), "A=2");
-  EXPECT_EQ(twin.Held("A"), "2");
-  EXPECT_EQ(twin.Held("NEW"), std::nullopt);
+  EXPECT_EQ(AskCalibration(twin, "A").Text, "2");
+  EXPECT_EQ(AskCalibration(twin, "NEW").Text, std::nullopt);
   EXPECT_TRUE(twin.Guesses().empty());
 }
 
