@@ -52,7 +52,7 @@ std::optional<Values> ValuesIn(std::string_view text) {
     }
     values.Add(*std::move(value));
   }
-  return values;
+  return ValuesText(values) == text ? std::optional{std::move(values)} : std::nullopt;
 }
 
 }  // namespace zolvane
