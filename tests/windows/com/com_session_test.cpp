@@ -2,10 +2,9 @@
 // same order, and files and page must end up the same.
 #include <gtest/gtest.h>
 
-#include <random>
-
 #include "bench/windows/com/offered_settings.h"
 #include "instrument/links/running_instrument.h"
+#include "support/generated_sessions.h"
 #include "windows/support/played_session.h"
 #include "windows/support/program_folder.h"
 
@@ -118,104 +117,45 @@ class Generator {
   explicit Generator(unsigned seed) : random_{seed} {}
 
   SessionPlan Plan() {
-    // Most of them small, as the number of records multiplies calls of the same kinds.
-    const auto whole = Below(6) == 0 ? SampleConfiguration() : SmallConfiguration();
-    SessionPlan plan{.Configuration = Damaged(whole), .Commands = {}, .Source = Damaged(whole)};
-    const int count = Below(7) + 3;
+    const auto whole = random_.Configuration(SampleConfiguration(), SmallConfiguration());
+    SessionPlan plan{
+        .Configuration = random_.Damaged(whole), .Commands = {}, .Source = random_.Damaged(whole)};
+    const int count = random_.Below(7) + 3;
     for (int command = 0; command < count; ++command) {
-      plan.Commands.push_back(Command());
+      plan.Commands.push_back(random_.Command(Old(), New()));
     }
     plan.Link = Link();
-    for (int answer = Below(4); answer > 0; --answer) {
-      plan.Answers.push_back(Pick({"ok", "cancel", "yes", "no"}));
+    for (int answer = random_.Below(4); answer > 0; --answer) {
+      plan.Answers.push_back(random_.Pick({"ok", "cancel", "yes", "no"}));
     }
-    plan.AffirmsRest = Below(3) != 0;
-    plan.OffersDialog = Below(4) == 0;
-    plan.ShowsDialogues = Below(5) == 0;
-    plan.Panels = Below(2) == 0 ? PanelsShape::IndexedProperty : PanelsShape::DefaultMember;
+    plan.AffirmsRest = random_.Below(3) != 0;
+    plan.OffersDialog = random_.Below(4) == 0;
+    plan.ShowsDialogues = random_.Below(5) == 0;
+    plan.Panels = random_.Below(2) == 0 ? PanelsShape::IndexedProperty : PanelsShape::DefaultMember;
     return plan;
   }
 
  private:
-  int Below(int limit) { return static_cast<int>(random_() % static_cast<unsigned>(limit)); }
-
-  std::string Pick(const std::vector<std::string>& texts) {
-    return texts[static_cast<std::size_t>(Below(static_cast<int>(texts.size())))];
-  }
-
-  std::string Command() {
-    switch (Below(8)) {
-      case 0:
-        return "query";
-      case 1:
-        return Pick({"upload", "download"});
-      case 2:
-        return Pick({"import", "import " + Old(), "export", "export " + New()});
-      case 3:
-        return "press " + std::to_string(Below(9) - 2);
-      case 4:
-      case 5:
-        return "select " +
-               Pick({"cboDeviceType", "cboCageType", "cboHeadType", "cboNestType", "cboTipType"}) + " #" +
-               std::to_string(Below(5));
-      default:
-        return "tick " + Pick({"chkRFID", "chkHeadSensor", "chkTipSensor", "chkEncoders"}) + " " +
-               std::to_string(Below(3));
-    }
-  }
-
-  // With some lines lost, doubled, cut short or in other letters.
-  std::string Damaged(const std::string& whole) {
-    std::istringstream sample{whole};
-    std::string text;
-    const int damage = Below(3) * 6;
-    for (std::string line; std::getline(sample, line);) {
-      switch (Below(100) < damage ? Below(4) : 4) {
-        case 0:
-          break;
-        case 1:
-          text.append(line).append("\n").append(line).append("\n");
-          break;
-        case 2:
-          text += line.substr(0, static_cast<std::size_t>(Below(static_cast<int>(line.size()) + 1))) + "\r\n";
-          break;
-        case 3:
-          text += WithOtherLetters(line) + "\n";
-          break;
-        default:
-          text += line + "\n";
-      }
-    }
-    return text;
-  }
-
-  // Letters outside of the code page within the first name in quotes.
-  static std::string WithOtherLetters(const std::string& line) {
-    const auto quote = line.find('"');
-    return quote == std::string::npos
-               ? line
-               : line.substr(0, quote + 1) + "\xC3\xBC\xCE\xA9\xF0\x9F\xA7\xAA" + line.substr(quote + 1);
-  }
-
   std::string Link() {
-    if (Below(3) != 0) {
-      return Pick({"sim", "sim", "none"});
+    if (random_.Below(3) != 0) {
+      return random_.Pick({"sim", "sim", "none"});
     }
     const std::string file = ProgramFolder::OfThisRun().FileText("script.json");
     nlohmann::json script{
-        {"default", Below(4) == 0 ? nlohmann::json{} : nlohmann::json("OK=" + Pick({"1", "x", "-2.5", ""}))},
+        {"default", random_.Below(4) == 0 ? nlohmann::json{}
+                                          : nlohmann::json("OK=" + random_.Pick({"1", "x", "-2.5", ""}))},
         {"replies",
-         {{"STATUS_STAGE", Pick({"ZV400", "ZV200", "\r\n", "?"})},
-          {"STATUS_MECH", {Pick({"SD", "96"}), nullptr}},
-          {"STATUS PUMPS", Pick({"PUMPS CLOSED", "PUMPS OPEN", "ERROR"})}}}};
-    if (Below(2) == 0) {
-      script["stop_after"] = {Pick({"STATUS_STAGE", "RFID ON", "SET_CALIBRATION SAVE"})};
+         {{"STATUS_STAGE", random_.Pick({"ZV400", "ZV200", "\r\n", "?"})},
+          {"STATUS_MECH", {random_.Pick({"SD", "96"}), nullptr}},
+          {"STATUS PUMPS", random_.Pick({"PUMPS CLOSED", "PUMPS OPEN", "ERROR"})}}}};
+    if (random_.Below(2) == 0) {
+      script["stop_after"] = {random_.Pick({"STATUS_STAGE", "RFID ON", "SET_CALIBRATION SAVE"})};
     }
     Store(file, script.dump());
     return "script:" + file;
   }
 
-  std::mt19937 random_;
+  SessionGenerator random_;
 };
 
 class GeneratedSession : public testing::TestWithParam<unsigned> {};
