@@ -18,7 +18,6 @@
 #include "zolvane/command_line.h"
 #include "zolvane/commands.h"
 #include "zolvane/work/objections.h"
-#include "zolvane/work/workplace.h"
 
 namespace zolvane {
 namespace {
@@ -32,25 +31,6 @@ std::shared_ptr<BenchLink> LinkOf(const CustodyOptions& options) {
     return nullptr;
   }
   return CreateLink(options.Link, options.TimeoutSeconds, ProgramInterrupt(), faults);
-}
-
-// Runs the command. What it could not use, and what spoke against it, is in the report.
-void RunReported(Workplace& work, std::ostream& errors) {
-  auto& report = work.Result;
-  const auto nothingWasChanged = [&](int status, std::string_view outcome) {
-    report.ExitStatus = status;
-    report.Outcome = outcome;
-  };
-  try {
-    RunCommand(work);
-  } catch (const Refusal&) {
-    work.Out.Error("nothing was changed");
-    nothingWasChanged(exit_status::objection, outcome::refused);
-  } catch (const UsageError& error) {
-    Complain(programName, errors, error.what());
-    report.More["problem"] = error.what();
-    nothingWasChanged(exit_status::unusable, outcome::failed);
-  }
 }
 
 int Finish(Workplace& work, TraceOutput& trace) {
@@ -100,6 +80,24 @@ int Run(const CustodyOptions& options, std::ostream& output, std::ostream& error
 }
 
 }  // namespace
+
+void RunReported(Workplace& work, std::ostream& errors) {
+  auto& report = work.Result;
+  const auto nothingWasChanged = [&](int status, std::string_view outcome) {
+    report.ExitStatus = status;
+    report.Outcome = outcome;
+  };
+  try {
+    RunCommand(work);
+  } catch (const Refusal&) {
+    work.Out.Error("nothing was changed");
+    nothingWasChanged(exit_status::objection, outcome::refused);
+  } catch (const UsageError& error) {
+    Complain(programName, errors, error.what());
+    report.More["problem"] = error.what();
+    nothingWasChanged(exit_status::unusable, outcome::failed);
+  }
+}
 
 int RunZolvane(const std::vector<std::string>& arguments, std::ostream& output, std::ostream& errors,
                Questioner* terminal) {
