@@ -113,7 +113,6 @@ std::variant<CustodyOptions, Information> ParseCustodyOptions(const std::vector<
     return Information{*std::move(text)};
   }
   typed.TakeInto(options);
-  options.HasLink = !options.Link.empty();
   options.Command = line.Words();
   if (options.Command.empty()) {
     throw UsageError{"no command is given; see zolvane --help"};

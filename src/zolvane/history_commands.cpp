@@ -1,7 +1,9 @@
 #include "zolvane/history_commands.h"
 
 #include <algorithm>
+#include <array>
 #include <iterator>
+#include <optional>
 #include <string_view>
 
 #include "custody/history/audit.h"
@@ -9,8 +11,8 @@
 #include "text/joined.h"
 #include "text/printable.h"
 #include "text/usage_error.h"
-#include "zolvane/operations/custody.h"
 #include "zolvane/work/actions.h"
+#include "zolvane/work/objections.h"
 #include "zolvane/work/printing.h"
 #include "zolvane/work/sides.h"
 
@@ -23,9 +25,9 @@ std::string OutcomeOfOperation(const Operation& operation) {
                                                       : operation.Ended->Outcome;
 }
 
-// One row for an operation, in the order of the heading.
-constexpr std::string_view listHeading =
-    "operation,time,action,outcome,person,machine,reason,instrument,link";
+// One row for an operation, in the order of the columns.
+constexpr std::array<std::string_view, 9> columns{"operation", "time",   "action",     "outcome", "person",
+                                                  "machine",   "reason", "instrument", "link"};
 
 TextRow RowOf(const Operation& operation) {
   const auto& begun = *operation.Begun;
@@ -57,28 +59,29 @@ std::string CsvCell(std::string text) {
   return quoted + "\"";
 }
 
+std::string CsvLine(const auto& cells) {
+  std::string line;
+  for (const auto& cell : cells) {
+    line.append(line.empty() ? "" : ",").append(CsvCell(std::string{cell}));
+  }
+  return line + "\n";
+}
+
 std::string CsvText(const std::vector<Operation>& operations) {
-  std::string text = Joined(listHeading, "\n");
+  auto text = CsvLine(columns);
   for (const auto& operation : operations) {
-    std::string line;
-    for (auto& cell : RowOf(operation)) {
-      line.append(line.empty() ? "" : ",").append(CsvCell(std::move(cell)));
-    }
-    text.append(line).append("\n");
+    text += CsvLine(RowOf(operation));
   }
   return text;
 }
 
 Json OperationJson(const Operation& operation) {
-  const auto& begun = *operation.Begun;
-  Json json{{"operation", operation.Number()},
-            {"time", begun.Time},
-            {"action", begun.Action},
-            {"outcome", OutcomeOfOperation(operation)},
-            {"person", begun.Person}};
-  if (!begun.Reason.empty()) {
-    json["reason"] = begun.Reason;
+  const auto row = RowOf(operation);
+  Json json;
+  for (std::size_t column = 0; column < columns.size(); ++column) {
+    json[std::string{columns[column]}] = JsonOf(row[column]);
   }
+  json["operation"] = operation.Number();
   return json;
 }
 
@@ -131,33 +134,30 @@ std::vector<TextRow> FactsOf(const Operation& operation) {
   AddFact(rows, "link", begun.Link);
   AddFact(rows, "instrument", begun.Instrument);
   for (const auto& objection : begun.Objections) {
-    AddFact(rows, "let pass",
-            Joined(objection.Code, ": expected ", objection.Expected, ", but ", objection.Actual));
+    AddFact(rows, "let pass", ObjectionText(objection));
   }
-  for (const auto& file : begun.OtherFiles) {
+  const auto& last = operation.Ended != nullptr ? *operation.Ended : begun;
+  for (const auto& file : last.OtherFiles) {
     AddFact(rows, "file", file.Path);
   }
+  AddFact(rows, "counts", CountsText({last.Counts.begin(), last.Counts.end()}));
   return rows;
 }
 
-// The verdict on each value, as it was kept.
-void ShowDetails(Workplace& work, const std::string& details) {
-  const auto json = Json::parse(details, nullptr, false);
-  if (!json.is_object() || !json.contains("values") || !json["values"].is_array()) {
-    return;
+// The boxes, and the verdict on each value, as they were kept.
+void ShowDetails(Workplace& work, const OperationDetails& details) {
+  for (const auto& [title, text, answer] : details.Boxes) {
+    work.Out.Print(Joined("box: ", OneLine(Joined(title, ": ", text)), " [", Printable(answer), "]\n"));
   }
-  std::vector<TextRow> rows{{"value", "found", "sent", "left", "verdict"}};
-  const auto cell = [](const Json& value, const char* member) {
-    return value.is_object() && value.contains(member) && value[member].is_string()
-               ? Printable(value[member].get<std::string>())
-               : std::string{"-"};
-  };
-  for (const auto& value : json["values"]) {
-    rows.push_back({cell(value, "key"), cell(value, "found"), cell(value, "sent"), cell(value, "left"),
-                    cell(value, "verdict")});
+  const auto cell = [](const std::optional<std::string>& text) { return text ? Printable(*text) : "-"; };
+  std::vector<TextRow> rows{{"value", "found", "sent", "left", "verdict", "cause"}};
+  for (const auto& value : details.Values) {
+    rows.push_back({Printable(value.Key), cell(value.Found), cell(value.Sent), cell(value.Left),
+                    Printable(value.Verdict), Printable(value.Cause)});
   }
-  work.Result.More["values"] = json["values"];
-  work.Out.Print(ColumnsText(rows));
+  work.Out.Print(rows.size() > 1 ? ColumnsText(rows) : std::string{});
+  work.Result.Boxes = details.Boxes;
+  work.Result.Values = details.Values;
 }
 
 void ShowOperation(Workplace& work, const std::string& number) {
@@ -168,10 +168,11 @@ void ShowOperation(Workplace& work, const std::string& number) {
   if (operation.Ended == nullptr || operation.Ended->Details.empty()) {
     return;
   }
-  if (const auto details = history.Object(operation.Ended->Details)) {
+  const auto kept = history.Object(operation.Ended->Details);
+  if (const auto details = kept ? FromJson<OperationDetails>(*kept) : std::nullopt) {
     ShowDetails(work, *details);
   } else {
-    work.Out.Error(Joined("the verdicts are lost: ", history.FailureReason()));
+    work.Out.Error("the verdicts are lost: the history no longer holds what it kept of them");
     work.Result.Worsen(exit_status::notDone);
   }
 }
@@ -180,20 +181,8 @@ void ShowOperation(Workplace& work, const std::string& number) {
 
 std::vector<Checkpoint> CheckpointsOf(Workplace& work, const std::string& name) {
   const auto bytes = ReadFile(work.Files, AbsolutePath(name));
-  std::vector<Checkpoint> checkpoints;
-  if (LooksLikeRecord(bytes)) {
-    const auto record = ReadRecord(bytes);
-    if (!record.Content) {
-      throw UsageError{Joined(Quoted(name), " ", record.Refusal)};
-    }
-    std::string lines;
-    for (const auto& line : record.Content->Checkpoint) {
-      lines += Joined(line, "\n");
-    }
-    checkpoints = CheckpointsIn(lines);
-  } else {
-    checkpoints = CheckpointsIn(bytes);
-  }
+  const auto record = LooksLikeRecord(bytes) ? std::optional{RecordIn(bytes, name)} : std::nullopt;
+  auto checkpoints = CheckpointsIn(record ? JsonOf(record->Checkpoint).dump() : bytes);
   if (checkpoints.empty()) {
     throw UsageError{Joined(Quoted(name), " holds no checkpoint")};
   }
@@ -206,6 +195,10 @@ void AuditHistory(Workplace& work, const Words& more) {
   std::vector<Checkpoint> against;
   for (const auto& file : files) {
     std::ranges::copy(CheckpointsOf(work, file), std::back_inserter(against));
+  }
+  const auto history = ReadHistory(work);
+  if (against.empty() && !history.Exists() && history.Damage().empty()) {
+    throw UsageError{"there is no history yet: the first operation of zolvane begins it"};
   }
   const auto audit = Audit(work.Files, work.Options.Folder, against);
   const bool isGood = audit.IsIntact && audit.IsComplete && (against.empty() || audit.IsAnchored);

@@ -1,10 +1,13 @@
 #include "zolvane/looking.h"
 
 #include <algorithm>
+#include <initializer_list>
 #include <ranges>
+#include <tuple>
 
 #include "config/text.h"
 #include "custody/values/values_json.h"
+#include "text/counted.h"
 #include "text/joined.h"
 #include "text/printable.h"
 #include "text/usage_error.h"
@@ -52,20 +55,13 @@ std::string TextOfValue(const Descriptions& descriptions, const Value& value) {
   return value.WasAnswered ? MeasuredText(descriptions, value.Name, value.Text) : "(not answered)";
 }
 
-Json ShownJson(const Descriptions& descriptions, const Value& value, bool isOverridden) {
-  Json json{{"key", value.Name}};
-  if (value.Text) {
-    json["found"] = *value.Text;
-    if (const auto measure = descriptions.Measure(value.Name, *value.Text)) {
-      json["measure"] = *measure;
-    }
-  }
-  if (!value.WasAnswered) {
-    json["verdict"] = "not_answered";
-  } else if (isOverridden) {
-    json["verdict"] = "overridden";
-  }
-  return json;
+ReportedValue ShownValue(const Descriptions& descriptions, const Value& value, bool isOverridden) {
+  return {.Key = value.Name,
+          .Found = value.Text,
+          .Verdict = !value.WasAnswered ? "not_answered"
+                     : isOverridden     ? "overridden"
+                                        : "",
+          .Measure = value.Text ? descriptions.Measure(value.Name, *value.Text) : std::nullopt};
 }
 
 // In groups; what is overridden comes last.
@@ -86,7 +82,7 @@ void PrintValues(Workplace& work, const Values& values, const Descriptions& desc
     }
     rows.push_back({Joined("  ", Printable(value.Name)), TextOfValue(descriptions, value),
                     isOverridden ? "overridden" : Printable(description.Title)});
-    work.Result.More["values"].push_back(ShownJson(descriptions, value, isOverridden));
+    work.Result.Values.push_back(ShownValue(descriptions, value, isOverridden));
     ++shown;
   };
   for (const auto& value : values.InOrder() | std::views::filter(isShown)) {
@@ -100,26 +96,27 @@ void PrintValues(Workplace& work, const Values& values, const Descriptions& desc
   work.Out.Print(ColumnsText(rows, 0));
 }
 
-Json DifferenceJson(const Difference& difference) {
-  Json json{{"key", difference.Name}};
-  if (difference.A) {
-    json["a"] = *difference.A;
+// A record has two faces, and only one of them is looked at.
+void NoteFaceOf(Workplace& work, std::initializer_list<const Side*> sides) {
+  if (std::ranges::any_of(sides, [](const Side* side) { return side->Answers.has_value(); })) {
+    work.Out.Note("this is the file's part; --wire takes what the instrument answered");
   }
-  if (difference.B) {
-    json["b"] = *difference.B;
-  }
-  if (difference.Kind == DifferenceKind::NotAnswered) {
-    json["answered"] = false;
-  }
-  return json;
 }
 
 }  // namespace
+
+constexpr auto MembersOf(const Difference*) {
+  return std::tuple{Member{"key", &Difference::Name, Presence::Always}, Member{"a", &Difference::A},
+                    Member{"b", &Difference::B}};
+}
 
 void Show(Workplace& work, const Words& words) {
   const auto side = SideNamed(work, words[1]);
   const std::vector<std::string> keys{words.begin() + 2, words.end()};
   const bool isWire = work.Options.ComparesWire || side.IsInstrument;
+  if (!isWire) {
+    NoteFaceOf(work, {&side});
+  }
   const auto values = !isWire                              ? FileFaceOf(side)
                       : side.IsInstrument && !keys.empty() ? WireFaceOf(work, side, keys)
                                                            : WireFaceOf(work, side, KeysOf(work, side));
@@ -149,7 +146,7 @@ void Check(Workplace& work, const Words& words) {
   findings = side.IsBackup ? CheckBackup(*side.Configuration, file, ReadConfiguration(work))
                            : CheckConfiguration(*side.Configuration, file);
   std::string counts;
-  for (const auto grade : {Grade::Error, Grade::Warning, Grade::Note}) {
+  for (const auto grade : allGrades) {
     const auto count = static_cast<std::size_t>(std::ranges::count(findings, grade, &Finding::Grade));
     work.Result.Counts.emplace_back(NameOf(grade), count);
     counts.append(counts.empty() ? "" : ", ").append(CountOf(count, NameOf(grade)));
@@ -168,9 +165,15 @@ void Diff(Workplace& work, const Words& words) {
   };
   const auto changes = Compare(face(a), face(b));
   work.Result.Counts = CountsOf(changes);
-  work.Result.More["differences"] = Json::array();
+  if (!isWire) {
+    NoteFaceOf(work, {&a, &b});
+  }
+  auto& differences = work.Result.More["differences"] = Json::array();
   for (const auto& difference : changes.Differences) {
-    work.Result.More["differences"].push_back(DifferenceJson(difference));
+    differences.push_back(JsonOf(difference));
+    if (difference.Kind == DifferenceKind::NotAnswered) {
+      differences.back()["answered"] = false;
+    }
   }
   work.Out.Print(
       DifferencesText(changes, DescriptionsFor(work, a.IsInstrument || a.IsBackup ? b : a), a.Name, b.Name) +
@@ -205,14 +208,17 @@ Values LastLeft(Workplace& work) {
   return left;
 }
 
-// Nothing if the value is not known there.
-std::optional<std::string> TextIn(const Values& values, const std::string& name) {
-  const auto* const value = values.Find(name);
-  return value != nullptr && value->WasAnswered ? value->Text : std::nullopt;
-}
+// A value on all three.
+struct Drifted {
+  std::string Key;
+  std::optional<std::string> Left;
+  std::optional<std::string> Instrument;
+  std::optional<std::string> File;
+};
 
-bool IsSameHere(const std::optional<std::string>& left, const std::optional<std::string>& right) {
-  return left && right ? SameText(*left, *right) : left == right;
+constexpr auto MembersOf(const Drifted*) {
+  return std::tuple{Member{"key", &Drifted::Key, Presence::Always}, Member{"left", &Drifted::Left},
+                    Member{"instrument", &Drifted::Instrument}, Member{"file", &Drifted::File}};
 }
 
 }  // namespace
@@ -228,22 +234,14 @@ void Drift(Workplace& work, const Words& /*words*/) {
   const auto descriptions = DescriptionsFor(work, file);
   std::vector<TextRow> rows{{"", "left last", "instrument", "file"}};
   for (const auto& name : names) {
-    const auto was = TextIn(left, name);
-    const auto is = TextIn(holds, name);
-    const auto should = TextIn(says, name);
-    if (IsSameHere(was, is) && IsSameHere(is, should)) {
+    const Drifted value{
+        .Key = name, .Left = left.TextOf(name), .Instrument = holds.TextOf(name), .File = says.TextOf(name)};
+    if (SameValue(value.Left, value.Instrument) && SameValue(value.Instrument, value.File)) {
       continue;
     }
-    rows.push_back({Printable(name), MeasuredText(descriptions, name, was),
-                    MeasuredText(descriptions, name, is), MeasuredText(descriptions, name, should)});
-    Json json{{"key", name}};
-    for (const auto& [member, text] :
-         {std::pair{"left", was}, std::pair{"instrument", is}, std::pair{"file", should}}) {
-      if (text) {
-        json[member] = *text;
-      }
-    }
-    work.Result.More["drift"].push_back(std::move(json));
+    const auto cell = [&](const auto& text) { return MeasuredText(descriptions, name, text); };
+    rows.push_back({Printable(name), cell(value.Left), cell(value.Instrument), cell(value.File)});
+    work.Result.More["drift"].push_back(JsonOf(value));
   }
   const auto drifted = rows.size() - 1;
   work.Result.Counts = {{"same", names.size() - drifted}, {"different", drifted}};

@@ -27,10 +27,8 @@ std::shared_ptr<BenchLink> LinkOf(const CustodyOptions& options) {
   for (const auto& fault : options.Faults) {
     faults.Add(fault);
   }
-  if (!options.HasLink) {
-    return nullptr;
-  }
-  return CreateLink(options.Link, options.TimeoutSeconds, ProgramInterrupt(), faults);
+  return options.Link.empty() ? nullptr
+                              : CreateLink(options.Link, options.TimeoutSeconds, ProgramInterrupt(), faults);
 }
 
 int Finish(Workplace& work, TraceOutput& trace) {
@@ -94,7 +92,7 @@ void RunReported(Workplace& work, std::ostream& errors) {
     nothingWasChanged(exit_status::objection, outcome::refused);
   } catch (const UsageError& error) {
     Complain(programName, errors, error.what());
-    report.More["problem"] = error.what();
+    report.Problem = error.what();
     nothingWasChanged(exit_status::unusable, outcome::failed);
   }
 }

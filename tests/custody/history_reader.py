@@ -35,6 +35,11 @@ def require(holds, reason):
         raise Unfit(reason)
 
 
+def bytes_of(text):
+    """What the text stands for: \\x9b is the byte 9b."""
+    return re.sub(rb"\\x([0-9a-f]{2})", lambda found: bytes([int(found[1], 16)]), text.encode("utf-8"))
+
+
 def sha256(data):
     return hashlib.sha256(data).hexdigest()
 
@@ -90,10 +95,12 @@ def entry_of(line):
     require(entry["seq"] >= 0 and entry.get("of", 0) >= 0, "numbers of lines")
     require(entry["state"] == ("ended" if entry.get("of", 0) else "begun"), "state")
     require(all(is_whole(count) for count in entry.get("counts", {}).values()), "counts")
-    for name, members in (("objections", ("code", "expected", "actual")), ("other_files", ("path", "before", "after"))):
-        for item in entry.get(name, []):
-            require(isinstance(item, dict) and members[0] in item, name)
-            require(all(isinstance(item.get(member, ""), str) for member in members), name)
+    for item in entry.get("objections", []):
+        require(isinstance(item, dict), "objections")
+        require(all(isinstance(item.get(member), str) for member in ("code", "expected", "actual")), "objections")
+    for item in entry.get("other_files", []):
+        require(isinstance(item, dict) and "path" in item, "other_files")
+        require(all(isinstance(item.get(member, ""), str) for member in ("path", "before", "after")), "other_files")
     require(HASH.match(entry["previous"]), "previous")
     require(all(HASH.match(name) for name in objects_of(entry)), "objects")
     return entry
@@ -178,6 +185,18 @@ class History:
                 return False
         return True
 
+    def values_of(self, name):
+        """Names, texts and whether they were answered, of an object that holds values; else None."""
+        try:
+            data = (self.folder / "objects" / name).read_bytes()
+            content = json.loads(data.decode("utf-8")) if sha256(data) == name else None
+            return [
+                (bytes_of(value["name"]), bytes_of(value["text"]) if "text" in value else None, value.get("answered", True))
+                for value in content
+            ]
+        except (OSError, ValueError, TypeError, KeyError, AttributeError):
+            return None
+
     def is_canonical(self):
         return all(canonical(parsed(line)) == line for line in self.lines)
 
@@ -206,7 +225,12 @@ def main(folder, *files):
         "identity": history.identity,
         "sequences": [entry["seq"] for entry in history.entries],
         "actions": [entry["action"] for entry in history.entries],
-        "people": [entry["person"] for entry in history.entries],
+        "people": [bytes_of(entry["person"]).hex() for entry in history.entries],
+        "found": [
+            [(name.hex(), None if text is None else text.hex(), answered) for name, text, answered in values]
+            for values in (history.values_of(entry["found"]) for entry in history.entries if entry.get("found"))
+            if values is not None
+        ],
         "damage": history.damage,
         "torn": len(history.torn),
         "intact": intact,

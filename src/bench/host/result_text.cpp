@@ -5,6 +5,7 @@
 #include <cstddef>
 
 #include "bench/host/outcome.h"
+#include "text/counted.h"
 #include "text/joined.h"
 #include "text/printable.h"
 
@@ -69,10 +70,6 @@ std::string PageText(const ShownPage& shown) {
   return shown.Status.empty() ? text : Joined(text, "\nStatus: ", Printable(shown.Status), "\n");
 }
 
-std::string Counted(std::size_t number, std::string_view thing) {
-  return Joined(std::to_string(number), " ", thing, number == 1 ? "" : "s");
-}
-
 // A reply as part of a sentence, shortened if it is long.
 std::string QuotedReply(std::string_view reply) {
   constexpr std::size_t mostShown = 60;
@@ -93,7 +90,7 @@ std::string SkippedText(const CommandTally& commands) {
 }
 
 std::string OfAll(std::size_t number, const CommandTally& commands) {
-  return Joined(std::to_string(number), " of ", Counted(commands.Total(), "command"));
+  return Joined(std::to_string(number), " of ", CountOf(commands.Total(), "command"));
 }
 
 std::string SaveText(const CommandTally& commands) {
@@ -135,17 +132,17 @@ std::vector<std::string> CommandTexts(const CommandTally& commands) {
 std::string Balance(const ActionTally& tally) {
   auto texts = CommandTexts(tally.Commands);
   if (tally.ValuesWritten > 0) {
-    texts.push_back(Joined(Counted(tally.ValuesWritten, "value"), " written, ",
+    texts.push_back(Joined(CountOf(tally.ValuesWritten, "value"), " written, ",
                            std::to_string(tally.ValuesChanged), " changed"));
   }
   if (tally.WritesFailed > 0) {
-    texts.push_back(Counted(tally.WritesFailed, "value") + " not written");
+    texts.push_back(CountOf(tally.WritesFailed, "value") + " not written");
   }
   if (tally.ReadsFailed > 0) {
-    texts.push_back(Counted(tally.ReadsFailed, "value") + " not read");
+    texts.push_back(CountOf(tally.ReadsFailed, "value") + " not read");
   }
   if (tally.CharactersLost > 0) {
-    texts.push_back(Counted(tally.CharactersLost, "character") + " written as \"?\"");
+    texts.push_back(CountOf(tally.CharactersLost, "character") + " written as \"?\"");
   }
   std::string all;
   for (const auto& text : texts) {
@@ -198,7 +195,7 @@ std::vector<std::string> ReasonsOf(const ActionTally& tally) {
 std::string NotBegunText(std::string_view why, std::span<const Action> notBegun, std::size_t all) {
   constexpr std::size_t mostNamed = 50;
   std::string text =
-      Joined(why, ": ", std::to_string(notBegun.size()), " of ", Counted(all, "command"), " not begun: ");
+      Joined(why, ": ", std::to_string(notBegun.size()), " of ", CountOf(all, "command"), " not begun: ");
   const auto named = notBegun.first(std::min(notBegun.size(), mostNamed));
   for (const auto& action : named) {
     text.append(&action == named.data() ? "" : "; ").append(Printable(action.Command));

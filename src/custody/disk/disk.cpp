@@ -5,6 +5,12 @@
 
 namespace zolvane {
 
+Status Disk::Replace(const std::string& path, std::string_view bytes) {
+  const auto fresh = path + ".new";
+  PassOver(Remove(fresh));  // left behind by a program that was killed
+  return Create(fresh, bytes).Then([&] { return SyncFile(fresh); }).Then([&] { return Rename(fresh, path); });
+}
+
 Status Disk::Fail(const std::string& path, std::string_view reason) {
   return FailWith(Joined(Quoted(path), " ", reason));
 }

@@ -69,6 +69,10 @@ class Disk {
   // A settings file, for FileSettingsService. The disk outlives it.
   virtual std::unique_ptr<ExchangedFile> OpenSettings(const std::string& path) = 0;
 
+  // Puts the file there, whatever stood under its name: at any time it is the old one or the new one, whole. The
+  // name lasts after the next SyncFolder.
+  Status Replace(const std::string& path, std::string_view bytes);
+
   // Why the last call that failed did, as a sentence without its full stop, with the path in it.
   const std::string& FailureReason() const { return failureReason_; }
 
@@ -101,6 +105,11 @@ class SystemDisk final : public Disk {
 // A disk in memory: what is written to it ends with it. A file brings the folders that it lies in along.
 class MemoryDisk final : public Disk {
  public:
+  MemoryDisk() = default;
+
+  // A copy, made file by file as they are asked for. Nothing reaches the original, which outlives it.
+  explicit MemoryDisk(Disk& original) : original_{&original} {}
+
   DiskContent Read(const std::string& path) override;
   Status Create(const std::string& path, std::string_view bytes) override;
   Status Append(const std::string& path, std::string_view bytes) override;
@@ -126,8 +135,11 @@ class MemoryDisk final : public Disk {
   std::size_t Changes() const { return changes_; }
 
  private:
+  std::string Fetched(const std::string& path);
   Status FailUnlessFile(const std::string& path);
 
+  Disk* original_ = nullptr;
+  std::set<std::string> seen_;  // of the original
   std::map<std::string, std::string> files_;
   std::set<std::string> folders_;
   std::size_t changes_ = 0;

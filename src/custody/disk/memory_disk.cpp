@@ -67,8 +67,20 @@ std::string MemoryDisk::NameOnDisk(const std::string& path) {
   return {name.begin(), name.end()};
 }
 
+// Its name here, with the bytes that the original has under it.
+std::string MemoryDisk::Fetched(const std::string& path) {
+  auto name = NameOnDisk(path);
+  if (original_ != nullptr && seen_.insert(name).second) {
+    const auto content = original_->Read(path);
+    if (content.Is == DiskContent::State::Present) {
+      Put(path, content.Bytes);
+    }
+  }
+  return name;
+}
+
 Status MemoryDisk::FailUnlessFile(const std::string& path) {
-  const auto name = NameOnDisk(path);
+  const auto name = Fetched(path);
   return files_.contains(name) ? Status::Success()
                                : Fail(path, folders_.contains(name) ? "is a folder" : "does not exist");
 }
@@ -84,7 +96,7 @@ void MemoryDisk::Put(const std::string& path, std::string_view bytes) {
 }
 
 DiskContent MemoryDisk::Read(const std::string& path) {
-  const auto name = NameOnDisk(path);
+  const auto name = Fetched(path);
   if (const auto file = files_.find(name); file != files_.end()) {
     return {DiskContent::State::Present, file->second, {}};
   }
@@ -93,7 +105,7 @@ DiskContent MemoryDisk::Read(const std::string& path) {
 }
 
 Status MemoryDisk::Create(const std::string& path, std::string_view bytes) {
-  if (const auto name = NameOnDisk(path); files_.contains(name) || folders_.contains(name)) {
+  if (const auto name = Fetched(path); files_.contains(name) || folders_.contains(name)) {
     return Fail(path, "cannot be made: it is there");
   }
   Put(path, bytes);
@@ -113,7 +125,9 @@ Status MemoryDisk::SyncFile(const std::string& path) {
 }
 
 Status MemoryDisk::SyncFolder(const std::string& path) {
-  return folders_.contains(NameOnDisk(path)) ? Status::Success() : Fail(path, "is no folder");
+  const bool isThere =
+      folders_.contains(NameOnDisk(path)) || (original_ != nullptr && original_->SyncFolder(path).Ok());
+  return isThere ? Status::Success() : Fail(path, "is no folder");
 }
 
 Status MemoryDisk::MakeFolder(const std::string& path) {
@@ -127,8 +141,8 @@ Status MemoryDisk::MakeFolder(const std::string& path) {
 }
 
 Status MemoryDisk::Rename(const std::string& from, const std::string& to) {
-  const auto oldName = NameOnDisk(from);
-  const auto newName = NameOnDisk(to);
+  const auto oldName = Fetched(from);
+  const auto newName = Fetched(to);
   if (folders_.contains(newName) || !(files_.contains(oldName) || folders_.contains(oldName))) {
     return Fail(from, "cannot be renamed");
   }

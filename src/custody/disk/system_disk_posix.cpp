@@ -45,13 +45,13 @@ Status SystemDisk::Append(const std::string& path, std::string_view bytes) {
 Status SystemDisk::SyncFile(const std::string& path) {
   const auto file = OpenAt(AT_FDCWD, path, O_RDONLY | O_NOFOLLOW | O_NONBLOCK);
   return file.IsOpen() && MakeDurable(file) ? Status::Success()
-                                            : FailAsTheSystemSays(path, "cannot be made to last");
+                                            : FailAsTheSystemSays(path, "cannot be flushed to the disk");
 }
 
 Status SystemDisk::SyncFolder(const std::string& path) {
   const auto folder = OpenAt(AT_FDCWD, path, O_RDONLY | O_DIRECTORY);
   return folder.IsOpen() && MakeDurable(folder) ? Status::Success()
-                                                : FailAsTheSystemSays(path, "cannot be made to last");
+                                                : FailAsTheSystemSays(path, "cannot be flushed to the disk");
 }
 
 Status SystemDisk::Rename(const std::string& from, const std::string& to) {

@@ -67,8 +67,9 @@ Status SystemDisk::Append(const std::string& path, std::string_view bytes) {
 
 Status SystemDisk::SyncFile(const std::string& path) {
   const auto file = OpenedForAppending(path);
-  return file && ::FlushFileBuffers(file.Get()) != 0 ? Status::Success()
-                                                     : FailAsTheSystemSays(path, "cannot be made to last");
+  return file && ::FlushFileBuffers(file.Get()) != 0
+             ? Status::Success()
+             : FailAsTheSystemSays(path, "cannot be flushed to the disk");
 }
 
 // The system keeps a log of the changes of names, in their order, and writes it with each file that is

@@ -86,6 +86,18 @@ std::string_view NameOf(Grade grade) {
   return names.at(static_cast<std::size_t>(grade));
 }
 
+Json JsonOf(Grade grade) {
+  return NameOf(grade);
+}
+
+bool Take(const Json& from, Grade& grade) {
+  const auto* const found =
+      std::ranges::find_if(allGrades, [&from](Grade each) { return from == NameOf(each); });
+  const bool isGrade = found != allGrades.end();
+  grade = isGrade ? *found : Grade::Note;
+  return isGrade;
+}
+
 namespace {
 
 std::vector<Finding> FindingsIn(CheckedFile::Kind kind, const std::string& bytes, const std::string& name,

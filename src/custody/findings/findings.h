@@ -1,11 +1,15 @@
 // `check`: what is wrong in a configuration, or will be passed over by the add-in.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <vector>
+
+#include "text/json_members.h"
 
 namespace zolvane {
 
@@ -15,7 +19,13 @@ enum class Grade : std::uint8_t {
   Note      // worth knowing
 };
 
+inline constexpr std::array allGrades{Grade::Error, Grade::Warning, Grade::Note};
+
 std::string_view NameOf(Grade grade);  // "error", "warning", "note"
+
+// By its name.
+Json JsonOf(Grade grade);
+bool Take(const Json& from, Grade& grade);
 
 struct Finding {
   std::string Code;  // stable
@@ -24,7 +34,16 @@ struct Finding {
   std::size_t Line = 0;  // from 1; 0: of the whole file
   std::string Text;      // what is wrong, and what the add-in makes of it
   std::string Advice;    // what to do
+
+  bool operator==(const Finding&) const = default;
 };
+
+constexpr auto MembersOf(const Finding*) {
+  return std::tuple{
+      Member{"code", &Finding::Code, Presence::Always}, Member{"grade", &Finding::Grade, Presence::Always},
+      Member{"file", &Finding::File, Presence::Always}, Member{"line", &Finding::Line, Presence::Always},
+      Member{"text", &Finding::Text, Presence::Always}, Member{"advice", &Finding::Advice}};
+}
 
 // In the order of the lines. `file` is its name, for the findings.
 std::vector<Finding> CheckConfiguration(const std::string& configuration, const std::string& file);

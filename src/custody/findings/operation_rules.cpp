@@ -18,15 +18,12 @@
 #include "custody/values/values.h"
 #include "operations/instrument_keys.h"
 #include "operations/upload_script.h"
+#include "text/counted.h"
 #include "text/joined.h"
 #include "text/printable.h"
 
 namespace zolvane {
 namespace {
-
-std::string NumberOf(std::size_t count, std::string_view what) {
-  return Joined(std::to_string(count), " ", what, count == 1 ? "" : "s");
-}
 
 // ---- The page
 
@@ -74,8 +71,8 @@ void AddZeroFactor(CheckedFile& file, const Script& now, const Script& with, std
   }
   if (!keys.empty()) {
     file.Add("zero-factor", line,
-             Joined(factor, " is 0 or missing: of the upload ", NumberOf(missing, "line"), " fall out and ",
-                    NumberOf(zero, "line"), " are sent with a wrong value (", Printable(keys), ")"));
+             Joined(factor, " is 0 or missing: of the upload ", CountOf(missing, "line"), " fall out and ",
+                    CountOf(zero, "line"), " are sent with a wrong value (", Printable(keys), ")"));
   }
 }
 

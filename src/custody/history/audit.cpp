@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <nlohmann/json.hpp>
 #include <set>
 #include <string_view>
 #include <utility>

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <map>
-#include <nlohmann/json.hpp>
 #include <string_view>
 #include <utility>
 
@@ -11,8 +10,6 @@
 
 namespace zolvane {
 namespace {
-
-using nlohmann::json;
 
 std::u16string Utf16Units(std::string_view text) {
   std::u16string units;
@@ -30,18 +27,18 @@ std::u16string Utf16Units(std::string_view text) {
 }
 
 // Of a text and a whole number the library's spelling is the canonical one.
-std::string Spelled(const json& value) {
-  return value.dump(-1, ' ', false, json::error_handler_t::replace);
+std::string Spelled(const Json& value) {
+  return value.dump(-1, ' ', false, Json::error_handler_t::replace);
 }
 
 // What lies deeper than any value of ours is left out, so that nobody's text exhausts the stack.
-void Append(std::string& to, const json& value, int depth = 0) {
+void Append(std::string& to, const Json& value, int depth = 0) {
   constexpr int deepest = 100;
   const char* before = "";
   if (depth > deepest) {
     to += "null";
   } else if (value.is_object()) {
-    std::map<std::u16string, json::const_iterator> members;
+    std::map<std::u16string, Json::const_iterator> members;
     for (auto member = value.begin(); member != value.end(); ++member) {
       members.emplace(Utf16Units(member.key()), member);
     }
@@ -64,7 +61,7 @@ void Append(std::string& to, const json& value, int depth = 0) {
 
 }  // namespace
 
-std::string CanonicalJson(const json& value) {
+std::string CanonicalJson(const Json& value) {
   std::string text;
   Append(text, value);
   return text;

@@ -3,11 +3,13 @@
 
 #include <cstdint>
 #include <map>
-#include <nlohmann/json_fwd.hpp>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <vector>
+
+#include "text/json_members.h"
 
 namespace zolvane {
 
@@ -19,6 +21,12 @@ struct Objection {
 
   friend bool operator==(const Objection&, const Objection&) = default;
 };
+
+constexpr auto MembersOf(const Objection*) {
+  return std::tuple{Member{"code", &Objection::Code, Presence::Always},
+                    Member{"expected", &Objection::Expected, Presence::Always},
+                    Member{"actual", &Objection::Actual, Presence::Always}};
+}
 
 // A file that an operation may change. `Before` and `After` are names of objects: its bytes. Empty: it was
 // not there.
@@ -69,7 +77,7 @@ struct Entry {
 std::string LineOf(const Entry& entry);
 
 // The object of JSON that makes up the line; another value if there is none.
-nlohmann::json ObjectIn(std::string_view line);
+Json ObjectIn(std::string_view line);
 
 // Nothing unless the line is an entry: an object of JSON with all that an entry must have, and each of it of
 // its kind. Members that are unknown here are passed over.

@@ -127,13 +127,8 @@ std::optional<std::string> History::SetAside() {
   return std::nullopt;
 }
 
-// Whoever opens the file finds all of it, and so does everybody after a power cut.
 Status History::PutFile(const std::string& path, std::string_view bytes) {
-  const auto fresh = path + ".new";
-  PassOver(disk_.Remove(fresh));  // left behind by a program that was killed
-  return Passed(disk_.Create(fresh, bytes).Then([&] { return disk_.SyncFile(fresh); }).Then([&] {
-    return disk_.Rename(fresh, path);
-  }));
+  return Passed(disk_.Replace(path, bytes));
 }
 
 Status History::MakeFolders() {

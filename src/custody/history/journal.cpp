@@ -1,6 +1,5 @@
 #include "custody/history/journal.h"
 
-#include <nlohmann/json.hpp>
 #include <set>
 #include <utility>
 
@@ -17,10 +16,10 @@ constexpr std::size_t mostDefects = 100;
 
 std::string IdentityIn(std::string_view line) {
   const auto object = ObjectIn(line);
-  if (!object.is_object() || object.value("format", nlohmann::json{}) != format) {
+  if (!object.is_object() || object.value("format", Json()) != format) {
     return {};
   }
-  const auto identity = object.value("history", nlohmann::json{});
+  const auto identity = object.value("history", Json());
   const auto text = identity.is_string() ? identity.get<std::string>() : std::string{};
   return IsIdentity(text) ? text : std::string{};
 }

@@ -18,6 +18,8 @@ namespace zolvane {
 struct RecordedState {
   std::string Configuration;         // the bytes of the file
   std::optional<Values> Instrument;  // its answers, by key; empty: no instrument was asked
+
+  bool operator==(const RecordedState&) const = default;
 };
 
 // The last operation that changed something, and the state that it found.
@@ -29,6 +31,8 @@ struct RecordedOperation {
   std::string Reason;
   std::string Time;  // UTC, as in the history: "2026-03-14T09:26:53.589Z"
   RecordedState Found;
+
+  bool operator==(const RecordedOperation&) const = default;
 };
 
 struct RecordContent {

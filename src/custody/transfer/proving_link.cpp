@@ -65,13 +65,13 @@ void ProvingLink::Note(Value setting, const std::optional<std::string>& reply, c
   tally_.Answered += reply ? 1 : 0;
   tally_.Accepted += lines_.back().IsAccepted() ? 1 : 0;
   if (!reply && !tally_.UnknownSince) {
-    tally_.UnknownSince = lines_.size();
+    tally_.UnknownSince = tally_.Sent;
   }
 }
 
 std::optional<std::string> ProvingLink::Save(const std::string& command, Delivery& delivery) {
   if (!Prove()) {
-    delivery = {.HasLeft = false, .Problem = problem_, .SkippedLine = std::nullopt};
+    delivery = {.HasLeft = false, .Problem = {}, .SkippedLine = std::nullopt};
     return std::nullopt;
   }
   auto reply = PassOn(command, delivery);
@@ -79,12 +79,8 @@ std::optional<std::string> ProvingLink::Save(const std::string& command, Deliver
   if (!reply || !SentLine{.Key = {}, .Text = {}, .Reply = reply}.IsAccepted()) {
     return reply;
   }
-  if (!HoldsStill()) {
-    delivery.Problem = problem_;
-    return std::nullopt;
-  }
-  tally_.IsSaved = true;
-  return reply;
+  tally_.IsSaved = HoldsStill();
+  return tally_.IsSaved ? reply : std::nullopt;
 }
 
 bool ProvingLink::Prove() {
@@ -105,8 +101,9 @@ bool ProvingLink::Prove() {
 }
 
 void ProvingLink::NoteUnanswered(const std::string& key) {
-  const auto line = std::ranges::find(lines_, key, &SentLine::Key);
-  tally_.UnknownSince = static_cast<std::size_t>(line - lines_.begin()) + 1;
+  const auto sent = std::span{lines_}.subspan(setup_.Arrived.size());
+  const auto line = std::ranges::find(sent, key, &SentLine::Key);
+  tally_.UnknownSince = line == sent.end() ? 1 : static_cast<std::size_t>(line - sent.begin()) + 1;
   isDead_ = true;
   problem_ = Joined("the instrument did not say what it holds of ", key, ", so SAVE was not sent");
 }

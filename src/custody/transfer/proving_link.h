@@ -25,7 +25,7 @@ struct TransferTally {
   bool SaveWasSent = false;
   bool IsSaved = false;  // accepted, after everything before it was verified
 
-  // The number, from 1 on, of the first line of which nothing is known: it was not answered, or the question
+  // The number, from 1 on, of the first line sent of which nothing is known: it was not answered, or the question
   // for its value was not. Nothing was asked since.
   std::optional<std::size_t> UnknownSince;
 };
@@ -34,7 +34,7 @@ class ProvingLink final : public BenchLink {
  public:
   struct Setup {
     Values Found{};                   // what the instrument answered before
-    std::vector<SentLine> Arrived{};  // sent earlier, proven with the rest, and counted as the first lines
+    std::vector<SentLine> Arrived{};  // sent earlier, and proven with the rest
     bool LetsUnreadablePass = false;  // such values count as proven
     bool LetsRoundedPass = false;
   };
@@ -52,7 +52,8 @@ class ProvingLink final : public BenchLink {
   std::vector<Verdict> Verdicts() const { return Judged(lines_, setup_.Found, left_); }
   bool IsProven(const Verdict& verdict) const;
 
-  // Why SAVE was held back or is not believed, as a sentence. Empty if it was neither.
+  // Why SAVE was held back or is not believed, as a sentence. Empty if it was neither. The delivery of SAVE does not
+  // repeat it.
   const std::string& Problem() const { return problem_; }
 
  private:

@@ -38,6 +38,9 @@ std::optional<std::string> TwinLink::Exchange(const std::string& command, Delive
   if (command.starts_with(settingStart)) {
     return "OK";  // SAVE
   }
+  if (command.starts_with(questionStart)) {
+    asked_.push_back(command.substr(questionStart.size()));
+  }
   const auto known = replies_.find(command);
   return known != replies_.end() ? known->second : Ask(command, delivery);
 }

@@ -18,6 +18,9 @@ class TwinLink final : public BenchLink {
   // the original, once; that one is never told to do anything. Without an original (null) it guesses.
   TwinLink(const Values& known, std::shared_ptr<BenchLink> original, const InterruptFlag& interrupt);
 
+  // The keys whose values it was asked for, in that order.
+  const std::vector<std::string>& AskedFor() const { return asked_; }
+
   // Where it had to guess, a sentence for each.
   const std::vector<std::string>& Guesses() const { return guesses_; }
 
@@ -28,6 +31,7 @@ class TwinLink final : public BenchLink {
 
   std::map<std::string, std::string, std::less<>> replies_;  // to questions, by the command
   std::shared_ptr<BenchLink> original_;
+  std::vector<std::string> asked_;
   std::vector<std::string> guesses_;
 };
 

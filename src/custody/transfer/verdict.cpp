@@ -95,10 +95,6 @@ const CauseRow& CauseOf(const Change& change) {
 
 // ---- Causes that the lines around it show ----
 
-bool SameOptional(const std::optional<std::string>& left, const std::optional<std::string>& right) {
-  return left.has_value() == right.has_value() && (!left || SameText(*left, *right));
-}
-
 class Judge {
  public:
   Judge(std::span<const SentLine> lines, const Values& found, const Values& left)
@@ -139,7 +135,7 @@ class Judge {
   }
 
   void Explain(Verdict& verdict, std::size_t line) const {
-    const bool isKept = SameOptional(verdict.Left, verdict.Found);
+    const bool isKept = SameValue(verdict.Left, verdict.Found);
     const auto& reply = lines_[line].Reply;
     if (isKept && reply && !lines_[line].IsAccepted()) {
       verdict.Why = Cause::Refused;

@@ -15,10 +15,6 @@ namespace {
 
 using Text = std::optional<std::string>;
 
-bool SameValue(const Text& left, const Text& right) {
-  return left && right ? SameText(*left, *right) : left == right;
-}
-
 bool IsExpected(const Wish& wish, const Text& present) {
   return wish.Expected.empty() ||
          std::ranges::any_of(wish.Expected, [&](const auto& text) { return SameValue(text, present); }) ||

@@ -2,7 +2,6 @@
 // so.
 #pragma once
 
-#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -34,7 +33,6 @@ struct SessionEnds {
   Questioner* Terminal = nullptr;   // null: nobody is asked
   Console* Out = nullptr;           // null: nothing is printed
   TraceLog* Trace = nullptr;        // null: no trace
-  std::function<bool()> IsInterrupted = [] { return false; };
 };
 
 // Ends at which nothing happens: files on `disk`, no instrument, no output, every box affirmed. The folder is

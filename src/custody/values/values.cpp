@@ -46,6 +46,10 @@ bool SameText(std::string_view left, std::string_view right) {
   return number && number == DecimalIn(right);
 }
 
+bool SameValue(const std::optional<std::string>& left, const std::optional<std::string>& right) {
+  return left && right ? SameText(*left, *right) : left == right;
+}
+
 std::string Values::IndexedAs(std::string_view name) const {
   return nameCase_ == NameCase::Ignored ? UpperCase(name) : std::string{name};
 }
@@ -64,6 +68,11 @@ const Value* Values::Find(std::string_view name) const {
   return place == places_.end() ? nullptr : &values_[place->second];
 }
 
+std::optional<std::string> Values::TextOf(std::string_view name) const {
+  const auto* const value = Find(name);
+  return value != nullptr && value->WasAnswered ? value->Text : std::nullopt;
+}
+
 std::optional<Value> SettingIn(std::string_view line) {
   if (!line.starts_with(settingStart)) {
     return std::nullopt;
@@ -78,33 +87,31 @@ std::optional<Value> SettingIn(std::string_view line) {
 
 Comparison Compare(const Values& a, const Values& b) {
   Comparison comparison;
-  const auto take = [&](const std::string& name, const Value* inA, const Value* inB) {
-    const auto textOf = [](const Value* value) { return value != nullptr ? value->Text : std::nullopt; };
-    const auto textA = textOf(inA);
-    const auto textB = textOf(inB);
-    const auto wasAnswered = [](const Value* value) { return value == nullptr || value->WasAnswered; };
+  const Value nothing{};
+  const auto take = [&](const Value& inA, const Value& inB, const std::string& name) {
     const auto differ = [&](DifferenceKind kind, std::size_t& count) {
       ++count;
-      comparison.Differences.push_back({.Name = name, .A = textA, .B = textB, .Kind = kind});
+      comparison.Differences.push_back({.Name = name, .A = inA.Text, .B = inB.Text, .Kind = kind});
     };
-    if (!wasAnswered(inA) || !wasAnswered(inB)) {
+    if (!inA.WasAnswered || !inB.WasAnswered) {
       differ(DifferenceKind::NotAnswered, comparison.NotAnswered);
-    } else if (textA && textB ? SameText(*textA, *textB) : !textA && !textB) {
+    } else if (SameValue(inA.Text, inB.Text)) {
       ++comparison.Same;
-    } else if (!textB) {
+    } else if (!inB.Text) {
       differ(DifferenceKind::OnlyInA, comparison.OnlyInA);
-    } else if (!textA) {
+    } else if (!inA.Text) {
       differ(DifferenceKind::OnlyInB, comparison.OnlyInB);
     } else {
       differ(DifferenceKind::Different, comparison.Different);
     }
   };
   for (const auto& value : a.InOrder()) {
-    take(value.Name, &value, b.Find(value.Name));
+    const auto* const other = b.Find(value.Name);
+    take(value, other != nullptr ? *other : nothing, value.Name);
   }
   for (const auto& value : b.InOrder()) {
     if (a.Find(value.Name) == nullptr) {
-      take(value.Name, nullptr, &value);
+      take(nothing, value, value.Name);
     }
   }
   return comparison;

@@ -24,6 +24,9 @@ struct Value {
 // "-0". Numbers of any length are compared digit by digit, so nothing is rounded.
 bool SameText(std::string_view left, std::string_view right);
 
+// The same of values that may be unknown: an unknown one is the same as no other.
+bool SameValue(const std::optional<std::string>& left, const std::optional<std::string>& right);
+
 enum class NameCase : std::uint8_t { Matters, Ignored };
 
 // The values of a side, in the order in which their names first came. Of several values of one name the last
@@ -37,8 +40,14 @@ class Values {
   // Null if there is no value of that name.
   const Value* Find(std::string_view name) const;
 
+  // Nothing if the value is not known there.
+  std::optional<std::string> TextOf(std::string_view name) const;
+
   const std::vector<Value>& InOrder() const { return values_; }
   const std::vector<Value>& Overridden() const { return overridden_; }
+
+  // The same values in the same order, whatever they have overridden.
+  bool operator==(const Values& other) const { return values_ == other.values_; }
 
  private:
   std::string IndexedAs(std::string_view name) const;

@@ -83,7 +83,7 @@ struct LinkKind {
 constexpr std::string_view deviceFolder = "/dev/";
 
 constexpr std::array<LinkKind, 7> linkKinds{{
-    {{"sim", "simulated inside the process; the default"}, "sim", LinkPlace::None, CreateSimulated},
+    {{"sim", "simulated inside the process"}, "sim", LinkPlace::None, CreateSimulated},
     {{"sim:FILE", "the same, its memory kept in FILE"}, "sim", LinkPlace::Needed, CreateSimulated},
     {{"tcp:HOST:PORT", "behind a TCP socket"}, "tcp", LinkPlace::Any, CreateTcp},
     {{"serial:DEVICE[,BAUD]", "on a serial port or a pseudo-terminal"},

@@ -13,6 +13,7 @@
 #include "custody/values/sides.h"
 #include "instrument/links/no_link.h"
 #include "page/page_controls.h"
+#include "text/counted.h"
 #include "text/joined.h"
 #include "text/printable.h"
 #include "text/usage_error.h"
@@ -66,26 +67,6 @@ std::string WithWrites(const std::string& bytes, const std::vector<SettingWrite>
   return copy.Read(file).Bytes;
 }
 
-// Hands every command on, and remembers which keys were asked for.
-class ListeningLink final : public BenchLink {
- public:
-  ListeningLink(std::shared_ptr<BenchLink> inner, const InterruptFlag& interrupt)
-      : BenchLink{interrupt}, inner_{std::move(inner)} {}
-
-  const std::vector<std::string>& AskedFor() const { return keys_; }
-
- private:
-  std::optional<std::string> Exchange(const std::string& command, Delivery& delivery) override {
-    if (command.starts_with(questionStart)) {
-      keys_.push_back(command.substr(questionStart.size()));
-    }
-    return HandOn(*inner_, command, delivery);
-  }
-
-  std::shared_ptr<BenchLink> inner_;
-  std::vector<std::string> keys_;
-};
-
 // Comments behind the last line of a backup.
 std::string ClosingComments(const Checkpoint& checkpoint) {
   std::string text = Joined(checkpointHeading, "\r\n");
@@ -116,13 +97,12 @@ class AddInOperation final : public CustodyOperation {
   void LookAtBackup(Custody& custody) const;
   void ShowLoss(Custody& custody) const;
   SessionEnds RealEnds(Workplace& work, std::shared_ptr<BenchLink> link) const;
-  void MakeRoom(Custody& custody);
+  void MakeRoom(Custody& custody) const;
   void CloseSavedFile(Custody& custody, Evidence& evidence) const;
 
   const OperationRow& row_;
   std::optional<std::string> file_;
-  std::optional<std::string> fileBefore_;  // what is in it
-  std::string intendedFile_;               // what an export will write
+  std::string intendedFile_;  // what an export will write
 };
 
 // ---- Look ----
@@ -147,28 +127,15 @@ void AddInOperation::Look(Custody& custody) {
 }
 
 void AddInOperation::LookAtFile(Custody& custody) {
-  if (row_.File == FileRole::None) {
-    return;
-  }
   auto& work = custody.Work;
-  if (IsSameFile(*file_, work.ConfigFile())) {
+  if (row_.File != FileRole::None && IsSameFile(*file_, work.ConfigFile())) {
     throw UsageError{Joined(Quoted(*file_), " is the configuration itself")};
   }
-  auto content = work.Files.Read(*file_);
-  const bool isThere = content.Is == DiskContent::State::Present;
-  if (!isThere && (content.Is == DiskContent::State::Unreadable || row_.File == FileRole::Loaded)) {
-    throw UsageError{Joined(Quoted(*file_), " ", content.Reason)};
-  }
-  if (isThere) {
-    fileBefore_ = std::move(content.Bytes);
-    custody.OtherFile = {.Path = *file_, .Before = fileBefore_, .After = fileBefore_};
-  } else {
-    DemandFolder(work.Files, *file_);
-  }
-  if (isThere && row_.File == FileRole::Saved) {
-    custody.Doubts.push_back({.Code = std::string{objection_code::exists},
-                              .Expected = "a new file",
-                              .Actual = Joined(*file_, " is there already")});
+  if (row_.File == FileRole::Loaded) {
+    const auto bytes = ReadFile(work.Files, *file_);
+    custody.OtherFile = {.Path = *file_, .Before = bytes, .After = bytes};
+  } else if (row_.File == FileRole::Saved) {
+    custody.LookAtTarget(*file_);
   }
 }
 
@@ -178,13 +145,12 @@ void AddInOperation::Foresee(Custody& custody) {
   MemoryDisk copy;
   copy.Put(work.ConfigFile(), *custody.Found.Configuration);
   if (row_.File == FileRole::Loaded) {
-    copy.Put(*file_, *fileBefore_);
+    copy.Put(*file_, *custody.OtherFile->Before);
   }
   auto ends = EndsOn(copy, work.Options.Folder);
   const auto twin = std::make_shared<TwinLink>(Values{}, Sends() ? nullptr : work.Link, ProgramInterrupt());
-  const auto listening = std::make_shared<ListeningLink>(twin, ProgramInterrupt());
   if (row_.AsksInstrument) {
-    ends.Link = listening;
+    ends.Link = twin;
   }
   const auto played = Play(ends, PressOf(row_.Button, file_));
   DemandForeseen(played);
@@ -200,7 +166,8 @@ void AddInOperation::Foresee(Custody& custody) {
   }
   custody.Intended.Answers = LastWrites(played.Writes, work.ConfigFile());
   if (row_.AsksInstrument) {
-    custody.Found.Answers = WireFaceOfInstrument(*twin, listening->AskedFor());
+    const auto keys = twin->AskedFor();
+    custody.Found.Answers = WireFaceOfInstrument(*twin, keys);
   }
 }
 
@@ -236,16 +203,14 @@ void AddInOperation::LookAtBackup(Custody& custody) const {
   auto& work = custody.Work;
   if (!HoldsBackup(work.Options.Folder, *file_,
                    [&](const auto& path) { return work.Files.OpenSettings(path); })) {
-    custody.Doubts.push_back({.Code = std::string{objection_code::notABackup},
-                              .Expected = "the sections of a backup",
-                              .Actual = Joined(*file_, " has none of them")});
+    Object(custody.Doubts, objection_code::notABackup, "the sections of a backup", "none of them");
     return;
   }
   const std::string exported = "exported.bak";
   MemoryDisk copy;
   copy.Put(work.ConfigFile(), *custody.Found.Configuration);
   Play(EndsOn(copy, work.Options.Folder), PressOf(exportButton, exported));
-  ObjectToBackup(custody.Kept, *file_, *fileBefore_, copy.Read(exported).Bytes,
+  ObjectToBackup(custody.Kept, *file_, *custody.OtherFile->Before, copy.Read(exported).Bytes,
                  WireFaceOfFile(*custody.Found.Configuration).InForce.Device.Name, custody.Doubts);
 }
 
@@ -274,16 +239,29 @@ void AddInOperation::Show(Custody& custody) {
   }
 }
 
-// What a later import of the exported file would not bring back.
+// What a later import of the exported file would not bring back: what is not in it, and what an import makes another
+// value of.
 void AddInOperation::ShowLoss(Custody& custody) const {
-  const auto& configuration = *custody.Intended.Configuration;
-  const auto lost = Compare(FileFace(configuration), FileFace(intendedFile_));
-  const Descriptions descriptions{WireFaceOfFile(configuration)};
   auto& work = custody.Work;
-  work.Result.Counts.emplace_back("not_brought_back", lost.Differences.size());
-  work.Out.Print(Joined("A later import will not bring back ", CountOf(lost.Differences.size(), "value"),
-                        " of ", std::to_string(lost.Differences.size() + lost.Same), "\n",
-                        DifferencesText(lost, descriptions, "in the file", "in the backup")));
+  const auto& configuration = *custody.Intended.Configuration;
+  MemoryDisk copy;
+  copy.Put(work.ConfigFile(), configuration);
+  copy.Put(*file_, intendedFile_);
+  Play(EndsOn(copy, work.Options.Folder), PressOf(importButton, file_));
+  const auto face = FileFace(configuration);
+  auto lost = Compare(face, FileFace(copy.Read(work.ConfigFile()).Bytes));
+  for (const auto& missing : Compare(face, FileFace(intendedFile_)).Differences) {
+    if (missing.Kind == DifferenceKind::OnlyInA &&
+        std::ranges::find(lost.Differences, missing.Name, &Difference::Name) == lost.Differences.end()) {
+      lost.Differences.push_back(missing);
+    }
+  }
+  const auto count = lost.Differences.size();
+  work.Result.Counts.emplace_back("not_brought_back", count);
+  work.Out.Print(Joined(
+      "A later import will not bring back ", CountOf(count, "value"), " of ",
+      std::to_string(face.InOrder().size()), "\n",
+      DifferencesText(lost, Descriptions{WireFaceOfFile(configuration)}, "in the file", "after an import")));
 }
 
 // ---- Act ----
@@ -344,9 +322,9 @@ SessionEnds AddInOperation::RealEnds(Workplace& work, std::shared_ptr<BenchLink>
 }
 
 // The old file is in the history by now: an export writes a fresh one.
-void AddInOperation::MakeRoom(Custody& custody) {
+void AddInOperation::MakeRoom(Custody& custody) const {
   auto& files = custody.Work.Files;
-  if (row_.File == FileRole::Saved && fileBefore_ && !files.Remove(*file_).Ok()) {
+  if (row_.File == FileRole::Saved && custody.OtherFile->Before && !files.Remove(*file_).Ok()) {
     custody.Work.Out.Error(files.FailureReason());
   }
 }
@@ -364,7 +342,7 @@ void AddInOperation::CloseSavedFile(Custody& custody, Evidence& evidence) const 
                     Joined("the checkpoint could not be appended: ", files.FailureReason()));
   }
   evidence.TakeFile(*file_, intendedFile_ + comments);
-  custody.OtherFile = {.Path = *file_, .Before = fileBefore_, .After = intendedFile_ + comments};
+  custody.OtherFile->After = intendedFile_ + comments;
 }
 
 }  // namespace

@@ -46,7 +46,7 @@ class BackupOperation final : public CustodyOperation {
     auto& work = custody.Work;
     custody.Found.Configuration = ReadConfiguration(work);
     custody.Intended.Configuration = custody.Found.Configuration;
-    LookAtFile(custody);
+    custody.LookAtTarget(file_);
     if (work.Link != nullptr) {
       custody.LookAtInstrument();
       const auto face = WireFaceOfFile(*custody.Found.Configuration);
@@ -60,11 +60,8 @@ class BackupOperation final : public CustodyOperation {
   Conclusion Act(Custody& custody) override {
     auto& files = custody.Work.Files;
     const auto record = WriteRecord(ContentOf(custody));
-    const auto fresh = file_ + ".new";
-    const auto written = files.Create(fresh, record)
-                             .Then([&] { return files.SyncFile(fresh); })
-                             .Then([&] { return files.Rename(fresh, file_); })
-                             .Then([&] { return files.SyncFolder(FolderHolding(file_)); });
+    const auto written =
+        files.Replace(file_, record).Then([&] { return files.SyncFolder(FolderHolding(file_)); });
     Evidence evidence{custody};
     if (!written.Ok()) {
       evidence.Worsen(outcome::failed, files.FailureReason());
@@ -72,26 +69,10 @@ class BackupOperation final : public CustodyOperation {
     evidence.TakeFile(file_, record);
     evidence.TakeConfiguration();
     custody.Left.Answers = custody.Found.Answers;
-    custody.OtherFile = {.Path = file_, .Before = before_, .After = std::nullopt};
     return evidence.Conclude();
   }
 
  private:
-  void LookAtFile(Custody& custody) {
-    auto content = custody.Work.Files.Read(file_);
-    if (content.Is == DiskContent::State::Unreadable) {
-      throw UsageError{Joined(Quoted(file_), " ", content.Reason)};
-    }
-    DemandFolder(custody.Work.Files, file_);
-    if (content.Is == DiskContent::State::Present) {
-      before_ = std::move(content.Bytes);
-      custody.Doubts.push_back({.Code = std::string{objection_code::exists},
-                                .Expected = "a new file",
-                                .Actual = Joined(file_, " is there already")});
-    }
-    custody.OtherFile = {.Path = file_, .Before = before_, .After = std::nullopt};
-  }
-
   RecordContent ContentOf(Custody& custody) const {
     const auto last = LastOperation(custody);
     const auto begun = custody.Kept.Entries().back();
@@ -114,7 +95,6 @@ class BackupOperation final : public CustodyOperation {
   }
 
   std::string file_;
-  std::optional<std::string> before_;
 };
 
 }  // namespace

@@ -126,11 +126,11 @@ void BringingBack::ObjectToChanges(Custody& custody) const {
   for (const auto& step : steps_) {
     if (step.Is == Standing::Changed) {
       const auto& expected = step.Of.Expected;
-      custody.Doubts.push_back(
-          {.Code = std::string{objection_code::changed},
-           .Expected = Joined(step.Of.Name, " is ",
-                              expected.empty() ? "(none)" : expected.front().value_or("(none)")),
-           .Actual = Joined("it is ", step.Present.value_or("(none)"))});
+      const auto text = [&step](const std::optional<std::string>& value) {
+        return Joined(step.Of.Name, " = ", value.value_or("(none)"));
+      };
+      Object(custody.Doubts, objection_code::changed,
+             text(expected.empty() ? std::nullopt : expected.front()), text(step.Present));
     }
   }
 }
@@ -248,7 +248,7 @@ Target TakingBack(Custody& custody, const std::optional<std::string>& number) {
   }
   auto kept = KeptOf(custody.Kept, operations, *place);
   Target target{.Wanted = kept.Found, .Saves = kept.SavedOrMayHave};
-  if (kept.HasEnded && IsSame(kept.Left.Answers, kept.Found.Answers)) {
+  if (kept.HasEnded && kept.Left.Answers == kept.Found.Answers) {
     target.Wanted.Answers.reset();
   }
   target.Of = std::move(kept);
@@ -277,8 +277,11 @@ Target Finishing(Custody& custody) {
 
 Target Recorded(Custody& custody, const std::string& name) {
   auto side = SideNamed(custody.Work, name);
-  if (side.IsInstrument || side.IsBackup || !side.Configuration) {
+  if (!side.IsKept) {
     throw UsageError{Joined(Quoted(name), " is no record and no operation, and only these can be restored")};
+  }
+  if (!side.Configuration) {
+    throw UsageError{Joined(Quoted(name), " left no configuration that could be restored")};
   }
   Target target{.Wanted = {.Configuration = std::move(side.Configuration), .Answers = {}}, .IsChecked = true};
   if (custody.Work.Options.TakesInstrument) {

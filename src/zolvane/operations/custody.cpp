@@ -9,8 +9,8 @@
 #include "custody/values/values_json.h"
 #include "instrument/links/interrupt_flag.h"
 #include "program/version.h"
+#include "text/counted.h"
 #include "text/joined.h"
-#include "text/json_text.h"
 #include "text/printable.h"
 #include "text/usage_error.h"
 #include "zolvane/operations/kept_operation.h"
@@ -77,9 +77,9 @@ void Custody::LookFor(std::vector<Finding> findings) {
 
 void Custody::SettleDamage() {
   if (!Kept.Damage().empty()) {
-    Draft.Objections = Settle(Work, {{.Code = std::string{objection_code::historyDamaged},
-                                      .Expected = "a whole history",
-                                      .Actual = Kept.Damage()}});
+    Objections damage;
+    Object(damage, objection_code::historyDamaged, "a whole history", Kept.Damage());
+    Draft.Objections = Settle(Work, damage);
   }
 }
 
@@ -93,6 +93,22 @@ void Custody::SettleDoubts() {
     RefuseHistory(Kept);
   }
   Work.Out.Error(Joined("the damaged history is kept in ", Quoted(*name), ", and a new one begins"));
+}
+
+void Custody::LookAtTarget(const std::string& path) {
+  auto content = Work.Files.Read(path);
+  if (content.Is == DiskContent::State::Unreadable) {
+    throw UsageError{Joined(Quoted(path), " ", content.Reason)};
+  }
+  const auto folder = FolderHolding(path);
+  if (Work.Files.Read(folder).Is != DiskContent::State::Unreadable) {
+    throw UsageError{Joined(Quoted(path), " cannot be made: there is no folder ", Quoted(folder))};
+  }
+  OtherFile = {.Path = path};
+  if (content.Is == DiskContent::State::Present) {
+    OtherFile->Before = std::move(content.Bytes);
+    Object(Doubts, objection_code::exists, "a new file", path);
+  }
 }
 
 std::optional<std::string> Custody::Keep(const std::optional<std::string>& bytes) {
@@ -179,7 +195,7 @@ void Custody::RecordEnd(const Conclusion& conclusion) {
   end.Outcome = conclusion.Outcome;
   const auto file = Keep(Left.Configuration);
   const auto left = Keep(Left.Answers);
-  const auto details = Keep(std::optional{JsonText(conclusion.Details)});
+  const auto details = Keep(std::optional{JsonOf(conclusion.Details).dump()});
   end.FileAfter = file.value_or("");
   end.Left = left.value_or("");
   end.Details = details.value_or("");
@@ -247,9 +263,13 @@ void Operate(Workplace& work, CustodyOperation& operation) {
 
 void ShowChanges(Workplace& work, std::string_view where, const Comparison& changes,
                  const Descriptions& descriptions, std::string_view meant) {
-  work.Out.Print(Joined(where, ": ", CountOf(changes.Differences.size(), "value"), " of ",
-                        std::to_string(changes.Differences.size() + changes.Same), " to change\n",
-                        DifferencesText(changes, descriptions, "as found", meant)));
+  constexpr std::size_t mostShown = 500;
+  const auto count = changes.Differences.size();
+  work.Out.Print(Joined(where, ": ", CountOf(count, "value"), " of ", std::to_string(count + changes.Same),
+                        " to change\n",
+                        count <= mostShown ? DifferencesText(changes, descriptions, "as found", meant)
+                                           : "  too many to print here: \"show\" prints the values of a "
+                                             "side, \"diff\" the differences of two\n"));
 }
 
 std::string LinkProblem(const BenchLink& link) {

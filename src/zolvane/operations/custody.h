@@ -32,7 +32,7 @@ struct KeptFile {
 struct Conclusion {
   std::string_view Outcome = outcome::done;
   std::string Account{};  // for people: a paragraph
-  Json Details{};         // verdicts, and what the add-in said
+  OperationDetails Details{};
 };
 
 // What the steps of an operation share.
@@ -56,6 +56,10 @@ class Custody {
 
   // Checks what is to be sent or to come into force, and objects to errors.
   void LookFor(std::vector<Finding> findings);
+
+  // Reads what is in the way of a file that is to be written, and objects to it. Throws UsageError if it cannot be
+  // written there.
+  void LookAtTarget(const std::string& path);
 
   // The number of the operation that has begun.
   std::uint64_t Number() const { return number_; }

@@ -7,6 +7,7 @@
 
 #include "bench/host/outcome.h"
 #include "bench/host/result_text.h"
+#include "text/counted.h"
 #include "text/joined.h"
 #include "text/printable.h"
 #include "zolvane/work/printing.h"
@@ -125,19 +126,14 @@ void Evidence::TakeInstrument(const ProvingLink& link, bool isToBeSaved) {
 }
 
 void Evidence::ReportFileValues(const Values& found, const Values& intended, const Values& left) {
-  auto& values = custody_.Work.Result.Values;
-  const auto textIn = [](const Values& side, const std::string& name) {
-    const auto* const value = side.Find(name);
-    return value != nullptr ? value->Text : std::nullopt;
-  };
   for (const auto& change : Compare(found, intended).Differences) {
-    const auto is = textIn(left, change.Name);
-    const bool isThere = is == change.B || (is && change.B && SameText(*is, *change.B));
-    values.push_back({.Key = change.Name,
-                      .Found = change.A,
-                      .Sent = change.B,
-                      .Left = is,
-                      .Verdict = std::string{NameOf(isThere ? Proof::Verified : Proof::Differs)}});
+    const auto is = left.TextOf(change.Name);
+    const auto proof = SameValue(is, change.B) ? Proof::Verified : Proof::Differs;
+    custody_.Work.Result.Values.push_back({.Key = change.Name,
+                                           .Found = change.A,
+                                           .Sent = change.B,
+                                           .Left = is,
+                                           .Verdict = std::string{NameOf(proof)}});
   }
 }
 
@@ -175,12 +171,10 @@ void Evidence::TakeFile(const std::string& path, const std::string& intended) {
 }
 
 void Evidence::TakeTally(const ActionTally& tally, bool isProvenOtherwise) {
-  Json boxes = Json::array();
   for (const auto& message : tally.Messages) {
-    boxes.push_back(
-        {{"title", message.Title}, {"text", message.Text}, {"answer", ButtonName(message.Answer)}});
+    details_.Boxes.push_back(
+        {.Title = message.Title, .Text = message.Text, .Answer = std::string{ButtonName(message.Answer)}});
   }
-  details_["boxes"] = std::move(boxes);
   if (tally.WasCancelled || tally.WasRefused || !isProvenOtherwise) {
     Worsen(OutcomeNameOf(tally), "");
   }
@@ -194,9 +188,7 @@ Conclusion Evidence::Conclude() {
   if (outcome_ != outcome::done) {
     work.Out.Print(UnprovenText(work.Result.Values));
   }
-  for (const auto& value : work.Result.Values) {
-    details_["values"].push_back(ValueJson(value));
-  }
+  details_.Values = work.Result.Values;
   std::string account;
   for (const auto& fact : facts_) {
     account.append(account.empty() ? "" : "; ").append(fact);

@@ -45,7 +45,7 @@ class Evidence {
   Custody& custody_;
   std::string_view outcome_ = outcome::done;
   std::vector<std::string> facts_;
-  Json details_ = Json::object();
+  OperationDetails details_;
 };
 
 }  // namespace zolvane

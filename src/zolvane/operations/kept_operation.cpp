@@ -93,10 +93,6 @@ KeptOperation KeptOf(History& history, const std::vector<Operation>& operations,
   return kept;
 }
 
-bool IsSame(const std::optional<Values>& left, const std::optional<Values>& right) {
-  return left.has_value() == right.has_value() && (!left || left->InOrder() == right->InOrder());
-}
-
 bool HasChangedSomething(const std::vector<Operation>& operations, std::size_t place) {
   if (LeavesBothSides(operations[place])) {
     return false;

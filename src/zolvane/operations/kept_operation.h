@@ -59,6 +59,4 @@ bool HasChangedSomething(const std::vector<Operation>& operations, std::size_t p
 // The last one that did. Nothing if none has.
 std::optional<std::size_t> LastChange(const std::vector<Operation>& operations);
 
-bool IsSame(const std::optional<Values>& left, const std::optional<Values>& right);
-
 }  // namespace zolvane

@@ -3,11 +3,13 @@
 #include <algorithm>
 #include <array>
 #include <iterator>
+#include <utility>
 
 #include "config/text.h"
 #include "custody/values/sides.h"
 #include "files/sectioned_text.h"
 #include "program/command_line.h"
+#include "text/counted.h"
 #include "text/joined.h"
 #include "text/printable.h"
 #include "text/suggestion.h"
@@ -31,7 +33,7 @@ constexpr std::array<PassableRow, 11> passableRows{{
     {objection_code::cutOff, "the end of the file is missing"},
     {objection_code::otherDevice, "the file has positions of another device only"},
     {objection_code::changed, "somebody else changed values since"},
-    {objection_code::exists, "the file is there already"},
+    {objection_code::exists, "a file of that name is there already"},
     {objection_code::historyDamaged, "the history is damaged; a new one is begun"},
     {objection_code::unreadable, "values that the instrument never gives back count as proven"},
     {objection_code::rounded, "values that the instrument rounds count as proven"},
@@ -42,19 +44,13 @@ std::string_view MeaningOf(std::string_view code) {
   return found == passableRows.end() ? code : found->Meaning;
 }
 
-std::string ObjectionText(const Objection& objection) {
-  return Joined(MeaningOf(objection.Code), ": expected ", Printable(objection.Expected), ", but ",
-                Printable(objection.Actual));
-}
-
 bool UserLetsPass(Workplace& work, const Objection& objection) {
   if (work.Terminal == nullptr) {
     return false;
   }
   work.Out.ClearStatus();
-  const auto answer = work.Terminal->Ask(Joined(ObjectionText(objection),
-                                                "\nGo on all the same? Type the code to let it pass [",
-                                                objection.Code, "]: "));
+  const auto answer = work.Terminal->Ask(
+      Joined(ObjectionText(objection), "\nGo on all the same? Type the code to let it pass: "));
   return answer && Trimmed(*answer) == objection.Code;
 }
 
@@ -94,17 +90,27 @@ bool ExpectsCheckpoint(const History& history, const std::string& file, const st
 std::string CutOffReason(const History& history, const std::string& file, const std::string& backup,
                          const std::string& exported) {
   if (!backup.ends_with('\n')) {
-    return "its last line has no end";
+    return "a last line without an end";
   }
   if (const auto missing = MissingSection(SectionsIn(backup), SectionsIn(exported)); !missing.empty()) {
-    return Joined("the section [", missing, "] is missing behind its last");
+    return Joined("no section [", missing, "] behind its last");
   }
   return ExpectsCheckpoint(history, file, backup) && CheckpointsIn(backup).empty()
-             ? "its closing checkpoint is missing"
+             ? "no checkpoint at its end"
              : std::string{};
 }
 
 }  // namespace
+
+std::string ObjectionText(const Objection& objection) {
+  return Joined(MeaningOf(objection.Code), ": expected ", Printable(objection.Expected), ", found ",
+                Printable(objection.Actual), " [", objection.Code, "]");
+}
+
+void Object(Objections& objections, std::string_view code, std::string expected, std::string actual) {
+  objections.push_back(
+      {.Code = std::string{code}, .Expected = std::move(expected), .Actual = std::move(actual)});
+}
 
 bool IsLetPass(const CustodyOptions& options, std::string_view code) {
   return std::ranges::find(options.Despite, code) != options.Despite.end();
@@ -132,9 +138,9 @@ std::vector<Objection> Settle(Workplace& work, const std::vector<Objection>& obj
   bool goesOn = true;
   for (const auto& objection : objections) {
     if (IsLetPass(work.Options, objection.Code) || UserLetsPass(work, objection)) {
-      work.Out.Note(Joined("let pass: ", ObjectionText(objection), " [", objection.Code, "]"));
+      work.Out.Note("let pass: " + ObjectionText(objection));
     } else {
-      work.Out.Error(Joined(ObjectionText(objection), " [", objection.Code, "]"));
+      work.Out.Error(ObjectionText(objection));
       goesOn = false;
     }
   }
@@ -151,10 +157,8 @@ void ObjectToFindings(const Workplace& work, Objections& objections) {
   if (first != findings.end()) {
     const auto count = static_cast<std::size_t>(std::ranges::count_if(findings, isError));
     const auto place = first->Line == 0 ? std::string{} : Joined(" in line ", std::to_string(first->Line));
-    objections.push_back(
-        {.Code = std::string{objection_code::findings},
-         .Expected = "no error",
-         .Actual = Joined(CountOf(count, "error"), ", the first", place, ": ", first->Text)});
+    Object(objections, objection_code::findings, "no error",
+           Joined(CountOf(count, "error"), ", the first", place, ": ", first->Text));
   }
 }
 
@@ -166,19 +170,16 @@ void ObjectToInstrument(const History& history, const std::string& configuration
   const auto expected =
       last != entries.rend() ? last->Instrument : WireFaceOfFile(configuration).InForce.Device.Code;
   if (stage != expected) {
-    objections.push_back(
-        {.Code = std::string{objection_code::otherInstrument}, .Expected = expected, .Actual = stage});
+    Object(objections, objection_code::otherInstrument, expected, stage);
   }
 }
 
 void ObjectToUnfinished(const History& history, Objections& objections) {
   for (const auto& operation : history.Operations()) {
     if (operation.Ended == nullptr) {
-      objections.push_back(
-          {.Code = std::string{objection_code::unfinished},
-           .Expected = "every operation ended",
-           .Actual = Joined("operation ", std::to_string(operation.Number()), ", ", operation.Begun->Action,
-                            " of ", operation.Begun->Time, ", has not; \"resume\" or \"undo\" ends it")});
+      Object(objections, objection_code::unfinished, "none",
+             Joined("operation ", std::to_string(operation.Number()), ", ", operation.Begun->Action, " of ",
+                    operation.Begun->Time, "; \"resume\" or \"undo\" ends it"));
     }
   }
 }
@@ -191,14 +192,12 @@ void ObjectToBackup(const History& history, const std::string& file, const std::
     return EqualIgnoringCase(std::string_view{section}.substr(0, positions.size()), positions);
   };
   if (const auto reason = CutOffReason(history, file, backup, exported); !reason.empty()) {
-    objections.push_back(
-        {.Code = std::string{objection_code::cutOff}, .Expected = "a whole backup", .Actual = reason});
+    Object(objections, objection_code::cutOff, "a whole backup", reason);
   }
   const auto other = std::ranges::find_if(sections, isOfPositions);
   if (other != sections.end() && !Has(sections, Joined(positions, device))) {
-    objections.push_back({.Code = std::string{objection_code::otherDevice},
-                          .Expected = Joined("[", positions, device, "]"),
-                          .Actual = Joined("[", *other, "]")});
+    Object(objections, objection_code::otherDevice, Joined("[", positions, device, "]"),
+           Joined("[", *other, "]"));
   }
 }
 

@@ -32,6 +32,9 @@ inline constexpr std::string_view checkpointHeading = "; Checkpoint of the histo
 // Ends a command: nothing was changed, because of the objections in the report.
 struct Refusal {};
 
+// With both values and its code.
+std::string ObjectionText(const Objection& objection);
+
 // Of --despite.
 bool IsLetPass(const CustodyOptions& options, std::string_view code);
 
@@ -48,6 +51,8 @@ std::vector<Objection> Settle(Workplace& work, const std::vector<Objection>& obj
 // ---- What is looked for ----
 
 using Objections = std::vector<Objection>;
+
+void Object(Objections& objections, std::string_view code, std::string expected, std::string actual);
 
 // In the findings of the report.
 void ObjectToFindings(const Workplace& work, Objections& objections);

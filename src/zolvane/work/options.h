@@ -10,7 +10,6 @@
 namespace zolvane {
 
 struct CustodyOptions : SessionOptions {
-  bool HasLink = false;           // an instrument was named; there is none by default
   std::optional<std::string> By;  // who answers for it
   std::string Reason;
   std::vector<std::string> Despite;  // codes of objections and verdicts that are let pass

@@ -1,6 +1,7 @@
 #include "zolvane/work/printing.h"
 
 #include <algorithm>
+#include <set>
 
 #include "text/joined.h"
 #include "text/printable.h"
@@ -47,10 +48,6 @@ std::string ColumnsText(const std::vector<TextRow>& rows, std::size_t indent) {
     text.append(line).append("\n");
   }
   return text;
-}
-
-std::string CountOf(std::size_t number, std::string_view thing) {
-  return Joined(std::to_string(number), " ", thing, number == 1 ? "" : "s");
 }
 
 std::string MeasuredText(const Descriptions& descriptions, std::string_view name,
@@ -102,11 +99,12 @@ std::string CountsText(const std::vector<std::pair<std::string, std::size_t>>& c
 
 std::string FindingsText(const std::vector<Finding>& findings) {
   std::string text;
+  std::set<std::string> advised;
   for (const auto& finding : findings) {
     const auto place = finding.Line == 0 ? std::string{} : Joined(", line ", std::to_string(finding.Line));
     text += Joined(NameOf(finding.Grade), ": ", Printable(finding.File), place, ": ", Printable(finding.Text),
                    " [", finding.Code, "]\n");
-    if (!finding.Advice.empty()) {
+    if (!finding.Advice.empty() && advised.insert(finding.Code).second) {
       text += Joined("  ", Printable(finding.Advice), "\n");
     }
   }

@@ -20,9 +20,6 @@ using TextRow = std::vector<std::string>;
 // In columns, without trailing blanks, each line indented by `indent`.
 std::string ColumnsText(const std::vector<TextRow>& rows, std::size_t indent = 2);
 
-// "3 values", "1 value".
-std::string CountOf(std::size_t number, std::string_view thing);
-
 // "3862 (38.62 mm)"; what is not there is said in brackets.
 std::string MeasuredText(const Descriptions& descriptions, std::string_view name,
                          const std::optional<std::string>& text);
@@ -35,7 +32,7 @@ std::string DifferencesText(const Comparison& comparison, const Descriptions& de
 std::vector<std::pair<std::string, std::size_t>> CountsOf(const Comparison& comparison);
 std::string CountsText(const std::vector<std::pair<std::string, std::size_t>>& counts);
 
-// A line for each finding and one for what to do.
+// A line for each finding, and behind the first of its code one for what to do.
 std::string FindingsText(const std::vector<Finding>& findings);
 
 std::string CheckpointText(const Checkpoint& checkpoint);

@@ -2,21 +2,20 @@
 #pragma once
 
 #include <cstddef>
-#include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <utility>
 #include <vector>
 
 #include "custody/findings/findings.h"
 #include "custody/history/checkpoint.h"
 #include "custody/history/entry.h"
+#include "text/json_members.h"
 #include "text/usage_error.h"
 
 namespace zolvane {
-
-using Json = nlohmann::ordered_json;
 
 namespace exit_status {
 inline constexpr int objection = 3;  // nothing was changed
@@ -31,7 +30,7 @@ inline constexpr std::string_view refused = "refused";      // an objection, or 
 inline constexpr std::string_view cancelled = "cancelled";  // by the answer to a box
 }  // namespace outcome
 
-// A value that an operation moved, or meant to.
+// A value that an operation moved, or meant to, or that was only looked at.
 struct ReportedValue {
   std::string Key;
   std::optional<std::string> Found{};
@@ -39,14 +38,54 @@ struct ReportedValue {
   std::optional<std::string> Left{};
   std::string Verdict{};
   std::string Cause{};
+  std::optional<std::string> Measure{};  // of the text that was found
+
+  bool operator==(const ReportedValue&) const = default;
 };
+
+constexpr auto MembersOf(const ReportedValue*) {
+  return std::tuple{Member{"key", &ReportedValue::Key, Presence::Always},
+                    Member{"found", &ReportedValue::Found},
+                    Member{"sent", &ReportedValue::Sent},
+                    Member{"left", &ReportedValue::Left},
+                    Member{"verdict", &ReportedValue::Verdict},
+                    Member{"cause", &ReportedValue::Cause},
+                    Member{"measure", &ReportedValue::Measure}};
+}
+
+// A box of the add-in, and what it was answered.
+struct ReportedBox {
+  std::string Title;
+  std::string Text;
+  std::string Answer;
+
+  bool operator==(const ReportedBox&) const = default;
+};
+
+constexpr auto MembersOf(const ReportedBox*) {
+  return std::tuple{Member{"title", &ReportedBox::Title, Presence::Always},
+                    Member{"text", &ReportedBox::Text, Presence::Always},
+                    Member{"answer", &ReportedBox::Answer, Presence::Always}};
+}
+
+// What the history keeps of the way an operation went.
+struct OperationDetails {
+  std::vector<ReportedBox> Boxes;
+  std::vector<ReportedValue> Values;
+};
+
+constexpr auto MembersOf(const OperationDetails*) {
+  return std::tuple{Member{"boxes", &OperationDetails::Boxes}, Member{"values", &OperationDetails::Values}};
+}
 
 struct Report {
   std::string Command;
   int ExitStatus = exit_status::done;
   std::string Outcome{};  // empty: the command only looks
+  std::string Problem{};  // what it could not use
   std::vector<std::pair<std::string, std::size_t>> Counts{};
   std::vector<ReportedValue> Values{};
+  std::vector<ReportedBox> Boxes{};
   std::vector<Objection> Objections{};
   std::vector<Finding> Findings{};
   std::optional<zolvane::Checkpoint> Checkpoint{};
@@ -58,7 +97,5 @@ struct Report {
 
 // Members without anything to say are left out.
 Json ReportJson(const Report& report);
-
-Json ValueJson(const ReportedValue& value);
 
 }  // namespace zolvane

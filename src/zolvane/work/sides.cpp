@@ -5,7 +5,6 @@
 #include <string_view>
 #include <utility>
 
-#include "custody/record/record.h"
 #include "custody/values/values_json.h"
 #include "files/sectioned_text.h"
 #include "text/joined.h"
@@ -34,6 +33,7 @@ Side SideOfOperation(Workplace& work, const std::string& name) {
   const auto& entry = isFound ? *operation.Begun : *operation.Ended;
   return {.Name = name,
           .Configuration = KeptObject(history, isFound ? entry.FileBefore : entry.FileAfter),
+          .IsKept = true,
           .Answers = KeptValues(history, isFound ? entry.Found : entry.Left)};
 }
 
@@ -43,13 +43,11 @@ Side SideOfFile(Workplace& work, const std::string& name) {
     const bool isBackup = IsBackup(bytes);
     return {.Name = name, .Configuration = std::move(bytes), .IsBackup = isBackup};
   }
-  auto record = ReadRecord(bytes);
-  if (!record.Content) {
-    RefuseSide(name, record.Refusal);
-  }
+  auto left = RecordIn(bytes, name).Left;
   return {.Name = name,
-          .Configuration = std::move(record.Content->Left.Configuration),
-          .Answers = std::move(record.Content->Left.Instrument)};
+          .Configuration = std::move(left.Configuration),
+          .IsKept = true,
+          .Answers = std::move(left.Instrument)};
 }
 
 }  // namespace
@@ -120,6 +118,14 @@ std::optional<std::string> KeptObject(History& history, const std::string& name)
 std::optional<Values> KeptValues(History& history, const std::string& name) {
   const auto text = KeptObject(history, name);
   return text ? ValuesIn(*text) : std::nullopt;
+}
+
+RecordContent RecordIn(const std::string& bytes, const std::string& name) {
+  auto record = ReadRecord(bytes);
+  if (!record.Content) {
+    RefuseSide(name, record.Refusal);
+  }
+  return *std::move(record.Content);
 }
 
 History ReadHistory(Workplace& work) {

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "custody/history/history.h"
+#include "custody/record/record.h"
 #include "custody/values/sides.h"
 #include "zolvane/work/workplace.h"
 
@@ -16,6 +17,7 @@ struct Side {
   bool IsInstrument = false;                   // the one behind the link
   std::optional<std::string> Configuration{};  // the bytes of its file's part
   bool IsBackup = false;                       // these bytes are a backup's
+  bool IsKept = false;                         // in a record or by the history
   std::optional<Values> Answers{};             // what the instrument answered, where that was kept
 };
 
@@ -32,6 +34,9 @@ Operation OperationNamed(const History& history, const std::string& number);
 // What the history kept under that name; nothing if there was nothing to keep. Throw UsageError if it is lost.
 std::optional<std::string> KeptObject(History& history, const std::string& name);
 std::optional<Values> KeptValues(History& history, const std::string& name);
+
+// What the record of that name holds. Throws UsageError if it is damaged.
+RecordContent RecordIn(const std::string& bytes, const std::string& name);
 
 // Reads the history, for a command that writes nothing. Throws UsageError if it cannot be read.
 History ReadHistory(Workplace& work);

@@ -24,12 +24,6 @@ std::string FolderHolding(const std::string& path) {
   return TextOf(PathOf(path).parent_path());
 }
 
-void DemandFolder(Disk& files, const std::string& path) {
-  if (!files.SyncFolder(FolderHolding(path)).Ok()) {
-    throw UsageError{Joined(Quoted(path), " cannot be made: ", files.FailureReason())};
-  }
-}
-
 BenchLink& DemandLink(Workplace& work) {
   if (work.Link == nullptr) {
     throw UsageError{Joined(work.Result.Command,

@@ -43,9 +43,6 @@ std::string ReadConfiguration(Workplace& work);
 
 std::string FolderHolding(const std::string& path);
 
-// For a file that is to be made. Throws UsageError if its folder is not there.
-void DemandFolder(Disk& files, const std::string& path);
-
 // The instrument, for a command that cannot do without. Throws UsageError.
 BenchLink& DemandLink(Workplace& work);
 

@@ -2,14 +2,13 @@
 
 #include <gtest/gtest.h>
 
-#include <nlohmann/json.hpp>
 #include <string>
 
 namespace zolvane {
 namespace {
 
 std::string Canonical(const std::string& text) {
-  return CanonicalJson(nlohmann::json::parse(text));
+  return CanonicalJson(Json::parse(text));
 }
 
 TEST(CanonicalJson, HasNoBlanksAndSortsMembers) {
@@ -39,7 +38,7 @@ TEST(CanonicalJson, ReplacesBytesThatAreNotUtf8) {
 
 TEST(CanonicalJson, EndsWhereNestingIsNobodys) {
   const std::size_t depth = 200'000;
-  const auto nested = nlohmann::json::parse(std::string(depth, '[') + std::string(depth, ']'));
+  const auto nested = Json::parse(std::string(depth, '[') + std::string(depth, ']'));
   EXPECT_LT(CanonicalJson(nested).size(), 300U);
 }
 

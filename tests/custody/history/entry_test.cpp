@@ -51,7 +51,7 @@ const std::string fullLine =
     R"(","file":"Zolvane.ini",)" + R"("file_after":")" + hashB + R"(","file_before":")" + hashA +
     R"(","found":")" + hashA + R"(","instrument":"MINI","intended":")" + hashB + R"(","left":")" + hashB +
     R"(","link":"tcp:lab:4711","machine":"bench-7","objections":[{"actual":"MAXI","code":"other-instrument",)" +
-    R"("expected":"MINI"},{"actual":"2","code":"findings"}],"of":2,"offset":-330,"other_files":[{"after":")" +
+    R"("expected":"MINI"},{"actual":"2","code":"findings","expected":""}],"of":2,"offset":-330,"other_files":[{"after":")" +
     hashB + R"(","path":"/backup.ini"}],"outcome":"done","person":"Ada \"L\"","previous":")" + hashA +
     R"(","program":"zolvane","reason":"new head","seq":3,"state":"ended","time":"2026-03-14T09:26:53.589Z",)" +
     R"("version":"1.0"})";
@@ -70,6 +70,14 @@ TEST(Entry, WithNothingHasWhatEveryEntryHas) {
 TEST(Entry, IsReadBackFromItsLine) {
   EXPECT_EQ(EntryIn(fullLine), FullEntry());
   EXPECT_EQ(EntryIn(shortLine), ShortEntry());
+}
+
+TEST(Entry, KeepsEveryByteOfEveryText) {
+  auto entry = ShortEntry();
+  entry.Person = "caf\xe9 \\x9b";
+  entry.Reason = std::string{"\0\x1b\x80\xff", 4};
+  EXPECT_EQ(EntryIn(LineOf(entry)), entry);
+  EXPECT_NE(LineOf(entry).find(R"("person":"caf\\xe9 \\x5cx9b")"), std::string::npos) << LineOf(entry);
 }
 
 TEST(Entry, PassesOverMembersThatItDoesNotKnow) {
@@ -107,6 +115,7 @@ TEST(Entry, IsRefusedWithAMemberOfAnotherKind) {
   refused("\"lost\":-1", "\"lost\":\"-1\"");
   refused("\"code\":\"findings\"", "\"code\":7");
   refused("\"code\":\"findings\"", "\"cade\":\"findings\"");
+  refused("\"expected\":\"\"", "\"awaited\":\"\"");
   refused("\"objections\":[", "\"objections\":[null,");
   refused("\"state\":\"ended\"", "\"state\":\"begun\"");
   refused("\"of\":2", "\"of\":0");

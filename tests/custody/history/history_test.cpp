@@ -230,13 +230,13 @@ TEST_F(HistoryOnDisk, AFileInThePlaceOfItsFolderIsInTheWayAndStays) {
   EXPECT_EQ(Disk.Read("/lab/Zolvane.history").Bytes, "theirs");
 }
 
-TEST_F(HistoryOnDisk, TextsThatAreNotUtf8DoNotStopIt) {
+TEST_F(HistoryOnDisk, TextsThatAreNotUtf8AreKeptByteForByte) {
   Witness.Account = "A\xfdu";
   Make(1);
   History history{Disk, Witness, folder};
   ASSERT_TRUE(history.Open().Ok());
   EXPECT_EQ(history.Damage(), "");
-  EXPECT_EQ(history.Entries().at(0).Person, "A\xef\xbf\xbdu");
+  EXPECT_EQ(history.Entries().at(0).Person, "A\xfdu");
 }
 
 TEST_F(HistoryOnDisk, AClockThatStepsRaisesNoAlarm) {

@@ -12,10 +12,12 @@
 
 #include "bench/process_support.h"
 #include "config/text.h"
+#include "custody/disk/sha256.h"
 #include "custody/history/audit.h"
 #include "custody/history/history.h"
 #include "custody/support/fake_witness.h"
 #include "custody/support/history_fixture.h"
+#include "custody/values/values_json.h"
 #include "support/file_bytes.h"
 #include "support/temporary_folder.h"
 
@@ -49,19 +51,38 @@ std::vector<json> SecondReaderOn(const std::vector<std::string>& folders, const 
   return answers;
 }
 
+// Each with its name, its text and whether it was answered.
+json HexOfAll(const Values& values) {
+  auto list = json::array();
+  for (const auto& value : values.InOrder()) {
+    list.push_back({HexOf(value.Name), value.Text ? json(HexOf(*value.Text)) : json(), value.WasAnswered});
+  }
+  return list;
+}
+
 json OursOn(const std::string& folder, const std::vector<Checkpoint>& checkpoints) {
   SystemDisk disk;
   const auto journal = ReadJournal(BytesOf(folder + "/Zolvane.history/journal.jsonl"));
   const auto audit = Audit(disk, folder, checkpoints);
-  json ours{{"identity", journal.Identity}, {"torn", journal.Torn.size()},
-            {"intact", audit.IsIntact},     {"complete", audit.IsComplete},
-            {"anchored", audit.IsAnchored}, {"anchored_up_to", audit.AnchoredUpTo},
-            {"sequences", json::array()},   {"actions", json::array()},
-            {"people", json::array()},      {"damage", 0}};
+  json ours{{"identity", journal.Identity},
+            {"torn", journal.Torn.size()},
+            {"intact", audit.IsIntact},
+            {"complete", audit.IsComplete},
+            {"anchored", audit.IsAnchored},
+            {"anchored_up_to", audit.AnchoredUpTo},
+            {"sequences", json::array()},
+            {"actions", json::array()},
+            {"people", json::array()},
+            {"found", json::array()},
+            {"damage", 0}};
   for (const auto& entry : journal.Entries) {
     ours["sequences"].push_back(entry.Sequence);
     ours["actions"].push_back(entry.Action);
-    ours["people"].push_back(entry.Person);
+    ours["people"].push_back(HexOf(entry.Person));
+    const auto kept = ReadObject(disk, PlaceOfHistory(folder), entry.Found);
+    if (const auto values = kept ? ValuesIn(*kept) : std::nullopt) {
+      ours["found"].push_back(HexOfAll(*values));
+    }
   }
   if (!journal.Defects.empty()) {
     ours["damage"] = journal.Defects.front().Line;
@@ -79,7 +100,7 @@ class SecondReader : public testing::Test {
         "da \"\\\x01\t \xf0\x9f\x98\x80\xff";
     for (const auto* action : {"upload", "undo", "import"}) {
       auto begun = EntryOf(action);
-      begun.Found = *history.PutObject(std::string{"found "} + action);
+      begun.Found = *history.PutObject(ValuesText(FoundBy(action)));
       begun.Intended = *history.PutObject("intended");
       begun.FileBefore = *history.PutObject("[Arm]\r\n");
       begun.OtherFiles = {{"backup.ini", "", begun.FileBefore}};
@@ -96,6 +117,14 @@ class SecondReader : public testing::Test {
     const auto lines = LinesOf(Checkpoints[0]);
     CheckpointFile = Folder.Put("checkpoint.txt", lines[0] + "\n" + lines[1] + "\n" + lines[2] + "\n");
     Journal = Folder.Read("Zolvane.history/journal.jsonl");
+  }
+
+  static Values FoundBy(const std::string& action) {
+    Values values;
+    values.Add({.Name = action, .Text = "\xc3\x84 caf\xe9 \\x9b"});
+    values.Add({.Name = "unknown\xff", .Text = std::nullopt});
+    values.Add({.Name = "silent", .Text = std::nullopt, .WasAnswered = false});
+    return values;
   }
 
   void ExpectAgreement(const std::vector<std::string>& folders) {
@@ -119,6 +148,7 @@ TEST_F(SecondReader, FindsTheWholeHistory) {
   const auto theirs = SecondReaderOn({Folder.Path()}, CheckpointFile);
   ASSERT_EQ(theirs.size(), 1U);
   EXPECT_EQ(theirs[0]["sequences"], (json{2, 3, 4, 5, 6, 7, 8}));
+  EXPECT_EQ(theirs[0]["found"].size(), 3U);
   EXPECT_EQ(theirs[0]["intact"], true);
   EXPECT_EQ(theirs[0]["anchored_up_to"], 7);
   EXPECT_EQ(theirs[0], OursOn(Folder.Path(), Checkpoints));
@@ -178,6 +208,11 @@ TEST_F(SecondReader, TheSchemaDescribesEveryLine) {
   const Arguments files{ZOLVANE_SOURCE_PATH "/docs/schema/history.json",
                         Folder.Path("Zolvane.history/journal.jsonl")};
   EXPECT_EQ(RunPython(validation, files), "0\n0\n0\n0\n0\n0\n0\n0\n");
+}
+
+TEST_F(SecondReader, TheSchemaDescribesValues) {
+  const auto path = Folder.Put("values", ValuesText(FoundBy("upload")) + "\n[{\"text\":\"1\"}]\n");
+  EXPECT_EQ(RunPython(validation, {ZOLVANE_SOURCE_PATH "/docs/schema/values.json", path}), "0\n1\n");
 }
 
 TEST_F(SecondReader, TheSchemaRefusesOtherLines) {

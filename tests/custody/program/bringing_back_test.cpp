@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "custody/program/zolvane_fixture.h"
 
 namespace zolvane {
@@ -63,6 +65,47 @@ TEST_F(BringingBackTest, UndoOfACutUploadLeavesTheMemoryAsItWas) {
   const auto run = Run({"undo"});
   EXPECT_EQ(run.Status, 0) << run.All();
   EXPECT_EQ(Memory(), memory);
+}
+
+// Whatever an instrument answers goes back to it.
+TEST_F(BringingBackTest, UndoPutsBackValuesThatAreNoUtf8) {
+  auto memory = Json::parse(Memory());
+  memory["STAGE1_X"] = "caf\\xe9";
+  Folder.Put("memory.json", memory.dump());
+  ASSERT_EQ(Run({"show", "instrument", "STAGE1_X"}).Status, 0);
+  const auto upload = Run({"--yes", "upload"});
+  ASSERT_EQ(upload.Status, 0) << upload.All();
+  EXPECT_EQ(Kept("STAGE1_X"), "11612");
+  const auto undo = Run({"undo"});
+  EXPECT_EQ(undo.Status, 0) << undo.All();
+  EXPECT_EQ(Kept("STAGE1_X"), "caf\\xe9");
+}
+
+TEST_F(BringingBackTest, OnlyRecordsAndOperationsAreRestored) {
+  const auto copy = Folder.Put("copy.ini", Sample());
+  for (const auto& side : {copy, std::string{ZOLVANE_SAMPLES_PATH} + "/Zolvane.bak", std::string{"file"},
+                           std::string{"instrument"}}) {
+    const auto run = Run({"restore", side});
+    EXPECT_EQ(run.Status, 2) << side;
+    EXPECT_NE(run.Errors.find("only these can be restored"), std::string::npos) << run.Errors;
+  }
+}
+
+TEST_F(BringingBackTest, ARestoreOfEverythingPrintsCountsAlone) {
+  std::filesystem::remove(Folder.Path("Zolvane.ini"));
+  const auto run = RunAlone({"restore", "@last"});
+  EXPECT_EQ(run.Status, 0) << run.All();
+  EXPECT_LT(std::ranges::count(run.Output, '\n'), 10) << run.Output;
+  EXPECT_NE(run.Output.find("\"show\" prints the values"), std::string::npos) << run.Output;
+}
+
+TEST_F(BringingBackTest, UnknownSinceCountsTheLinesThatWereSent) {
+  ASSERT_EQ(Run({"backup", Folder.Path("record.html")}).Status, 0);
+  ASSERT_EQ(Run({"--yes", "upload"}).Status, 0);
+  const auto run = Run({"--fault", "silent@179", "--instrument", "restore", Folder.Path("record.html")});
+  EXPECT_EQ(run.Status, 1) << run.All();
+  EXPECT_NE(run.Errors.find("1 line sent, 0 answered"), std::string::npos) << run.Errors;
+  EXPECT_NE(run.Errors.find("unknown since line 1;"), std::string::npos) << run.Errors;
 }
 
 TEST_F(BringingBackTest, WhatSomebodyElseChangedStaysAndIsNamed) {

@@ -41,6 +41,10 @@ TEST_F(CommandLineOfZolvane, ThereIsNoDefaultInstrument) {
   EXPECT_EQ(Configuration(), Sample());
 }
 
+TEST_F(CommandLineOfZolvane, HelpNamesNoInstrumentAsTheDefault) {
+  EXPECT_EQ(RunAlone({"--help"}).Output.find("the default\n"), std::string::npos);
+}
+
 TEST_F(CommandLineOfZolvane, AnOptionOfAnotherCommandIsRefused) {
   EXPECT_EQ(RunAlone({"--wire", "upload"}).Errors,
             "zolvane: --wire goes with show, diff and no other command\n");

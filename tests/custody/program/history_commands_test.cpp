@@ -36,6 +36,29 @@ TEST_F(HistoryCommands, OneOperationShowsItsVerdicts) {
   EXPECT_EQ(RunAlone({"history", "show", "3"}).Status, 2);
 }
 
+TEST_F(HistoryCommands, OneOperationShowsItsCausesCountsAndBoxes) {
+  ASSERT_EQ(Run({"--yes", "upload"}).Status, 0);
+  Replace("STAGE,1612,", "STAGE,11612,");
+  ASSERT_EQ(Run({"--yes", "--fault", "limit@STAGE1_X", "upload"}).Status, 1);
+  const auto document = RunJson({"history", "show", "@last"});
+  EXPECT_EQ(document.at("boxes").at(0).at("answer"), "OK") << document.at("boxes");
+  std::string cause;
+  for (const auto& value : document.at("values")) {
+    cause += value.value("cause", "");
+  }
+  EXPECT_EQ(cause, "limited");
+  const auto shown = RunAlone({"history", "show", "@last"}).Output;
+  EXPECT_NE(shown.find("differs   limited\n"), std::string::npos) << shown;
+  EXPECT_NE(shown.find("1 differs, "), std::string::npos) << shown;
+  EXPECT_NE(shown.find("box: "), std::string::npos) << shown;
+}
+
+TEST_F(HistoryCommands, AnAuditNeedsAHistory) {
+  const auto run = RunAlone({"history", "audit"});
+  EXPECT_EQ(run.Status, 2);
+  EXPECT_NE(run.Errors.find("there is no history yet"), std::string::npos) << run.Errors;
+}
+
 TEST_F(HistoryCommands, AWholeHistoryPassesTheAudit) {
   ASSERT_EQ(Run({"--yes", "upload"}).Status, 0);
   ASSERT_EQ(RunAlone({"export", Folder.Path("a.bak")}).Status, 0);

@@ -72,6 +72,25 @@ TEST_F(Looking, AnInstrumentThatDoesNotAnswerIsUnusable) {
   EXPECT_EQ(run.Status, 2);
 }
 
+TEST_F(Looking, OfARecordSaysWhichOfItsFacesIsMeant) {
+  const auto record = Folder.Path("record.html");
+  ASSERT_EQ(Run({"--yes", "upload"}).Status, 0);
+  ASSERT_EQ(Run({"backup", record}).Status, 0);
+  constexpr auto told = "this is the file's part";
+  EXPECT_NE(RunAlone({"diff", record, record}).Errors.find(told), std::string::npos);
+  EXPECT_NE(RunAlone({"show", record, "[Z_Calibration] MountHeight"}).Errors.find(told), std::string::npos);
+  EXPECT_EQ(RunAlone({"--wire", "diff", record, record}).Errors.find(told), std::string::npos);
+  EXPECT_EQ(RunAlone({"diff", "file", "file"}).Errors.find(told), std::string::npos);
+}
+
+TEST_F(Looking, CheckGivesAnAdviceOnce) {
+  const auto output = RunAlone({"check"}).Output;
+  const std::string_view advice = "  Enter the value as it would become, if that is right.\n";
+  const auto first = output.find(advice);
+  ASSERT_NE(first, std::string::npos) << output;
+  EXPECT_EQ(output.find(advice, first + 1), std::string::npos) << output;
+}
+
 TEST_F(Looking, WritesNothingAnywhere) {
   RunAlone({"check"});
   RunAlone({"show", "file"});

@@ -87,7 +87,8 @@ def check(path, configuration):
     for error in jsonschema.Draft202012Validator(schema).iter_errors(data):
         expect(False, f"the data do not fit the schema: {error.message[:200]}")
     if configuration:
-        kept = data["left"]["configuration"].encode("latin-1")
+        text = data["left"]["configuration"].encode("utf-8")
+        kept = re.sub(rb"\\x([0-9a-f]{2})", lambda number: bytes([int(number[1], 16)]), text)
         expect(kept == open(configuration, "rb").read(), "the configuration is another one")
 
 

@@ -48,7 +48,7 @@ TEST(ProvingLink, AValueThatDidNotArriveHoldsSaveBack) {
   EXPECT_FALSE(room.Link.Tally().SaveWasSent);
   EXPECT_FALSE(room.Link.LastDelivery().HasLeft);
   EXPECT_EQ(
-      room.Link.LastDelivery().Problem,
+      room.Link.Problem(),
       "SAVE was not sent, as 1 of 3 values did not arrive; the first: B holds \"2\" and not \"20\" (kept)");
 }
 
@@ -94,6 +94,17 @@ TEST(ProvingLink, AQuestionWithoutAnswerEndsTheProof) {
   EXPECT_EQ(room.Verdicts(), "A verified, B unknown, C unknown");
   EXPECT_EQ(room.Link.Tally().UnknownSince, 2U);
   EXPECT_EQ(room.Link.Problem(), "the instrument did not say what it holds of B, so SAVE was not sent");
+}
+
+TEST(ProvingLink, WhatIsUnknownIsCountedFromTheFirstLineSent) {
+  const ProvingLink::Setup setup{.Found = ValuesOf(heldAtFirst), .Arrived = {{"A", "1", {}}}};
+  Room cut{{"silent@2"}, setup};
+  EXPECT_FALSE(Upload(cut.Link, {{"B", "20"}, {"C", "3.75"}}));
+  EXPECT_EQ(cut.Link.Tally().UnknownSince, 2U);
+  Room asked{{"silent@5"}, setup};
+  EXPECT_FALSE(Upload(asked.Link, {{"B", "20"}, {"C", "3.75"}}));
+  EXPECT_EQ(asked.Verdicts(), "A verified, B verified, C unknown");
+  EXPECT_EQ(asked.Link.Tally().UnknownSince, 2U);
 }
 
 TEST(ProvingLink, AnInterruptEndsTheProof) {
