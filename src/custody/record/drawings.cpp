@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <optional>
 #include <set>
+#include <span>
 
 #include "config/conversions.h"
 #include "config/tables/tips.h"
@@ -18,74 +19,58 @@ namespace {
 
 // ---- Heights ----
 
-struct Height {
-  std::string Name;
-  double Number = 0.0;
-  std::optional<double> Before;
-};
+using Heights = std::vector<const ValueRow*>;
 
-struct Heights {
-  std::vector<Height> All;
-  std::string Unit;  // of all of them
-};
-
-Heights HeightsOf(const std::vector<ValueRow>& rows, const Faces& faces) {
+Heights HeightsOf(const std::vector<ValueRow>& rows) {
   Heights heights;
   for (const auto& row : rows) {
-    const auto text = row.Now();
-    const auto now = text ? QuantityOf(faces, row.Name, *text) : std::nullopt;
-    if (row.Meaning.Of != Unit::StepsZ || !now) {
-      continue;
+    if (row.Meaning.Of == Unit::StepsZ && row.At) {
+      heights.push_back(&row);
     }
-    const auto before = row.Before();
-    const auto then = before ? QuantityOf(faces, row.Name, *before) : std::nullopt;
-    heights.All.push_back({.Name = row.Name,
-                           .Number = now->Number,
-                           .Before = then ? std::optional{then->Number} : std::nullopt});
-    heights.Unit = now->Unit;
   }
   return heights;
 }
 
-Axis HeightAxis(const std::vector<Height>& heights) {
+Axis HeightAxis(const Heights& heights) {
   double first = 0.0;
   double last = 0.0;
-  for (const auto& height : heights) {
-    first = std::min({first, height.Number, height.Before.value_or(0.0)});
-    last = std::max({last, height.Number, height.Before.value_or(0.0)});
+  for (const auto* height : heights) {
+    first = std::min({first, height->At->Number, height->WasAt.value_or(0.0)});
+    last = std::max({last, height->At->Number, height->WasAt.value_or(0.0)});
   }
   return {.First = first, .Last = first == last ? first + 1 : last, .FirstPixel = 34, .LastPixel = 218};
 }
 
-std::string DrawnHeight(const Height& height, const Axis& axis, double middle) {
+std::string DrawnHeight(const ValueRow& height, const Axis& axis, double middle) {
   constexpr double halfWidth = 7;
   constexpr std::size_t longestName = 27;
   const double zero = axis.At(0);
-  const double end = axis.At(height.Number);
-  const bool hangs = height.Number >= 0;
-  auto markup =
-      DrawnBox(height.Before ? "bar moved" : "bar", {.Left = middle - halfWidth,
-                                                     .Top = std::min(zero, end),
-                                                     .Width = 2 * halfWidth,
-                                                     .Height = std::max(0.5, std::abs(end - zero))});
-  markup += DrawnText("value middle", {middle, hangs ? end + 9 : end - 3}, NumberText(height.Number));
-  if (height.Before) {
-    const double before = axis.At(*height.Before);
+  const double end = axis.At(height.At->Number);
+  const bool hangs = height.At->Number >= 0;
+  const std::string_view moved = height.WasAt ? " moved" : "";
+  auto markup = DrawnBox(Joined("bar", moved), {.Left = middle - halfWidth,
+                                                .Top = std::min(zero, end),
+                                                .Width = 2 * halfWidth,
+                                                .Height = std::max(0.5, std::abs(end - zero))});
+  markup += DrawnText("value middle", {middle, hangs ? end + 9 : end - 3}, NumberText(height.At->Number));
+  if (height.WasAt) {
+    const double before = axis.At(*height.WasAt);
     markup += DrawnLine("before", {middle - halfWidth - 4, before}, {middle + halfWidth + 4, before});
-    markup += DrawnText("value moved middle", {middle, hangs ? end + 18 : end - 12},
-                        SignedText(height.Number - *height.Before));
+    markup +=
+        DrawnText("value moved middle", {middle, hangs ? end + 18 : end - 12}, SignedText(height.Moved()));
   }
-  const auto name = Shortened(height.Name, longestName);
-  return markup + DrawnText(height.Before ? "name moved end up" : "name end up",
-                            {middle + 3, axis.LastPixel + 30}, name);
+  return markup + DrawnText(Joined("name", moved, " end up"), {middle + 3, axis.LastPixel + 30},
+                            Shortened(height.Name, longestName));
 }
 
+constexpr std::size_t barsInARow = 20;
+
 // A row of bars under a scale of its own.
-std::string HeightPanel(const std::vector<Height>& heights, const Axis& axis, const std::string& unit) {
+std::string HeightPanel(const Heights& heights, const Axis& axis) {
   constexpr double width = 680;
   constexpr double left = 44;
-  constexpr double barsInARow = 20;
   constexpr double column = (width - left) / barsInARow;
+  const auto& unit = heights.front()->At->Unit;
   std::string markup;
   for (const double tick : Ticks(axis, RoundStep(axis.Last - axis.First, 6))) {
     markup += DrawnLine(tick == 0 ? "frame" : "grid", {left, axis.At(tick)}, {width, axis.At(tick)});
@@ -94,8 +79,8 @@ std::string HeightPanel(const std::vector<Height>& heights, const Axis& axis, co
   markup += DrawnText("axis middle up", {11, (axis.FirstPixel + axis.LastPixel) / 2},
                       Joined("Z", unit.empty() ? "" : ", ", unit));
   double middle = left + column / 2;
-  for (const auto& height : heights) {
-    markup += DrawnHeight(height, axis, middle);
+  for (const auto* height : heights) {
+    markup += DrawnHeight(*height, axis, middle);
     middle += column;
   }
   return Element("figure", Drawing("Heights", width, axis.LastPixel + 170, markup));
@@ -216,16 +201,13 @@ std::string DrawnPlot(const Plot& plot, const Axis& factors) {
 
 }  // namespace
 
-std::string HeightDrawing(const std::vector<ValueRow>& rows, const Faces& faces) {
-  constexpr std::size_t barsInARow = 20;
-  const auto heights = HeightsOf(rows, faces);
-  const auto axis = HeightAxis(heights.All);
+std::string HeightDrawing(const std::vector<ValueRow>& rows) {
+  const auto heights = HeightsOf(rows);
+  const auto axis = HeightAxis(heights);
   std::string panels;
-  for (std::size_t begin = 0; begin < heights.All.size(); begin += barsInARow) {
-    const auto end = std::min(begin + barsInARow, heights.All.size());
-    panels += HeightPanel({heights.All.begin() + static_cast<std::ptrdiff_t>(begin),
-                           heights.All.begin() + static_cast<std::ptrdiff_t>(end)},
-                          axis, heights.Unit);
+  for (std::size_t begin = 0; begin < heights.size(); begin += barsInARow) {
+    const auto panel = std::span{heights}.subspan(begin, std::min(barsInARow, heights.size() - begin));
+    panels += HeightPanel({panel.begin(), panel.end()}, axis);
   }
   return panels;
 }

@@ -10,7 +10,7 @@
 namespace zolvane {
 
 // The values of the Z axis as bars that hang from zero.
-std::string HeightDrawing(const std::vector<ValueRow>& rows, const Faces& faces);
+std::string HeightDrawing(const std::vector<ValueRow>& rows);
 
 // A curve for each volume-correction section, as left, and as found where it was another.
 std::string VolumeCurves(const RecordContent& content);

@@ -69,6 +69,24 @@ std::string Element(std::string_view tag, std::string_view content) {
   return Joined("<", tag, ">", content, "</", name, ">\n");
 }
 
+std::string Table(std::string_view style, std::initializer_list<std::string_view> titles,
+                  std::string_view rows) {
+  std::string heads;
+  for (const auto title : titles) {
+    heads += Element("th", Escaped(title));
+  }
+  return Element(Joined("table class=\"", style, "\""),
+                 Element("thead", Element("tr", heads)) + Element("tbody", rows));
+}
+
+std::string TableRow(std::initializer_list<std::string_view> cells, bool isMarked) {
+  std::string markup;
+  for (const auto cell : cells) {
+    markup += Element("td", cell);
+  }
+  return Element(isMarked ? "tr class=\"moved\"" : "tr", markup);
+}
+
 std::string Tenths(double number) {
   const auto text = FixedText(number, 1);
   return text.ends_with(".0") ? text.substr(0, text.size() - 2) : text;

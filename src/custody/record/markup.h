@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <initializer_list>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -18,6 +19,13 @@ std::string Shortened(std::string_view name, std::size_t characters);
 
 // `tag` is the name of the element, its attributes behind a blank; `content` is markup.
 std::string Element(std::string_view tag, std::string_view content);
+
+// A table with a heading; `style` is a class of the page's style sheet, `rows` are markup.
+std::string Table(std::string_view style, std::initializer_list<std::string_view> titles,
+                  std::string_view rows);
+
+// Cells are markup.
+std::string TableRow(std::initializer_list<std::string_view> cells, bool isMarked = false);
 
 // ---- Drawings: in pixels, y downwards; `style` is a class of the page's style sheet ----
 

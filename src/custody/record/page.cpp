@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <chrono>
 #include <cstddef>
-#include <initializer_list>
-#include <map>
 #include <optional>
 #include <utility>
 
@@ -18,22 +16,6 @@
 
 namespace zolvane {
 namespace {
-
-std::string CountText(std::size_t count) {
-  return std::to_string(count);
-}
-
-std::string TextCell(std::string_view text) {
-  return Element("td", Escaped(text));
-}
-
-std::string HeadRow(std::initializer_list<std::string_view> titles) {
-  std::string cells;
-  for (const auto title : titles) {
-    cells += Element("th", Escaped(title));
-  }
-  return Element("thead", Element("tr", cells));
-}
 
 // ---- Who, when, why, what ----
 
@@ -108,13 +90,12 @@ std::string FindingList(const std::vector<Finding>& findings) {
   }
   std::string rows;
   for (const auto& finding : findings) {
-    const auto place = finding.Line == 0 ? "" : CountText(finding.Line);
-    rows += Element("tr", Joined(TextCell(NameOf(finding.Grade)), TextCell(finding.Code), TextCell(place),
-                                 Element("td", Joined(Escaped(finding.Text), "<br>",
-                                                      Element("small", Escaped(finding.Advice))))));
+    const auto place = finding.Line == 0 ? "" : std::to_string(finding.Line);
+    const auto advice = Element("small", Escaped(finding.Advice));
+    rows += TableRow(
+        {NameOf(finding.Grade), Escaped(finding.Code), place, Joined(Escaped(finding.Text), "<br>", advice)});
   }
-  return Element("table class=\"findings\"",
-                 HeadRow({"Grade", "Code", "Line", "Finding"}) + Element("tbody", rows));
+  return Table("findings", {"Grade", "Code", "Line", "Finding"}, rows);
 }
 
 // ---- Differences ----
@@ -130,46 +111,37 @@ std::string WithMeasure(const Faces& faces, std::string_view name, const std::op
 }
 
 std::string DifferenceRow(const Difference& difference, const Faces& faces) {
-  const auto title = faces.Meanings.Of(difference.Name).Title;
+  const auto textOf = [&](const std::optional<std::string>& text) {
+    return WithMeasure(faces, difference.Name, text);
+  };
   const bool isKnown = difference.Kind != DifferenceKind::NotAnswered;
-  return Element("tr", Joined(TextCell(difference.Name),
-                              Element("td", WithMeasure(faces, difference.Name, difference.A)),
-                              Element("td", isKnown ? WithMeasure(faces, difference.Name, difference.B)
-                                                    : Element("i", "not answered"))));
+  return TableRow({Escaped(difference.Name), textOf(difference.A),
+                   isKnown ? textOf(difference.B) : Element("i", "not answered")});
 }
 
-// The differences under the names of their groups.
+// The heading of a group, where another one begins.
+std::string GroupRow(std::string& group, const std::string& next, std::string_view columns) {
+  return std::exchange(group, next) == next
+             ? std::string{}
+             : Element("tr", Element(Joined("th colspan=\"", columns, "\" class=\"group\""), Escaped(next)));
+}
+
 std::string DifferenceTable(const Comparison& comparison, const Faces& faces, std::string_view a,
                             std::string_view b) {
-  std::string bodies;
-  std::string group;
   std::string rows;
-  const auto close = [&] {
-    if (!rows.empty()) {
-      bodies +=
-          Element("tbody", Element("tr", Element("th colspan=\"3\" class=\"group\"", Escaped(group))) + rows);
-    }
-    rows.clear();
-  };
+  std::string group;
   for (const auto& difference : comparison.Differences) {
-    const auto next = faces.Meanings.Of(difference.Name).Group;
-    if (next != group) {
-      close();
-      group = next;
-    }
-    rows += DifferenceRow(difference, faces);
+    rows += GroupRow(group, faces.Meanings.Of(difference.Name).Group, "3") + DifferenceRow(difference, faces);
   }
-  close();
-  return bodies.empty() ? std::string{}
-                        : Element("table class=\"numbers\"", HeadRow({"Value", a, b}) + bodies);
+  return rows.empty() ? rows : Table("numbers", {"Value", a, b}, rows);
 }
 
 std::string CountsText(const Comparison& comparison) {
   const auto total = comparison.Same + comparison.Differences.size();
-  return Joined(CountText(total), " values: ", CountText(comparison.Same), " the same, ",
-                CountText(comparison.Different), " different, ",
-                CountText(comparison.OnlyInA + comparison.OnlyInB), " on one side only, ",
-                CountText(comparison.NotAnswered), " not answered.");
+  return Joined(std::to_string(total), " values: ", std::to_string(comparison.Same), " the same, ",
+                std::to_string(comparison.Different), " different, ",
+                std::to_string(comparison.OnlyInA + comparison.OnlyInB), " on one side only, ",
+                std::to_string(comparison.NotAnswered), " not answered.");
 }
 
 std::string ComparisonPart(std::string_view title, const Comparison& comparison, const Faces& faces,
@@ -217,21 +189,13 @@ std::string AllValues(const std::vector<ValueRow>& rows, const Faces& faces) {
   std::string markup;
   std::string group;
   for (const auto& row : rows) {
-    if (row.Meaning.Group != group) {
-      group = row.Meaning.Group;
-      markup += Element("tr", Element("th colspan=\"5\" class=\"group\"", Escaped(group)));
-    }
-    const auto now = row.Now();
-    const auto measure = now ? faces.Meanings.Measure(row.Name, *now) : std::nullopt;
-    const auto before = row.Before();
-    markup += Element(
-        before ? "tr class=\"moved\"" : "tr",
-        Joined(TextCell(row.Name), TextCell(before.value_or("")), Element("td", StateText(row.LeftInFile)),
-               Element("td", StateText(row.LeftOnInstrument)), TextCell(measure.value_or(""))));
+    const auto measure = row.Now ? faces.Meanings.Measure(row.Name, *row.Now) : std::nullopt;
+    markup += GroupRow(group, row.Meaning.Group, "5") +
+              TableRow({Escaped(row.Name), Escaped(row.Before.value_or("")), StateText(row.InFile),
+                        StateText(row.OnInstrument), Escaped(measure.value_or(""))},
+                       row.Before.has_value());
   }
-  return Element(
-      "table class=\"numbers\"",
-      HeadRow({"Value", "As found, if changed", "File", "Instrument", "Measure"}) + Element("tbody", markup));
+  return Table("numbers", {"Value", "As found, if changed", "File", "Instrument", "Measure"}, markup);
 }
 
 // ---- The page ----
@@ -241,10 +205,9 @@ std::string Section(std::string_view title, std::string_view content) {
 }
 
 std::string Signatures() {
-  const auto line = Element("tr", "<td></td><td></td><td></td><td></td>");
-  return Element("table class=\"signatures\"",
-                 HeadRow({"Name", "Meaning (done, checked, approved)", "Date and time", "Signature"}) +
-                     Element("tbody", line + line));
+  const auto line = TableRow({"", "", "", ""});
+  return Table("signatures", {"Name", "Meaning (done, checked, approved)", "Date and time", "Signature"},
+               line + line);
 }
 
 std::string Head(const std::string& title) {
@@ -253,9 +216,9 @@ std::string Head(const std::string& title) {
                                 Element("title", Escaped(title)), Element("style", pageStyle)));
 }
 
-std::string Positions(const std::vector<ValueRow>& rows, const Faces& faces) {
-  return PositionMap(rows, faces, "Stage XY", "Stage: places, chute, nests and racks") +
-         PositionMap(rows, faces, "SD XY", "1/8/12 module: its positions and the places of its nests");
+std::string Positions(const std::vector<ValueRow>& rows) {
+  return PositionMap(rows, "Stage XY", "Stage: places, chute, nests and racks") +
+         PositionMap(rows, "SD XY", "1/8/12 module: its positions and the places of its nests");
 }
 
 }  // namespace
@@ -274,9 +237,8 @@ std::string PageOf(const RecordContent& content, std::string_view hiddenElement)
   const auto body = Joined(
       Element("header", Joined(head, Facts(content, faces), problem)),
       Section("As found and as left", ChangePart(content, faces)),
-      Section("File and instrument", AgreementPart(content, faces)),
-      Section("Positions", Positions(rows, faces)),
-      Section("Heights, values of the Z axis", HeightDrawing(rows, faces)),
+      Section("File and instrument", AgreementPart(content, faces)), Section("Positions", Positions(rows)),
+      Section("Heights, values of the Z axis", HeightDrawing(rows)),
       Section("Volume corrections", VolumeCurves(content)),
       Section("Findings in the file", FindingList(content.Findings)),
       Section("All values", AllValues(rows, faces)), Section("Signatures", Signatures()),

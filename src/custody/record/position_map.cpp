@@ -13,51 +13,28 @@
 namespace zolvane {
 namespace {
 
-// A position: its two values, and what is known of them.
+// A position: its two values.
 struct Place {
   std::string Number;  // on the map and in the list
   std::string Name;
   const ValueRow* X = nullptr;
   const ValueRow* Y = nullptr;
-  std::optional<Quantity> AtX;
-  std::optional<Quantity> AtY;
-  double MovedX = 0.0;  // since before the last operation
-  double MovedY = 0.0;
   bool IsDrawn = false;
 
-  bool HasMoved() const { return MovedX != 0.0 || MovedY != 0.0; }
+  bool HasMoved() const { return X->Moved() != 0.0 || Y->Moved() != 0.0; }
 };
 
-std::optional<Quantity> NowOf(const Faces& faces, const ValueRow& row) {
-  const auto now = row.Now();
-  return now ? QuantityOf(faces, row.Name, *now) : std::nullopt;
-}
-
-double MovementOf(const Faces& faces, const ValueRow& row) {
-  const auto before = row.Before();
-  const auto now = NowOf(faces, row);
-  const auto then = before ? QuantityOf(faces, row.Name, *before) : std::nullopt;
-  return now && then ? now->Number - then->Number : 0.0;
-}
-
-// ---- The positions ----
-
-std::vector<Place> PlacesOf(const std::vector<ValueRow>& rows, const Faces& faces, std::string_view group) {
+std::vector<Place> PlacesOf(const std::vector<ValueRow>& rows, std::string_view group) {
   constexpr std::string_view ending = "_X";
   std::vector<Place> places;
   for (const auto& x : rows) {
-    const auto stem =
-        std::string_view{x.Name}.substr(0, x.Name.size() - std::min(x.Name.size(), ending.size()));
-    const auto* y = FindRow(rows, Joined(stem, "_Y"));
-    if (x.Meaning.Group == group && x.Name.ends_with(ending) && y != nullptr) {
-      places.push_back({.Number = NumberText(static_cast<double>(places.size() + 1)),
-                        .Name = std::string{stem},
-                        .X = &x,
-                        .Y = y,
-                        .AtX = NowOf(faces, x),
-                        .AtY = NowOf(faces, *y),
-                        .MovedX = MovementOf(faces, x),
-                        .MovedY = MovementOf(faces, *y)});
+    if (x.Meaning.Group != group || !x.Name.ends_with(ending)) {
+      continue;
+    }
+    const auto stem = x.Name.substr(0, x.Name.size() - ending.size());
+    if (const auto* const y = FindRow(rows, stem + "_Y")) {
+      places.push_back(
+          {.Number = NumberText(static_cast<double>(places.size() + 1)), .Name = stem, .X = &x, .Y = y});
     }
   }
   return places;
@@ -67,13 +44,12 @@ std::vector<Place> PlacesOf(const std::vector<ValueRow>& rows, const Faces& face
 std::string MarkDrawn(std::vector<Place>& places) {
   std::string unit;
   for (auto& place : places) {
-    if (!place.AtX || !place.AtY || place.AtX->Unit != place.AtY->Unit) {
-      continue;
+    const auto& x = place.X->At;
+    const auto& y = place.Y->At;
+    if (x && y && x->Unit == y->Unit) {
+      unit = unit.empty() ? x->Unit : unit;
+      place.IsDrawn = x->Unit == unit;
     }
-    if (unit.empty()) {
-      unit = place.AtX->Unit;
-    }
-    place.IsDrawn = place.AtX->Unit == unit;
   }
   return unit;
 }
@@ -88,7 +64,7 @@ struct Frame {
   Axis Y;
 
   DrawingPoint At(double x, double y) const { return {.X = X.At(x), .Y = Y.At(y)}; }
-  DrawingPoint At(const Place& place) const { return At(place.AtX->Number, place.AtY->Number); }
+  DrawingPoint At(const Place& place) const { return At(place.X->At->Number, place.Y->At->Number); }
   double PixelsPerUnit() const { return (X.LastPixel - X.FirstPixel) / (X.Last - X.First); }
   bool Holds(const DrawingBox& box) const {
     return box.Left >= X.FirstPixel && box.Top >= Y.FirstPixel && box.Left + box.Width <= X.LastPixel &&
@@ -97,11 +73,11 @@ struct Frame {
 };
 
 // The range of the drawn positions, with room around it for their labels.
-std::pair<double, double> RangeOf(const std::vector<Place>& places, std::optional<Quantity> Place::* at) {
+std::pair<double, double> RangeOf(const std::vector<Place>& places, const ValueRow* Place::* axis) {
   std::optional<std::pair<double, double>> range;
   for (const auto& place : places) {
     if (place.IsDrawn) {
-      const double number = (place.*at)->Number;
+      const double number = (place.*axis)->At->Number;
       range = range ? std::pair{std::min(range->first, number), std::max(range->second, number)}
                     : std::pair{number, number};
     }
@@ -117,8 +93,8 @@ Frame FrameAround(const std::vector<Place>& places) {
   constexpr double smallestHeight = 170;
   constexpr double largestHeight = 560;
   constexpr double frameWidth = mapWidth - frameCorner.X - 4;
-  auto [left, right] = RangeOf(places, &Place::AtX);
-  auto [top, bottom] = RangeOf(places, &Place::AtY);
+  auto [left, right] = RangeOf(places, &Place::X);
+  auto [top, bottom] = RangeOf(places, &Place::Y);
   const double unit = std::min(frameWidth / (right - left), largestHeight / (bottom - top));
   const double wider = (frameWidth / unit - (right - left)) / 2;
   const double higher = std::max(0.0, (smallestHeight / unit - (bottom - top)) / 2);
@@ -155,65 +131,49 @@ std::string Grid(const Frame& frame, const std::string& unit) {
 
 // ---- Labels that find their place ----
 
-struct Label {
-  std::vector<std::string> Lines;
-  double Width = 0.0;
-};
+// A text for each line.
+using Label = std::vector<std::string>;
 
 constexpr double labelLine = 10.5;
-
-double HeightOf(const Label& label) {
-  return labelLine * static_cast<double>(label.Lines.size()) + 1;
-}
-
-Label MakeLabel(std::vector<std::string> lines) {
-  constexpr double widestLetter = 6.1;
-  std::size_t longest = 0;
-  for (const auto& line : lines) {
-    longest = std::max(longest, line.size());
-  }
-  return {.Lines = std::move(lines), .Width = widestLetter * static_cast<double>(longest)};
-}
-
-std::string CoordinatesOf(const Place& place) {
-  return Joined(NumberText(place.AtX->Number), " / ", NumberText(place.AtY->Number));
-}
+constexpr std::string_view movedWord = "moved ";
+constexpr std::string_view betweenNumbers = " / ";
 
 std::string MovementText(const Place& place) {
-  return Joined(SignedText(place.MovedX), " / ", SignedText(place.MovedY));
+  return Joined(SignedText(place.X->Moved()), betweenNumbers, SignedText(place.Y->Moved()));
 }
 
 // From the label that says most to the one that only refers to the list.
 std::vector<Label> LabelsOf(const Place& place) {
   constexpr std::size_t longestName = 26;
   const auto name = Joined(place.Number, " ", Shortened(place.Name, longestName));
-  auto full = std::vector{name, CoordinatesOf(place)};
+  Label full{name, Joined(NumberText(place.X->At->Number), betweenNumbers, NumberText(place.Y->At->Number))};
   if (place.HasMoved()) {
-    full.push_back("moved " + MovementText(place));
+    full.push_back(Joined(movedWord, MovementText(place)));
   }
-  return {MakeLabel(full), MakeLabel({name}), MakeLabel({place.Number})};
+  return {full, {name}, {place.Number}};
 }
 
-// Beside the point, right, left, below, above, then between these.
-DrawingBox BoxBeside(DrawingPoint point, const Label& label, std::size_t side, double distance) {
-  struct Side {
+DrawingBox BoxFor(const Label& label) {
+  constexpr double widestLetter = 6.1;
+  const auto longest = std::ranges::max(label, {}, [](const auto& line) { return line.size(); }).size();
+  return {.Width = widestLetter * static_cast<double>(longest),
+          .Height = labelLine * static_cast<double>(label.size()) + 1};
+}
+
+// Beside the point, right, left, below, above, then between these; where nothing else is.
+std::optional<DrawingBox> FreeBox(const Frame& frame, const std::vector<DrawingBox>& taken,
+                                  DrawingPoint point, const Label& label) {
+  struct Direction {
     double X;  // -1: wholly left of the point, 0: around it, 1: wholly right of it
     double Y;
   };
-  constexpr std::array<Side, 8> sides{{{1, 0}, {-1, 0}, {0, 1}, {0, -1}, {1, 1}, {-1, 1}, {1, -1}, {-1, -1}}};
-  const auto [x, y] = sides[side];
-  const double height = HeightOf(label);
-  return {.Left = point.X + x * (distance + label.Width / 2) - label.Width / 2,
-          .Top = point.Y + y * (distance + height / 2) - height / 2,
-          .Width = label.Width,
-          .Height = height};
-}
-
-std::optional<DrawingBox> FreeBox(const Frame& frame, const std::vector<DrawingBox>& taken,
-                                  DrawingPoint point, const Label& label) {
+  constexpr std::array<Direction, 8> directions{
+      {{1, 0}, {-1, 0}, {0, 1}, {0, -1}, {1, 1}, {-1, 1}, {1, -1}, {-1, -1}}};
+  auto box = BoxFor(label);
   for (const double distance : {8.0, 18.0, 32.0}) {
-    for (std::size_t side = 0; side < 8; ++side) {
-      const auto box = BoxBeside(point, label, side, distance);
+    for (const auto& [x, y] : directions) {
+      box.Left = point.X + x * (distance + box.Width / 2) - box.Width / 2;
+      box.Top = point.Y + y * (distance + box.Height / 2) - box.Height / 2;
       const auto overlaps = [&box](const DrawingBox& other) { return box.Overlaps(other); };
       if (frame.Holds(box) && std::ranges::none_of(taken, overlaps)) {
         return box;
@@ -231,14 +191,12 @@ std::string DrawnLabel(const DrawingBox& box, DrawingPoint point, const Label& l
     markup += DrawnLine("leader", point, nearest);
   }
   double y = box.Top - 1.5;
-  for (const auto& line : label.Lines) {
+  for (const auto& line : label) {
     y += labelLine;
-    const bool isName = line.find(" / ") == std::string::npos;
-    const bool isMovement = line.starts_with("moved ");
-    markup += DrawnText(isMovement ? "label moved"
-                        : isName   ? "label name"
-                                   : "label",
-                        {.X = box.Left + 1, .Y = y}, line);
+    const auto* const style = line.starts_with(movedWord)                      ? "label moved"
+                              : line.find(betweenNumbers) == std::string::npos ? "label name"
+                                                                               : "label";
+    markup += DrawnText(style, {.X = box.Left + 1, .Y = y}, line);
   }
   return markup;
 }
@@ -261,7 +219,7 @@ std::string LabelInFreeBox(const Frame& frame, std::vector<DrawingBox>& taken, c
 double Magnification(const std::vector<Place>& places, const Frame& frame) {
   double longest = 0.0;
   for (const auto& place : places) {
-    longest = std::max(longest, place.IsDrawn ? std::hypot(place.MovedX, place.MovedY) : 0.0);
+    longest = std::max(longest, place.IsDrawn ? std::hypot(place.X->Moved(), place.Y->Moved()) : 0.0);
   }
   constexpr double longestArrow = 34;
   double factor = 1.0;
@@ -310,7 +268,8 @@ std::string Map(const std::vector<Place>& places, const Frame& frame, const std:
   for (const auto& place : places) {
     if (place.IsDrawn) {
       const auto point = frame.At(place);
-      const auto from = frame.At(place.AtX->Number - place.MovedX, place.AtY->Number - place.MovedY);
+      const auto from =
+          frame.At(place.X->At->Number - place.X->Moved(), place.Y->At->Number - place.Y->Moved());
       const DrawingPoint to{from.X + (point.X - from.X) * factor, from.Y + (point.Y - from.Y) * factor};
       markers += DrawnMarker(point, place.HasMoved()) + DrawnArrow(from, to);
       taken.push_back(BoxOf(point, point));
@@ -326,24 +285,15 @@ std::string Map(const std::vector<Place>& places, const Frame& frame, const std:
 
 // ---- The list ----
 
-std::string Cells(std::initializer_list<std::string> texts) {
-  std::string cells;
-  for (const auto& text : texts) {
-    cells += Element("td", text);
-  }
-  return cells;
-}
-
-std::string NumberCell(const std::optional<Quantity>& quantity) {
-  return quantity ? Escaped(Joined(NumberText(quantity->Number), " ", quantity->Unit)) : "no number";
-}
-
 std::string ListRow(const Place& place) {
-  const auto shown = [](const ValueRow& row) { return Escaped(row.Now().value_or("none")); };
+  const auto text = [](const ValueRow& row) { return Escaped(row.Now.value_or("none")); };
+  const auto number = [](const ValueRow& row) {
+    return row.At ? Escaped(Joined(NumberText(row.At->Number), " ", row.At->Unit)) : "no number";
+  };
   const auto moved = place.HasMoved() ? "▲ " + MovementText(place) : "";
-  return Element(place.HasMoved() ? "tr class=\"moved\"" : "tr",
-                 Cells({place.Number, Escaped(place.Name), shown(*place.X), shown(*place.Y),
-                        NumberCell(place.AtX), NumberCell(place.AtY), moved}));
+  return TableRow({place.Number, Escaped(place.Name), text(*place.X), text(*place.Y), number(*place.X),
+                   number(*place.Y), moved},
+                  place.HasMoved());
 }
 
 std::string List(const std::vector<Place>& places, const std::string& unit) {
@@ -351,18 +301,14 @@ std::string List(const std::vector<Place>& places, const std::string& unit) {
   for (const auto& place : places) {
     rows += ListRow(place);
   }
-  const auto head =
-      Joined("<th>No.</th><th>Position</th><th>X as sent</th><th>Y as sent</th><th>X</th><th>Y</th>",
-             Element("th", Escaped("Moved X / Y" + (unit.empty() ? unit : ", " + unit))));
-  return Element("table class=\"numbers\"",
-                 Joined(Element("thead", Element("tr", head)), Element("tbody", rows)));
+  const auto moved = Joined("Moved X / Y", unit.empty() ? "" : ", ", unit);
+  return Table("numbers", {"No.", "Position", "X as sent", "Y as sent", "X", "Y", moved}, rows);
 }
 
 }  // namespace
 
-std::string PositionMap(const std::vector<ValueRow>& rows, const Faces& faces, std::string_view group,
-                        std::string_view heading) {
-  auto places = PlacesOf(rows, faces, group);
+std::string PositionMap(const std::vector<ValueRow>& rows, std::string_view group, std::string_view heading) {
+  auto places = PlacesOf(rows, group);
   if (places.empty()) {
     return {};
   }

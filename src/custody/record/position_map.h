@@ -11,7 +11,6 @@ namespace zolvane {
 
 // The drawing and the list of the positions of one group of the upload: its keys that end in "_X" and "_Y".
 // Empty if the group has none.
-std::string PositionMap(const std::vector<ValueRow>& rows, const Faces& faces, std::string_view group,
-                        std::string_view heading);
+std::string PositionMap(const std::vector<ValueRow>& rows, std::string_view group, std::string_view heading);
 
 }  // namespace zolvane

@@ -2,39 +2,11 @@
 
 #include <algorithm>
 #include <cmath>
-#include <set>
 
 #include "config/conversions.h"
 
 namespace zolvane {
 namespace {
-
-std::optional<Value> ValueIn(const Values* values, std::string_view name) {
-  const auto* value = values == nullptr ? nullptr : values->Find(name);
-  return value == nullptr ? std::nullopt : std::optional{*value};
-}
-
-const Values* InstrumentOf(const RecordedState& state) {
-  return state.Instrument ? &*state.Instrument : nullptr;
-}
-
-std::optional<std::string> TextOf(const std::optional<Value>& value) {
-  return value ? value->Text : std::nullopt;
-}
-
-bool IsChanged(const std::optional<Value>& found, const std::optional<Value>& left) {
-  const auto before = TextOf(found);
-  const auto now = TextOf(left);
-  return before && now && !SameText(*before, *now);
-}
-
-void AddNames(std::vector<std::string>& names, std::set<std::string>& known, const Values* values) {
-  for (const auto& name : values == nullptr ? std::vector<std::string>{} : NamesOf(*values)) {
-    if (known.insert(name).second) {
-      names.push_back(name);
-    }
-  }
-}
 
 const char* UnitWord(Unit unit) {
   switch (unit) {
@@ -51,19 +23,51 @@ const char* UnitWord(Unit unit) {
   }
 }
 
-}  // namespace
-
-std::optional<std::string> ValueRow::Now() const {
-  const auto onInstrument = TextOf(LeftOnInstrument);
-  return onInstrument ? onInstrument : TextOf(LeftInFile);
-}
-
-std::optional<std::string> ValueRow::Before() const {
-  if (IsChanged(FoundOnInstrument, LeftOnInstrument)) {
-    return TextOf(FoundOnInstrument);
+std::optional<Quantity> QuantityOf(const Faces& faces, std::string_view name,
+                                   const std::optional<std::string>& text) {
+  constexpr double largest = 1e12;
+  const auto millimetres = text ? faces.Meanings.Millimetres(name, *text) : std::nullopt;
+  const auto number = millimetres || !text ? millimetres : StrictNumber(*text);
+  if (!number || !(std::abs(*number) <= largest)) {
+    return std::nullopt;
   }
-  return IsChanged(FoundInFile, LeftInFile) ? TextOf(FoundInFile) : std::nullopt;
+  return Quantity{.Number = *number, .Unit = millimetres ? "mm" : UnitWord(faces.Meanings.Of(name).Of)};
 }
+
+std::optional<Value> ValueIn(const Values& values, std::string_view name) {
+  const auto* const value = values.Find(name);
+  return value != nullptr ? std::optional{*value} : std::nullopt;
+}
+
+bool IsChanged(const std::optional<std::string>& found, const std::optional<std::string>& left) {
+  return found && left && !SameText(*found, *left);
+}
+
+// The values of a side at two moments.
+struct FoundAndLeft {
+  Values Found;
+  Values Left;
+};
+
+ValueRow RowOf(const std::string& name, const FoundAndLeft& file, const FoundAndLeft& instrument,
+               const Faces& faces) {
+  ValueRow row{.Name = name,
+               .Meaning = faces.Meanings.Of(name),
+               .InFile = ValueIn(file.Left, name),
+               .OnInstrument = ValueIn(instrument.Left, name)};
+  for (const auto* side : {&file, &instrument}) {
+    const auto found = side->Found.TextOf(name);
+    const auto left = side->Left.TextOf(name);
+    row.Now = left ? left : row.Now;
+    row.Before = IsChanged(found, left) ? found : row.Before;
+  }
+  row.At = QuantityOf(faces, name, row.Now);
+  const auto before = QuantityOf(faces, name, row.Before);
+  row.WasAt = before ? std::optional{before->Number} : std::nullopt;
+  return row;
+}
+
+}  // namespace
 
 Faces::Faces(const RecordContent& content)
     : Left{WireFaceOfFile(content.Left.Configuration)}, Meanings{Left} {
@@ -73,22 +77,17 @@ Faces::Faces(const RecordContent& content)
 }
 
 std::vector<ValueRow> RowsOf(const RecordContent& content, const Faces& faces) {
-  const auto* foundInFile = faces.Found ? &faces.Found->Lines : nullptr;
-  const auto* foundOnInstrument = content.Last ? InstrumentOf(content.Last->Found) : nullptr;
-  const auto* leftOnInstrument = InstrumentOf(content.Left);
-  std::vector<std::string> names;
-  std::set<std::string> known;
-  for (const auto* values : {&faces.Left.Lines, leftOnInstrument, foundInFile, foundOnInstrument}) {
-    AddNames(names, known, values);
+  const FoundAndLeft file{.Found = faces.Found ? faces.Found->Lines : Values{}, .Left = faces.Left.Lines};
+  const FoundAndLeft instrument{
+      .Found = content.Last ? content.Last->Found.Instrument.value_or(Values{}) : Values{},
+      .Left = content.Left.Instrument.value_or(Values{})};
+  Values all;
+  for (const auto* values : {&file.Left, &instrument.Left, &file.Found, &instrument.Found}) {
+    std::ranges::for_each(values->InOrder(), [&all](const Value& value) { all.Add(value); });
   }
   std::vector<ValueRow> rows;
-  for (const auto& name : names) {
-    rows.push_back({.Name = name,
-                    .Meaning = faces.Meanings.Of(name),
-                    .FoundInFile = ValueIn(foundInFile, name),
-                    .FoundOnInstrument = ValueIn(foundOnInstrument, name),
-                    .LeftInFile = ValueIn(&faces.Left.Lines, name),
-                    .LeftOnInstrument = ValueIn(leftOnInstrument, name)});
+  for (const auto& value : all.InOrder()) {
+    rows.push_back(RowOf(value.Name, file, instrument, faces));
   }
   return rows;
 }
@@ -96,16 +95,6 @@ std::vector<ValueRow> RowsOf(const RecordContent& content, const Faces& faces) {
 const ValueRow* FindRow(const std::vector<ValueRow>& rows, std::string_view name) {
   const auto found = std::ranges::find(rows, name, &ValueRow::Name);
   return found == rows.end() ? nullptr : &*found;
-}
-
-std::optional<Quantity> QuantityOf(const Faces& faces, std::string_view name, std::string_view text) {
-  constexpr double largest = 1e12;
-  const auto millimetres = faces.Meanings.Millimetres(name, text);
-  const auto number = millimetres ? millimetres : StrictNumber(text);
-  if (!number || !(std::abs(*number) <= largest)) {
-    return std::nullopt;
-  }
-  return Quantity{.Number = *number, .Unit = millimetres ? "mm" : UnitWord(faces.Meanings.Of(name).Of)};
 }
 
 }  // namespace zolvane

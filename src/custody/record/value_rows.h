@@ -13,20 +13,29 @@
 
 namespace zolvane {
 
-// One value. A state that does not have it, or was not asked for it, is empty.
+// What a text of a value says: in "mm" if that is known, else in "counts" or "steps" of the motor, or without a
+// unit.
+struct Quantity {
+  double Number = 0.0;
+  std::string Unit;
+};
+
+// One value.
 struct ValueRow {
   std::string Name;
   Description Meaning;
-  std::optional<Value> FoundInFile;
-  std::optional<Value> FoundOnInstrument;
-  std::optional<Value> LeftInFile;
-  std::optional<Value> LeftOnInstrument;
+  std::optional<Value> InFile;        // as left; empty: an upload would not send it
+  std::optional<Value> OnInstrument;  // as left; empty: it was not asked for
 
   // As left: the instrument's text if it gave one, else the file's.
-  std::optional<std::string> Now() const;
+  std::optional<std::string> Now{};
+  std::optional<Quantity> At{};  // empty if that is no number, or none that can be drawn
 
   // As found, if the last operation changed it on the instrument or else in the file.
-  std::optional<std::string> Before() const;
+  std::optional<std::string> Before{};
+  std::optional<double> WasAt{};  // in the unit of At
+
+  double Moved() const { return At && WasAt ? At->Number - *WasAt : 0.0; }
 };
 
 // What an upload would send of the two configurations, and what is known of its values.
@@ -42,15 +51,5 @@ struct Faces {
 std::vector<ValueRow> RowsOf(const RecordContent& content, const Faces& faces);
 
 const ValueRow* FindRow(const std::vector<ValueRow>& rows, std::string_view name);
-
-// What a text of a value says: in "mm" if that is known, else in "counts" or "steps" of the motor, or without a
-// unit.
-struct Quantity {
-  double Number = 0.0;
-  std::string Unit;
-};
-
-// Empty if the text is no number, or none that can be drawn.
-std::optional<Quantity> QuantityOf(const Faces& faces, std::string_view name, std::string_view text);
 
 }  // namespace zolvane
