@@ -13,7 +13,7 @@
 #include <string>
 #include <string_view>
 
-#include "support/other_locale.h"
+#include "config/other_locale.h"
 
 namespace zolvane {
 namespace {

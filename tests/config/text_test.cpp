@@ -5,7 +5,7 @@
 #include <random>
 #include <string>
 
-#include "support/other_locale.h"
+#include "config/other_locale.h"
 
 namespace zolvane {
 namespace {

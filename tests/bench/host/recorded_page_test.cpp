@@ -4,7 +4,7 @@
 
 #include <vector>
 
-#include "support/silent_events.h"
+#include "bench/host/silent_events.h"
 
 namespace zolvane {
 namespace {

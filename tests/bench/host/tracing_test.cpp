@@ -4,11 +4,11 @@
 
 #include <sstream>
 
+#include "bench/host/silent_events.h"
 #include "support/fake_environment.h"
 #include "support/fake_host.h"
 #include "support/journal.h"
 #include "support/recorded_view.h"
-#include "support/silent_events.h"
 #include "support/texts.h"
 
 namespace zolvane {

@@ -13,6 +13,7 @@
 
 #include "config/config_fixture.h"
 #include "config/item_lists.h"
+#include "config/other_locale.h"
 #include "config/tables/axes.h"
 #include "config/tables/current_records.h"
 #include "config/tables/devices.h"
@@ -23,7 +24,6 @@
 #include "config/tables/plates.h"
 #include "config/tables/stage.h"
 #include "config/tables/tips.h"
-#include "support/other_locale.h"
 
 namespace zolvane {
 namespace {

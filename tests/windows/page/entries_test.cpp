@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "bench/host/silent_events.h"
 #include "shell/windows/page/page_window.h"
-#include "support/silent_events.h"
 #include "windows/support/hosted_page.h"
 
 namespace zolvane {

@@ -6,8 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "bench/host/silent_events.h"
 #include "shell/windows/page/page_frame.h"
-#include "support/silent_events.h"
 #include "win32/text.h"
 #include "windows/page/control_ids.h"
 #include "windows/support/hosted_page.h"
