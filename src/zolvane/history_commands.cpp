@@ -47,7 +47,7 @@ std::string CsvCell(std::string text) {
   const bool looksLikeFormula =
       !text.empty() && std::string_view{"=+-@\t\r"}.find(text.front()) != std::string_view::npos;
   if (looksLikeFormula) {
-    text.insert(0, "'");
+    text.insert(text.begin(), '\'');
   }
   if (text.find_first_of(",\"\r\n") == std::string::npos) {
     return text;
