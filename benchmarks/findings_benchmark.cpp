@@ -57,6 +57,19 @@ std::string WithRecords(std::int64_t count) {
          section("NestType", "NEST8,\"A\",8_CH,1,1,1,1.00,\"B\",8_CH,1,1,1,1.00,\"C\",8_CH,1,1,1,1.00");
 }
 
+void CompareManyRecords(benchmark::State& state) {
+  const auto configuration = WithRecords(state.range(0));
+  for (auto _ : state) {
+    benchmark::DoNotOptimize(Compare(FileFace(configuration), FileFace(configuration)));
+  }
+  state.SetComplexityN(state.range(0));
+}
+BENCHMARK(CompareManyRecords)
+    ->RangeMultiplier(10)
+    ->Range(1000, 100'000)
+    ->Unit(benchmark::kMillisecond)
+    ->Complexity();
+
 void CheckManyRecords(benchmark::State& state) {
   const auto configuration = WithRecords(state.range(0));
   for (auto _ : state) {

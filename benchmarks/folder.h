@@ -20,6 +20,8 @@ class Folder {
   Folder& operator=(const Folder&) = delete;
   ~Folder() { std::filesystem::remove_all(path_); }
 
+  const std::string& Path() const { return path_; }
+
   std::string Put(std::string_view name, std::string_view bytes) const {
     const std::string path = path_ + '/' + std::string{name};
     std::filesystem::remove(path);
