@@ -9,7 +9,8 @@ namespace zolvane {
 namespace {
 
 std::string FolderOfPath(const std::string& path) {
-  return path.substr(0, path.rfind('/'));
+  const auto slash = path.rfind('/');
+  return slash == std::string::npos ? std::string{} : path.substr(0, slash);
 }
 
 class LastingSettings final : public ExchangedFile {
@@ -165,7 +166,9 @@ std::unique_ptr<ExchangedFile> CrashDisk::OpenSettings(const std::string& path) 
 
 void CrashDisk::PutToLast(const std::string& path) {
   const auto name = MemoryDisk::NameOnDisk(path);
-  std::erase_if(changes_, [&](const Change& change) { return change.Come.contains(name); });
+  std::erase_if(changes_, [&](const Change& change) {
+    return change.Come.contains(name) || std::ranges::count(change.Gone, name) > 0;
+  });
   names_[name] = lasting_[name] = NewNode(false, seen_.Read(path).Bytes);
   ShowStates();
 }

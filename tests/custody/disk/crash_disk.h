@@ -32,6 +32,9 @@ class CrashDisk final : public Disk {
 
   // From now on states are shown again, because more has been promised of them.
   void ShowAgain() { shown_.clear(); }
+
+  // What a power cut could leave now, though nothing was changed.
+  void ShowStates();
   std::size_t CountOfStates() const { return count_; }
 
   // The power as it is now: what programs see.
@@ -71,7 +74,6 @@ class CrashDisk final : public Disk {
   static void Apply(const Change& change, Names& names);
   Status Took(Status status);
 
-  void ShowStates();
   bool IsReached(const std::string& name, const Names& names) const;
   void ShowFiles(const Names& names, Names::const_iterator next, std::map<std::string, std::string>& files);
   std::vector<std::string> ContentsOf(const Node& node) const;
