@@ -140,8 +140,8 @@ void Custody::RecordOutside() {
   entry.Link.clear();
   entry.Reason.clear();
   entry.FileBefore = *last;
-  const auto number = Kept.Begin(entry);
   entry.FileAfter = *found;
+  const auto number = Kept.Begin(entry);
   entry.Outcome = outcome::done;
   if (!number || !Kept.End(*number, entry).Ok()) {
     RefuseHistory(Kept);

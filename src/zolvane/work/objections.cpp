@@ -176,7 +176,8 @@ void ObjectToInstrument(const History& history, const std::string& configuration
 
 void ObjectToUnfinished(const History& history, Objections& objections) {
   for (const auto& operation : history.Operations()) {
-    if (operation.Ended == nullptr) {
+    const bool isOurs = operation.Begun->Action != action::outside;  // what others did is over
+    if (isOurs && operation.Ended == nullptr) {
       Object(objections, objection_code::unfinished, "none",
              Joined("operation ", std::to_string(operation.Number()), ", ", operation.Begun->Action, " of ",
                     operation.Begun->Time, "; \"resume\" or \"undo\" ends it"));
