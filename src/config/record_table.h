@@ -197,17 +197,16 @@ constexpr std::optional<std::size_t> PiecesOf(std::span<const Field<Record>> fie
 }
 
 // Not defined: a table that would call it does not compile.
-void RowsLeaveOutOrRepeatAPieceOfTheLine();
+[[noreturn]] void RowsLeaveOutOrRepeatAPieceOfTheLine();
 
 // The table of these rows. Does not compile unless every piece of the line has exactly one row.
 template <class Record, std::size_t Count>
 consteval RecordTable<Record> MakeTable(TableSection section, const std::array<Field<Record>, Count>& fields,
                                         typename RecordTable<Record>::Step afterLoading = nullptr) {
-  const auto pieces = PiecesOf<Record>(fields);
-  if (!pieces) {
-    RowsLeaveOutOrRepeatAPieceOfTheLine();
+  if (const auto pieces = PiecesOf<Record>(fields)) {
+    return {.Section = section, .Fields = fields, .Pieces = *pieces, .AfterLoading = afterLoading};
   }
-  return {.Section = section, .Fields = fields, .Pieces = *pieces, .AfterLoading = afterLoading};
+  RowsLeaveOutOrRepeatAPieceOfTheLine();
 }
 
 // ---- Lines and keys ----

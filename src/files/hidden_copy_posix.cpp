@@ -32,7 +32,7 @@ std::string Hexadecimal(std::uint64_t number) {
 constexpr std::string_view unfinished = "new-";
 
 std::uint64_t NanosecondsOf(const std::timespec& time) {
-  return static_cast<std::uint64_t>(time.tv_sec) * 1'000'000'000 + static_cast<std::uint64_t>(time.tv_nsec);
+  return (static_cast<std::uint64_t>(time.tv_sec) * 1'000'000'000) + static_cast<std::uint64_t>(time.tv_nsec);
 }
 
 std::vector<std::string> NamesThatStartWith(const std::string& start, const std::string& folder) {

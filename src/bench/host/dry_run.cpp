@@ -132,12 +132,12 @@ void RunDry(const std::string& programFolder, std::shared_ptr<IniFileService> se
 }
 
 std::size_t CountCommands(const std::string& programFolder, int button,
-                          FileSettingsService::FileOpener openFile) {
+                          const FileSettingsService::FileOpener& openFile) {
   const auto* const row = std::ranges::find(operationRows, button, &OperationRow::Button);
   if (row == operationRows.end()) {
     return 0;
   }
-  const auto files = std::make_shared<FileSettingsService>(std::move(openFile));
+  const auto files = std::make_shared<FileSettingsService>(openFile);
   const auto link = std::make_shared<CountingLink>();
   RunDry(programFolder, std::make_shared<DrySettings>(files), link, row->Run);
   return link->Count;

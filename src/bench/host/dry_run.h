@@ -56,7 +56,7 @@ void RunDry(const std::string& programFolder, std::shared_ptr<IniFileService> se
 // How many commands the query, upload or download button would send to an instrument that answers each of
 // them; 0 for any other button. Reads the configuration file of the program folder and changes nothing.
 std::size_t CountCommands(const std::string& programFolder, int button,
-                          FileSettingsService::FileOpener openFile = FileSettingsService::OpenFile);
+                          const FileSettingsService::FileOpener& openFile = FileSettingsService::OpenFile);
 
 // The file has at least one of the sections from which the import button would read records; one that cannot
 // be read has none. Reads the configuration file of the program folder and changes nothing.

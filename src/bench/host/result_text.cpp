@@ -77,16 +77,16 @@ std::string QuotedReply(std::string_view reply) {
 }
 
 std::string FirstRefused(const CommandTally& commands) {
-  const auto& first = *commands.FirstRefused;
+  const auto first = commands.FirstRefused.value_or(RefusedCommand{});
   return Joined("first ", Printable(first.Key), " with ", QuotedReply(first.Reply));
 }
 
 std::string FirstNotAnswered(const CommandTally& commands) {
-  return Joined("first ", Printable(*commands.FirstNotAnswered));
+  return Joined("first ", Printable(commands.FirstNotAnswered.value_or(std::string{})));
 }
 
-std::string SkippedText(const CommandTally& commands) {
-  return Joined("skipped the line ", QuotedReply(*commands.FirstSkippedLine));
+std::string SkippedText(std::string_view line) {
+  return Joined("skipped the line ", QuotedReply(line));
 }
 
 std::string OfAll(std::size_t number, const CommandTally& commands) {
@@ -117,7 +117,7 @@ std::vector<std::string> CommandTexts(const CommandTally& commands) {
     texts.push_back(Printable(*commands.FirstProblem));
   }
   if (commands.FirstSkippedLine) {
-    texts.push_back(SkippedText(commands));
+    texts.push_back(SkippedText(*commands.FirstSkippedLine));
   }
   if (commands.NotSent() > 0) {
     texts.push_back(std::to_string(commands.NotSent()) + " not sent");
@@ -180,7 +180,7 @@ std::vector<std::string> ReasonsOf(const ActionTally& tally) {
         Joined(OfAll(commands.NotAnswered, commands), " not answered, ", FirstNotAnswered(commands)));
   }
   if (commands.NotAnswered > 0 && commands.FirstSkippedLine) {
-    reasons.push_back(SkippedText(commands));
+    reasons.push_back(SkippedText(*commands.FirstSkippedLine));
   }
   if (commands.IsFailedByReplies()) {
     reasons.push_back(Joined(OfAll(commands.Refused, commands), " refused, ", FirstRefused(commands)));

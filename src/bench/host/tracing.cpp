@@ -74,16 +74,15 @@ class TracingDialogues final : public SystemDialogues {
   }
 
   std::optional<std::string> ShowFileDialogue(FileDialogueKind kind, const FileDialogue& dialogue) override {
-    const FileDialogue shown = dialogue;
     auto chosen = inner_.ShowFileDialogue(kind, dialogue);
     log_.Write({{"event", "file_dialog"},
                 {"kind", kind == FileDialogueKind::Open ? "open" : "save"},
-                {"title", shown.Title},
-                {"filter", shown.Filter},
-                {"filter_index", shown.FilterIndex},
-                {"default_extension", shown.DefaultExtension},
-                {"flags", OrNull(shown.Flags)},
-                {"file_name", shown.FileName},
+                {"title", dialogue.Title},
+                {"filter", dialogue.Filter},
+                {"filter_index", dialogue.FilterIndex},
+                {"default_extension", dialogue.DefaultExtension},
+                {"flags", OrNull(dialogue.Flags)},
+                {"file_name", dialogue.FileName},
                 {"chosen", OrNull(chosen)}});
     return chosen;
   }

@@ -96,10 +96,9 @@ class Watch::WatchedLink final : public ForwardingLink {
   std::set<std::string> told_;
 };
 
-Watch::Watch(Events events, FileSettingsService::FileOpener openFile)
+Watch::Watch(Events events, const FileSettingsService::FileOpener& openFile)
     : events_{std::move(events)},
-      files_{std::make_shared<FileSettingsService>(std::move(openFile),
-                                                   Waiting{.IsUnwanted = events_.WantsToStop})} {}
+      files_{std::make_shared<FileSettingsService>(openFile, Waiting{.IsUnwanted = events_.WantsToStop})} {}
 
 Watch::~Watch() {
   ForgetSeenFiles();

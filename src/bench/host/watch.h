@@ -28,7 +28,8 @@ class Watch {
     std::function<bool()> WantsToStop = [] { return false; };
   };
 
-  explicit Watch(Events events, FileSettingsService::FileOpener openFile = FileSettingsService::OpenFile);
+  explicit Watch(Events events,
+                 const FileSettingsService::FileOpener& openFile = FileSettingsService::OpenFile);
   ~Watch();
 
   Watch(const Watch&) = delete;

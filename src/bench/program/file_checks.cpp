@@ -21,8 +21,8 @@
 namespace zolvane {
 namespace {
 
-bool Opens(const Action& action, int button) {
-  return action.Kind == ActionKind::PressButton && action.Button == button && action.File.has_value();
+bool Presses(const Action& action, int button) {
+  return action.Kind == ActionKind::PressButton && action.Button == button;
 }
 
 void Demand(const std::string& file, FileUse use, const std::string& at) {
@@ -71,18 +71,22 @@ std::vector<std::string> CheckDialogueFiles(const Options& options, const Job& j
   std::vector<std::string> notes;
   std::vector<std::string> saved;
   for (const auto& action : job.Actions) {
+    if (!action.File) {
+      continue;
+    }
     const auto at = action.At();
-    const bool isSaved = action.File && std::ranges::find(saved, *action.File) != saved.end();
-    if (Opens(action, exportButton)) {
-      Demand(*action.File, FileUse::ReadAndWrite, at);
-      if (!isSaved && IsMerged(*action.File, options.Folder)) {
-        DemandReplacement(*action.File, options.Replaces, at);
-        notes.push_back(Joined(at, Quoted(*action.File),
-                               " exists: the add-in merges, so what it does not export stays in it"));
+    const auto& file = *action.File;
+    const bool isSaved = std::ranges::find(saved, file) != saved.end();
+    if (Presses(action, exportButton)) {
+      Demand(file, FileUse::ReadAndWrite, at);
+      if (!isSaved && IsMerged(file, options.Folder)) {
+        DemandReplacement(file, options.Replaces, at);
+        notes.push_back(
+            Joined(at, Quoted(file), " exists: the add-in merges, so what it does not export stays in it"));
       }
-      saved.push_back(*action.File);
-    } else if (Opens(action, importButton) && !isSaved) {
-      DemandBackup(*action.File, options.Folder, at);
+      saved.push_back(file);
+    } else if (Presses(action, importButton) && !isSaved) {
+      DemandBackup(file, options.Folder, at);
     }
   }
   return notes;

@@ -131,8 +131,10 @@ Json PageJson(const ShownPage& shown) {
 }
 
 Json ReportJson(const RunReport& report) {
-  if (!report.IsRun && report.Results.size() == 1 && report.Results.front().Page) {
-    return PageJson(*report.Results.front().Page);
+  if (!report.IsRun && report.Results.size() == 1) {
+    if (const auto& page = report.Results.front().Page) {
+      return PageJson(*page);
+    }
   }
   constexpr int schema = 1;
   Json actions = Json::array();

@@ -17,7 +17,7 @@ template <std::size_t Place, auto Member, class Form>
 constexpr Field<Nest> InGroup(std::size_t piece) {
   constexpr std::size_t piecesOfAPlace = 6;
   constexpr std::size_t firstPlace = 2;
-  return InLine<inPlace<Place, Member>, Form, Nest>(firstPlace + piecesOfAPlace * Place + piece);
+  return InLine<inPlace<Place, Member>, Form, Nest>(firstPlace + (piecesOfAPlace * Place) + piece);
 }
 
 // The pieces of one place. The label stands before the code in the line.
