@@ -175,15 +175,18 @@ void Custody::Begin() {
 
 // An operation that was cut short is over as soon as a later one has brought everything to a proven state.
 void Custody::EndOlderOnes() {
+  std::vector<Entry> unfinished;  // copies, as the history's own entries do not last while it is written
   for (const auto& operation : Kept.Operations()) {
-    if (operation.Ended != nullptr || operation.Number() == number_) {
-      continue;
+    if (operation.Ended == nullptr && operation.Number() != number_) {
+      unfinished.push_back(*operation.Begun);
     }
-    auto end = *operation.Begun;
+  }
+  for (auto& end : unfinished) {
+    const auto number = end.Sequence;
     end.Outcome = outcome::failed;
     end.FileAfter = Draft.FileBefore;
     end.Left = Draft.Found;
-    if (!Kept.End(operation.Number(), end).Ok()) {
+    if (!Kept.End(number, end).Ok()) {
       return;  // the end of this one fails for the same reason, and says so
     }
   }
