@@ -149,7 +149,7 @@ TEST_F(SeveralPrograms, WhatAKilledOneBeganIsResumedByTheNext) {
   while (!hasBegun() && std::chrono::steady_clock::now() < deadline) {
     std::this_thread::sleep_for(std::chrono::milliseconds{5});
   }
-  std::this_thread::sleep_for(std::chrono::milliseconds{100});
+  std::this_thread::sleep_for(std::chrono::seconds{5});  // some sixty lines until the instrument is silent
   killed.Signal(SIGKILL);
   EXPECT_EQ(killed.Wait(), -SIGKILL);
 
