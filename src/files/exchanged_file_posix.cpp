@@ -298,7 +298,7 @@ WriteOutcome PosixExchangedFile::OpenVisible() {
     return errno == ENOENT || errno == ELOOP ? WriteOutcome::Changed : WriteOutcome::Failed;
   }
   if (!copy_.Exists() && ::faccessat(folder, place_.Name.c_str(), W_OK, AT_EACCESS) != 0) {
-    return WriteOutcome::Failed;
+    return errno == ENOENT ? WriteOutcome::Changed : WriteOutcome::Failed;
   }
   const LeaseAnswer lease = TryLeaseAgainstWriters(visible_);
   isLeased_ = lease == LeaseAnswer::Granted;
