@@ -43,28 +43,28 @@ bool IsNamed(const FileHandle& file, const std::string& mark) {
 
 }  // namespace
 
-std::unique_ptr<FileClaim> TryClaim(const std::filesystem::path& path, std::string& holder) {
-  const auto mark = path.string();
+std::unique_ptr<FileClaim> TryClaim(const std::filesystem::path& mark, std::string& holder) {
+  const auto path = mark.string();
   for (;;) {
-    auto file = OpenAt(AT_FDCWD, mark, O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK, 0600);
+    auto file = OpenAt(AT_FDCWD, path, O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK, 0600);
     if (!file.IsOpen()) {
-      Refuse(mark, Joined("cannot be made: ", std::generic_category().message(errno)));
+      Refuse(path, Joined("cannot be made: ", std::generic_category().message(errno)));
     }
     const bool isLocked = TryLock(file);
     const auto written = ReadAll(file);
     if (!written || !IsProcessNumber(*written)) {
-      Refuse(mark, "is in the way: it holds no process number");
+      Refuse(path, "is in the way: it holds no process number");
     }
     if (!isLocked) {
       holder = *written;
       return nullptr;
     }
-    if (IsNamed(file, mark)) {
+    if (IsNamed(file, path)) {
       const auto number = std::to_string(::getpid());
       if (::ftruncate(file.Number(), 0) != 0 || !WriteAll(file, 0, number)) {
-        Refuse(mark, Joined("cannot be written: ", std::generic_category().message(errno)));
+        Refuse(path, Joined("cannot be written: ", std::generic_category().message(errno)));
       }
-      return std::make_unique<PosixFileClaim>(mark, std::move(file));
+      return std::make_unique<PosixFileClaim>(path, std::move(file));
     }
   }
 }

@@ -89,7 +89,7 @@ SectionedText::SectionedText(std::string bytes)
 
 std::optional<std::string> SectionedText::Find(std::string_view section, std::string_view key) const {
   const Place place = PlaceOf(section, key);
-  if (!place.Key) {
+  if (!place.Section || !place.Key) {
     return std::nullopt;
   }
   const Section& inSection = sections_[*place.Section];
@@ -125,7 +125,7 @@ SectionedText::SeenLine SectionedText::Seen(const Line& line, std::size_t sectio
                       : content.starts_with(';') ? LineKind::Comment
                                                  : LineKind::NotUnderstood};
   if (section > 0) {
-    const auto name = *HeaderIn(ContentAt(sections_[section].Start));
+    const auto name = HeaderIn(ContentAt(sections_[section].Start)).value_or(std::string_view{});
     seen.Section = Decoded(name);
     seen.Counts = FindSection(NameOf(name)) == section;
   }
