@@ -1,9 +1,6 @@
 #include "custody/record/record.h"
 
-#include <algorithm>
-#include <cstddef>
-
-#include "custody/disk/sha256.h"
+#include "custody/disk/seal.h"
 #include "custody/record/page.h"
 #include "custody/record/record_data.h"
 #include "text/joined.h"
@@ -14,15 +11,7 @@ namespace {
 constexpr std::string_view opening = "<!DOCTYPE html>\n<!-- Zolvane adjustment record -->\n";
 constexpr std::string_view beforeData = "<pre hidden id=\"record-data\">\n";
 constexpr std::string_view behindData = "\n</pre>\n";
-constexpr std::string_view sealOpening = "<!-- SHA-256 of all bytes before this line: ";
-
-constexpr std::string_view sealEnd = " -->\n";
-constexpr std::size_t sealSize = sealOpening.size() + sha256HexLength + sealEnd.size();
-
-// The last line: whoever changes a byte before it, or it, breaks it.
-std::string SealOf(std::string_view bytes) {
-  return Joined(sealOpening, Sha256Hex(bytes), sealEnd);
-}
+constexpr SealForm sealForm{.Before = "<!-- SHA-256 of all bytes before this line: ", .Behind = " -->\n"};
 
 std::string_view DataIn(std::string_view page) {
   const auto begin = page.find(beforeData);
@@ -41,22 +30,22 @@ ReadRecordResult Refused(std::string reason) {
 
 std::string WriteRecord(const RecordContent& content) {
   auto record = Joined(opening, PageOf(content, Joined(beforeData, Base64Of(DataOf(content)), behindData)));
-  return record.append(SealOf(record));
+  return record.append(SealOf(record, sealForm));
 }
 
 ReadRecordResult ReadRecord(std::string_view bytes) {
   if (!LooksLikeRecord(bytes)) {
     return Refused("is no adjustment record");
   }
-  const auto seal = bytes.substr(bytes.size() - std::min(bytes.size(), sealSize));
-  if (!seal.starts_with(sealOpening) || !seal.ends_with(sealEnd)) {
-    return Refused("is cut off or was changed: it does not end in the SHA-256 of a record");
+  switch (StateOfSeal(bytes, sealForm)) {
+    case SealState::Missing:
+      return Refused("is cut off or was changed: it does not end in the SHA-256 of a record");
+    case SealState::Broken:
+      return Refused("is damaged or was changed: its SHA-256 is another than its last line says");
+    case SealState::Whole:
+      break;
   }
-  const auto page = bytes.substr(0, bytes.size() - sealSize);
-  if (seal != SealOf(page)) {
-    return Refused("is damaged or was changed: its SHA-256 is another than its last line says");
-  }
-  auto content = ContentIn(BytesOfBase64(DataIn(page)));
+  auto content = ContentIn(BytesOfBase64(DataIn(WithoutSeal(bytes, sealForm))));
   if (!content) {
     return Refused("was written by another version: its data are of an unknown form");
   }

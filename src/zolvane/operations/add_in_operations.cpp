@@ -67,13 +67,13 @@ std::string WithWrites(const std::string& bytes, const std::vector<SettingWrite>
   return copy.Read(file).Bytes;
 }
 
-// Comments behind the last line of a backup.
-std::string ClosingComments(const Checkpoint& checkpoint) {
-  std::string text = Joined(checkpointHeading, "\r\n");
+// A backup with the comments behind its last line.
+std::string Closed(std::string backup, const Checkpoint& checkpoint) {
+  backup += Joined(checkpointHeading, "\r\n");
   for (const auto& line : LinesOf(checkpoint)) {
-    text += Joined("; ", line, "\r\n");
+    backup += Joined("; ", line, "\r\n");
   }
-  return text;
+  return backup.append(SealOf(backup, backupSeal));
 }
 
 class AddInOperation final : public CustodyOperation {
@@ -335,14 +335,16 @@ void AddInOperation::CloseSavedFile(Custody& custody, Evidence& evidence) const 
     return;
   }
   auto& files = custody.Work.Files;
-  const auto comments = ClosingComments(*checkpoint);
-  const auto closed = files.Append(*file_, comments).Then([&] { return files.SyncFile(*file_); });
+  const auto whole = Closed(intendedFile_, *checkpoint);
+  const auto closed = files.Append(*file_, std::string_view{whole}.substr(intendedFile_.size())).Then([&] {
+    return files.SyncFile(*file_);
+  });
   if (!closed.Ok()) {
     evidence.Worsen(outcome::notProven,
                     Joined("the checkpoint could not be appended: ", files.FailureReason()));
   }
-  evidence.TakeFile(*file_, intendedFile_ + comments);
-  custody.OtherFile->After = intendedFile_ + comments;
+  evidence.TakeFile(*file_, whole);
+  custody.OtherFile->After = whole;
 }
 
 }  // namespace

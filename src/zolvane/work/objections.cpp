@@ -78,7 +78,7 @@ std::string MissingSection(const std::vector<std::string>& sections,
   return last == exported.rbegin() || last == exported.rend() ? std::string{} : *std::prev(last);
 }
 
-bool ExpectsCheckpoint(const History& history, const std::string& file, const std::string& backup) {
+bool IsExpectedToBeOurs(const History& history, const std::string& file, const std::string& backup) {
   const auto ours = std::ranges::any_of(history.Entries(), [&](const Entry& entry) {
     return entry.IsEnd() && entry.Action == action::exporting &&
            std::ranges::any_of(entry.OtherFiles,
@@ -95,9 +95,10 @@ std::string CutOffReason(const History& history, const std::string& file, const 
   if (const auto missing = MissingSection(SectionsIn(backup), SectionsIn(exported)); !missing.empty()) {
     return Joined("no section [", missing, "] behind its last");
   }
-  return ExpectsCheckpoint(history, file, backup) && CheckpointsIn(backup).empty()
-             ? "no checkpoint at its end"
-             : std::string{};
+  const bool isClosed =
+      !CheckpointsIn(backup).empty() && StateOfSeal(backup, backupSeal) != SealState::Missing;
+  return !isClosed && IsExpectedToBeOurs(history, file, backup) ? "no checkpoint and SHA-256 at its end"
+                                                                : std::string{};
 }
 
 }  // namespace
@@ -194,6 +195,10 @@ void ObjectToBackup(const History& history, const std::string& file, const std::
   };
   if (const auto reason = CutOffReason(history, file, backup, exported); !reason.empty()) {
     Object(objections, objection_code::cutOff, "a whole backup", reason);
+  }
+  if (StateOfSeal(backup, backupSeal) == SealState::Broken) {
+    Object(objections, objection_code::changed, "the backup as it was exported",
+           "another SHA-256 than its last line says");
   }
   const auto other = std::ranges::find_if(sections, isOfPositions);
   if (other != sections.end() && !Has(sections, Joined(positions, device))) {

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "custody/disk/seal.h"
 #include "custody/history/entry.h"
 #include "custody/history/history.h"
 #include "zolvane/work/workplace.h"
@@ -26,8 +27,9 @@ inline constexpr std::string_view unreadable = "unreadable";  // a verdict that 
 inline constexpr std::string_view rounded = "rounded";        // the same
 }  // namespace objection_code
 
-// The line above the checkpoint that closes a backup.
+// The comments that close a backup: this line, the three of a checkpoint, and a seal.
 inline constexpr std::string_view checkpointHeading = "; Checkpoint of the history of operations:";
+inline constexpr SealForm backupSeal{.Before = "; SHA-256 of all bytes before this line: ", .Behind = "\r\n"};
 
 // Ends a command: nothing was changed, because of the objections in the report.
 struct Refusal {};
@@ -63,7 +65,7 @@ void ObjectToInstrument(const History& history, const std::string& configuration
 
 void ObjectToUnfinished(const History& history, Objections& objections);
 
-// A file to import: not a backup at all, cut off, or of another device. `exported` is what an export of the
+// A file to import: cut off, changed since it was exported, or of another device. `exported` is what an export of the
 // configuration that the import would change would be, `device` the name of the device in force.
 void ObjectToBackup(const History& history, const std::string& file, const std::string& backup,
                     const std::string& exported, const std::string& device, Objections& objections);

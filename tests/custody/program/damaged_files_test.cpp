@@ -146,7 +146,8 @@ TEST_F(DamagedFile, ACheckpointOfABackupAnchorsNothingOnceABitOfItIsFlipped) {
   ASSERT_TRUE(anchored(whole));
   const auto heading = whole.find(checkpointHeading);
   ASSERT_NE(heading, std::string::npos);
-  for (auto at = whole.find("; ", heading + checkpointHeading.size()); at < whole.size(); ++at) {
+  for (auto at = whole.find("; ", heading + checkpointHeading.size()); at < whole.find(backupSeal.Before);
+       ++at) {
     const bool isOfText = std::string{" \r\n;"}.find(whole[at]) == std::string::npos;
     if (isOfText) {
       ASSERT_FALSE(anchored(Flipped(whole, at))) << at;
@@ -154,7 +155,31 @@ TEST_F(DamagedFile, ACheckpointOfABackupAnchorsNothingOnceABitOfItIsFlipped) {
   }
 }
 
-// A backup is a settings file that anybody may edit. What an import makes of another byte in it is shown beforehand.
+TEST_F(DamagedFile, ABackupWithABitFlippedAnywhereIsAnObjection) {
+  const auto whole = Bytes(backup_);
+  const auto history = OpenHistory();
+  const auto device = WireFaceOfFile(room_.Configuration()).InForce.Device.Name;
+  for (std::size_t at = 0; at < whole.size(); ++at) {
+    Objections objections;
+    ObjectToBackup(history, backup_, Flipped(whole, at), whole, device, objections);
+    ASSERT_TRUE(std::ranges::any_of(objections, [](const auto& one) {
+      return one.Code == "changed" || one.Code == "cut-off";
+    })) << at;
+  }
+}
+
+TEST_F(DamagedFile, AChangedBackupIsImportedOnlyDespiteTheChange) {
+  const auto whole = Bytes(backup_);
+  const auto configuration = room_.Configuration();
+  room_.Files.Put(backup_, Flipped(whole, whole.size() / 2));
+  const auto refused = room_.Run({"--yes", "import", backup_});
+  EXPECT_EQ(refused.Status(), exit_status::objection) << refused.Printed;
+  EXPECT_NE(refused.Printed.find("[changed]"), std::string::npos) << refused.Printed;
+  EXPECT_EQ(room_.Configuration(), configuration);
+  EXPECT_EQ(room_.Run(CustodyRoom::Determined({"import", backup_})).Status(), 0);
+}
+
+// Who lets the change pass has seen what it changes.
 TEST_F(DamagedFile, AFlippedBitOfABackupIsSeenWhereItChangesTheFile) {
   const auto whole = Bytes(backup_);
   const auto original = room_.Configuration();
