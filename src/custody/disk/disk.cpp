@@ -6,8 +6,8 @@
 namespace zolvane {
 
 Status Disk::Replace(const std::string& path, std::string_view bytes) {
-  const auto fresh = path + ".new";
-  PassOver(Remove(fresh));  // left behind by a program that was killed
+  const auto fresh = path + ".zolvane-new";  // as no file of a user is named
+  PassOver(Remove(fresh));                   // left behind by a program that was killed
   return Create(fresh, bytes).Then([&] { return SyncFile(fresh); }).Then([&] { return Rename(fresh, path); });
 }
 

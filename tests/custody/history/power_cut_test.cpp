@@ -94,10 +94,11 @@ TEST_F(PowerCut, LosesNothingOfWhatFollowsAKilledProgram) {
   ASSERT_TRUE(Disk.MakeFolder("/lab/Zolvane.history").Ok());
   ASSERT_TRUE(Disk.MakeFolder("/lab/Zolvane.history/objects").Ok());
   const auto line = IdentityLine(std::string(32, 'a')) + "\n";
-  ASSERT_TRUE(Disk.Create("/lab/Zolvane.history/journal.jsonl.new", line).Ok());
-  ASSERT_TRUE(Disk.SyncFile("/lab/Zolvane.history/journal.jsonl.new").Ok());
+  ASSERT_TRUE(Disk.Create("/lab/Zolvane.history/journal.jsonl.zolvane-new", line).Ok());
+  ASSERT_TRUE(Disk.SyncFile("/lab/Zolvane.history/journal.jsonl.zolvane-new").Ok());
   ASSERT_TRUE(
-      Disk.Rename("/lab/Zolvane.history/journal.jsonl.new", "/lab/Zolvane.history/journal.jsonl").Ok());
+      Disk.Rename("/lab/Zolvane.history/journal.jsonl.zolvane-new", "/lab/Zolvane.history/journal.jsonl")
+          .Ok());
   History history{Disk, Witness, folder};
   ASSERT_TRUE(history.OpenForRecording().Ok());
   ASSERT_TRUE(history.Exists());
