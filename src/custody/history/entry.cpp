@@ -5,6 +5,7 @@
 
 #include "custody/disk/sha256.h"
 #include "custody/history/canonical_json.h"
+#include "text/plain_json.h"
 
 namespace zolvane {
 
@@ -13,7 +14,7 @@ constexpr auto MembersOf(const FileChange*) {
                     Member{"before", &FileChange::Before}, Member{"after", &FileChange::After}};
 }
 
-// All of a line but its state, which follows.
+// All of a line but its state.
 constexpr auto MembersOf(const Entry*) {
   return std::tuple{Member{"seq", &Entry::Sequence, Presence::Always},
                     Member{"of", &Entry::Of},
@@ -41,11 +42,19 @@ constexpr auto MembersOf(const Entry*) {
                     Member{"previous", &Entry::Previous, Presence::Always}};
 }
 
+// What stands on a line. The state tells people what `of` tells programs.
+struct EntryLine : Entry {
+  std::string State;
+};
+
+constexpr auto MembersOf(const EntryLine*) {
+  return std::tuple_cat(MembersOf(static_cast<const Entry*>(nullptr)),
+                        std::tuple{Member{"state", &EntryLine::State, Presence::Always}});
+}
+
 namespace {
 
-constexpr const char* stateName = "state";
-
-const char* StateOf(const Entry& entry) {
+std::string StateOf(const Entry& entry) {
   return entry.IsEnd() ? "ended" : "begun";
 }
 
@@ -53,12 +62,18 @@ bool NamesObjectsOnly(const Entry& entry) {
   return std::ranges::all_of(ObjectsOf(entry), IsSha256Hex) && IsSha256Hex(entry.Previous);
 }
 
+std::optional<EntryLine> ParsedLine(std::string_view line) {
+  if (auto plain = FromPlainJson<EntryLine>(line)) {
+    return plain;
+  }
+  EntryLine parsed;
+  return Take(ObjectIn(line), parsed) ? std::optional{std::move(parsed)} : std::nullopt;
+}
+
 }  // namespace
 
 std::string LineOf(const Entry& entry) {
-  auto object = JsonOf(entry);
-  object[stateName] = StateOf(entry);
-  return CanonicalJson(object);
+  return CanonicalJson(JsonOf(EntryLine{entry, StateOf(entry)}));
 }
 
 Json ObjectIn(std::string_view line) {
@@ -66,11 +81,9 @@ Json ObjectIn(std::string_view line) {
 }
 
 std::optional<Entry> EntryIn(std::string_view line) {
-  const auto object = ObjectIn(line);
-  Entry entry;
-  const bool isEntry =
-      Take(object, entry) && object.value(stateName, Json()) == StateOf(entry) && NamesObjectsOnly(entry);
-  return isEntry ? std::optional{std::move(entry)} : std::nullopt;
+  auto parsed = ParsedLine(line);
+  const bool isEntry = parsed && parsed->State == StateOf(*parsed) && NamesObjectsOnly(*parsed);
+  return isEntry ? std::optional<Entry>{std::move(*parsed)} : std::nullopt;
 }
 
 std::vector<std::string> ObjectsOf(const Entry& entry) {
