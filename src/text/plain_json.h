@@ -73,8 +73,7 @@ class PlainJson {
         return name && (TakeNamed(*name, members.Name, part.*members.Place, seen, at++) || ...);
       };
       std::size_t at = 0;
-      return TakeAll('{', '}', takeNext) &&
-             ((seen.test(at++) || members.Is == Presence::IfAny) && ...);
+      return TakeAll('{', '}', takeNext) && ((seen.test(at++) || members.Is == Presence::IfAny) && ...);
     };
     return std::apply(take, MembersOf(&part));
   }

@@ -45,7 +45,8 @@ TEST(PlainJson, GivesWhatTheLibraryGives) {
 TEST(PlainJson, LeavesEveryOtherSpellingToTheLibrary) {
   for (const auto* const text :
        {R"({ "number":1})", R"({"number":1} )", R"({"number":1,"other":2})", R"({"number":1,"number":2})",
-        R"({"number":1.0})", R"({"number":1,"parts":[{"name":"a\"b"}]})", "{\"number\":1,\"parts\":[{\"name\":\"\xC3\xA4\"}]}"}) {
+        R"({"number":1.0})", R"({"number":1,"parts":[{"name":"a\"b"}]})",
+        "{\"number\":1,\"parts\":[{\"name\":\"\xC3\xA4\"}]}"}) {
     EXPECT_FALSE(FromPlainJson<Whole>(text)) << text;
   }
 }

@@ -26,10 +26,6 @@
 namespace zolvane {
 namespace {
 
-const AddInFile& Module() {
-  return ProgramFolder::OfThisRun().Module();
-}
-
 // ---- Counters of the system that count
 
 BOOL CALLBACK CountWindow(HWND, LPARAM count) {

@@ -21,13 +21,13 @@
 namespace zolvane {
 namespace {
 
-HMODULE Module() {
-  return ProgramFolder::OfThisRun().Module().Module();
+HMODULE LoadedModule() {
+  return Module().Module();
 }
 
 template <class Entry>
 const Entry* At(std::size_t offset) {
-  return reinterpret_cast<const Entry*>(reinterpret_cast<const char*>(Module()) + offset);
+  return reinterpret_cast<const Entry*>(reinterpret_cast<const char*>(LoadedModule()) + offset);
 }
 
 const IMAGE_NT_HEADERS& Headers() {
@@ -84,12 +84,12 @@ TEST(ModuleFile, MayLieAnywhereInMemoryAndRunsNoData) {
 }
 
 TEST(ModuleFile, HoldsTheIdentifierOfTheClassesDefaultInterface) {
-  const HRSRC found = FindResourceW(Module(), L"_IID_CONNECT", RT_RCDATA);
+  const HRSRC found = FindResourceW(LoadedModule(), L"_IID_CONNECT", RT_RCDATA);
   ASSERT_NE(found, nullptr);
-  EXPECT_EQ(SizeofResource(Module(), found), 20U);
+  EXPECT_EQ(SizeofResource(LoadedModule(), found), 20U);
   const std::array<unsigned char, 20> expected{16,   0,    0,    0,    0xFD, 0x6B, 0xD9, 0xA9, 0xCC, 0x3C,
                                                0xDC, 0x4C, 0xBC, 0x17, 0xF0, 0x94, 0xF9, 0x0A, 0xE4, 0x02};
-  const void* const bytes = LockResource(LoadResource(Module(), found));
+  const void* const bytes = LockResource(LoadResource(LoadedModule(), found));
   EXPECT_EQ(std::memcmp(bytes, expected.data(), expected.size()), 0);
 }
 
@@ -100,11 +100,11 @@ BOOL CALLBACK NoteLanguage(HMODULE, const wchar_t*, const wchar_t*, WORD languag
 
 TEST(ModuleFile, HoldsTheCaptionAsString1102InAmericanEnglish) {
   std::array<wchar_t, 64> text{};
-  LoadStringW(Module(), 1102, text.data(), static_cast<int>(text.size()));
+  LoadStringW(LoadedModule(), 1102, text.data(), static_cast<int>(text.size()));
   EXPECT_EQ(Utf8(text.data()), "Zolvane Setup");
   const int block = 1102 / 16 + 1;
   WORD language = 0;
-  EnumResourceLanguagesW(Module(), reinterpret_cast<LPCWSTR>(RT_STRING), MAKEINTRESOURCEW(block),
+  EnumResourceLanguagesW(LoadedModule(), reinterpret_cast<LPCWSTR>(RT_STRING), MAKEINTRESOURCEW(block),
                          reinterpret_cast<ENUMRESLANGPROCW>(reinterpret_cast<void*>(NoteLanguage)),
                          reinterpret_cast<LONG_PTR>(&language));
   EXPECT_EQ(language, 1033);
@@ -118,12 +118,13 @@ BOOL CALLBACK NoteBlock(HMODULE, const wchar_t*, wchar_t* name, LONG_PTR blocks)
 TEST(ModuleFile, HoldsNoOtherString) {
   constexpr std::size_t stringsOfABlock = 16;
   std::vector<std::size_t> blocks;
-  EnumResourceNamesW(Module(), reinterpret_cast<LPCWSTR>(RT_STRING), NoteBlock,
+  EnumResourceNamesW(LoadedModule(), reinterpret_cast<LPCWSTR>(RT_STRING), NoteBlock,
                      reinterpret_cast<LONG_PTR>(&blocks));
   std::vector<std::size_t> strings;
   for (const auto block : blocks) {
-    const auto* text = static_cast<const WORD*>(LockResource(LoadResource(
-        Module(), FindResourceW(Module(), MAKEINTRESOURCEW(block), reinterpret_cast<LPCWSTR>(RT_STRING)))));
+    const auto* text = static_cast<const WORD*>(
+        LockResource(LoadResource(LoadedModule(), FindResourceW(LoadedModule(), MAKEINTRESOURCEW(block),
+                                                                reinterpret_cast<LPCWSTR>(RT_STRING)))));
     for (std::size_t index = 0; index < stringsOfABlock; ++index, text += *text + 1) {
       if (*text != 0) {
         strings.push_back((block - 1) * stringsOfABlock + index);

@@ -14,11 +14,11 @@
 namespace zolvane {
 namespace {
 
-constexpr const wchar_t* classes = L"Software\\Classes";
+constexpr const wchar_t* classesKey = L"Software\\Classes";
 constexpr DWORD longestName = 0x4000;
 
 std::wstring Full(const std::wstring& key) {
-  return std::wstring{classes} + L"\\" + key;
+  return std::wstring{classesKey} + L"\\" + key;
 }
 
 std::string Shown(DWORD type, const std::vector<BYTE>& data) {
@@ -89,8 +89,8 @@ RegistryLines ClassesBelow(const std::wstring& key) {
 }
 
 RegistryLines AllClasses() {
-  auto lines = Below(HKEY_LOCAL_MACHINE, classes, "");
-  lines.merge(Below(HKEY_CURRENT_USER, classes, "(user)"));
+  auto lines = Below(HKEY_LOCAL_MACHINE, classesKey, "");
+  lines.merge(Below(HKEY_CURRENT_USER, classesKey, "(user)"));
   return lines;
 }
 
@@ -128,7 +128,8 @@ void ForeignKey::Allow(const wchar_t* descriptor) {
 
 void DeleteClasses(const std::wstring& key, REGSAM view) {
   UniqueRegistryKey opened;
-  if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, classes, 0, KEY_ALL_ACCESS | view, opened.Put()) == ERROR_SUCCESS) {
+  if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, classesKey, 0, KEY_ALL_ACCESS | view, opened.Put()) ==
+      ERROR_SUCCESS) {
     RegDeleteTreeW(opened.Get(), key.c_str());
   }
 }

@@ -26,10 +26,6 @@ constexpr std::array<const wchar_t*, 4> ownKeys{classKey, programKey, libraryKey
 constexpr bool isFor64Bits = sizeof(void*) == 8;
 constexpr HRESULT childMustBeVolatile = __HRESULT_FROM_WIN32(ERROR_CHILD_MUST_BE_VOLATILE);
 
-const AddInFile& Module() {
-  return ProgramFolder::OfThisRun().Module();
-}
-
 std::wstring ModulePath() {
   return (ProgramFolder::OfThisRun().Path() / addInModuleName).wstring();
 }

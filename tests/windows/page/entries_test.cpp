@@ -7,16 +7,15 @@
 
 #include "bench/host/silent_events.h"
 #include "shell/windows/page/page_window.h"
+#include "windows/page/control_ids.h"
 #include "windows/support/hosted_page.h"
 
 namespace zolvane {
 namespace {
 
-constexpr int tipList = IdOf(ListControl::TipType);
-
 class ListEntries : public testing::Test {
  protected:
-  HWND List() const { return frame_->Control(tipList); }
+  HWND List() const { return frame_->Control(control_ids::tipList); }
 
   LRESULT DroppedWidth() const { return SendMessageW(List(), CB_GETDROPPEDWIDTH, 0, 0); }
 

@@ -7,12 +7,12 @@
 #include <string>
 
 #include "shell/windows/page/page_layout.h"
+#include "windows/page/control_ids.h"
 #include "windows/support/hosted_page.h"
 
 namespace zolvane {
 namespace {
 
-constexpr int tipList = IdOf(ListControl::TipType);
 constexpr int query = IdOfButton(queryButton);
 
 void Pump() {
@@ -115,12 +115,13 @@ TEST_F(ImpatientUser, AnAccessKeyThatIsHeldDownPressesItsButtonOnce) {
 // ---- Lists that are open ----
 
 TEST_F(ImpatientUser, AnOperationStartedFromAnOpenListWorksWithWhatTheListShows) {
-  const HWND list = page_.Control(tipList);
+  const HWND list = page_.Control(control_ids::tipList);
   std::string stored;
   meanwhile_ = [&] { stored = HostedPage::Stored("TipType", "Installed"); };
   SetFocus(list);
   SendMessageW(list, CB_SETCURSEL, 0, 0);
-  SendMessageW(page_.Frame(), WM_COMMAND, MAKEWPARAM(tipList, CBN_SELCHANGE), reinterpret_cast<LPARAM>(list));
+  SendMessageW(page_.Frame(), WM_COMMAND, MAKEWPARAM(control_ids::tipList, CBN_SELCHANGE),
+               reinterpret_cast<LPARAM>(list));
   ASSERT_EQ(HostedPage::Stored("TipType", "Installed"), "1");
   SendMessageW(list, CB_SHOWDROPDOWN, TRUE, 0);
   ASSERT_TRUE(IsOpen(list));
@@ -133,7 +134,7 @@ TEST_F(ImpatientUser, AnOperationStartedFromAnOpenListWorksWithWhatTheListShows)
 
 TEST(OpenList, IsClosedWhenThePageIsLoaded) {
   const HostedPage page;
-  const HWND list = page.Control(tipList);
+  const HWND list = page.Control(control_ids::tipList);
   const auto stored = HostedPage::Stored("TipType", "Installed");
   const auto selected = SendMessageW(list, CB_GETCURSEL, 0, 0);
   SetFocus(list);

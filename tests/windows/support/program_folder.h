@@ -41,4 +41,9 @@ class ProgramFolder {
   std::unique_ptr<AddInFile> module_;
 };
 
+// The component in that folder.
+inline const AddInFile& Module() {
+  return ProgramFolder::OfThisRun().Module();
+}
+
 }  // namespace zolvane
