@@ -6,6 +6,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string_view>
 #include <tuple>
 
 namespace zolvane {
@@ -16,7 +17,7 @@ enum class Presence : std::uint8_t { IfAny, Always };
 
 template <class Struct, class Type>
 struct Member {
-  const char* Name;
+  std::string_view Name;
   Type Struct::* Place;
   Presence Is = Presence::IfAny;
 };
