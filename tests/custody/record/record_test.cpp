@@ -6,6 +6,7 @@
 #include <string>
 
 #include "custody/record/sample_record.h"
+#include "support/long_tests.h"
 
 namespace zolvane {
 namespace {
@@ -99,11 +100,15 @@ TEST(Record, CutOffAnywhereIsRefused) {
   EXPECT_EQ(believed, 0U);
 }
 
+// A bit of every byte, each in its turn; or every bit.
 TEST(Record, WithAnyBitFlippedIsRefused) {
   auto bytes = WriteRecord(SmallRecord());
   ASSERT_TRUE(ReadRecord(bytes).Content);
   std::size_t believed = 0;
   for (std::size_t bit = 0; bit < 8 * bytes.size(); ++bit) {
+    if (!TriesAll() && bit / 8 % 8 != bit % 8) {
+      continue;
+    }
     auto& byte = bytes[bit / 8];
     const char kept = byte;
     byte = static_cast<char>(byte ^ (1 << bit % 8));
