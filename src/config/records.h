@@ -1,8 +1,9 @@
 // The records of the configuration tables, as they stand in memory. Fresh records are empty, zero and false.
 //
 // A member is named after what the instrument or the page uses it for. Field, Flag or Value with a number is
-// only kept; the number is its place in the record line. Positions that pass through a step factor are motor
-// steps in memory and file units (millimetres) in the file.
+// only kept; the number is its place in the record line, counted from 1, but from 0 in devices, cages, heads and
+// tips. Positions that pass through a step factor are motor steps in memory and file units (millimetres) in the
+// file.
 #pragma once
 
 #include <array>

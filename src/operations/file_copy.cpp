@@ -45,7 +45,7 @@ void CopyCages(const Copy& copy) {
 void CopyHeights(const Copy& copy) {
   const auto& configuration = copy.Context.Config;
   Save(heightTable, configuration, Load(heightTable, configuration, copy.Source), copy.Destination);
-  AppendBlankLine(copy.Context, copy.Destination, true);
+  AppendBlankLine(copy.Context, copy.Destination, true);  // also where the other tables have none
 }
 
 void CopyNests(const Copy& copy) {
@@ -71,6 +71,7 @@ struct CopyStep {
   void (*Run)(const Copy& copy);
 };
 
+// Tip types, axes and volume corrections stay where they are.
 constexpr auto copySteps = std::to_array<CopyStep>({
     {"...Device setup data", CopyDevices},
     {"...Pipetting module data", CopyCages},

@@ -62,7 +62,7 @@ std::optional<std::string> TagIn(const OperationContext& context, std::string_vi
   return fields.size() == fieldCount ? std::optional{fields[tagField]} : std::nullopt;
 }
 
-// Looks for the head with that tag. A head without a match writes 0, and selecting its empty name then
+// Looks for the head with that tag. A tag without a head writes 0, and selecting the empty name then
 // selects the first entry, whose handler writes that entry's number.
 void RecordHeadWithTag(const OperationContext& context, const std::optional<std::string>& tag) {
   const auto matches = [&tag](const HeadTypeRecord& candidate) { return candidate.Tag == tag; };

@@ -89,7 +89,8 @@ class FieldRules {
         return;
       case FieldKind::Whole:
       case FieldKind::Real:
-        return CheckNumber(field, text);
+        CheckNumber(field, text);
+        return;
     }
   }
 

@@ -124,7 +124,9 @@ void CheckedFile::Watch() {
   };
   if (Is == Kind::Configuration) {
     auto ends = EndsOn(disk_, folder);
-    ends.Host.Wrapped = [&](auto settings) { return std::make_shared<DrySettings>(settings, observe); };
+    ends.Host.Wrapped = [&](const auto& settings) {
+      return std::make_shared<DrySettings>(settings, observe);
+    };
     PageWrites = Play(ends, {.Kind = ActionKind::ShowPage}).Writes;
   }
   isByWalk = true;

@@ -111,7 +111,11 @@ class Auditor {
     }
     std::set<std::uint64_t> running;
     for (const auto& entry : journal_.Entries) {
-      entry.IsEnd() ? running.erase(entry.Of) : running.insert(entry.Sequence).second;
+      if (entry.IsEnd()) {
+        running.erase(entry.Of);
+      } else {
+        running.insert(entry.Sequence);
+      }
     }
     for (const auto number : running) {
       result_.Notes.push_back(Joined("operation ", std::to_string(number), " was begun and has not ended"));

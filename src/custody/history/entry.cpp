@@ -9,13 +9,13 @@
 
 namespace zolvane {
 
-constexpr auto MembersOf(const FileChange*) {
+static constexpr auto MembersOf(const FileChange*) {
   return std::tuple{Member{"path", &FileChange::Path, Presence::Always},
                     Member{"before", &FileChange::Before}, Member{"after", &FileChange::After}};
 }
 
 // All of a line but its state.
-constexpr auto MembersOf(const Entry*) {
+static constexpr auto MembersOf(const Entry*) {
   return std::tuple{Member{"seq", &Entry::Sequence, Presence::Always},
                     Member{"of", &Entry::Of},
                     Member{"action", &Entry::Action, Presence::Always},
@@ -47,7 +47,7 @@ struct EntryLine : Entry {
   std::string State;
 };
 
-constexpr auto MembersOf(const EntryLine*) {
+static constexpr auto MembersOf(const EntryLine*) {
   return std::tuple_cat(MembersOf(static_cast<const Entry*>(nullptr)),
                         std::tuple{Member{"state", &EntryLine::State, Presence::Always}});
 }

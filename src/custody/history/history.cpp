@@ -101,8 +101,9 @@ std::optional<Checkpoint> History::LastCheckpoint() const {
 
 std::optional<std::string> History::LastLeft(std::string_view file) const {
   const auto operations = Operations();
-  const auto last = std::find_if(operations.rbegin(), operations.rend(),
-                                 [&](const Operation& operation) { return operation.Begun->File == file; });
+  const auto last =
+      std::ranges::find_if(operations.rbegin(), operations.rend(),
+                           [&](const Operation& operation) { return operation.Begun->File == file; });
   return last == operations.rend() || last->Ended == nullptr ? std::nullopt
                                                              : std::optional{last->Ended->FileAfter};
 }

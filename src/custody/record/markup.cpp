@@ -53,7 +53,7 @@ std::string Escaped(std::string_view text) {
 }
 
 std::string Shortened(std::string_view name, std::size_t characters) {
-  const auto text = Printable(name);
+  auto text = Printable(name);
   std::size_t end = 0;
   for (std::size_t count = 0; end < text.size(); ++count) {
     if (count == characters) {

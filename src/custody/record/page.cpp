@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstddef>
+#include <cstdlib>
 #include <optional>
 #include <utility>
 
@@ -23,11 +24,12 @@ namespace {
 // of another form stays as it is.
 std::string LocalTimeText(const std::string& utc, std::int64_t offset) {
   using namespace std::chrono;
+  constexpr std::int64_t minutesOfADay = 24 * 60;
   constexpr std::string_view form = "dddd-dd-ddTdd:dd:dd.dddZ";
   const auto fits = [](char character, char expected) {
     return expected == 'd' ? character >= '0' && character <= '9' : character == expected;
   };
-  if (!std::ranges::equal(utc, form, fits) || offset < -24 * 60 || offset > 24 * 60) {
+  if (!std::ranges::equal(utc, form, fits) || std::abs(offset) > minutesOfADay) {
     return utc;
   }
   const auto number = [&utc](std::size_t at, std::size_t length) {

@@ -49,7 +49,7 @@ ReadRecordResult ReadRecord(std::string_view bytes) {
   if (!content) {
     return Refused("was written by another version: its data are of an unknown form");
   }
-  return {.Content = *std::move(content), .Refusal = {}};
+  return {.Content = std::move(content), .Refusal = {}};
 }
 
 bool LooksLikeRecord(std::string_view bytes) {

@@ -16,12 +16,12 @@ constexpr std::size_t base64Line = 100;
 
 }  // namespace
 
-constexpr auto MembersOf(const RecordedState*) {
+static constexpr auto MembersOf(const RecordedState*) {
   return std::tuple{Member{"configuration", &RecordedState::Configuration, Presence::Always},
                     Member{"instrument", &RecordedState::Instrument}};
 }
 
-constexpr auto MembersOf(const RecordedOperation*) {
+static constexpr auto MembersOf(const RecordedOperation*) {
   return std::tuple{Member{"number", &RecordedOperation::Number, Presence::Always},
                     Member{"action", &RecordedOperation::Action, Presence::Always},
                     Member{"outcome", &RecordedOperation::Outcome, Presence::Always},
@@ -31,7 +31,7 @@ constexpr auto MembersOf(const RecordedOperation*) {
                     Member{"found", &RecordedOperation::Found, Presence::Always}};
 }
 
-constexpr auto MembersOf(const RecordContent*) {
+static constexpr auto MembersOf(const RecordContent*) {
   return std::tuple{Member{"person", &RecordContent::Person, Presence::Always},
                     Member{"reason", &RecordContent::Reason},
                     Member{"machine", &RecordContent::Machine, Presence::Always},

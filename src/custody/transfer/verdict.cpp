@@ -72,7 +72,7 @@ bool IsNearerToZero(const Change& change) {
 }
 
 struct CauseRow {
-  Cause Is;
+  Cause Is = Cause::Other;
   bool (*Holds)(const Change& change);
   bool IsTelling = true;  // hardly anybody sets such a value by chance
 };
