@@ -8,38 +8,38 @@
 namespace zolvane {
 namespace {
 
-struct Part {
+struct PlainPart {
   std::string Name;
   std::int64_t Size = 0;
 
-  friend bool operator==(const Part&, const Part&) = default;
+  friend bool operator==(const PlainPart&, const PlainPart&) = default;
 };
 
-constexpr auto MembersOf(const Part*) {
-  return std::tuple{Member{"name", &Part::Name, Presence::Always}, Member{"size", &Part::Size}};
+constexpr auto MembersOf(const PlainPart*) {
+  return std::tuple{Member{"name", &PlainPart::Name, Presence::Always}, Member{"size", &PlainPart::Size}};
 }
 
-struct Whole {
+struct PlainWhole {
   std::uint8_t Number = 0;
-  std::vector<Part> Parts;
+  std::vector<PlainPart> Parts;
   std::map<std::string, int> Counts;
 
-  friend bool operator==(const Whole&, const Whole&) = default;
+  friend bool operator==(const PlainWhole&, const PlainWhole&) = default;
 };
 
-constexpr auto MembersOf(const Whole*) {
-  return std::tuple{Member{"number", &Whole::Number, Presence::Always}, Member{"parts", &Whole::Parts},
-                    Member{"counts", &Whole::Counts}};
+constexpr auto MembersOf(const PlainWhole*) {
+  return std::tuple{Member{"number", &PlainWhole::Number, Presence::Always},
+                    Member{"parts", &PlainWhole::Parts}, Member{"counts", &PlainWhole::Counts}};
 }
 
-const std::string plain =
+const std::string plainText =
     R"({"counts":{"all":-12,"none":0},"number":255,"parts":[{"name":"a b~"},{"size":9007199254740992,"name":""}]})";
 
 TEST(PlainJson, GivesWhatTheLibraryGives) {
-  const auto read = FromPlainJson<Whole>(plain);
-  EXPECT_EQ(read, (Whole{255, {{"a b~", 0}, {"", std::int64_t{1} << 53}}, {{"all", -12}, {"none", 0}}}));
-  EXPECT_EQ(read, FromJson<Whole>(plain));
-  EXPECT_EQ(FromPlainJson<Whole>(R"({"number":0,"parts":[],"counts":{}})"), Whole{});
+  const auto read = FromPlainJson<PlainWhole>(plainText);
+  EXPECT_EQ(read, (PlainWhole{255, {{"a b~", 0}, {"", std::int64_t{1} << 53}}, {{"all", -12}, {"none", 0}}}));
+  EXPECT_EQ(read, FromJson<PlainWhole>(plainText));
+  EXPECT_EQ(FromPlainJson<PlainWhole>(R"({"number":0,"parts":[],"counts":{}})"), PlainWhole{});
 }
 
 TEST(PlainJson, LeavesEveryOtherSpellingToTheLibrary) {
@@ -47,7 +47,7 @@ TEST(PlainJson, LeavesEveryOtherSpellingToTheLibrary) {
        {R"({ "number":1})", R"({"number":1} )", R"({"number":1,"other":2})", R"({"number":1,"number":2})",
         R"({"number":1.0})", R"({"number":1,"parts":[{"name":"a\"b"}]})",
         "{\"number\":1,\"parts\":[{\"name\":\"\xC3\xA4\"}]}"}) {
-    EXPECT_FALSE(FromPlainJson<Whole>(text)) << text;
+    EXPECT_FALSE(FromPlainJson<PlainWhole>(text)) << text;
   }
 }
 
@@ -58,25 +58,25 @@ TEST(PlainJson, TakesNothingThatTheLibraryRefuses) {
         R"({"number":1,"parts":[{}]})", R"({"number":1,"parts":[{"name":"a","size":9007199254740993}]})",
         R"({"number":1,"parts":[{"name":"a)", "{\"number\":1,\"parts\":[{\"name\":\"\x1f\"}]}",
         R"({"number":+1})", R"({"number":})"}) {
-    EXPECT_FALSE(FromPlainJson<Whole>(text)) << text;
-    EXPECT_FALSE(FromJson<Whole>(text)) << text;
+    EXPECT_FALSE(FromPlainJson<PlainWhole>(text)) << text;
+    EXPECT_FALSE(FromJson<PlainWhole>(text)) << text;
   }
 }
 
 // Any other byte at any place: declined, or read as the library reads it.
 TEST(PlainJson, NeverDisagreesWithTheLibrary) {
   std::size_t taken = 0;
-  for (std::size_t at = 0; at < plain.size(); ++at) {
+  for (std::size_t at = 0; at < plainText.size(); ++at) {
     for (int byte = 0; byte < 256; ++byte) {
-      auto text = plain;
+      auto text = plainText;
       text[at] = static_cast<char>(byte);
-      if (const auto read = FromPlainJson<Whole>(text)) {
-        ASSERT_EQ(read, FromJson<Whole>(text)) << text;
+      if (const auto read = FromPlainJson<PlainWhole>(text)) {
+        ASSERT_EQ(read, FromJson<PlainWhole>(text)) << text;
         ++taken;
       }
     }
   }
-  EXPECT_GT(taken, plain.size());
+  EXPECT_GT(taken, plainText.size());
 }
 
 }  // namespace
