@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <initializer_list>
+#include <iterator>
 #include <ranges>
 #include <tuple>
 
@@ -175,11 +176,16 @@ void Diff(Workplace& work, const Words& words) {
       differences.back()["answered"] = false;
     }
   }
-  work.Out.Print(
-      DifferencesText(changes, DescriptionsFor(work, a.IsInstrument || a.IsBackup ? b : a), a.Name, b.Name) +
-      CountsText(work.Result.Counts) + "\n");
+  const auto descriptionsOf = [&](const Side& own, const Side& other) {
+    return DescriptionsFor(work, own.IsInstrument || own.IsBackup ? other : own);
+  };
+  work.Out.Print(DifferencesText(changes, {descriptionsOf(a, b), a.Name}, {descriptionsOf(b, a), b.Name}) +
+                 CountsText(work.Result.Counts) + "\n");
   work.Result.Worsen(changes.Differences.empty() ? exit_status::done : exit_status::notDone);
   if (changes.NotAnswered > 0) {
+    if (changes.NotAnswered == changes.Differences.size() && changes.Same == 0) {
+      work.Result.Worsen(exit_status::unusable);
+    }
     work.Out.Error(
         Joined("the instrument does not answer", work.Link ? LinkProblem(*work.Link) : std::string{}));
   }
@@ -199,7 +205,9 @@ Values LastLeft(Workplace& work) {
     const auto text = isKept ? history.Object(operation.Ended->Left) : std::nullopt;
     const auto values = text ? ValuesIn(*text) : std::nullopt;
     if (values) {
-      std::ranges::for_each(values->InOrder(), [&](const Value& value) { left.Add(value); });
+      for (const auto& value : values->InOrder() | std::views::filter(&Value::WasAnswered)) {
+        left.Add(value);
+      }
     }
   }
   if (left.InOrder().empty()) {
@@ -228,7 +236,9 @@ void Drift(Workplace& work, const Words& /*words*/) {
   const auto file = SideNamed(work, "file");
   const auto left = LastLeft(work);
   const auto says = WireFaceOf(work, file, {});
-  const auto names = NamesOf(says);
+  auto names = NamesOf(says);
+  std::ranges::copy_if(NamesOf(left), std::back_inserter(names),
+                       [&says](const auto& name) { return says.Find(name) == nullptr; });
   const auto holds = WireFaceOfInstrument(link, names);
   DemandAnswers(holds, link);
   const auto descriptions = DescriptionsFor(work, file);

@@ -128,7 +128,7 @@ void AddInOperation::Look(Custody& custody) {
 
 void AddInOperation::LookAtFile(Custody& custody) {
   auto& work = custody.Work;
-  if (row_.File != FileRole::None && IsSameFile(*file_, work.ConfigFile())) {
+  if (row_.File == FileRole::Loaded && IsSameFile(*file_, work.ConfigFile())) {
     throw UsageError{Joined(Quoted(*file_), " is the configuration itself")};
   }
   if (row_.File == FileRole::Loaded) {
@@ -257,11 +257,12 @@ void AddInOperation::ShowLoss(Custody& custody) const {
     }
   }
   const auto count = lost.Differences.size();
+  const Descriptions descriptions{WireFaceOfFile(configuration)};
   work.Result.Counts.emplace_back("not_brought_back", count);
-  work.Out.Print(Joined(
-      "A later import will not bring back ", CountOf(count, "value"), " of ",
-      std::to_string(face.InOrder().size()), "\n",
-      DifferencesText(lost, Descriptions{WireFaceOfFile(configuration)}, "in the file", "after an import")));
+  work.Out.Print(
+      Joined("A later import will not bring back ", CountOf(count, "value"), " of ",
+             std::to_string(face.InOrder().size()), "\n",
+             DifferencesText(lost, {descriptions, "in the file"}, {descriptions, "after an import"})));
 }
 
 // ---- Act ----
@@ -272,11 +273,18 @@ void ShowRoundTrip(Workplace& work, const Custody& custody) {
   const auto before = work.Link != nullptr ? WireFaceOfInstrument(*work.Link, NamesOf(now.Lines))
                                            : WireFaceOfFile(*custody.Found.Configuration).Lines;
   const auto changes = Compare(before, now.Lines);
+  if (changes.NotAnswered > 0) {
+    work.Out.Error(Joined("what an upload would now change is not known: the instrument does not answer",
+                          LinkProblem(*work.Link)));
+    return;
+  }
   work.Result.Counts.emplace_back("upload_would_change", changes.Differences.size());
   if (!changes.Differences.empty()) {
-    work.Out.Print(Joined("An upload would now change ", CountOf(changes.Differences.size(), "value"), "\n",
-                          DifferencesText(changes, Descriptions{now},
-                                          work.Link != nullptr ? "instrument" : "as found", "to be sent")));
+    const Descriptions descriptions{now};
+    work.Out.Print(
+        Joined("An upload would now change ", CountOf(changes.Differences.size(), "value"), "\n",
+               DifferencesText(changes, {descriptions, work.Link != nullptr ? "instrument" : "as found"},
+                               {descriptions, "to be sent"})));
   }
 }
 
@@ -304,7 +312,8 @@ Conclusion AddInOperation::Act(Custody& custody) {
   }
   evidence.TakeConfiguration();
   CloseSavedFile(custody, evidence);
-  if (ChangesFile()) {
+  const auto& commands = played.Result.Tally.Commands;
+  if (ChangesFile() && commands.NotAnswered == 0 && commands.Undelivered == 0) {
     ShowRoundTrip(work, custody);
   }
   return evidence.Conclude();

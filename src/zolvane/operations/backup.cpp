@@ -18,18 +18,29 @@
 namespace zolvane {
 namespace {
 
+// Empty if the history has lost some of it: a record of today does without.
+Moment FoundBy(History& history, const std::vector<Operation>& operations, std::size_t place) {
+  try {
+    return KeptOf(history, operations, place).Found;
+  } catch (const UsageError&) {
+    return {};
+  }
+}
+
 // The last operation that changed something. Empty if what it found is lost.
 std::optional<RecordedOperation> LastOperation(Custody& custody) {
   const auto operations = custody.Kept.Operations();
   const auto place = LastChange(operations);
-  const auto found = place ? KeptOf(custody.Kept, operations, *place).Found : Moment{};
+  const auto found = place ? FoundBy(custody.Kept, operations, *place) : Moment{};
   if (!found.Configuration) {
     return std::nullopt;
   }
   const auto& [begun, ended] = operations[*place];
   return RecordedOperation{.Number = begun->Sequence,
                            .Action = begun->Action,
-                           .Outcome = ended != nullptr ? ended->Outcome : "not ended",
+                           .Outcome = ended == nullptr                   ? "not ended"
+                                      : begun->Action == action::outside ? "seen"
+                                                                         : ended->Outcome,
                            .Person = begun->Person,
                            .Reason = begun->Reason,
                            .Time = begun->Time,

@@ -64,6 +64,10 @@ class BringingBack final : public CustodyOperation {
 void BringingBack::Look(Custody& custody) {
   auto& work = custody.Work;
   target_ = choose_(custody);
+  if (target_.Of) {
+    custody.About = target_.Of->Numbers;
+  }
+  ObjectToUnfinished(custody.Kept, custody.Doubts, custody.About);
   auto content = work.Files.Read(work.ConfigFile());
   if (content.Is == DiskContent::State::Unreadable) {
     throw UsageError{Joined(Quoted(work.ConfigFile()), " ", content.Reason)};
@@ -284,16 +288,16 @@ bool IsUnproven(const Operation& operation) {
 
 Target Finishing(Custody& custody) {
   const auto operations = custody.Kept.Operations();
-  const auto last = std::ranges::find_if(operations.rbegin(), operations.rend(), IsOurs);
-  if (last == operations.rend() || !IsUnproven(*last)) {
+  const auto last = LastOfOurs(operations);
+  if (!last || !IsUnproven(operations[*last])) {
     throw UsageError{"there is nothing to resume: the last operation came to its end"};
   }
-  const auto& operation = *last;
+  const auto& operation = operations[*last];
   if (!SendsValues(operation.Begun->Action)) {
     throw UsageError{Joined("operation ", std::to_string(operation.Number()), " is a ",
                             operation.Begun->Action, ", which cannot be resumed: undo it, or run it again")};
   }
-  auto kept = KeptOf(custody.Kept, operations, PlaceNamed(operations, operation));
+  auto kept = KeptOf(custody.Kept, operations, *last);
   return {.Wanted = kept.Intended, .Of = std::move(kept), .Saves = kept.Saves};
 }
 

@@ -5,8 +5,10 @@
 #include <utility>
 
 #include "config/text.h"
+#include "custody/history/history_place.h"
 #include "custody/values/sides.h"
 #include "custody/values/values_json.h"
+#include "files/paths.h"
 #include "instrument/links/interrupt_flag.h"
 #include "program/version.h"
 #include "text/counted.h"
@@ -65,8 +67,8 @@ void Custody::LookAtInstrument() {
     throw UsageError{Joined("the instrument does not answer ", stageQuestion, LinkProblem(link))};
   }
   Draft.Instrument = Trimmed(reply);
-  if (Found.Configuration) {
-    ObjectToInstrument(Kept, *Found.Configuration, Draft.Instrument, Doubts);
+  if (const auto& configuration = Found.Configuration ? Found.Configuration : Intended.Configuration) {
+    ObjectToInstrument(Kept, *configuration, Draft.Instrument, Doubts);
   }
 }
 
@@ -76,6 +78,10 @@ void Custody::LookFor(std::vector<Finding> findings) {
 }
 
 void Custody::SettleDamage() {
+  if (Kept.IsTorn()) {
+    Work.Out.Note(
+        "the last line of the history was not written to its end; it is no entry, and is kept aside");
+  }
   if (!Kept.Damage().empty()) {
     Objections damage;
     Object(damage, objection_code::historyDamaged, "a whole history", Kept.Damage());
@@ -96,13 +102,20 @@ void Custody::SettleDoubts() {
 }
 
 void Custody::LookAtTarget(const std::string& path) {
+  const auto place = PlaceOfHistory(Work.Options.Folder);
+  const auto holder = FolderHolding(path);
+  if (IsSameFile(path, Work.ConfigFile())) {
+    throw UsageError{Joined(Quoted(path), " is the configuration itself")};
+  }
+  if (IsSameFile(holder, place.Folder) || IsSameFile(holder, place.Objects)) {
+    throw UsageError{Joined(Quoted(path), " is of the history, which nobody else writes to")};
+  }
   auto content = Work.Files.Read(path);
   if (content.Is == DiskContent::State::Unreadable) {
     throw UsageError{Joined(Quoted(path), " ", content.Reason)};
   }
-  const auto folder = FolderHolding(path);
-  if (Work.Files.Read(folder).Is != DiskContent::State::Unreadable) {
-    throw UsageError{Joined(Quoted(path), " cannot be made: there is no folder ", Quoted(folder))};
+  if (Work.Files.Read(holder).Is != DiskContent::State::Unreadable) {
+    throw UsageError{Joined(Quoted(path), " cannot be made: there is no folder ", Quoted(holder))};
   }
   OtherFile = {.Path = path};
   if (content.Is == DiskContent::State::Present) {
@@ -173,11 +186,23 @@ void Custody::Begin() {
   number_ = *number;
 }
 
-// An operation that was cut short is over as soon as a later one has brought everything to a proven state.
+// An operation that was cut short is over as soon as a later one has proven whatever it may have changed: the one that
+// takes it back or resumes it, and whoever let it pass and sent all values or, if it sent none, wrote the file.
+bool Custody::Settles(const Entry& unfinished) const {
+  if (action::LeavesBothSides(unfinished.Action) || unfinished.Action == action::outside) {
+    return true;  // nothing of ours is unknown
+  }
+  if (About) {
+    return About->Contains(unfinished.Sequence);
+  }
+  return SendsValues(unfinished.Action) ? SendsValues(Draft.Action) && Intended.Answers.has_value()
+                                        : !action::LeavesBothSides(Draft.Action);
+}
+
 void Custody::EndOlderOnes() {
   std::vector<Entry> unfinished;  // copies, as the history's own entries do not last while it is written
   for (const auto& operation : Kept.Operations()) {
-    if (operation.Ended == nullptr && operation.Number() != number_) {
+    if (operation.Ended == nullptr && operation.Number() != number_ && Settles(*operation.Begun)) {
       unfinished.push_back(*operation.Begun);
     }
   }
@@ -268,11 +293,11 @@ void ShowChanges(Workplace& work, std::string_view where, const Comparison& chan
                  const Descriptions& descriptions, std::string_view meant) {
   constexpr std::size_t mostShown = 500;
   const auto count = changes.Differences.size();
-  work.Out.Print(Joined(where, ": ", CountOf(count, "value"), " of ", std::to_string(count + changes.Same),
-                        " to change\n",
-                        count <= mostShown ? DifferencesText(changes, descriptions, "as found", meant)
-                                           : "  too many to print here: \"show\" prints the values of a "
-                                             "side, \"diff\" the differences of two\n"));
+  work.Out.Print(Joined(
+      where, ": ", CountOf(count, "value"), " of ", std::to_string(count + changes.Same), " to change\n",
+      count <= mostShown ? DifferencesText(changes, {descriptions, "as found"}, {descriptions, meant})
+                         : "  too many to print here: \"show\" prints the values of a "
+                           "side, \"diff\" the differences of two\n"));
 }
 
 std::string LinkProblem(const BenchLink& link) {

@@ -48,7 +48,8 @@ class Custody {
   Moment Intended;    // the same, as far as it is known; the values that are to be sent or written
   Moment Left;        // filled in by Act
   std::optional<KeptFile> OtherFile;
-  Entry Draft;  // what both entries say
+  Entry Draft;                          // what both entries say
+  std::optional<OperationRange> About;  // of an undo or a resume; filled in by Look
 
   // Asks the instrument what it is, and objects to another than expected. Throws UsageError without an
   // answer.
@@ -77,6 +78,7 @@ class Custody {
   std::optional<std::string> Keep(const std::optional<Values>& values);
   bool KeepOtherFile();
   void RecordOutside();
+  bool Settles(const Entry& unfinished) const;
   void EndOlderOnes();
   void RecordEnd(const Conclusion& conclusion);
 

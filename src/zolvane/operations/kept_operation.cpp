@@ -11,22 +11,11 @@
 #include "zolvane/work/sides.h"
 
 namespace zolvane {
-namespace {
-
-bool LeavesBothSides(const Operation& operation) {
-  return operation.Begun->Action == action::backup || operation.Begun->Action == action::exporting;
-}
-
-}  // namespace
 
 bool SendsValues(std::string_view name) {
   constexpr std::array<std::string_view, 4> actions{action::upload, action::undo, action::resume,
                                                     action::restore};
   return std::ranges::find(actions, name) != actions.end();
-}
-
-bool IsOurs(const Operation& operation) {
-  return !LeavesBothSides(operation) && operation.Begun->Action != action::outside;
 }
 
 namespace {
@@ -41,16 +30,26 @@ bool MayHaveSaved(const Operation& operation) {
 }
 
 // Where that began which the operation at this place goes on with.
-std::size_t FirstOf(const std::vector<Operation>& operations, std::size_t place) {
+std::size_t FirstOf(std::span<const Operation> operations, std::size_t place) {
   while (operations[place].Begun->Action == action::resume) {
-    const std::span before{operations.data(), place};
-    const auto resumed = std::ranges::find_if(before.rbegin(), before.rend(), IsOurs);
-    if (resumed == before.rend()) {
+    const auto resumed = LastOfOurs(operations.first(place));
+    if (!resumed) {
       break;
     }
-    place = static_cast<std::size_t>(before.rend() - resumed) - 1;
+    place = *resumed;
   }
   return place;
+}
+
+// One that was cancelled in time has not, and so has asked nothing afterwards either.
+bool HasSent(const Entry& ended) {
+  const auto sent = ended.Counts.find("sent");
+  return sent == ended.Counts.end() || sent->second != 0;
+}
+
+bool IsProvenSending(const Operation& operation) {
+  return operation.Ended != nullptr && operation.Ended->Outcome == outcome::done &&
+         SendsValues(operation.Begun->Action);
 }
 
 KeptOperation Alone(History& history, const Operation& operation) {
@@ -77,6 +76,7 @@ KeptOperation Alone(History& history, const Operation& operation) {
 KeptOperation KeptOf(History& history, const std::vector<Operation>& operations, std::size_t place) {
   auto kept = Alone(history, operations[place]);
   const auto first = FirstOf(operations, place);
+  kept.Numbers = {.First = operations[first].Number(), .Last = operations[place].Number()};
   if (first != place) {
     auto begun = Alone(history, operations[first]);
     kept.Saves = begun.Saves;
@@ -93,14 +93,26 @@ KeptOperation KeptOf(History& history, const std::vector<Operation>& operations,
   return kept;
 }
 
-bool HasChangedSomething(const std::vector<Operation>& operations, std::size_t place) {
-  if (LeavesBothSides(operations[place])) {
+bool HasChangedSomething(std::span<const Operation> operations, std::size_t place) {
+  if (action::LeavesBothSides(operations[place].Begun->Action)) {
     return false;
   }
-  const auto& begun = *operations[FirstOf(operations, place)].Begun;
+  const auto first = FirstOf(operations, place);
+  const auto& begun = *operations[first].Begun;
   const auto* const ended = operations[place].Ended;
   return ended == nullptr || ended->FileAfter != begun.FileBefore ||
-         (SendsValues(begun.Action) && ended->Left != begun.Found);
+         (SendsValues(begun.Action) && ended->Left != begun.Found && (first != place || HasSent(*ended)));
+}
+
+std::optional<std::size_t> LastOfOurs(std::span<const Operation> operations) {
+  for (auto place = operations.size(); place > 0; --place) {
+    const auto& operation = operations[place - 1];
+    if (operation.Begun->Action != action::outside &&
+        (HasChangedSomething(operations, place - 1) || IsProvenSending(operation))) {
+      return place - 1;
+    }
+  }
+  return std::nullopt;
 }
 
 std::optional<std::size_t> LastChange(const std::vector<Operation>& operations) {

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -14,6 +15,7 @@
 namespace zolvane {
 
 struct KeptOperation {
+  OperationRange Numbers{};
   bool HasEnded = false;
   bool IsProven = false;
   bool Saves = true;           // it was to send SAVE
@@ -47,14 +49,15 @@ struct KeptOperation {
 // history has lost some of it.
 KeptOperation KeptOf(History& history, const std::vector<Operation>& operations, std::size_t place);
 
-// Changes or may change the configuration or the instrument, and was not somebody else's doing.
-bool IsOurs(const Operation& operation);
-
 // The operation sends values to the instrument; the others only ask it.
 bool SendsValues(std::string_view name);
 
 // In the configuration or on the instrument, as far as is known, with what it resumed.
-bool HasChangedSomething(const std::vector<Operation>& operations, std::size_t place);
+bool HasChangedSomething(std::span<const Operation> operations, std::size_t place);
+
+// The last operation that decides whether there is something to resume: one that changed something, or proved that
+// all is as it was meant. Others, such as a cancelled one, are passed over. Nothing if there is none.
+std::optional<std::size_t> LastOfOurs(std::span<const Operation> operations);
 
 // The last one that did. Nothing if none has.
 std::optional<std::size_t> LastChange(const std::vector<Operation>& operations);

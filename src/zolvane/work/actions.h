@@ -16,4 +16,9 @@ inline constexpr std::string_view undo = "undo";
 inline constexpr std::string_view resume = "resume";
 inline constexpr std::string_view outside = "outside";  // somebody else's doing, seen afterwards
 
+// Such an operation leaves configuration and instrument as they are.
+constexpr bool LeavesBothSides(std::string_view name) {
+  return name == backup || name == exporting;
+}
+
 }  // namespace zolvane::action

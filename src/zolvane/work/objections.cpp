@@ -175,13 +175,18 @@ void ObjectToInstrument(const History& history, const std::string& configuration
   }
 }
 
-void ObjectToUnfinished(const History& history, Objections& objections) {
+void ObjectToUnfinished(const History& history, Objections& objections,
+                        const std::optional<OperationRange>& about) {
   for (const auto& operation : history.Operations()) {
     const bool isOurs = operation.Begun->Action != action::outside;  // what others did is over
-    if (isOurs && operation.Ended == nullptr) {
+    const bool changesNothing = action::LeavesBothSides(operation.Begun->Action);
+    const bool isMeant = about && (changesNothing || about->Contains(operation.Number()));
+    if (isOurs && operation.Ended == nullptr && !isMeant) {
       Object(objections, objection_code::unfinished, "none",
              Joined("operation ", std::to_string(operation.Number()), ", ", operation.Begun->Action, " of ",
-                    operation.Begun->Time, "; \"resume\" or \"undo\" ends it"));
+                    operation.Begun->Time,
+                    changesNothing ? "; it changes neither side: let it pass, and run it again"
+                                   : "; \"resume\" or \"undo\" ends it"));
     }
   }
 }

@@ -1,7 +1,9 @@
 // What speaks against going on. Somebody lets it pass, or nothing is changed.
 #pragma once
 
+#include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -30,6 +32,14 @@ inline constexpr std::string_view rounded = "rounded";        // the same
 // The comments that close a backup: this line, the three of a checkpoint, and a seal.
 inline constexpr std::string_view checkpointHeading = "; Checkpoint of the history of operations:";
 inline constexpr SealForm backupSeal{.Before = "; SHA-256 of all bytes before this line: ", .Behind = "\r\n"};
+
+// An operation and those that resumed it, by the numbers of the first and the last.
+struct OperationRange {
+  std::uint64_t First = 0;
+  std::uint64_t Last = 0;
+
+  bool Contains(std::uint64_t number) const { return First <= number && number <= Last; }
+};
 
 // Ends a command: nothing was changed, because of the objections in the report.
 struct Refusal {};
@@ -63,7 +73,9 @@ void ObjectToFindings(const Workplace& work, Objections& objections);
 void ObjectToInstrument(const History& history, const std::string& configuration, const std::string& stage,
                         Objections& objections);
 
-void ObjectToUnfinished(const History& history, Objections& objections);
+// But for those that are taken back or resumed.
+void ObjectToUnfinished(const History& history, Objections& objections,
+                        const std::optional<OperationRange>& about = {});
 
 // A file to import: cut off, changed since it was exported, or of another device. `exported` is what an export of the
 // configuration that the import would change would be, `device` the name of the device in force.

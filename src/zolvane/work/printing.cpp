@@ -59,22 +59,20 @@ std::string MeasuredText(const Descriptions& descriptions, std::string_view name
   return measure ? Joined(Printable(*text), " (", *measure, ")") : Printable(*text);
 }
 
-std::string DifferencesText(const Comparison& comparison, const Descriptions& descriptions,
-                            std::string_view nameA, std::string_view nameB) {
+std::string DifferencesText(const Comparison& comparison, const SideColumn& a, const SideColumn& b) {
   if (comparison.Differences.empty()) {
     return {};
   }
-  std::vector<TextRow> rows{{"", Printable(nameA), Printable(nameB)}};
+  std::vector<TextRow> rows{{"", Printable(a.Name), Printable(b.Name)}};
   std::string group;
   for (const auto& difference : comparison.Differences) {
-    const auto description = descriptions.Of(difference.Name);
+    const auto description = a.Measures.Of(difference.Name);
     if (description.Group != group) {
       group = description.Group;
       rows.push_back({Printable(group)});
     }
-    rows.push_back({Joined("  ", Printable(difference.Name)),
-                    SideText(descriptions, difference, difference.A),
-                    SideText(descriptions, difference, difference.B)});
+    rows.push_back({Joined("  ", Printable(difference.Name)), SideText(a.Measures, difference, difference.A),
+                    SideText(b.Measures, difference, difference.B)});
   }
   return ColumnsText(rows);
 }

@@ -24,9 +24,14 @@ std::string ColumnsText(const std::vector<TextRow>& rows, std::size_t indent = 2
 std::string MeasuredText(const Descriptions& descriptions, std::string_view name,
                          const std::optional<std::string>& text);
 
+// A side as a column: its numbers are measured by its own factors.
+struct SideColumn {
+  const Descriptions& Measures;
+  std::string_view Name;
+};
+
 // In groups, under the names of the two sides.
-std::string DifferencesText(const Comparison& comparison, const Descriptions& descriptions,
-                            std::string_view nameA, std::string_view nameB);
+std::string DifferencesText(const Comparison& comparison, const SideColumn& a, const SideColumn& b);
 
 // The counts, which add up.
 std::vector<std::pair<std::string, std::size_t>> CountsOf(const Comparison& comparison);

@@ -110,7 +110,7 @@ std::optional<std::string> KeptObject(History& history, const std::string& name)
   }
   auto bytes = history.Object(name);
   if (!bytes) {
-    throw UsageError{Joined("the history has lost what it kept: ", history.FailureReason())};
+    throw UsageError{Joined("the history has lost what it kept as ", name)};
   }
   return bytes;
 }

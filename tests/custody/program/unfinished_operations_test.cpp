@@ -1,0 +1,156 @@
+// An operation that was begun and has not ended stands in the way until something has proven what it may have changed;
+// and what else a history has to say, or must not be overwritten by.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <utility>
+
+#include "custody/history/history.h"
+#include "custody/support/custody_room.h"
+#include "support/golden.h"
+
+namespace zolvane {
+namespace {
+
+class UnfinishedUpload : public testing::Test {
+ protected:
+  // One upload has ended; the program of the next was killed before its first line left.
+  void SetUp() override {
+    ASSERT_EQ(RunBut({"upload"}).Status(), 0);
+    room_.Files.Put(ConfigFileIn(CustodyRoom::Folder()),
+                    Replaced(room_.Configuration(), "MountHeight=164.35", "MountHeight=160.25"));
+    number_ = BeginUpload();
+  }
+
+  std::uint64_t BeginUpload() {
+    History history{room_.Files, room_.Witness, CustodyRoom::Folder()};
+    EXPECT_TRUE(history.OpenForRecording().Ok());
+    auto entry = history.Entries().front();
+    entry.Intended = entry.Found;
+    return history.Begin(entry).value_or(0);
+  }
+
+  // The small configuration has findings.
+  RanCommand RunBut(Words words) {
+    words.insert(words.begin(), {"--yes", "--despite", "findings"});
+    return room_.Run(words);
+  }
+
+  bool StandsInTheWay() {
+    const auto ran = RunBut({"--rehearse", "upload"});
+    return ran.Status() == exit_status::objection && ran.Printed.find("[unfinished]") != std::string::npos;
+  }
+
+  CustodyRoom room_{SmallConfiguration(), WireFaceOfFile(SmallConfiguration()).Lines};
+  std::uint64_t number_ = 0;
+};
+
+TEST_F(UnfinishedUpload, StandsInTheWay) {
+  EXPECT_GT(number_, 0U);
+  EXPECT_TRUE(StandsInTheWay());
+}
+
+TEST_F(UnfinishedUpload, IsNotEndedByABackup) {
+  const auto ran = RunBut({"backup", CustodyRoom::PathTo("new.html")});
+  EXPECT_EQ(ran.Status(), 0) << ran.Printed;
+  EXPECT_TRUE(StandsInTheWay());
+}
+
+TEST_F(UnfinishedUpload, IsNotEndedByARestoreOfTheFileAlone) {
+  const auto refused = RunBut({"restore", "@2"});
+  EXPECT_EQ(refused.Status(), exit_status::objection) << refused.Printed;
+  const auto ran = RunBut({"--despite", "unfinished", "restore", "@2"});
+  EXPECT_EQ(ran.Status(), 0) << ran.Printed;
+  EXPECT_TRUE(StandsInTheWay());
+}
+
+TEST_F(UnfinishedUpload, StandsInTheWayOfAnUndoOfAnother) {
+  const auto ran = RunBut({"undo", "2"});
+  EXPECT_EQ(ran.Status(), exit_status::objection) << ran.Printed;
+  EXPECT_NE(ran.Printed.find("[unfinished]"), std::string::npos) << ran.Printed;
+}
+
+TEST_F(UnfinishedUpload, IsEndedByItsUndo) {
+  const auto ran = RunBut({"undo"});
+  EXPECT_EQ(ran.Status(), 0) << ran.Printed;
+  EXPECT_FALSE(StandsInTheWay());
+}
+
+TEST_F(UnfinishedUpload, IsEndedByItsResume) {
+  const auto ran = RunBut({"resume"});
+  EXPECT_EQ(ran.Status(), 0) << ran.Printed;
+  EXPECT_FALSE(StandsInTheWay());
+}
+
+TEST_F(UnfinishedUpload, IsEndedByAnUploadThatProvesAllValues) {
+  const auto ran = RunBut({"--despite", "unfinished", "upload"});
+  EXPECT_EQ(ran.Status(), 0) << ran.Printed;
+  EXPECT_FALSE(StandsInTheWay());
+}
+
+TEST_F(UnfinishedUpload, IsResumedAlsoAfterACancelledOperation) {
+  const auto cancelled = room_.Run({"--despite", "findings", "--despite", "unfinished", "upload"});
+  ASSERT_EQ(cancelled.Status(), 1) << cancelled.Printed;
+  EXPECT_TRUE(StandsInTheWay());
+  const auto ran = RunBut({"resume"});
+  EXPECT_EQ(ran.Status(), 0) << ran.Printed;
+  EXPECT_FALSE(StandsInTheWay());
+}
+
+// ---- Besides ----
+
+TEST_F(UnfinishedUpload, IsNeverHiddenByAFileWrittenOverTheHistory) {
+  const auto files = room_.Files.Files();
+  for (const auto* const path : {"Zolvane.history/journal.jsonl", "Zolvane.history/new.html",
+                                 "Zolvane.history/objects/new.html", "Zolvane.ini"}) {
+    const auto ran = RunBut({"--despite", "exists", "backup", CustodyRoom::PathTo(path)});
+    EXPECT_EQ(ran.Status(), exit_status::unusable) << path << "\n" << ran.Printed;
+    EXPECT_EQ(room_.Files.Files(), files) << path;
+  }
+}
+
+TEST_F(UnfinishedUpload, OfALostObjectDoesNotPreventARecord) {
+  History history{room_.Files, room_.Witness, CustodyRoom::Folder()};
+  ASSERT_TRUE(history.Open().Ok());
+  const auto name = history.Entries().front().Found;
+  ASSERT_TRUE(room_.Files.Remove(CustodyRoom::PathTo("Zolvane.history/objects/" + name)).Ok());
+  const auto ran = RunBut({"backup", CustodyRoom::PathTo("new.html")});
+  EXPECT_EQ(ran.Status(), 0) << ran.Printed;
+}
+
+TEST_F(UnfinishedUpload, WithATornLineBehindItSaysThatItIsSetAside) {
+  const auto journal = CustodyRoom::PathTo("Zolvane.history/journal.jsonl");
+  room_.Files.Put(journal, room_.Files.Read(journal).Bytes + "{\"action\":\"upl");
+  const auto ran = RunBut({"backup", CustodyRoom::PathTo("new.html")});
+  EXPECT_EQ(ran.Status(), 0) << ran.Printed;
+  EXPECT_NE(ran.Printed.find("was not written to its end"), std::string::npos) << ran.Printed;
+}
+
+TEST(Restore, OntoAnEmptyFolderObjectsToAnotherInstrument) {
+  const auto configuration = SmallConfiguration();
+  CustodyRoom room{configuration, WireFaceOfFile(configuration).Lines};
+  const auto record = CustodyRoom::PathTo("r.html");
+  ASSERT_EQ(room.Run(CustodyRoom::Determined({"backup", record})).Status(), 0);
+  CustodyRoom other{Replaced(configuration, "[DeviceType]\nInstalled=2", "[DeviceType]\nInstalled=1")};
+  other.Files.Put(record, room.Files.Read(record).Bytes);
+  ASSERT_TRUE(other.Files.Remove(ConfigFileIn(CustodyRoom::Folder())).Ok());
+  const auto ran = other.Run({"--despite", "findings", "--instrument", "restore", record});
+  EXPECT_EQ(ran.Status(), exit_status::objection) << ran.Printed;
+  EXPECT_NE(ran.Printed.find("[other-instrument]"), std::string::npos) << ran.Printed;
+}
+
+TEST(Drift, NamesWhatTheFileNoLongerSays) {
+  const auto configuration = SmallConfiguration();
+  CustodyRoom room{configuration, WireFaceOfFile(configuration).Lines};
+  ASSERT_EQ(room.Run(CustodyRoom::Determined({"upload"})).Status(), 0);
+  const auto fewer = Replaced(configuration, "[VolumeCorrection_8_CH_12.5]", "[Nobody]");
+  const auto before = WireFaceOfFile(configuration).Lines.InOrder().size();
+  ASSERT_LT(WireFaceOfFile(fewer).Lines.InOrder().size(), before);
+  ASSERT_EQ(room.Run({"drift"}).Status(), 0);
+  room.Files.Put(ConfigFileIn(CustodyRoom::Folder()), fewer);
+  const auto ran = room.Run({"drift"});
+  EXPECT_EQ(ran.Status(), 1) << ran.Printed;
+}
+
+}  // namespace
+}  // namespace zolvane
