@@ -3,20 +3,14 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 
 #include "custody/findings/findings.h"
 #include "custody/values/descriptions.h"
 #include "custody/values/sides.h"
+#include "require.h"
 
 namespace {
-
-void Require(bool holds) {
-  if (!holds) {
-    std::abort();
-  }
-}
 
 void RequireLines(const std::vector<zolvane::Finding>& findings, const std::string& bytes) {
   // A line ends in "\r\n", "\n" or "\r".

@@ -2,21 +2,11 @@
 // reads the same when it is written again, and an audit of any of them ends.
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 
 #include "custody/history/audit.h"
 #include "custody/history/journal.h"
-
-namespace {
-
-void Require(bool holds) {
-  if (!holds) {
-    std::abort();
-  }
-}
-
-}  // namespace
+#include "require.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string bytes{data, data + size};

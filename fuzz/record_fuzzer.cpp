@@ -1,21 +1,11 @@
 // Any bytes as a record and as the data in one: neither is believed unless it says again what it said.
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <string_view>
 
 #include "custody/record/record.h"
 #include "custody/record/record_data.h"
-
-namespace {
-
-void Require(bool holds) {
-  if (!holds) {
-    std::abort();
-  }
-}
-
-}  // namespace
+#include "require.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string_view bytes{reinterpret_cast<const char*>(data), size};

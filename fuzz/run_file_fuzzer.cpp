@@ -1,11 +1,11 @@
 // Any bytes as a run file: commands, or one refusal that says what is wrong.
 #include <cstdint>
-#include <cstdlib>
 #include <optional>
 #include <sstream>
 #include <string>
 
 #include "bench/job/job.h"
+#include "require.h"
 #include "text/usage_error.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -13,9 +13,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   try {
     zolvane::ParseJob({"run", "-"}, std::nullopt, input);
   } catch (const zolvane::UsageError& error) {
-    if (std::string{error.what()}.empty()) {
-      std::abort();
-    }
+    Require(!std::string{error.what()}.empty());
   }
   return 0;
 }

@@ -2,23 +2,17 @@
 // the plain rules find, and a value that was written is read back.
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 #include <string_view>
 
 #include "files/reference_settings.h"
 #include "files/sectioned_text.h"
+#include "require.h"
 
 namespace {
 
 using zolvane::ReferenceSettings;
 using zolvane::SectionedText;
-
-void Require(bool holds) {
-  if (!holds) {
-    std::abort();
-  }
-}
 
 std::string_view TakeLine(std::string_view& bytes) {
   const std::string_view line = bytes.substr(0, bytes.find('\n'));

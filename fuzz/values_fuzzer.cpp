@@ -1,20 +1,10 @@
 // Any bytes as kept values: what is believed of them is what they say, to the letter.
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <string_view>
 
 #include "custody/values/values_json.h"
-
-namespace {
-
-void Require(bool holds) {
-  if (!holds) {
-    std::abort();
-  }
-}
-
-}  // namespace
+#include "require.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string_view bytes{reinterpret_cast<const char*>(data), size};

@@ -46,9 +46,6 @@ std::string TextOfBytes(std::string_view bytes) {
 }
 
 std::string BytesOfText(std::string_view text) {
-  if (text.find(byteMark) == std::string_view::npos) {
-    return std::string{text};  // nearly every text of a history
-  }
   std::string bytes;
   bytes.reserve(text.size());
   for (std::size_t at = 0; at < text.size();) {

@@ -128,10 +128,8 @@ void AddInOperation::Look(Custody& custody) {
 
 void AddInOperation::LookAtFile(Custody& custody) {
   auto& work = custody.Work;
-  if (row_.File == FileRole::Loaded && IsSameFile(*file_, work.ConfigFile())) {
-    throw UsageError{Joined(Quoted(*file_), " is the configuration itself")};
-  }
   if (row_.File == FileRole::Loaded) {
+    DemandOtherFile(work, *file_);
     const auto bytes = ReadFile(work.Files, *file_);
     custody.OtherFile = {.Path = *file_, .Before = bytes, .After = bytes};
   } else if (row_.File == FileRole::Saved) {

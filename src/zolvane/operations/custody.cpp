@@ -104,9 +104,7 @@ void Custody::SettleDoubts() {
 void Custody::LookAtTarget(const std::string& path) {
   const auto place = PlaceOfHistory(Work.Options.Folder);
   const auto holder = FolderHolding(path);
-  if (IsSameFile(path, Work.ConfigFile())) {
-    throw UsageError{Joined(Quoted(path), " is the configuration itself")};
-  }
+  DemandOtherFile(Work, path);
   if (IsSameFile(holder, place.Folder) || IsSameFile(holder, place.Objects)) {
     throw UsageError{Joined(Quoted(path), " is of the history, which nobody else writes to")};
   }
@@ -303,6 +301,12 @@ void ShowChanges(Workplace& work, std::string_view where, const Comparison& chan
 std::string LinkProblem(const BenchLink& link) {
   const auto& problem = link.LastDelivery().Problem;
   return problem.empty() ? std::string{} : Joined(": ", problem);
+}
+
+void DemandOtherFile(const Workplace& work, const std::string& path) {
+  if (IsSameFile(path, work.ConfigFile())) {
+    throw UsageError{Joined(Quoted(path), " is the configuration itself")};
+  }
 }
 
 void DemandAnswers(const Values& answers, const BenchLink& link) {

@@ -111,6 +111,9 @@ void ShowChanges(Workplace& work, std::string_view where, const Comparison& chan
 // Why the link did not answer, for people.
 std::string LinkProblem(const BenchLink& link);
 
+// Throws UsageError if another file was meant and the configuration named.
+void DemandOtherFile(const Workplace& work, const std::string& path);
+
 // Throws UsageError if something was not answered.
 void DemandAnswers(const Values& answers, const BenchLink& link);
 
