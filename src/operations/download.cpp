@@ -124,12 +124,12 @@ void SaveRecord(const OperationContext& context, const RecordTable<Record>& tabl
 bool AskPosition(const OperationContext& context, const PositionKeys& keys, std::int32_t PositionRecord::* x,
                  std::int32_t PositionRecord::* y) {
   Queries queries{context};
-  if (!queries.Send(std::string{keys.InstrumentName} + "_X")) {
+  if (!queries.Send(keys.X)) {
     return false;
   }
   auto position = FindByName(positionTable, context.Config, &PositionRecord::PositionName, keys.PositionName);
   queries.Take([&](double value) { StoreLong(position.*x, value); });
-  queries.AskLong(std::string{keys.InstrumentName} + "_Y", position.*y);
+  queries.AskLong(keys.Y, position.*y);
   if (queries.AllAnswered()) {
     SaveRecord(context, positionTable, position);
   }
@@ -153,17 +153,26 @@ void AskTipAndHeadChange(const OperationContext& context, HeadTypeRecord head, C
 
 // ---- Liquid handling ----
 
-// A calibration head asks by its own name and a serial-dilute head for the teach tool: the other way round
-// from the upload's naming, and the pairing that instruments in the field answer to.
-std::string HeadHeightName(const HeadTypeRecord& head) {
-  return head.Code == code::calibrate ? Replaced(head.ChannelCode, "_", "") : "TeachTool";
+struct HeadHeightKeys {
+  std::string PickUp;
+  std::string DropOff;
+};
+
+// A calibration head asks by its own name, as with PickUp_1CHSHORT_Z, and a serial-dilute head for the teach
+// tool: the other way round from the upload's naming, and the pairing that instruments in the field answer to.
+HeadHeightKeys HeadHeightKeysOf(const HeadTypeRecord& head) {
+  if (head.Code != code::calibrate) {
+    return {.PickUp = "PickUp_TeachTool_Z", .DropOff = "DropOff_TeachTool_Z"};
+  }
+  const auto name = Replaced(head.ChannelCode, "_", "");
+  return {.PickUp = "PickUp_" + name + "_Z", .DropOff = "DropOff_" + name + "_Z"};
 }
 
 void AskHeadHeights(const OperationContext& context, HeadTypeRecord& head) {
-  const auto name = HeadHeightName(head);
+  const auto keys = HeadHeightKeysOf(head);
   Queries queries{context};
-  queries.AskReal("PickUp_" + name + "_Z", head.PickUpZ);
-  queries.AskReal("DropOff_" + name + "_Z", head.DropOffZ);
+  queries.AskReal(keys.PickUp, head.PickUpZ);
+  queries.AskReal(keys.DropOff, head.DropOffZ);
 }
 
 void AskTipEject(const OperationContext& context, HeadTypeRecord& head) {
@@ -214,7 +223,7 @@ void AskTipData(const OperationContext& context, TipTypeRecord tip) {
 void DownloadStagePositions(const OperationContext& context) {
   ShowStep(context, "Stage XY");
   for (const auto& keys : stagePositions) {
-    DownloadPosition(context, keys.InstrumentName, keys.PositionName);
+    DownloadPosition(context, keys);
   }
 }
 
@@ -238,11 +247,9 @@ void DownloadCalibration(const OperationContext& context) {
   EndOperation(context);
 }
 
-void DownloadPosition(const OperationContext& context, std::string_view instrumentName,
-                      std::string_view positionName) {
+void DownloadPosition(const OperationContext& context, const PositionKeys& keys) {
   if (context.Host.MayGoOn()) {
-    AskPosition(context, {.PositionName = positionName, .InstrumentName = instrumentName},
-                &PositionRecord::StageX, &PositionRecord::StageY);
+    AskPosition(context, keys, &PositionRecord::StageX, &PositionRecord::StageY);
   }
 }
 

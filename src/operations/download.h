@@ -2,8 +2,7 @@
 // in the configuration file.
 #pragma once
 
-#include <string_view>
-
+#include "operations/instrument_keys.h"
 #include "operations/operation_context.h"
 
 namespace zolvane {
@@ -17,8 +16,7 @@ namespace zolvane {
 void DownloadCalibration(const OperationContext& context);
 
 // The stage X and Y of one position. Saves nothing unless both were answered.
-void DownloadPosition(const OperationContext& context, std::string_view instrumentName,
-                      std::string_view positionName);
+void DownloadPosition(const OperationContext& context, const PositionKeys& keys);
 
 // DeltaZ, the only height that the instrument gives back.
 void DownloadHeights(const OperationContext& context);

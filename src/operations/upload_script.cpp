@@ -127,9 +127,8 @@ void AppendPositions(ScriptBuilder& script, std::span<const PositionKeys> positi
   for (const auto& keys : positions) {
     const auto position =
         FindByName(positionTable, script.Config, &PositionRecord::PositionName, keys.PositionName);
-    const std::string name{keys.InstrumentName};
-    script.Append(name + "_X", WholeText(position.*x.Member), x.SentIn);
-    script.Append(name + "_Y", WholeText(position.*y.Member), y.SentIn);
+    script.Append(keys.X, WholeText(position.*x.Member), x.SentIn);
+    script.Append(keys.Y, WholeText(position.*y.Member), y.SentIn);
   }
 }
 
@@ -201,16 +200,17 @@ constexpr auto shortHeadCommands = std::to_array<Command<HeadTypeRecord>>({
 struct HeadRow {
   std::string_view Code;
   std::string_view ChannelCode;
-  std::string_view InstrumentName;                         // between "PickUp_" or "DropOff_" and "_Z"
+  std::string_view PickUpKey;
+  std::string_view DropOffKey;
   std::span<const Command<HeadTypeRecord>> OwnCommands{};  // in front of the two heights
 };
 
 constexpr auto headRows = std::to_array<HeadRow>({
-    {code::serialDilute, "1_CH_SHORT", "1ChShort", shortHeadCommands},
-    {code::serialDilute, "1_CH_LONG", "1ChLong"},
-    {code::serialDilute, "8_CH", "8Ch"},
-    {code::serialDilute, "12_CH", "12Ch"},
-    {code::calibrate, "1_CH_SHORT", "TeachTool"},
+    {code::serialDilute, "1_CH_SHORT", "PickUp_1ChShort_Z", "DropOff_1ChShort_Z", shortHeadCommands},
+    {code::serialDilute, "1_CH_LONG", "PickUp_1ChLong_Z", "DropOff_1ChLong_Z"},
+    {code::serialDilute, "8_CH", "PickUp_8Ch_Z", "DropOff_8Ch_Z"},
+    {code::serialDilute, "12_CH", "PickUp_12Ch_Z", "DropOff_12Ch_Z"},
+    {code::calibrate, "1_CH_SHORT", "PickUp_TeachTool_Z", "DropOff_TeachTool_Z"},
 });
 
 void AppendSerialDiluteHeads(ScriptBuilder& script) {
@@ -221,9 +221,8 @@ void AppendSerialDiluteHeads(ScriptBuilder& script) {
     const auto head = Find(headTable, script.Config, matches);
     if (matches(head)) {
       script.AppendAll(row.OwnCommands, head);
-      const std::string name{row.InstrumentName};
-      script.Append("PickUp_" + name + "_Z", GeneralText(head.PickUpZ), Unit::StepsZ);
-      script.Append("DropOff_" + name + "_Z", GeneralText(head.DropOffZ), Unit::StepsZ);
+      script.Append(row.PickUpKey, GeneralText(head.PickUpZ), Unit::StepsZ);
+      script.Append(row.DropOffKey, GeneralText(head.DropOffZ), Unit::StepsZ);
     }
   }
 }
@@ -274,23 +273,34 @@ void AppendTipEject(ScriptBuilder& script) {
 
 // ---- Nests ----
 
-// A class of nests and the instrument's names of its three places.
+struct NestPlaceKeys {
+  std::string_view Z;
+  std::string_view SDX;
+  std::string_view SDY;
+};
+
+// A class of nests and the keys of its three places.
 struct NestRow {
   std::string_view Code;
-  std::array<std::string_view, 3> Places;
+  std::array<NestPlaceKeys, 3> Places;
 };
 
 constexpr auto nestRows = std::to_array<NestRow>({
-    {"NEST8", {"1A", "8B", "1C"}},
-    {"NEST12", {"1E", "12D", "1F"}},
+    {"NEST8",
+     {{{"Nest_1A_Z", "NEST_1A_SD_X", "NEST_1A_SD_Y"},
+       {"Nest_8B_Z", "NEST_8B_SD_X", "NEST_8B_SD_Y"},
+       {"Nest_1C_Z", "NEST_1C_SD_X", "NEST_1C_SD_Y"}}}},
+    {"NEST12",
+     {{{"Nest_1E_Z", "NEST_1E_SD_X", "NEST_1E_SD_Y"},
+       {"Nest_12D_Z", "NEST_12D_SD_X", "NEST_12D_SD_Y"},
+       {"Nest_1F_Z", "NEST_1F_SD_X", "NEST_1F_SD_Y"}}}},
 });
 
 void AppendNestHeights(ScriptBuilder& script) {
   ForEach(nestTable, script.Config, [&script](const NestTypeRecord& nest) {
     for (const auto& row : nestRows) {
       for (std::size_t place = 0; nest.Code == row.Code && place < row.Places.size(); ++place) {
-        script.Append("Nest_" + std::string{row.Places[place]} + "_Z", WholeText(nest.Nests[place].Z),
-                      Unit::StepsZ);
+        script.Append(row.Places[place].Z, WholeText(nest.Nests[place].Z), Unit::StepsZ);
       }
     }
   });
@@ -302,9 +312,9 @@ void AppendNestPositions(ScriptBuilder& script, const NestRow& row) {
   const auto nest = Find(nestTable, script.Config, matches);
   for (std::size_t place = 0; matches(nest) && place < row.Places.size(); ++place) {
     const auto& position = nest.Nests[place];
-    const auto name = "NEST_" + std::string{row.Places[place]};
-    script.Append(name + "_SD_X", HundredthsText(script.Scales.SDX, position.X), Unit::HundredthMillimetres);
-    script.Append(name + "_SD_Y", HundredthsText(script.Scales.SDY, position.Y), Unit::HundredthMillimetres);
+    const auto& keys = row.Places[place];
+    script.Append(keys.SDX, HundredthsText(script.Scales.SDX, position.X), Unit::HundredthMillimetres);
+    script.Append(keys.SDY, HundredthsText(script.Scales.SDY, position.Y), Unit::HundredthMillimetres);
   }
 }
 

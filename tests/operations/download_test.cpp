@@ -242,7 +242,7 @@ TEST(DownloadReply, IsReadFromBehindItsFirstEqualsSignOrFromItsStart) {
                                                                         {"X=2147483647.4", "2147483647"}}) {
     DownloadFixture fixture{"[Position_D]\nItem1=STAGE1,\"a\",,17,2\n"};
     fixture.Reply("STAGE1_X", reply);
-    DownloadPosition(fixture.Context, "STAGE1", "STAGE1");
+    DownloadPosition(fixture.Context, {"STAGE1", "STAGE1_X", "STAGE1_Y"});
     EXPECT_EQ(fixture.Value("Position_D", "Item1"),
               std::string{"STAGE1,\"a\",,"} + expected + ",2,0,0,0,0,0,0,0,0,,0,0")
         << reply;
@@ -255,7 +255,7 @@ TEST(DownloadReply, ASyntaxErrorAnywhereLeavesTheFilesValue) {
     DownloadFixture fixture{"[Position_D]\nItem1=STAGE1,\"a\",,17,2\n"};
     fixture.Reply("STAGE1_X", reply);
     fixture.Reply("STAGE1_Y", "=3");
-    DownloadPosition(fixture.Context, "STAGE1", "STAGE1");
+    DownloadPosition(fixture.Context, {"STAGE1", "STAGE1_X", "STAGE1_Y"});
     EXPECT_EQ(fixture.Value("Position_D", "Item1"), "STAGE1,\"a\",,17,3,0,0,0,0,0,0,0,0,,0,0") << reply;
   }
 }
@@ -267,7 +267,7 @@ TEST(DownloadPosition, AsksForXLoadsTheRecordAsksForYAndSaves) {
       "[Position_D]\nItem1=OTHER,\"o\"\nItem2=TIPCHUTE,\"c\",K,1,2,3,4,5,6,7,8,1,0,T,1,1\n"};
   fixture.Reply("CHUTESTAGE_X", "CHUTESTAGE_X=-11");
   fixture.Reply("CHUTESTAGE_Y", "CHUTESTAGE_Y=12.6");
-  DownloadPosition(fixture.Context, "CHUTESTAGE", "TIPCHUTE");
+  DownloadPosition(fixture.Context, {"TIPCHUTE", "CHUTESTAGE_X", "CHUTESTAGE_Y"});
   EXPECT_EQ(fixture.Calls.Of({"stop?", "send", "read", "write"}),
             (Texts{"stop?", "send GET_CALIBRATION CHUTESTAGE_X", "read [Position_D] Item1",
                    "read [Position_D] Item2", "send GET_CALIBRATION CHUTESTAGE_Y",
@@ -280,7 +280,7 @@ TEST(DownloadPosition, LeavesARecordAloneThatCannotBeRead) {
   fixture.Calls.FailEverythingThatStartsWith("read [Position_D] Item2");
   fixture.Reply("STAGE1_X", "=5");
   fixture.Reply("STAGE1_Y", "=6");
-  DownloadPosition(fixture.Context, "STAGE1", "STAGE1");
+  DownloadPosition(fixture.Context, {"STAGE1", "STAGE1_X", "STAGE1_Y"});
   EXPECT_EQ(fixture.Value("Position_D", "Item2"), "HIDDEN,\"h\",,7,8");
   EXPECT_EQ(fixture.Value("Position_D", "Item3"), "STAGE1,\"s\",,5,6,0,0,0,0,0,0,0,0,,0,0");
 }
@@ -288,21 +288,21 @@ TEST(DownloadPosition, LeavesARecordAloneThatCannotBeRead) {
 TEST(DownloadPosition, DoesNothingWhenTheStopFlagIsSet) {
   DownloadFixture fixture;
   fixture.Link().StopFlag = true;
-  DownloadPosition(fixture.Context, "STAGE1", "STAGE1");
+  DownloadPosition(fixture.Context, {"STAGE1", "STAGE1_X", "STAGE1_Y"});
   EXPECT_EQ(fixture.Calls.Events, (Texts{"get link", "stop?"}));
 }
 
 TEST(DownloadPosition, AsksWhenTheStopFlagCannotBeRead) {
   DownloadFixture fixture;
   fixture.Calls.FailEverythingThatStartsWith("stop?");
-  DownloadPosition(fixture.Context, "STAGE1", "STAGE1");
+  DownloadPosition(fixture.Context, {"STAGE1", "STAGE1_X", "STAGE1_Y"});
   EXPECT_EQ(fixture.Asked(), (Texts{"STAGE1_X", "STAGE1_Y"}));
 }
 
 TEST(DownloadPosition, EndsWhenXIsNotAnswered) {
   DownloadFixture fixture{"[Position_D]\nItem1=STAGE1,\"a\",,1,2\n"};
   fixture.Refuse("STAGE1_X");
-  DownloadPosition(fixture.Context, "STAGE1", "STAGE1");
+  DownloadPosition(fixture.Context, {"STAGE1", "STAGE1_X", "STAGE1_Y"});
   EXPECT_EQ(fixture.Calls.Of({"send", "read", "write"}), Texts{"send GET_CALIBRATION STAGE1_X"});
 }
 
@@ -310,7 +310,7 @@ TEST(DownloadPosition, LosesAGoodXWhenYIsNotAnswered) {
   DownloadFixture fixture{"[Position_D]\nItem1=STAGE1,\"a\",,1,2\n"};
   fixture.Reply("STAGE1_X", "=5");
   fixture.Refuse("STAGE1_Y");
-  DownloadPosition(fixture.Context, "STAGE1", "STAGE1");
+  DownloadPosition(fixture.Context, {"STAGE1", "STAGE1_X", "STAGE1_Y"});
   EXPECT_EQ(fixture.Asked(), (Texts{"STAGE1_X", "STAGE1_Y"}));
   EXPECT_EQ(fixture.Writes(), Texts{});
   EXPECT_EQ(fixture.Calls.Of({"message"}).size(), 1U);
@@ -320,7 +320,7 @@ TEST(DownloadPosition, GoesOnToYWhenTheStopFlagIsRaisedDuringX) {
   DownloadFixture fixture{"[Position_D]\nItem1=STAGE1,\"a\",,1,2\n"};
   fixture.StopDuring("STAGE1_X", "=5");
   fixture.StopDuring("STAGE1_Y", "=6");
-  DownloadPosition(fixture.Context, "STAGE1", "STAGE1");
+  DownloadPosition(fixture.Context, {"STAGE1", "STAGE1_X", "STAGE1_Y"});
   EXPECT_EQ(fixture.Value("Position_D", "Item1"), "STAGE1,\"a\",,5,6,0,0,0,0,0,0,0,0,,0,0");
 }
 
@@ -328,7 +328,7 @@ TEST(DownloadPosition, SavesThePositionThatNoRecordNamesUnderTheFirstFreeNumber)
   DownloadFixture fixture{"[Position_D]\nItem1=STAGE1,\"a\",,1,2\n"};
   fixture.Reply("STAGE2_X", "=5");
   fixture.Reply("STAGE2_Y", "=6");
-  DownloadPosition(fixture.Context, "STAGE2", "STAGE2");
+  DownloadPosition(fixture.Context, {"STAGE2", "STAGE2_X", "STAGE2_Y"});
   EXPECT_EQ(fixture.Writes(), Texts{"write [Position_D] Item2=,\"\",,5,6,0,0,0,0,0,0,0,0,,0,0"});
 }
 

@@ -2,11 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstdint>
 #include <span>
-#include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 namespace zolvane {
@@ -20,13 +19,34 @@ HeadTypeRecord HeadOf(std::int16_t channels, double volume) {
 }
 
 TEST(TipEjectKeys, HoldTheChannelCountAndTheVolume) {
-  const std::vector<std::pair<double, std::string>> volumes{
-      {12.5, "12"}, {30, "30"}, {125, "125"}, {300, "300"}, {1250, "1250"}};
-  for (const auto& [volume, text] : volumes) {
-    const auto keys = TipEjectKeysOf(HeadOf(8, volume));
-    ASSERT_TRUE(keys) << text;
-    EXPECT_EQ(keys->TipEject, "TipEject_8Ch_" + text + "_S");
-    EXPECT_EQ(keys->AspirateOrigin, "AspirateOrigin_8Ch_" + text + "_S");
+  struct Row {
+    std::int16_t Channels;
+    double Volume;
+    std::string_view TipEject;
+    std::string_view AspirateOrigin;
+  };
+  const std::vector<Row> rows{
+      {1, 12.5, "TipEject_1Ch_12_S", "AspirateOrigin_1Ch_12_S"},
+      {1, 30, "TipEject_1Ch_30_S", "AspirateOrigin_1Ch_30_S"},
+      {1, 125, "TipEject_1Ch_125_S", "AspirateOrigin_1Ch_125_S"},
+      {1, 300, "TipEject_1Ch_300_S", "AspirateOrigin_1Ch_300_S"},
+      {1, 1250, "TipEject_1Ch_1250_S", "AspirateOrigin_1Ch_1250_S"},
+      {8, 12.5, "TipEject_8Ch_12_S", "AspirateOrigin_8Ch_12_S"},
+      {8, 30, "TipEject_8Ch_30_S", "AspirateOrigin_8Ch_30_S"},
+      {8, 125, "TipEject_8Ch_125_S", "AspirateOrigin_8Ch_125_S"},
+      {8, 300, "TipEject_8Ch_300_S", "AspirateOrigin_8Ch_300_S"},
+      {8, 1250, "TipEject_8Ch_1250_S", "AspirateOrigin_8Ch_1250_S"},
+      {12, 12.5, "TipEject_12Ch_12_S", "AspirateOrigin_12Ch_12_S"},
+      {12, 30, "TipEject_12Ch_30_S", "AspirateOrigin_12Ch_30_S"},
+      {12, 125, "TipEject_12Ch_125_S", "AspirateOrigin_12Ch_125_S"},
+      {12, 300, "TipEject_12Ch_300_S", "AspirateOrigin_12Ch_300_S"},
+      {12, 1250, "TipEject_12Ch_1250_S", "AspirateOrigin_12Ch_1250_S"},
+  };
+  for (const auto& row : rows) {
+    const auto keys = TipEjectKeysOf(HeadOf(row.Channels, row.Volume));
+    ASSERT_TRUE(keys) << row.TipEject;
+    EXPECT_EQ(keys->TipEject, row.TipEject);
+    EXPECT_EQ(keys->AspirateOrigin, row.AspirateOrigin);
   }
 }
 
@@ -43,37 +63,37 @@ TEST(TipEjectKeys, DoNotExistForAnyOtherVolume) {
   }
 }
 
-std::vector<std::pair<std::string_view, std::string_view>> Pairs(std::span<const PositionKeys> positions) {
-  std::vector<std::pair<std::string_view, std::string_view>> pairs;
+using KeyRows = std::vector<std::array<std::string_view, 3>>;
+
+KeyRows Rows(std::span<const PositionKeys> positions) {
+  KeyRows rows;
   for (const auto& keys : positions) {
-    pairs.emplace_back(keys.PositionName, keys.InstrumentName);
+    rows.push_back({keys.PositionName, keys.X, keys.Y});
   }
-  return pairs;
+  return rows;
 }
 
-using NamePairs = std::vector<std::pair<std::string_view, std::string_view>>;
-
 TEST(StagePositions, AreThirteenInTheirOrder) {
-  EXPECT_EQ(Pairs(stagePositions), (NamePairs{{"STAGE1", "STAGE1"},
-                                              {"STAGE2", "STAGE2"},
-                                              {"STAGE3", "STAGE3"},
-                                              {"STAGE4", "STAGE4"},
-                                              {"STAGE5", "STAGE5"},
-                                              {"STAGE6", "STAGE6"},
-                                              {"TIPCHUTE", "CHUTESTAGE"},
-                                              {"NEST8", "NEST8_STAGE"},
-                                              {"NEST12", "NEST12_STAGE"},
-                                              {"RESERVOIR", "RESERVOIR"},
-                                              {"TIPWASH", "WASH"},
-                                              {"TIPRACKSTAGE1", "RACK_STAGE1"},
-                                              {"TIPRACKSTAGE2", "RACK_STAGE2"}}));
+  EXPECT_EQ(Rows(stagePositions), (KeyRows{{"STAGE1", "STAGE1_X", "STAGE1_Y"},
+                                           {"STAGE2", "STAGE2_X", "STAGE2_Y"},
+                                           {"STAGE3", "STAGE3_X", "STAGE3_Y"},
+                                           {"STAGE4", "STAGE4_X", "STAGE4_Y"},
+                                           {"STAGE5", "STAGE5_X", "STAGE5_Y"},
+                                           {"STAGE6", "STAGE6_X", "STAGE6_Y"},
+                                           {"TIPCHUTE", "CHUTESTAGE_X", "CHUTESTAGE_Y"},
+                                           {"NEST8", "NEST8_STAGE_X", "NEST8_STAGE_Y"},
+                                           {"NEST12", "NEST12_STAGE_X", "NEST12_STAGE_Y"},
+                                           {"RESERVOIR", "RESERVOIR_X", "RESERVOIR_Y"},
+                                           {"TIPWASH", "WASH_X", "WASH_Y"},
+                                           {"TIPRACKSTAGE1", "RACK_STAGE1_X", "RACK_STAGE1_Y"},
+                                           {"TIPRACKSTAGE2", "RACK_STAGE2_X", "RACK_STAGE2_Y"}}));
 }
 
 TEST(SerialDilutePositions, AreFourInTheirOrder) {
-  EXPECT_EQ(Pairs(serialDilutePositions), (NamePairs{{"STAGE1", "WELL_A1_SD"},
-                                                     {"TIPCHUTE", "CHUTE_SD"},
-                                                     {"NEST8", "NEST8_SD"},
-                                                     {"NEST12", "NEST12_SD"}}));
+  EXPECT_EQ(Rows(serialDilutePositions), (KeyRows{{"STAGE1", "WELL_A1_SD_X", "WELL_A1_SD_Y"},
+                                                  {"TIPCHUTE", "CHUTE_SD_X", "CHUTE_SD_Y"},
+                                                  {"NEST8", "NEST8_SD_X", "NEST8_SD_Y"},
+                                                  {"NEST12", "NEST12_SD_X", "NEST12_SD_Y"}}));
 }
 
 }  // namespace

@@ -130,7 +130,7 @@ void CheckPosition(CheckedFile& file, const Configuration& configuration, const 
     const auto section = PositionSection(configuration.Current);
     file.Add("missing-position", file.LineOf(section),
              Joined(Printable(Joined("[", section, "]")), " has no position ", keys.PositionName,
-                    ": the upload sends 0 for ", keys.InstrumentName, "_X and ", keys.InstrumentName, "_Y"));
+                    ": the upload sends 0 for ", keys.X, " and ", keys.Y));
   }
 }
 
