@@ -99,7 +99,7 @@ TEST(Operations, UploadOfTheSmallConfiguration) {
 TEST(Operations, UploadOfTheSample) {
   GoldenSession session{SampleConfiguration()};
   session.ExpectCallsOf(uploadButton, "upload_of_the_sample.txt");
-  EXPECT_EQ(session.Link().Commands.size(), commandsOfTheSample);
+  EXPECT_EQ(session.Link().Commands.size(), CommandsOfTheSample());
 }
 
 // ---- Download ----

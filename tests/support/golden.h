@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdlib>
 #include <filesystem>
@@ -13,6 +14,7 @@
 
 #include "config/text.h"
 #include "support/file_bytes.h"
+#include "support/texts.h"
 
 namespace zolvane {
 
@@ -39,8 +41,17 @@ inline std::string SampleConfiguration() {
   return Replaced(BytesOf(std::filesystem::path{ZOLVANE_SAMPLES_PATH} / "Zolvane.ini"), "\r\n", "\n");
 }
 
-// How many an upload of the sample sends.
-inline constexpr std::size_t commandsOfTheSample = 178;
+// How many commands an upload of the sample sends, SAVE the last of them.
+inline std::size_t CommandsOfTheSample() {
+  const auto calls = LinesOf(BytesOf(GoldenFile("upload_of_the_sample.txt")));
+  return static_cast<std::size_t>(
+      std::ranges::count_if(calls, [](const auto& call) { return call.starts_with("send "); }));
+}
+
+// "2 of 178", as the bench counts them.
+inline std::string OfTheCommands(std::size_t some) {
+  return std::to_string(some) + " of " + std::to_string(CommandsOfTheSample());
+}
 
 enum class Readings { LeftOut, Kept };
 

@@ -96,7 +96,8 @@ rm "$elsewhere/HZOCalibrateDevice.dll"
 (cd "$installed" && wine cmd /c register.cmd) || fail "register.cmd ends well"
 upload || fail "an upload with the registered add-in ends well"
 sent=$(grep -c '"event":"send","command":"SET_CALIBRATION .*"ok":true' "$elsewhere/trace.jsonl")
-((sent == 178)) || fail "an upload of the sample sends 178 lines, not $sent"
+lines=$(grep -c '^send ' "$root/tests/golden/upload_of_the_sample.txt")
+((sent == lines)) || fail "an upload of the sample sends $lines lines, not $sent"
 tail -n 30 "$elsewhere/trace.jsonl" | grep -q '"command":"SET_CALIBRATION SAVE","ok":true' || fail "the last is SAVE"
 grep -q '"event":"read".*Program Files\\\\Hestrion\\\\Zolvane.ini' "$elsewhere/trace.jsonl" ||
   fail "the configuration is the one beside the add-in"

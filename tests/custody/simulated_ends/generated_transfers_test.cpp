@@ -202,7 +202,7 @@ TEST_P(FaultInTheSample, AtEveryLineIsNoFalseSuccess) {
                                  .Held = WireFaceOfFile(random.Taught(SampleConfiguration())).Lines};
   const auto kind = static_cast<std::size_t>(
       std::ranges::find(FaultRows(), GetParam().Name, &FaultRow::Name) - FaultRows().begin());
-  const std::size_t lines = 3 * commandsOfTheSample;  // a download passes nearly as many
+  const std::size_t lines = 3 * CommandsOfTheSample();  // a download passes nearly as many
   const auto only = 1 + kind * lines / FaultRows().size();
   for (const bool isUpload : {true, false}) {
     for (auto line = TriesAll() ? 1 : only; line <= (TriesAll() ? lines : only); ++line) {

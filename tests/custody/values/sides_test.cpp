@@ -64,7 +64,7 @@ TEST(FileFace, ReadsBothEncodings) {
 TEST(WireFace, HasTheLinesThatAnUploadOfTheSampleSends) {
   const auto face = WireFaceOfFile(Sample());
   EXPECT_EQ(face.Problem, "");
-  EXPECT_EQ(face.Lines.InOrder().size() + face.Lines.Overridden().size(), commandsOfTheSample - 1)
+  EXPECT_EQ(face.Lines.InOrder().size() + face.Lines.Overridden().size(), CommandsOfTheSample() - 1)
       << "without SAVE";
   EXPECT_EQ(SentIn(face, "STAGE1_X"), "1612");
   EXPECT_EQ(SentIn(face, "MountHeight"), "13148");

@@ -14,6 +14,7 @@ import json
 import os
 import random
 import shutil
+import subprocess
 import sys
 import tempfile
 import time
@@ -168,6 +169,11 @@ async def run(case, options):
     return list(faults_of(case, instrument, sends, bench.returncode)), any(not send["ok"] for send in sends)
 
 
+def commands_of_an_upload(options):
+    script = subprocess.run([options.bench, "--folder", options.folder, "script"], check=True, capture_output=True)
+    return len(script.stdout.splitlines())
+
+
 def cases_of(options):
     cases = [Case(place, job, quirk, late, delay)
              for place in options.places.split(",") for job in JOBS for quirk in options.quirks.split(",")
@@ -204,11 +210,13 @@ def main():
     parser.add_argument("--folder", required=True, help="where the Zolvane.ini is")
     parser.add_argument("--places", default="tcp,pty,converter")
     parser.add_argument("--quirks", default=",".join(QUIRKS))
-    parser.add_argument("--commands", type=int, default=178, help="up to which command each is late once")
+    parser.add_argument("--commands", type=int, help="up to which command each is late once; by default, all of an upload")
     parser.add_argument("--timeout", type=float, default=0.2, help="of the bench, in seconds")
     parser.add_argument("--seconds", type=float, default=float("inf"), help="begin no run after that time")
     parser.add_argument("--at-once", type=int, default=16, help="how many runs at the same time")
-    sys.exit(asyncio.run(run_all(parser.parse_args())))
+    options = parser.parse_args()
+    options.commands = options.commands or commands_of_an_upload(options)
+    sys.exit(asyncio.run(run_all(options)))
 
 
 if __name__ == "__main__":

@@ -3,8 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <sstream>
+#include <string>
+#include <vector>
 
 #include "bench/program/bench_program.h"
+#include "support/golden.h"
 #include "windows/support/child_process.h"
 #include "windows/support/played_session.h"
 #include "windows/support/program_folder.h"
@@ -67,12 +70,14 @@ class BenchPrograms : public testing::Test {
 TEST_F(BenchPrograms, TheMainJobDoesAndPrintsWhatTheDocumentsSay) {
   const auto played = PlayAsProcess("sim");
   EXPECT_EQ(played.Status, 0);
-  for (const auto* const line :
-       {"query: done (5 of 5 commands sent; 5 accepted; 7 values written, 3 changed)",
-        "upload: done (178 of 178 commands sent; 178 accepted; SAVE accepted)",
-        "download: done (174 of 174 commands sent; 170 accepted; 4 refused, first PickUp_1CHSHORT_Z with "
-        "\"SYNTAX_ERROR\"; 62 values written, 26 changed)",
-        ": done (149 values written, 104 changed)"}) {
+  const auto commands = std::to_string(CommandsOfTheSample());
+  for (const auto& line : std::vector<std::string>{
+           "query: done (5 of 5 commands sent; 5 accepted; 7 values written, 3 changed)",
+           "upload: done (" + commands + " of " + commands + " commands sent; " + commands +
+               " accepted; SAVE accepted)",
+           "download: done (174 of 174 commands sent; 170 accepted; 4 refused, first PickUp_1CHSHORT_Z with "
+           "\"SYNTAX_ERROR\"; 62 values written, 26 changed)",
+           ": done (149 values written, 104 changed)"}) {
     EXPECT_NE(played.Output.find(line), std::string::npos) << line << "\n" << played.Output;
   }
 }

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "bench/windows/window/message_window.h"
+#include "support/golden.h"
 #include "windows/bench/hestrion_windows.h"
 
 namespace zolvane {
@@ -27,7 +28,8 @@ class HestrionStop : public HestrionWindows {
     stop();
     ASSERT_TRUE(Logs("Stop: no longer waiting for the reply"));
     EXPECT_TRUE(AnswerBox(IDOK).starts_with("Uploading Data to Zolvane\r\n\r\nPlease ensure"));
-    EXPECT_TRUE(Logs("Save To Zolvane: failed (1 of 178 commands sent; 0 accepted; 1 not answered, first "));
+    EXPECT_TRUE(Logs("Save To Zolvane: failed (" + OfTheCommands(1) +
+                     " commands sent; 0 accepted; 1 not answered, first "));
     EXPECT_TRUE(IsAtRest());
     EXPECT_FALSE(CanStop());
     EXPECT_EQ(instrument_.Received(), 1);
@@ -38,17 +40,17 @@ class HestrionStop : public HestrionWindows {
 
 TEST_F(HestrionStop, AnOperationSaysHowFarItIsAndCanBeStopped) {
   StartUpload();
-  EXPECT_TRUE(Eventually([this] { return Progress() == "1 of 178"; })) << Progress();
+  EXPECT_TRUE(Eventually([this] { return Progress() == OfTheCommands(1); })) << Progress();
   EXPECT_TRUE(CanStop());
   EXPECT_FALSE(IsWindowEnabled(GetDlgItem(Main(), saveId)));
   instrument_.Let(1);
   ASSERT_TRUE(instrument_.Receives(2));
-  EXPECT_TRUE(Eventually([this] { return Progress() == "2 of 178"; })) << Progress();
+  EXPECT_TRUE(Eventually([this] { return Progress() == OfTheCommands(2); })) << Progress();
   Press(GetDlgItem(Main(), stopId));
   ASSERT_TRUE(Logs("Stop: no further command is sent"));
   instrument_.Let(1);
   ASSERT_TRUE(IsAtRest());
-  EXPECT_TRUE(Logs("Save To Zolvane: stopped (2 of 178 commands sent"));
+  EXPECT_TRUE(Logs("Save To Zolvane: stopped (" + OfTheCommands(2) + " commands sent"));
   EXPECT_FALSE(CanStop());
   EXPECT_TRUE(IsWindowEnabled(FocusOf(Main()))) << "the keyboard is not left on the button";
   EXPECT_EQ(Progress(), "");
@@ -66,7 +68,7 @@ TEST_F(HestrionStop, EscapeStopsAsTheButtonDoes) {
   PostMessageW(Control(IdOfButton(uploadButton)), WM_KEYDOWN, VK_ESCAPE, 1);
   ASSERT_TRUE(Logs("Stop: no further command is sent"));
   instrument_.Let(1);
-  EXPECT_TRUE(Logs("Save To Zolvane: stopped (1 of 178 commands sent"));
+  EXPECT_TRUE(Logs("Save To Zolvane: stopped (" + OfTheCommands(1) + " commands sent"));
 }
 
 TEST_F(HestrionStop, ASecondStopNoLongerWaitsForTheReply) {
@@ -113,9 +115,10 @@ TEST_F(HestrionStop, ClosingThePageDuringAnOperationShowsWhatBecameOfItAndLeaves
   Press(GetDlgItem(Main(), closePageId));
   AnswerBox(IDYES);
   instrument_.Let(1);
-  EXPECT_NE(AnswerBox(IDOK).find("Save To Zolvane: stopped (1 of 178 commands sent"), std::string::npos);
+  EXPECT_NE(AnswerBox(IDOK).find("Save To Zolvane: stopped (" + OfTheCommands(1) + " commands sent"),
+            std::string::npos);
   EXPECT_TRUE(Eventually([this] { return Frame() == nullptr; }));
-  EXPECT_TRUE(Logs("Save To Zolvane: stopped (1 of 178 commands sent"));
+  EXPECT_TRUE(Logs("Save To Zolvane: stopped (" + OfTheCommands(1) + " commands sent"));
   CloseWindow();
   EXPECT_EQ(process_->Wait(), 1);
   EXPECT_EQ(EventsOf(R"("flag":"hold","op":"set","value":false)"), 1) << "the page was detached";
@@ -138,14 +141,16 @@ TEST_F(HestrionStop, ClosingDuringAnOperationAsksAndShowsWhatBecameOfIt) {
   constexpr LPARAM withAlt = LPARAM{1} << 29;
   StartUpload();
   PostMessageW(Control(IdOfButton(uploadButton)), WM_SYSKEYDOWN, VK_F4, withAlt);
-  EXPECT_TRUE(AnswerBox(IDNO).starts_with("Save To Zolvane is not finished (command 1 of 178)."));
+  EXPECT_TRUE(
+      AnswerBox(IDNO).starts_with("Save To Zolvane is not finished (command " + OfTheCommands(1) + ")."));
   instrument_.Let(1);
   ASSERT_TRUE(instrument_.Receives(2)) << "it goes on";
   CloseWindow();
   AnswerBox(IDYES);
   EXPECT_TRUE(process_->IsRunning());
   instrument_.Let(1);
-  EXPECT_NE(AnswerBox(IDOK).find("Save To Zolvane: stopped (2 of 178 commands sent"), std::string::npos);
+  EXPECT_NE(AnswerBox(IDOK).find("Save To Zolvane: stopped (" + OfTheCommands(2) + " commands sent"),
+            std::string::npos);
   EXPECT_EQ(process_->Wait(), 1);
   EXPECT_EQ(instrument_.Received(), 2);
   EXPECT_EQ(EventsOf(R"("event":"send")"), 2);
@@ -164,7 +169,7 @@ TEST_F(HestrionStop, WhatIsClickedOnThePageDuringAnOperationIsNotDoneLater) {
   StartUpload();
   Press(Control(IdOfButton(downloadButton)));
   instrument_.Let(HeldInstrument::enough);
-  EXPECT_TRUE(Logs("Save To Zolvane: done (178 of 178 commands sent"));
+  EXPECT_TRUE(Logs("Save To Zolvane: done (" + OfTheCommands(CommandsOfTheSample()) + " commands sent"));
   EXPECT_EQ(Box(), nullptr);
   CloseWindow();
   EXPECT_EQ(process_->Wait(), 0);
