@@ -77,11 +77,14 @@ std::vector<Wish> WishesFor(const Values& wanted, const Traces& traces) {
   for (const auto& value : wanted.InOrder()) {
     Wish wish{.Name = value.Name, .Wanted = value.Text};
     const auto* const left = Known(traces.Left, value.Name);
-    if (left != nullptr) {
-      wish.Expected.push_back(left->Text);
-    }
-    if (left == nullptr || !traces.IsLeftCertain) {
+    if (left == nullptr) {
       ExpectWhatWasBegun(wish, traces);
+    } else {
+      wish.Expected.push_back(left->Text);
+      const auto* const found = traces.IsLeftCertain ? nullptr : Known(traces.Found, value.Name);
+      if (found != nullptr) {
+        wish.Expected.push_back(found->Text);
+      }
     }
     wishes.push_back(std::move(wish));
   }

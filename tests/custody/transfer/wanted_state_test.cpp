@@ -67,6 +67,19 @@ TEST(WantedState, WhatWasLeftUnansweredIsExpectedAsAfterACut) {
       "A changed, B to do, C to do, D as wanted");
 }
 
+// A restart may have taken back what was left; nothing else can have become of it by itself.
+TEST(WantedState, WhatWasLeftButNotSavedIsExpectedOrWhatWasFound) {
+  const auto before = ValuesOf(found);
+  const auto sent = ValuesOf(intended);
+  const auto left = ValuesOf({{"A", "1"}, {"B", "2"}, {"C", "77"}, {"D", "40"}});
+  const auto wishes =
+      WishesFor(before, {.Found = &before, .Intended = &sent, .Left = &left, .IsLeftCertain = false});
+  const auto present = ValuesOf({{"A", "10"}, {"B", "2.0"}, {"C", "3"}, {"D", "-40"}});
+  EXPECT_EQ(Standings(PlanFor(wishes, present, Spelling::GoesBack)),
+            "A changed, B as wanted, C as wanted, D changed");
+  EXPECT_EQ(Standings(PlanFor(wishes, left, Spelling::GoesBack)), "A as wanted, B to do, C to do, D to do");
+}
+
 TEST(WantedState, ResumeSendsWhatIsMissingAlone) {
   EXPECT_EQ(Standings(ResumeOf(ValuesOf(found), ValuesOf(intended),
                                ValuesOf({{"A", "10.0"}, {"B", "2.0"}, {"C", "3"}, {"D", "5"}}))),
