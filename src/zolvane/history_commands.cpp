@@ -144,19 +144,34 @@ std::vector<TextRow> FactsOf(const Operation& operation) {
   return rows;
 }
 
-// The boxes, and the verdict on each value, as they were kept.
+std::string Cell(const std::optional<std::string>& text) {
+  return text ? Printable(*text) : "-";
+}
+
+std::string RoundTripText(const std::vector<ReportedValue>& values) {
+  std::vector<TextRow> rows{{"value", "found", "to be sent"}};
+  for (const auto& value : values) {
+    rows.push_back({Printable(value.Key), Cell(value.Found), Cell(value.Sent)});
+  }
+  return ColumnsText(rows);
+}
+
+// The boxes, the verdict on each value, and what got lost on the way, as they were kept.
 void ShowDetails(Workplace& work, const OperationDetails& details) {
   for (const auto& [title, text, answer] : details.Boxes) {
     work.Out.Print(Joined("box: ", OneLine(Joined(title, ": ", text)), " [", Printable(answer), "]\n"));
   }
-  const auto cell = [](const std::optional<std::string>& text) { return text ? Printable(*text) : "-"; };
   std::vector<TextRow> rows{{"value", "found", "sent", "left", "verdict", "cause"}};
   for (const auto& value : details.Values) {
-    rows.push_back({Printable(value.Key), cell(value.Found), cell(value.Sent), cell(value.Left),
+    rows.push_back({Printable(value.Key), Cell(value.Found), Cell(value.Sent), Cell(value.Left),
                     Printable(value.Verdict), Printable(value.Cause)});
   }
   work.Out.Print(rows.size() > 1 ? ColumnsText(rows) : std::string{});
+  if (!details.RoundTrip.empty()) {
+    work.Out.Print(Joined("an upload would have changed afterwards:\n", RoundTripText(details.RoundTrip)));
+  }
   work.Result.Boxes = details.Boxes;
+  work.Result.RoundTrip = details.RoundTrip;
   work.Result.Values = details.Values;
 }
 

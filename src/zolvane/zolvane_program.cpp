@@ -91,9 +91,11 @@ void RunReported(Workplace& work, std::ostream& errors) {
     work.Out.Error("nothing was changed");
     nothingWasChanged(exit_status::objection, outcome::refused);
   } catch (const UsageError& error) {
-    Complain(programName, errors, error.what());
-    report.Problem = error.what();
-    nothingWasChanged(exit_status::unusable, outcome::failed);
+    const bool isStopped = ProgramInterrupt().IsRaised();  // no link answers any more, whatever is asked
+    report.Problem = isStopped ? "stopped by the user; nothing was changed" : error.what();
+    Complain(programName, errors, report.Problem);
+    nothingWasChanged(isStopped ? exit_status::notDone : exit_status::unusable,
+                      isStopped ? outcome::cancelled : outcome::failed);
   }
 }
 

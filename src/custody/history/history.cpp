@@ -108,7 +108,7 @@ std::optional<std::string> History::LastLeft(std::string_view file) const {
                                                              : std::optional{last->Ended->FileAfter};
 }
 
-std::optional<std::string> History::Object(std::string_view name) {
+std::optional<std::string> History::Object(std::string_view name) const {
   return ReadObject(disk_, place_, name);
 }
 

@@ -79,7 +79,7 @@ class History {
   std::optional<std::string> PutObject(std::string_view bytes);
 
   // The bytes of that name. Nothing if they are missing or are not what the name says.
-  std::optional<std::string> Object(std::string_view name);
+  std::optional<std::string> Object(std::string_view name) const;
 
   // The entry is on the disk when it returns. Its number is that of the operation.
   std::optional<std::uint64_t> Begin(Entry entry);

@@ -62,7 +62,7 @@ void ProvingLink::Note(Value setting, const std::optional<std::string>& reply, c
   }
   lines_.push_back({.Key = std::move(setting.Name), .Text = setting.Text.value_or(""), .Reply = reply});
   ++tally_.Sent;
-  tally_.Answered += reply ? 1 : 0;
+  tally_.Answered += lines_.back().IsAnswered() ? 1 : 0;
   tally_.Accepted += lines_.back().IsAccepted() ? 1 : 0;
   if (!reply && !tally_.UnknownSince) {
     tally_.UnknownSince = tally_.Sent;

@@ -189,6 +189,12 @@ std::string_view NameOf(Cause cause) {
   return causeNames.at(static_cast<std::size_t>(cause));
 }
 
+bool SentLine::IsAnswered() const {
+  const auto reply = StrippedReply(Reply.value_or(""));
+  return !reply.empty() && reply.find('=') == std::string::npos &&
+         std::ranges::all_of(reply, [](char one) { return one >= ' ' && one <= '~'; });
+}
+
 bool SentLine::IsAccepted() const {
   return Reply && Trimmed(StrippedReply(*Reply)) == "OK";
 }

@@ -55,6 +55,8 @@ struct SentLine {
   std::string Text;
   std::optional<std::string> Reply{};  // empty: none came
 
+  // The reply is one to a line that sets a value: a text, and no value of another line.
+  bool IsAnswered() const;
   bool IsAccepted() const;
 };
 

@@ -111,7 +111,7 @@ void AddInOperation::Look(Custody& custody) {
   auto& work = custody.Work;
   custody.Found.Configuration = ReadConfiguration(work);
   ObjectToUnfinished(custody.Kept, custody.Doubts);
-  if (row_.AsksInstrument) {
+  if (row_.AsksInstrument || (ChangesFile() && work.Link != nullptr)) {
     custody.LookAtInstrument();
   }
   LookAtFile(custody);
@@ -222,6 +222,9 @@ void AddInOperation::Show(Custody& custody) {
     ShowChanges(work, "instrument", Compare(*custody.Found.Answers, *custody.Intended.Answers), descriptions,
                 "to be sent");
   }
+  if (row_.Button == queryButton) {
+    work.Out.Note("what the instrument says of its hardware decides what is written");
+  }
   const auto changes = Compare(FileFace(before), FileFace(*custody.Intended.Configuration));
   if (!changes.Differences.empty() || ChangesFile()) {
     ShowChanges(work, "file", changes, descriptions, "to be written");
@@ -266,7 +269,7 @@ void AddInOperation::ShowLoss(Custody& custody) const {
 // ---- Act ----
 
 // What an upload would now change: what the way into the file and back has lost.
-void ShowRoundTrip(Workplace& work, const Custody& custody) {
+void ShowRoundTrip(Workplace& work, const Custody& custody, Evidence& evidence) {
   const auto now = WireFaceOfFile(custody.Left.Configuration.value_or(""));
   const auto before = work.Link != nullptr ? WireFaceOfInstrument(*work.Link, NamesOf(now.Lines))
                                            : WireFaceOfFile(*custody.Found.Configuration).Lines;
@@ -277,6 +280,7 @@ void ShowRoundTrip(Workplace& work, const Custody& custody) {
     return;
   }
   work.Result.Counts.emplace_back("upload_would_change", changes.Differences.size());
+  evidence.TakeRoundTrip(changes.Differences);
   if (!changes.Differences.empty()) {
     const Descriptions descriptions{now};
     work.Out.Print(
@@ -312,7 +316,7 @@ Conclusion AddInOperation::Act(Custody& custody) {
   CloseSavedFile(custody, evidence);
   const auto& commands = played.Result.Tally.Commands;
   if (ChangesFile() && commands.NotAnswered == 0 && commands.Undelivered == 0) {
-    ShowRoundTrip(work, custody);
+    ShowRoundTrip(work, custody, evidence);
   }
   return evidence.Conclude();
 }

@@ -12,6 +12,7 @@
 #include "custody/transfer/wanted_state.h"
 #include "custody/values/sides.h"
 #include "files/splice.h"
+#include "text/counted.h"
 #include "text/joined.h"
 #include "text/printable.h"
 #include "text/usage_error.h"
@@ -30,7 +31,6 @@ struct Target {
   Moment Wanted{};                    // without answers: the instrument is left alone
   std::optional<KeptOperation> Of{};  // that is taken back or resumed; none: whatever is there may go
   bool Saves = true;
-  bool IsChecked = false;  // the configuration may never have been in force here
 };
 
 class BringingBack final : public CustodyOperation {
@@ -81,7 +81,7 @@ void BringingBack::Look(Custody& custody) {
     LookAtValues(custody);
   }
   ObjectToChanges(custody);
-  if (target_.IsChecked && custody.Intended.Configuration) {
+  if (custody.Intended.Configuration && custody.Intended.Configuration != custody.Found.Configuration) {
     custody.LookFor(CheckConfiguration(*custody.Intended.Configuration, work.ConfigFile()));
   }
   custody.Draft.Counts["saves"] = target_.Saves ? 1 : 0;
@@ -149,11 +149,17 @@ void BringingBack::LookAtValues(Custody& custody) {
 }
 
 void BringingBack::ObjectToChanges(Custody& custody) const {
+  if (std::ranges::count(steps_, Standing::Changed, &Step::Is) == 0) {
+    return;
+  }
+  const Descriptions measures{WireFaceOfFile(custody.Found.Configuration.value_or(""))};
   for (const auto& step : steps_) {
     if (step.Is == Standing::Changed) {
       const auto& expected = step.Of.Expected;
-      const auto text = [&step](const std::optional<std::string>& value) {
-        return Joined(step.Of.Name, " = ", value.value_or("(none)"));
+      const auto text = [&](const std::optional<std::string>& value) {
+        const auto measure = value ? measures.Measure(step.Of.Name, *value) : std::nullopt;
+        return Joined(step.Of.Name, " = ", value.value_or("(none)"),
+                      measure ? Joined(" (", *measure, ")") : std::string{});
       };
       Object(custody.Doubts, objection_code::changed,
              text(expected.empty() ? std::nullopt : expected.front()), text(step.Present));
@@ -164,11 +170,15 @@ void BringingBack::ObjectToChanges(Custody& custody) const {
 // ---- Show ----
 
 void BringingBack::Show(Custody& custody) {
-  const auto found = custody.Found.Configuration.value_or("");
+  const auto& found = custody.Found.Configuration;
   const auto intended = custody.Intended.Configuration.value_or("");
   const Descriptions descriptions{WireFaceOfFile(intended)};
-  ShowChanges(custody.Work, "file", Compare(FileFace(found), FileFace(intended)), descriptions,
-              "to be written");
+  const auto face = FileFace(intended);
+  if (found) {
+    ShowChanges(custody.Work, "file", Compare(FileFace(*found), face), descriptions, "to be written");
+  } else {
+    custody.Work.Out.Print(Joined("file: a new one with ", CountOf(face.InOrder().size(), "value"), "\n"));
+  }
   if (custody.Found.Answers) {
     Values present;
     for (const auto& value : custody.Intended.Answers->InOrder()) {
@@ -309,7 +319,7 @@ Target Recorded(Custody& custody, const std::string& name) {
   if (!side.Configuration) {
     throw UsageError{Joined(Quoted(name), " left no configuration that could be restored")};
   }
-  Target target{.Wanted = {.Configuration = std::move(side.Configuration), .Answers = {}}, .IsChecked = true};
+  Target target{.Wanted = {.Configuration = std::move(side.Configuration), .Answers = {}}};
   if (custody.Work.Options.TakesInstrument) {
     if (!side.Answers) {
       throw UsageError{Joined(Quoted(name), " holds no answers of an instrument")};

@@ -289,13 +289,10 @@ void Operate(Workplace& work, CustodyOperation& operation) {
 
 void ShowChanges(Workplace& work, std::string_view where, const Comparison& changes,
                  const Descriptions& descriptions, std::string_view meant) {
-  constexpr std::size_t mostShown = 500;
   const auto count = changes.Differences.size();
-  work.Out.Print(Joined(
-      where, ": ", CountOf(count, "value"), " of ", std::to_string(count + changes.Same), " to change\n",
-      count <= mostShown ? DifferencesText(changes, {descriptions, "as found"}, {descriptions, meant})
-                         : "  too many to print here: \"show\" prints the values of a "
-                           "side, \"diff\" the differences of two\n"));
+  work.Out.Print(Joined(where, ": ", CountOf(count, "value"), " of ", std::to_string(count + changes.Same),
+                        " to change\n",
+                        DifferencesText(changes, {descriptions, "as found"}, {descriptions, meant})));
 }
 
 std::string LinkProblem(const BenchLink& link) {

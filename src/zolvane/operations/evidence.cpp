@@ -7,6 +7,8 @@
 
 #include "bench/host/outcome.h"
 #include "bench/host/result_text.h"
+#include "custody/values/sides.h"
+#include "instrument/links/interrupt_flag.h"
 #include "text/counted.h"
 #include "text/joined.h"
 #include "text/printable.h"
@@ -37,10 +39,17 @@ std::size_t NumberOf(const std::vector<Verdict>& verdicts, Proof proof) {
   return static_cast<std::size_t>(std::ranges::count(verdicts, proof, &Verdict::Is));
 }
 
-std::string SaveText(const TransferTally& tally) {
+std::string SaveText(const TransferTally& tally, bool isToBeSaved) {
   return tally.IsSaved       ? "saved"
          : tally.SaveWasSent ? "SAVE was sent, but what the instrument kept is not proven"
-                             : "SAVE was not sent, so what the instrument keeps is as it was";
+         : isToBeSaved       ? "SAVE was not sent, so what the instrument keeps is as it was"
+                             : "SAVE was not needed, as none had been sent";
+}
+
+// Nothing left any more from this line on, or nobody knows what became of it, and nothing was asked again.
+std::optional<std::size_t> UnknownSince(const TransferTally& tally, const std::vector<Verdict>& verdicts) {
+  const bool isUnproven = NumberOf(verdicts, Proof::Unknown) > 0 && !tally.SaveWasSent;
+  return isUnproven && !tally.UnknownSince ? tally.Sent + 1 : tally.UnknownSince;
 }
 
 bool IsVerified(const ReportedValue& value) {
@@ -48,12 +57,12 @@ bool IsVerified(const ReportedValue& value) {
 }
 
 // A line for each value that is not what was sent. Of the others nothing is known.
-std::string UnprovenText(const std::vector<ReportedValue>& values) {
+std::string UnprovenText(const std::vector<ReportedValue>& values, const Descriptions& measures) {
   std::vector<TextRow> rows{{"value", "sent", "holds", "why"}};
   for (const auto& value : values) {
     if (!IsVerified(value) && value.Verdict != NameOf(Proof::Unknown)) {
-      rows.push_back({Printable(value.Key), Printable(value.Sent.value_or("(none)")),
-                      Printable(value.Left.value_or("(unknown)")),
+      rows.push_back({Printable(value.Key), MeasuredText(measures, value.Key, value.Sent),
+                      MeasuredText(measures, value.Key, value.Left),
                       value.Cause.empty() ? value.Verdict : Joined(value.Verdict, ", ", value.Cause)});
     }
   }
@@ -111,17 +120,36 @@ void Evidence::TakeInstrument(const ProvingLink& link, bool isToBeSaved) {
                                              {"saved", tally.IsSaved ? 1 : 0}});
   const bool isProven =
       std::ranges::all_of(verdicts, [&](const auto& verdict) { return link.IsProven(verdict); });
+  NameWhatCounts(link, verdicts);
   Add(Joined(CountOf(tally.Sent, "line"), " sent, ", std::to_string(tally.Answered), " answered, ",
              std::to_string(verified), " of ", CountOf(verdicts.size(), "value"), " verified"));
   if (!link.Problem().empty()) {
     Add(link.Problem());
-  } else if (isToBeSaved || tally.SaveWasSent) {
-    Add(SaveText(tally));
+  } else {
+    Add(SaveText(tally, isToBeSaved));
   }
-  if (tally.UnknownSince) {
-    Worsen(outcome::failed, Joined("unknown since line ", std::to_string(*tally.UnknownSince)));
-  } else if (!isProven || !link.Problem().empty() || (isToBeSaved && !tally.IsSaved)) {
+  const bool isWhole = isProven && link.Problem().empty() && (!isToBeSaved || tally.IsSaved);
+  if (!isWhole && ProgramInterrupt().IsRaised()) {
+    Worsen(outcome::failed, "stopped by the user");
+  }
+  if (const auto line = UnknownSince(tally, verdicts)) {
+    Worsen(outcome::failed, Joined("unknown since line ", std::to_string(*line)));
+  } else if (!isWhole) {
     Worsen(outcome::notProven, "");
+  }
+}
+
+// What --despite made of values that were not given back as they were sent.
+void Evidence::NameWhatCounts(const ProvingLink& link, const std::vector<Verdict>& verdicts) {
+  for (const auto& verdict : verdicts) {
+    if (verdict.Is == Proof::Verified || !link.IsProven(verdict)) {
+      continue;
+    }
+    const auto code = verdict.Is == Proof::Unreadable ? objection_code::unreadable : objection_code::rounded;
+    const auto text = [&verdict](std::string_view value) { return Joined(verdict.Key, " = ", value); };
+    for (auto* const objections : {&custody_.Draft.Objections, &custody_.Work.Result.Objections}) {
+      Object(*objections, code, text(verdict.Sent), text(verdict.Left.value_or("(none)")));
+    }
   }
 }
 
@@ -146,6 +174,11 @@ void Evidence::TakeConfiguration() {
   }
   if (content.Is == DiskContent::State::Present) {
     custody_.Left.Configuration = content.Bytes;
+  }
+  const bool wasNotBegun = outcome_ == outcome::cancelled || outcome_ == outcome::refused;
+  if (wasNotBegun && custody_.Left.Configuration == custody_.Found.Configuration) {
+    Add("the file is as it was");
+    return;
   }
   const auto found = FileFace(custody_.Found.Configuration.value_or(""));
   const auto intended = FileFace(custody_.Intended.Configuration.value_or(""));
@@ -183,10 +216,19 @@ void Evidence::TakeTally(const ActionTally& tally, bool isProvenOtherwise) {
   }
 }
 
+void Evidence::TakeRoundTrip(const std::vector<Difference>& changes) {
+  for (const auto& change : changes) {
+    details_.RoundTrip.push_back({.Key = change.Name, .Found = change.A, .Sent = change.B});
+  }
+  custody_.Work.Result.RoundTrip = details_.RoundTrip;
+}
+
 Conclusion Evidence::Conclude() {
   auto& work = custody_.Work;
   if (outcome_ != outcome::done) {
-    work.Out.Print(UnprovenText(work.Result.Values));
+    const auto& configuration = custody_.Intended.Configuration;
+    work.Out.Print(
+        UnprovenText(work.Result.Values, Descriptions{WireFaceOfFile(configuration.value_or(""))}));
   }
   details_.Values = work.Result.Values;
   std::string account;

@@ -30,6 +30,9 @@ class Evidence {
   // What the add-in said, and what its operation came to unless the instrument has the last word.
   void TakeTally(const ActionTally& tally, bool isProvenOtherwise);
 
+  // What an upload would now change.
+  void TakeRoundTrip(const std::vector<Difference>& changes);
+
   // Something that keeps the operation from being proven; `fact` is a clause for the account.
   void Worsen(std::string_view outcome, std::string fact);
 
@@ -40,6 +43,7 @@ class Evidence {
   Conclusion Conclude();
 
  private:
+  void NameWhatCounts(const ProvingLink& link, const std::vector<Verdict>& verdicts);
   void ReportFileValues(const Values& found, const Values& intended, const Values& left);
 
   Custody& custody_;

@@ -78,11 +78,15 @@ std::string MissingSection(const std::vector<std::string>& sections,
   return last == exported.rbegin() || last == exported.rend() ? std::string{} : *std::prev(last);
 }
 
+// Of one that custody exported the beginning is there. A host that has written over it closes nothing.
 bool IsExpectedToBeOurs(const History& history, const std::string& file, const std::string& backup) {
+  const auto isLeft = [&](const FileChange& other) {
+    const auto left = IsSameFile(other.Path, file) ? history.Object(other.After) : std::nullopt;
+    return left && left->starts_with(backup);
+  };
   const auto ours = std::ranges::any_of(history.Entries(), [&](const Entry& entry) {
     return entry.IsEnd() && entry.Action == action::exporting &&
-           std::ranges::any_of(entry.OtherFiles,
-                               [&](const auto& other) { return IsSameFile(other.Path, file); });
+           std::ranges::any_of(entry.OtherFiles, isLeft);
   });
   return ours || backup.find(checkpointHeading) != std::string::npos;
 }

@@ -16,6 +16,7 @@ constexpr auto MembersOf(const Report*) {
                     Member{"counts", &Report::Counts},
                     Member{"values", &Report::Values},
                     Member{"boxes", &Report::Boxes},
+                    Member{"round_trip", &Report::RoundTrip},
                     Member{"objections", &Report::Objections},
                     Member{"findings", &Report::Findings},
                     Member{"checkpoint", &Report::Checkpoint}};

@@ -72,10 +72,12 @@ constexpr auto MembersOf(const ReportedBox*) {
 struct OperationDetails {
   std::vector<ReportedBox> Boxes;
   std::vector<ReportedValue> Values;
+  std::vector<ReportedValue> RoundTrip;  // what an upload would change afterwards
 };
 
 constexpr auto MembersOf(const OperationDetails*) {
-  return std::tuple{Member{"boxes", &OperationDetails::Boxes}, Member{"values", &OperationDetails::Values}};
+  return std::tuple{Member{"boxes", &OperationDetails::Boxes}, Member{"values", &OperationDetails::Values},
+                    Member{"round_trip", &OperationDetails::RoundTrip}};
 }
 
 struct Report {
@@ -86,6 +88,7 @@ struct Report {
   std::vector<std::pair<std::string, std::size_t>> Counts{};
   std::vector<ReportedValue> Values{};
   std::vector<ReportedBox> Boxes{};
+  std::vector<ReportedValue> RoundTrip{};  // what an upload would change afterwards
   std::vector<Objection> Objections{};
   std::vector<Finding> Findings{};
   std::optional<zolvane::Checkpoint> Checkpoint{};

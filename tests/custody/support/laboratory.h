@@ -87,7 +87,7 @@ inline Held ScriptOf(const std::string& configuration) {
 class LabInstrument final : public BenchLink {
  public:
   explicit LabInstrument(const LabMemory& memory, std::optional<std::string> fault = std::nullopt)
-      : BenchLink{noInterrupt}, told_{memory} {
+      : BenchLink{ProgramInterrupt()}, told_{memory} {
     SimulatedInstrument instrument{{.Stage = "ZV300", .Tag = "TAG3"}};
     const auto store = [&](const Held& held) {
       for (const auto& [key, text] : held) {

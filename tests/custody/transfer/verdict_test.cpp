@@ -98,6 +98,19 @@ TEST(Verdict, OfSeveralLinesWithOneKeyTheLastCounts) {
   EXPECT_EQ(verdicts[0].Is, Proof::Verified);
 }
 
+TEST(Verdict, AReplyThatIsNoneToASettingAnswersNothing) {
+  const auto isAnswered = [](std::optional<std::string> reply) {
+    return SentLine{.Key = "A", .Text = "1", .Reply = std::move(reply)}.IsAnswered();
+  };
+  for (const auto* reply : {"OK", "OK\r\n", "SYNTAX_ERROR", "out of range"}) {
+    EXPECT_TRUE(isAnswered(reply)) << reply;
+  }
+  for (const auto* reply : {"", "\r\n", "A=1", "STAGE1_X=1612", "\xFF\xFE", "O\x01K"}) {
+    EXPECT_FALSE(isAnswered(reply)) << reply;
+  }
+  EXPECT_FALSE(isAnswered(std::nullopt));
+}
+
 TEST(Verdict, DamageIsToldFromAValueThatSomebodySet) {
   for (const auto* left : {"161", "-1612", "161200", "806"}) {
     EXPECT_TRUE(CouldBeDamage("1612", left)) << left;
