@@ -28,7 +28,8 @@ class Account : public testing::Test {
     return history.Entries().back();
   }
 
-  std::string configuration_ = Replaced(SmallConfiguration(), "ExportCalibrationData=0", "ExportCalibrationData=1");
+  std::string configuration_ =
+      Replaced(SmallConfiguration(), "ExportCalibrationData=0", "ExportCalibrationData=1");
   CustodyRoom room_{configuration_, WireFaceOfFile(configuration_).Lines};
 };
 
@@ -102,8 +103,9 @@ TEST_F(Account, NamesTheRoundedValuesThatCountAsProven) {
   const std::string key = "TipChange_Z";
   Edit("11840.5", "11900.5");
   ASSERT_EQ(RunBut({"upload"}).Status(), 0);
-  const auto ran = RunBut({"--despite", "rounded", "--instrument", "restore", CustodyRoom::PathTo("before.html")},
-                          FaultPlan{"round@" + key});
+  const auto ran =
+      RunBut({"--despite", "rounded", "--instrument", "restore", CustodyRoom::PathTo("before.html")},
+             FaultPlan{"round@" + key});
   EXPECT_EQ(ran.Status(), 0) << ran.Printed;
   const Objection rounded{.Code = "rounded", .Expected = key + " = 11840.5", .Actual = key + " = 11841"};
   EXPECT_EQ(ran.Result.Objections.back(), rounded);

@@ -27,9 +27,9 @@ struct TracedRun {
   std::string Printed;
 };
 
-class TracedSession {
+class SessionOnBothPrograms {
  public:
-  explicit TracedSession(SessionGenerator& random) {
+  explicit SessionOnBothPrograms(SessionGenerator& random) {
     const auto whole = random.Configuration(SampleConfiguration(), SmallConfiguration());
     folder_.Put("Zolvane.ini", random.Damaged(whole));
     folder_.Put("old.bak", random.Damaged(whole));
@@ -129,7 +129,7 @@ INSTANTIATE_TEST_SUITE_P(Seed, SessionInCustody, Seeds(5, 1000));
 
 TEST_P(SessionInCustody, TracesTheSameAsTheBench) {
   SessionGenerator random{GetParam()};
-  TracedSession session{random};
+  SessionOnBothPrograms session{random};
   for (const auto& operation : session.Operations()) {
     session.ExpectSameTrace(operation, "seed " + std::to_string(GetParam()) + ", " + operation.front());
   }

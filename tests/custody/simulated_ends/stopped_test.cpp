@@ -31,8 +31,8 @@ class Stopped : public testing::Test {
   }
 
   std::size_t LinesTaken(std::string_view start) const {
-    return static_cast<std::size_t>(
-        std::ranges::count_if(Instrument->Lines, [start](const auto& line) { return line.starts_with(start); }));
+    return static_cast<std::size_t>(std::ranges::count_if(
+        Instrument->Lines, [start](const auto& line) { return line.starts_with(start); }));
   }
 
   MemoryDisk Disk;
@@ -57,7 +57,8 @@ TEST_F(Stopped, AProofThatWasStoppedSavesNothing) {
   StopAt(questionStart, 2 * ScriptOf(LabConfiguration()).size() - 1);  // each is asked once before
   EXPECT_EQ(Program.Run(Disk, Instrument, {"--yes", "upload"}), 1);
   EXPECT_EQ(Program.Result.Outcome, outcome::failed);
-  EXPECT_NE(Program.All().find("stopped by the user; unknown since line"), std::string::npos) << Program.All();
+  EXPECT_NE(Program.All().find("stopped by the user; unknown since line"), std::string::npos)
+      << Program.All();
   EXPECT_EQ(LinesTaken(saveLine), 0U);
 }
 
@@ -68,7 +69,8 @@ TEST_F(Stopped, AnUndoSaysSinceWhichLineNothingIsKnown) {
   StopAt(settingStart, 1);
   EXPECT_EQ(Program.Run(Disk, Instrument, {"undo"}), 1);
   EXPECT_EQ(Program.Result.Outcome, outcome::failed);
-  EXPECT_NE(Program.All().find("stopped by the user; unknown since line 2"), std::string::npos) << Program.All();
+  EXPECT_NE(Program.All().find("stopped by the user; unknown since line 2"), std::string::npos)
+      << Program.All();
 }
 
 TEST_F(Stopped, WhileLookingChangesNothingAndBlamesNobody) {
