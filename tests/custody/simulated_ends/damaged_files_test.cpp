@@ -1,5 +1,5 @@
-// Every file that custody writes, cut off at every byte and with a bit flipped in every byte: refused, or read up to
-// there, and never believed. What is done to journals and records is beside them.
+// Every file that custody writes, cut off at any byte and with a bit flipped in any byte: refused, or read up to there,
+// and never believed. What is done to journals and records is beside them.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -11,6 +11,7 @@
 #include "custody/support/custody_room.h"
 #include "custody/values/values_json.h"
 #include "support/golden.h"
+#include "support/long_tests.h"
 #include "zolvane/work/objections.h"
 
 namespace zolvane {
@@ -22,7 +23,7 @@ std::string Flipped(std::string bytes, std::size_t at) {
 }
 
 void ForEachDamage(const std::string& bytes, const std::function<void(const std::string& damaged)>& look) {
-  for (std::size_t at = 0; at < bytes.size(); ++at) {
+  for (const auto at : PlacesIn(bytes.size())) {
     look(bytes.substr(0, at));
     look(Flipped(bytes, at));
   }
@@ -124,7 +125,7 @@ TEST_F(DamagedFile, ABackupThatIsCutOffAnywhereIsAnObjection) {
     return objections;
   };
   EXPECT_TRUE(objectionsTo(whole).empty());
-  for (std::size_t size = 0; size < whole.size(); ++size) {
+  for (const auto size : PlacesIn(whole.size())) {
     const auto objections = objectionsTo(whole.substr(0, size));
     ASSERT_TRUE(std::ranges::any_of(objections, [](const auto& one) { return one.Code == "cut-off"; }))
         << size;
@@ -159,7 +160,7 @@ TEST_F(DamagedFile, ABackupWithABitFlippedAnywhereIsAnObjection) {
   const auto whole = Bytes(backup_);
   const auto history = OpenHistory();
   const auto device = WireFaceOfFile(room_.Configuration()).InForce.Device.Name;
-  for (std::size_t at = 0; at < whole.size(); ++at) {
+  for (const auto at : PlacesIn(whole.size())) {
     Objections objections;
     ObjectToBackup(history, backup_, Flipped(whole, at), whole, device, objections);
     ASSERT_TRUE(std::ranges::any_of(objections, [](const auto& one) {
