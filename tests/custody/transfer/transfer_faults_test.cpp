@@ -8,6 +8,7 @@
 #include "custody/transfer/transfer_room.h"
 #include "custody/transfer/wanted_state.h"
 #include "support/file_bytes.h"
+#include "support/long_tests.h"
 #include "text/joined.h"
 
 namespace zolvane {
@@ -91,11 +92,15 @@ void ExpectNoFalseSuccess(const Trial& trial, const Settings& script, bool mayRe
   }
 }
 
+// A few of the lines are every third that sets and every third that asks, SAVE, and the question behind it.
 TEST_P(EveryFault, AtEveryLineNeverGivesAFalseSuccessNorSavesWhatIsUnproven) {
   const auto& script = ShortScript();
   const auto held = OtherValues(script);
   const auto kind = GetParam().Name;
   for (std::size_t line = 1; line <= 2 * script.size() + 2; ++line) {
+    if (!TriesAll() && line % 3 != 1 && line <= 2 * script.size()) {
+      continue;
+    }
     const auto where = At(kind, line);
     ExpectNoFalseSuccess(UploadWith(held, script, {where}), script, kind == "power", where);
   }
