@@ -8,6 +8,8 @@
 #include <iterator>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "custody/support/custody_room.h"
 #include "custody/values/play.h"
@@ -194,12 +196,19 @@ INSTANTIATE_TEST_SUITE_P(Kinds, FaultInTheSample, testing::ValuesIn(FaultRows().
                            return name;
                          });
 
+const GeneratedTransfer& SampleTransfer() {
+  static const auto sample = [] {
+    SessionGenerator random{1};
+    return GeneratedTransfer{.Configuration = SampleConfiguration(),
+                             .IsWhole = true,
+                             .Held = WireFaceOfFile(random.Taught(SampleConfiguration())).Lines};
+  }();
+  return sample;
+}
+
 // Each kind at one line of either, and where everything is tried, at all of them.
 TEST_P(FaultInTheSample, AtEveryLineIsNoFalseSuccess) {
-  SessionGenerator random{1};
-  const GeneratedTransfer sample{.Configuration = SampleConfiguration(),
-                                 .IsWhole = true,
-                                 .Held = WireFaceOfFile(random.Taught(SampleConfiguration())).Lines};
+  const auto& sample = SampleTransfer();
   const auto kind = static_cast<std::size_t>(
       std::ranges::find(FaultRows(), GetParam().Name, &FaultRow::Name) - FaultRows().begin());
   const std::size_t lines = 3 * CommandsOfTheSample();  // a download passes nearly as many
@@ -254,23 +263,30 @@ std::string DifferingKey(SessionGenerator& random, const GeneratedTransfer& made
 TEST(GeneratedTransfers, APlantedFaultIsCalledByItsNameInAtLeastNineteenOfTwentyCases) {
   constexpr unsigned few = 3;
   constexpr unsigned all = 1000;
+  struct Prepared {
+    unsigned Seed = 0;
+    GeneratedTransfer Made;
+    std::string Key;
+  };
+  std::vector<Prepared> transfers;
+  for (unsigned seed = 1; seed <= (TriesAll() ? all : few); ++seed) {
+    SessionGenerator random{seed};
+    auto made = TransferOf(random);
+    if (auto key = DifferingKey(random, made); !key.empty() && IsOffered(made, uploadButton)) {
+      transfers.push_back({.Seed = seed, .Made = std::move(made), .Key = std::move(key)});
+    }
+  }
   for (const auto& planted : plantedCauses) {
     std::size_t cases = 0;
     std::size_t named = 0;
-    for (unsigned seed = 1; seed <= (TriesAll() ? all : few); ++seed) {
-      SessionGenerator random{seed};
-      auto made = TransferOf(random);
-      const auto key = DifferingKey(random, made);
-      if (key.empty()) {
-        continue;
-      }
+    for (const auto& [seed, made, key] : transfers) {
       auto room = made.Room();
       const auto ran =
           room.Run(CustodyRoom::Determined({"upload"}), {std::string{planted.Fault} + "@" + key});
       const auto& values = ran.Result.Values;
       const auto value = std::ranges::find(values, key, &ReportedValue::Key);
       if (value == values.end() || value->Verdict == "verified") {
-        continue;  // not offered; or the fault changes nothing of such a number
+        continue;  // the fault changes nothing of such a number
       }
       ++cases;
       named += value->Cause == planted.Cause ? 1 : 0;
