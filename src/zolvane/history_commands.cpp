@@ -103,17 +103,6 @@ void ListOperations(Workplace& work, const History& history) {
   }
 }
 
-// Whatever stops a reader.
-void TellDamage(Workplace& work, const History& history) {
-  if (history.IsTorn()) {
-    work.Out.Note("the last line of the journal was not written to its end; it is no entry");
-  }
-  if (!history.Damage().empty()) {
-    work.Out.Error(Joined("the history is damaged: ", history.Damage()));
-    work.Result.Worsen(exit_status::notDone);
-  }
-}
-
 void AddFact(std::vector<TextRow>& rows, std::string_view name, std::string_view text) {
   if (!text.empty()) {
     rows.push_back({std::string{name}, Printable(text)});
@@ -211,7 +200,7 @@ void AuditHistory(Workplace& work, const Words& more) {
   for (const auto& file : files) {
     std::ranges::copy(CheckpointsOf(work, file), std::back_inserter(against));
   }
-  const auto history = ReadHistory(work);
+  const auto history = OpenHistory(work);
   if (against.empty() && !history.Exists() && history.Damage().empty()) {
     throw UsageError{"there is no history yet: the first operation of zolvane begins it"};
   }
@@ -251,7 +240,6 @@ void ShowHistory(Workplace& work, const Words& words) {
   }
   const auto history = ReadHistory(work);
   ListOperations(work, history);
-  TellDamage(work, history);
   work.Result.Checkpoint = history.LastCheckpoint();
 }
 

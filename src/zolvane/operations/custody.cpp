@@ -78,6 +78,7 @@ void Custody::LookFor(std::vector<Finding> findings) {
 }
 
 void Custody::SettleDamage() {
+  Work.HasToldDamage = true;
   if (Kept.IsTorn()) {
     Work.Out.Note(
         "the last line of the history was not written to its end; it is no entry, and is kept aside");

@@ -84,7 +84,7 @@ struct Report {
   std::string Command;
   int ExitStatus = exit_status::done;
   std::string Outcome{};  // empty: the command only looks
-  std::string Problem{};  // what it could not use
+  std::string Problem{};  // what it could not use, or not to its end
   std::vector<std::pair<std::string, std::size_t>> Counts{};
   std::vector<ReportedValue> Values{};
   std::vector<ReportedBox> Boxes{};

@@ -21,6 +21,18 @@ constexpr std::string_view lastOperation = "@last";
   throw UsageError{Joined(Quoted(name), " ", reason)};
 }
 
+// Whatever stops a reader.
+void TellDamage(Workplace& work, const History& history) {
+  if (history.IsTorn()) {
+    work.Out.Note("the last line of the journal was not written to its end; it is no entry");
+  }
+  if (!history.Damage().empty()) {
+    work.Result.Problem = Joined("the history is damaged: ", history.Damage());
+    work.Out.Error(work.Result.Problem);
+    work.Result.Worsen(exit_status::notDone);
+  }
+}
+
 Side SideOfOperation(Workplace& work, const std::string& name) {
   constexpr std::string_view foundSuffix = ":found";
   const bool isFound = name.ends_with(foundSuffix);
@@ -37,10 +49,19 @@ Side SideOfOperation(Workplace& work, const std::string& name) {
           .Answers = KeptValues(history, isFound ? entry.Found : entry.Left)};
 }
 
+// An export writes every key of the page's settings but what is installed. The configuration of the folder is
+// none however damaged it is.
+bool IsBackup(const Workplace& work, const std::string& path, const std::string& bytes) {
+  const SectionedText text{bytes};
+  return !IsSameFile(path, work.ConfigFile()) && !text.Find("DeviceType", "Installed") &&
+         !text.Find("CageType", "Installed");
+}
+
 Side SideOfFile(Workplace& work, const std::string& name) {
-  auto bytes = ReadFile(work.Files, AbsolutePath(name));
+  const auto path = AbsolutePath(name);
+  auto bytes = ReadFile(work.Files, path);
   if (!LooksLikeRecord(bytes)) {
-    const bool isBackup = IsBackup(bytes);
+    const bool isBackup = IsBackup(work, path, bytes);
     return {.Name = name, .Configuration = std::move(bytes), .IsBackup = isBackup};
   }
   auto left = RecordIn(bytes, name).Left;
@@ -128,7 +149,7 @@ RecordContent RecordIn(const std::string& bytes, const std::string& name) {
   return *std::move(record.Content);
 }
 
-History ReadHistory(Workplace& work) {
+History OpenHistory(Workplace& work) {
   History history{work.Files, work.Who, work.Options.Folder};
   if (!history.Open().Ok()) {
     throw UsageError{Joined("the history cannot be read: ", history.FailureReason())};
@@ -136,10 +157,12 @@ History ReadHistory(Workplace& work) {
   return history;
 }
 
-// An export writes every key of the page's settings but what is installed.
-bool IsBackup(const std::string& bytes) {
-  const SectionedText text{bytes};
-  return !text.Find("DeviceType", "Installed") && !text.Find("CageType", "Installed");
+History ReadHistory(Workplace& work) {
+  auto history = OpenHistory(work);
+  if (!std::exchange(work.HasToldDamage, true)) {
+    TellDamage(work, history);
+  }
+  return history;
 }
 
 }  // namespace zolvane

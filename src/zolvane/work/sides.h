@@ -38,10 +38,10 @@ std::optional<Values> KeptValues(History& history, const std::string& name);
 // What the record of that name holds. Throws UsageError if it is damaged.
 RecordContent RecordIn(const std::string& bytes, const std::string& name);
 
-// Reads the history, for a command that writes nothing. Throws UsageError if it cannot be read.
-History ReadHistory(Workplace& work);
+// Opens the history, for a command that writes nothing. Throws UsageError if it cannot be read.
+History OpenHistory(Workplace& work);
 
-// Whether the bytes are a backup, which knows nothing of what is installed, or a whole configuration.
-bool IsBackup(const std::string& bytes);
+// The same, and says once what is damaged: the entries end there.
+History ReadHistory(Workplace& work);
 
 }  // namespace zolvane

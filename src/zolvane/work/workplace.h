@@ -30,7 +30,8 @@ struct Workplace {
   Console& Out;
   TraceLog* Trace = nullptr;  // null: no trace
   Report& Result;
-  bool IsRehearsal = false;  // the ends are copies
+  bool IsRehearsal = false;    // the ends are copies
+  bool HasToldDamage = false;  // of the history
 
   std::string ConfigFile() const { return ConfigFileIn(Options.Folder); }
 };

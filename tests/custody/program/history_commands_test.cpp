@@ -104,5 +104,33 @@ TEST_F(HistoryCommands, OfADamagedHistoryNothingIsTakenBack) {
   EXPECT_EQ(Run({"history"}).Output.find("no operation yet"), std::string::npos);
 }
 
+TEST_F(HistoryCommands, WhoeverReadsADamagedHistorySaysSoOnce) {
+  ASSERT_EQ(Run({"--yes", "upload"}).Status, 0);
+  const auto journal = Folder.Read("Zolvane.history/journal.jsonl");
+  Folder.Put("Zolvane.history/journal.jsonl", journal + "{}\n");
+  const std::string_view told = "zolvane: the history is damaged: line 4: ";
+  for (const Words& words :
+       {Words{"history"}, Words{"history", "show", "2"}, Words{"show", "@2"}, Words{"show", "@2:found"},
+        Words{"diff", "@2", "@2"}, Words{"diff", "@2", "file"}, Words{"drift"}}) {
+    const auto run = Run(words);
+    EXPECT_EQ(run.Status, 1) << words.back() << "\n" << run.All();
+    const auto at = run.Errors.find(told);
+    ASSERT_NE(at, std::string::npos) << words.back() << "\n" << run.Errors;
+    EXPECT_EQ(run.Errors.find(told, at + 1), std::string::npos) << run.Errors;
+    EXPECT_EQ(RunJson(words).at("problem").get<std::string>().find("the history is damaged: line 4"), 0U);
+  }
+  EXPECT_EQ(Run({"history", "show", "4"}).Status, 2);
+}
+
+// An objection has told it, and it was let pass.
+TEST_F(HistoryCommands, WhatIsRestoredOutOfADamagedHistoryIsRestoredAllTheSame) {
+  ASSERT_EQ(Run({"--yes", "upload"}).Status, 0);
+  const auto journal = Folder.Read("Zolvane.history/journal.jsonl");
+  Folder.Put("Zolvane.history/journal.jsonl", journal + "{}\n");
+  const auto run = RunAlone({"--despite", "history-damaged", "restore", "@2"});
+  EXPECT_EQ(run.Status, 0) << run.All();
+  EXPECT_EQ(run.Errors.find("zolvane: the history is damaged"), std::string::npos) << run.Errors;
+}
+
 }  // namespace
 }  // namespace zolvane
