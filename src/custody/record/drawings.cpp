@@ -215,7 +215,9 @@ std::string HeightDrawing(const std::vector<ValueRow>& rows) {
 std::string VolumeCurves(const RecordContent& content) {
   constexpr std::size_t mostPlots = 60;
   const SectionedText left{content.Left.Configuration};
-  const SectionedText found{content.Last ? content.Last->Found.Configuration : content.Left.Configuration};
+  const SectionedText found{content.Last
+                                ? content.Last->Found.Configuration.value_or(content.Left.Configuration)
+                                : content.Left.Configuration};
   std::vector<Plot> plots;
   std::size_t others = 0;
   for (const auto& section : CorrectionSections(content.Left.Configuration)) {

@@ -154,18 +154,20 @@ std::string ComparisonPart(std::string_view title, const Comparison& comparison,
 
 std::string ChangePart(const RecordContent& content, const Faces& faces) {
   if (!content.Last) {
-    return Element("p", "The history holds no operation that changed something.");
+    return Element("p", "The history holds no operation that changed something, or has lost what it found.");
   }
+  const auto& found = content.Last->Found;
+  const auto change = [&faces](std::string_view title, const Values& before, const Values& now) {
+    return ComparisonPart(title, Compare(before, now), faces, "As found", "As left");
+  };
   std::string markup;
-  if (content.Last->Found.Instrument && content.Left.Instrument) {
-    markup += ComparisonPart("On the instrument",
-                             Compare(*content.Last->Found.Instrument, *content.Left.Instrument), faces,
-                             "As found", "As left");
+  if (found.Instrument && content.Left.Instrument) {
+    markup += change("On the instrument", *found.Instrument, *content.Left.Instrument);
   }
-  return markup + ComparisonPart("In the file",
-                                 Compare(FileFace(content.Last->Found.Configuration),
-                                         FileFace(content.Left.Configuration)),
-                                 faces, "As found", "As left");
+  markup += found.Configuration
+                ? change("In the file", FileFace(*found.Configuration), FileFace(content.Left.Configuration))
+                : Element("h3", "In the file") + Element("p", "There was no configuration before.");
+  return markup;
 }
 
 std::string AgreementPart(const RecordContent& content, const Faces& faces) {
@@ -208,7 +210,7 @@ std::string Section(std::string_view title, std::string_view content) {
 
 std::string Signatures() {
   const auto line = TableRow({"", "", "", ""});
-  return Table("signatures", {"Name", "Meaning (done, checked, approved)", "Date and time", "Signature"},
+  return Table("signatures", {"Name", "Meaning (performed, checked, approved)", "Date and time", "Signature"},
                line + line);
 }
 

@@ -9,7 +9,7 @@ namespace zolvane {
 namespace {
 
 constexpr std::string_view opening = "<!DOCTYPE html>\n<!-- Zolvane adjustment record -->\n";
-constexpr std::string_view beforeData = "<pre hidden id=\"record-data\">\n";
+constexpr std::string_view beforeData = "<pre hidden id=\"record-data\">";
 constexpr std::string_view behindData = "\n</pre>\n";
 constexpr SealForm sealForm{.Before = "<!-- SHA-256 of all bytes before this line: ", .Behind = " -->\n"};
 
@@ -29,7 +29,8 @@ ReadRecordResult Refused(std::string reason) {
 }  // namespace
 
 std::string WriteRecord(const RecordContent& content) {
-  auto record = Joined(opening, PageOf(content, Joined(beforeData, Base64Of(DataOf(content)), behindData)));
+  auto record =
+      Joined(opening, PageOf(content, Joined(beforeData, "\n", Base64Of(DataOf(content)), behindData)));
   return record.append(SealOf(record, sealForm));
 }
 
@@ -45,6 +46,9 @@ ReadRecordResult ReadRecord(std::string_view bytes) {
     case SealState::Whole:
       break;
   }
+  if (!bytes.starts_with(opening)) {
+    return Refused("was changed: it does not begin like a record");
+  }
   auto content = ContentIn(BytesOfBase64(DataIn(WithoutSeal(bytes, sealForm))));
   if (!content) {
     return Refused("was written by another version: its data are of an unknown form");
@@ -53,7 +57,8 @@ ReadRecordResult ReadRecord(std::string_view bytes) {
 }
 
 bool LooksLikeRecord(std::string_view bytes) {
-  return bytes.starts_with(opening);
+  return bytes.starts_with(opening) || StateOfSeal(bytes, sealForm) != SealState::Missing ||
+         bytes.find(beforeData) != std::string_view::npos;
 }
 
 }  // namespace zolvane

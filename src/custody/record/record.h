@@ -22,6 +22,14 @@ struct RecordedState {
   bool operator==(const RecordedState&) const = default;
 };
 
+// What an operation found.
+struct FoundState {
+  std::optional<std::string> Configuration;  // empty: there was none
+  std::optional<Values> Instrument;
+
+  bool operator==(const FoundState&) const = default;
+};
+
 // The last operation that changed something, and the state that it found.
 struct RecordedOperation {
   std::uint64_t Number = 0;  // in the history
@@ -30,7 +38,7 @@ struct RecordedOperation {
   std::string Person;
   std::string Reason;
   std::string Time;  // UTC, as in the history: "2026-03-14T09:26:53.589Z"
-  RecordedState Found;
+  FoundState Found;
 
   bool operator==(const RecordedOperation&) const = default;
 };
@@ -63,7 +71,8 @@ struct ReadRecordResult {
 // Refuses every file that is not what WriteRecord returned, byte for byte.
 ReadRecordResult ReadRecord(std::string_view bytes);
 
-// The file may be one: it begins like every record.
+// The file is one, or was one before it was damaged: it begins or ends like every record, or has its data
+// element.
 bool LooksLikeRecord(std::string_view bytes);
 
 }  // namespace zolvane

@@ -21,6 +21,11 @@ static constexpr auto MembersOf(const RecordedState*) {
                     Member{"instrument", &RecordedState::Instrument}};
 }
 
+static constexpr auto MembersOf(const FoundState*) {
+  return std::tuple{Member{"configuration", &FoundState::Configuration},
+                    Member{"instrument", &FoundState::Instrument}};
+}
+
 static constexpr auto MembersOf(const RecordedOperation*) {
   return std::tuple{Member{"number", &RecordedOperation::Number, Presence::Always},
                     Member{"action", &RecordedOperation::Action, Presence::Always},

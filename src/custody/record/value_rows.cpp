@@ -71,8 +71,9 @@ ValueRow RowOf(const std::string& name, const FoundAndLeft& file, const FoundAnd
 
 Faces::Faces(const RecordContent& content)
     : Left{WireFaceOfFile(content.Left.Configuration)}, Meanings{Left} {
-  if (content.Last && content.Last->Found.Configuration != content.Left.Configuration) {
-    Found = WireFaceOfFile(content.Last->Found.Configuration);
+  const auto found = content.Last ? content.Last->Found.Configuration : std::nullopt;
+  if (found && *found != content.Left.Configuration) {
+    Found = WireFaceOfFile(*found);
   }
 }
 

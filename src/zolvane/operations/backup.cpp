@@ -18,12 +18,12 @@
 namespace zolvane {
 namespace {
 
-// Empty if the history has lost some of it: a record of today does without.
-Moment FoundBy(History& history, const std::vector<Operation>& operations, std::size_t place) {
+// Nothing if the history has lost some of it: a record of today does without.
+std::optional<Moment> FoundBy(History& history, const std::vector<Operation>& operations, std::size_t place) {
   try {
     return KeptOf(history, operations, place).Found;
   } catch (const UsageError&) {
-    return {};
+    return std::nullopt;
   }
 }
 
@@ -31,8 +31,8 @@ Moment FoundBy(History& history, const std::vector<Operation>& operations, std::
 std::optional<RecordedOperation> LastOperation(Custody& custody) {
   const auto operations = custody.Kept.Operations();
   const auto place = LastChange(operations);
-  const auto found = place ? FoundBy(custody.Kept, operations, *place) : Moment{};
-  if (!found.Configuration) {
+  const auto found = place ? FoundBy(custody.Kept, operations, *place) : std::nullopt;
+  if (!found) {
     return std::nullopt;
   }
   const auto& [begun, ended] = operations[*place];
@@ -44,7 +44,7 @@ std::optional<RecordedOperation> LastOperation(Custody& custody) {
                            .Person = begun->Person,
                            .Reason = begun->Reason,
                            .Time = begun->Time,
-                           .Found = {.Configuration = *found.Configuration, .Instrument = found.Answers}};
+                           .Found = {.Configuration = found->Configuration, .Instrument = found->Answers}};
 }
 
 class BackupOperation final : public CustodyOperation {

@@ -147,6 +147,28 @@ TEST_F(BringingBackTest, ARecordRestoresFileAndInstrument) {
   EXPECT_EQ(RunAlone({"history", "audit", "--against", record}).Status, 0);
 }
 
+TEST_F(BringingBackTest, ARecordBehindARestoreIntoAnEmptyFolderTellsOfIt) {
+  ASSERT_EQ(RunAlone({"backup", Folder.Path("first.html")}).Status, 0);
+  std::filesystem::remove(Folder.Path("Zolvane.ini"));
+  ASSERT_EQ(RunAlone({"restore", Folder.Path("first.html")}).Status, 0);
+  ASSERT_EQ(RunAlone({"backup", Folder.Path("second.html")}).Status, 0);
+  const auto page = Folder.Read("second.html");
+  EXPECT_NE(page.find("restore, done, by "), std::string::npos);
+  EXPECT_NE(page.find("There was no configuration before."), std::string::npos);
+}
+
+TEST_F(BringingBackTest, ARecordDamagedInItsFirstLineIsNotTakenForAConfiguration) {
+  ASSERT_EQ(RunAlone({"backup", Folder.Path("record.html")}).Status, 0);
+  Folder.Put("record.html", "<" + Folder.Read("record.html"));
+  for (const Words& words : {Words{"show"}, Words{"check"}, Words{"diff", "file"}, Words{"restore"}}) {
+    auto command = words;
+    command.push_back(Folder.Path("record.html"));
+    const auto run = RunAlone(command);
+    EXPECT_EQ(run.Status, 2) << words.front();
+    EXPECT_NE(run.Errors.find("is damaged or was changed"), std::string::npos) << run.Errors;
+  }
+}
+
 TEST_F(BringingBackTest, ADamagedRecordIsRefused) {
   const auto record = Folder.Path("record.html");
   ASSERT_EQ(Run({"backup", record}).Status, 0);

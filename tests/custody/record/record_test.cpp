@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <string>
 
+#include "custody/disk/sha256.h"
 #include "custody/record/sample_record.h"
 #include "support/long_tests.h"
 
@@ -28,7 +29,7 @@ std::string AllBytes() {
   return bytes;
 }
 
-void ExpectSameStates(const RecordedState& state, const RecordedState& expected) {
+void ExpectSameStates(const auto& state, const auto& expected) {
   EXPECT_EQ(state.Configuration, expected.Configuration);
   ASSERT_EQ(state.Instrument.has_value(), expected.Instrument.has_value());
   if (state.Instrument) {
@@ -142,6 +143,26 @@ TEST(Record, RefusalsSayWhetherTheFileIsCutOffOrDamaged) {
             "is damaged or was changed: its SHA-256 is another than its last line says");
 }
 
+TEST(Record, DamagedInItsFirstLineIsStillTakenForOneAndRefused) {
+  const auto whole = WriteRecord(SmallRecord());
+  for (std::size_t at = 0; at < whole.find('\n'); ++at) {
+    auto bytes = whole;
+    bytes[at] = '~';
+    EXPECT_EQ(ReadRecord(bytes).Refusal,
+              "is damaged or was changed: its SHA-256 is another than its last line says");
+    EXPECT_EQ(ReadRecord(bytes.substr(0, bytes.size() - 1)).Refusal,
+              "is cut off or was changed: it does not end in the SHA-256 of a record");
+  }
+}
+
+TEST(Record, SealedAgainBehindAnotherFirstLineIsRefused) {
+  const auto whole = WriteRecord(SmallRecord());
+  const auto end = whole.rfind("<!-- SHA-256");
+  const auto other = whole.substr(1, end - 1);
+  const auto bytes = other + Replaced(whole.substr(end), Sha256Hex(whole.substr(0, end)), Sha256Hex(other));
+  EXPECT_EQ(ReadRecord(bytes).Refusal, "was changed: it does not begin like a record");
+}
+
 TEST(Record, OfTheSampleHasAtMost200KB) {
   EXPECT_LE(WriteRecord(SampleRecord()).size(), 200'000U);
 }
@@ -192,6 +213,18 @@ TEST(RecordPage, MapSaysWhereAPositionIsAndHowFarItMoved) {
   EXPECT_NE(shown.find("2 STAGE2 155.188 / 24.975 moved +0.3 / −0.125"), std::string::npos);
 }
 
+// Page and data tell a missing file from an empty one.
+TEST(RecordPage, SaysThatTheLastOperationFoundNoConfiguration) {
+  auto content = SampleRecord();
+  content.Last->Found = {};
+  const auto shown = ShownBy(content);
+  EXPECT_NE(shown.find("Last operation 17: upload"), std::string::npos);
+  EXPECT_NE(shown.find("In the file There was no configuration before."), std::string::npos);
+  EXPECT_EQ(ReadRecord(WriteRecord(content)).Content->Last->Found.Configuration, std::nullopt);
+  content.Last->Found.Configuration = "";
+  EXPECT_EQ(ReadRecord(WriteRecord(content)).Content->Last->Found.Configuration, "");
+}
+
 // A factor that is missing must not become millimetres.
 TEST(RecordPage, GivesCountsWhereTheFactorOfTheAxisIsUnknown) {
   auto content = SampleRecord();
@@ -216,8 +249,9 @@ TEST(RecordPage, ShowsTheFindings) {
 }
 
 TEST(RecordPage, HasLinesForSignatures) {
-  EXPECT_NE(ShownBy(SmallRecord()).find("Name Meaning (done, checked, approved) Date and time Signature"),
-            std::string::npos);
+  EXPECT_NE(
+      ShownBy(SmallRecord()).find("Name Meaning (performed, checked, approved) Date and time Signature"),
+      std::string::npos);
 }
 
 TEST(RecordPage, NamesNoInterval) {

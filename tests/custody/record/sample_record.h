@@ -59,7 +59,7 @@ inline RecordContent MakeSampleRecord() {
                          .Time = "2026-03-14T09:38:52.017Z",
                          .Found = {}};
   last.Found.Configuration = SampleBefore(content.Left.Configuration);
-  last.Found.Instrument = AnswersAfterUploadOf(last.Found.Configuration);
+  last.Found.Instrument = AnswersAfterUploadOf(*last.Found.Configuration);
   SetValue(*content.Left.Instrument, "WASH_Y", "18810");
   SetValue(*last.Found.Instrument, "WASH_Y", "18810");
   content.Last = last;
