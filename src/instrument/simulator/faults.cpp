@@ -25,8 +25,10 @@ void ChangeNumber(LineEffect& effect, Change change) {
   }
 }
 
+// With zeros at the end. Behind an exponent they would make another number.
 void Respell(LineEffect& effect) {
-  if (StrictNumber(effect.Value)) {
+  const bool isPlain = effect.Value.find_first_not_of("+-.0123456789") == std::string::npos;
+  if (isPlain && StrictNumber(effect.Value)) {
     effect.Value += effect.Value.find('.') == std::string::npos ? ".000" : "00";
   }
 }
@@ -59,6 +61,8 @@ void ReplyAsBefore(LineReply& reply) {
 
 using E = LineEffect;
 using R = LineReply;
+
+// Of several faults of one line the earlier row comes first.
 
 // clang-format off
 constexpr std::array<FaultRow, 22> faultRows{{
@@ -167,6 +171,7 @@ std::vector<const FaultRow*> FaultPlan::FaultsOf(std::size_t line, std::string_v
   };
   take(atLine_.equal_range(line));
   take(atKey_.equal_range(key));
+  std::ranges::sort(faults);  // as in the table
   return faults;
 }
 

@@ -54,6 +54,7 @@ class FaultPlan {
 
   bool IsEmpty() const { return atLine_.empty() && atKey_.empty(); }
 
+  // In the order of FaultRows, however they were added: each changes what those before it have left.
   std::vector<const FaultRow*> FaultsOf(std::size_t line, std::string_view key) const;
 
  private:

@@ -35,9 +35,10 @@ TEST(Faults, AKindAndAKeyMeetEachSettingOfThisKey) {
   EXPECT_EQ(NamesOf(plan.FaultsOf(9, "stage1_x")), Names{});
 }
 
-TEST(Faults, SeveralMayMeetOneLine) {
-  const FaultPlan plan{"limit@KEY", "echo@2", "negate@2"};
-  EXPECT_EQ(NamesOf(plan.FaultsOf(2, "KEY")), (Names{"echo", "negate", "limit"}));
+TEST(Faults, SeveralMayMeetOneLineInTheOrderOfTheTableHoweverTheyAreNamed) {
+  const Names inOrder{"echo", "limit", "cut", "negate"};
+  EXPECT_EQ(NamesOf(FaultPlan{"limit@KEY", "echo@2", "negate@2", "cut@KEY"}.FaultsOf(2, "KEY")), inOrder);
+  EXPECT_EQ(NamesOf(FaultPlan{"cut@2", "negate@KEY", "limit@2", "echo@2"}.FaultsOf(2, "KEY")), inOrder);
 }
 
 TEST(Faults, EveryKindHasItsName) {

@@ -96,6 +96,8 @@ TEST_F(FaultyInstrumentTest, RespelledIsTheSameNumber) {
   EXPECT_EQ(HeldAfter("respell", "2.5"), "KEY=2.500");
   EXPECT_EQ(HeldAfter("respell", "1612"), "KEY=1612.000");
   EXPECT_EQ(HeldAfter("respell", "text"), "KEY=text");
+  EXPECT_EQ(HeldAfter("respell", "1E-05"), "KEY=1E-05");
+  EXPECT_EQ(HeldAfter("respell", "-2.5e3"), "KEY=-2.5e3");
 }
 
 TEST_F(FaultyInstrumentTest, ANeighbourGetsTheValue) {
@@ -131,13 +133,21 @@ TEST_F(FaultyInstrumentTest, RepliesAreDoubledEchoedAndShifted) {
   EXPECT_EQ(Lines("STATUS_STAGE"), "ZV400|ZV400|");
   EXPECT_EQ(Lines("SET_CALIBRATION KEY 7"), "SET_CALIBRATION KEY 7|OK|");
   EXPECT_EQ(Lines("GET_CALIBRATION KEY"), "OK|");
-  EXPECT_EQ(Lines("STATUS_MECH"), "STATUS_MECH|SD|STATUS_MECH|SD|");
+  EXPECT_EQ(Lines("STATUS_MECH"), "STATUS_MECH|SD|SD|");
 }
 
 TEST_F(FaultyInstrumentTest, FaultsThatMeetOneLineAddUp) {
   Plan({"limit@KEY", "negate@KEY", "double@KEY"});
   EXPECT_EQ(Lines("SET_CALIBRATION KEY 8"), "OK|OK|");
   EXPECT_EQ(Held("KEY"), "KEY=-4");
+}
+
+TEST_F(FaultyInstrumentTest, TheOrderInWhichFaultsAreNamedDoesNotMatter) {
+  for (const auto& [first, second] : {std::pair{"limit@KEY", "cut@KEY"}, std::pair{"cut@KEY", "limit@KEY"}}) {
+    Plan({first, second});
+    EXPECT_EQ(Lines("SET_CALIBRATION KEY 20"), "OK|");
+    EXPECT_EQ(Held("KEY"), "KEY=1");
+  }
 }
 
 }  // namespace
