@@ -97,6 +97,14 @@ void PrintValues(Workplace& work, const Values& values, const Descriptions& desc
   work.Out.Print(ColumnsText(rows, 0));
 }
 
+// In millimetres or microlitres, where the value has such a unit.
+void AddMeasure(Json& json, const char* member, const Descriptions& descriptions, const std::string& name,
+                const std::optional<std::string>& text) {
+  if (const auto measure = text ? descriptions.Measure(name, *text) : std::nullopt) {
+    json[member] = *measure;
+  }
+}
+
 // A record has two faces, and only one of them is looked at.
 void NoteFaceOf(Workplace& work, std::initializer_list<const Side*> sides) {
   if (std::ranges::any_of(sides, [](const Side* side) { return side->Answers.has_value(); })) {
@@ -129,13 +137,25 @@ void Show(Workplace& work, const Words& words) {
   }
 }
 
+namespace {
+
+void Explain(Workplace& work, const std::string& code) {
+  const auto* const rule = RuleOf(code);
+  if (rule == nullptr) {
+    throw UsageError{Joined("there is no finding ", Quoted(code))};
+  }
+  work.Out.Print(ExplanationOf(*rule));
+  work.Result.More["explanation"] = {{"code", rule->Code},
+                                     {"grade", NameOf(rule->Grade)},
+                                     {"meaning", rule->Meaning},
+                                     {"advice", rule->Advice}};
+}
+
+}  // namespace
+
 void Check(Workplace& work, const Words& words) {
   if (work.Options.Explains) {
-    const auto text = ExplainFinding(*work.Options.Explains);
-    if (text.empty()) {
-      throw UsageError{Joined("there is no finding ", Quoted(*work.Options.Explains))};
-    }
-    work.Out.Print(text.ends_with('\n') ? text : text + "\n");
+    Explain(work, *work.Options.Explains);
     return;
   }
   const auto side = SideNamed(work, words.size() > 1 ? words[1] : "file");
@@ -169,18 +189,22 @@ void Diff(Workplace& work, const Words& words) {
   if (!isWire) {
     NoteFaceOf(work, {&a, &b});
   }
-  auto& differences = work.Result.More["differences"] = Json::array();
-  for (const auto& difference : changes.Differences) {
-    differences.push_back(JsonOf(difference));
-    if (difference.Kind == DifferenceKind::NotAnswered) {
-      differences.back()["answered"] = false;
-    }
-  }
   const auto descriptionsOf = [&](const Side& own, const Side& other) {
     return DescriptionsFor(work, own.IsInstrument || own.IsBackup ? other : own);
   };
-  work.Out.Print(DifferencesText(changes, {descriptionsOf(a, b), a.Name}, {descriptionsOf(b, a), b.Name}) +
-                 CountsText(work.Result.Counts) + "\n");
+  const auto ofA = descriptionsOf(a, b);
+  const auto ofB = descriptionsOf(b, a);
+  auto& differences = work.Result.More["differences"] = Json::array();
+  for (const auto& difference : changes.Differences) {
+    auto& json = differences.emplace_back(JsonOf(difference));
+    AddMeasure(json, "a_measure", ofA, difference.Name, difference.A);
+    AddMeasure(json, "b_measure", ofB, difference.Name, difference.B);
+    if (difference.Kind == DifferenceKind::NotAnswered) {
+      json["answered"] = false;
+    }
+  }
+  work.Out.Print(DifferencesText(changes, {ofA, a.Name}, {ofB, b.Name}) + CountsText(work.Result.Counts) +
+                 "\n");
   work.Result.Worsen(changes.Differences.empty() ? exit_status::done : exit_status::notDone);
   if (changes.NotAnswered > 0) {
     if (changes.NotAnswered == changes.Differences.size() && changes.Same == 0) {
@@ -251,7 +275,10 @@ void Drift(Workplace& work, const Words& /*words*/) {
     }
     const auto cell = [&](const auto& text) { return MeasuredText(descriptions, name, text); };
     rows.push_back({Printable(name), cell(value.Left), cell(value.Instrument), cell(value.File)});
-    work.Result.More["drift"].push_back(JsonOf(value));
+    auto& json = work.Result.More["drift"].emplace_back(JsonOf(value));
+    AddMeasure(json, "left_measure", descriptions, name, value.Left);
+    AddMeasure(json, "instrument_measure", descriptions, name, value.Instrument);
+    AddMeasure(json, "file_measure", descriptions, name, value.File);
   }
   const auto drifted = rows.size() - 1;
   work.Result.Counts = {{"same", names.size() - drifted}, {"different", drifted}};

@@ -52,10 +52,6 @@ void ScaleSerialDiluteAxis(AxisRecord& axis, double factor) {
   }
 }
 
-std::string AxisKey(int number) {
-  return "Axis" + WholeText(number);
-}
-
 void StoreInSlot(AxisSlots& slots, const AxisRecord& axis) {
   for (const auto& [name, slot] : axisSlots) {
     if (axis.Name == name) {
@@ -70,6 +66,10 @@ constexpr RecordTable<AxisRecord> axisTable = MakeTable(TableSection{AxisSection
 
 std::string AxisSection(const CurrentRecords& current) {
   return "Device_Type" + current.Device.Name + "_Cage" + current.Cage.Name;
+}
+
+std::string AxisKey(int number) {
+  return "Axis" + WholeText(number);
 }
 
 void LoadAxes(Configuration& configuration) {

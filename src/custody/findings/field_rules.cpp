@@ -102,6 +102,9 @@ class FieldRules {
       } else if (field.Kind == FieldKind::Whole &&
                  *number != static_cast<double>(PictureWhole(*number).value_or(0))) {
         AddText("rounded", field, text, "is no whole number: the add-in rounds it");
+      } else if (const auto kept = GeneralText(*number); StrictNumber(kept) != number) {
+        AddText("too-many-digits", field, text,
+                Joined("has more than 15 digits: the add-in sends and saves ", kept));
       }
       return;
     }

@@ -49,6 +49,11 @@ const std::vector<Rule>& Rules() {
        "Enter a number within the range."},
       {"rounded", Grade::Warning, "A number with decimals where only whole ones are kept.",
        "Enter the whole number that is meant."},
+      {"sent-rounded", Grade::Note,
+       "The instrument takes the number in whole steps or parts, and the upload sends the nearest.",
+       "Nothing, unless the rest matters; no number in between can be sent."},
+      {"too-many-digits", Grade::Warning, "A number with more digits than the 15 that the add-in keeps and sends.",
+       "Enter the number with at most 15 digits."},
       {"not-a-flag", Grade::Error, "A text stands where 1 or 0 belongs, and counts as 0.",
        "Enter 1 or 0."},
       {"extra-field", Grade::Error, "A line has more fields than the add-in knows: one of them may be cut in two.",
@@ -112,6 +117,7 @@ std::vector<Finding> FindingsIn(CheckedFile::Kind kind, const std::string& bytes
   CheckFields(file);
   if (kind == CheckedFile::Kind::Configuration) {
     CheckOperations(file);
+    CheckRounding(file);
     CheckRoundTrips(file);
   }
   return file.TakeFindings();
@@ -138,11 +144,14 @@ std::vector<std::string_view> FindingCodes() {
   return codes;
 }
 
-std::string ExplainFinding(std::string_view code) {
+const Rule* RuleOf(std::string_view code) {
   const auto rule = std::ranges::find(Rules(), code, &Rule::Code);
-  return rule == Rules().end() ? std::string{}
-                               : Joined(rule->Code, " (", NameOf(rule->Grade), ")\n\n  ", rule->Meaning,
-                                        "\n  What to do: ", rule->Advice, "\n");
+  return rule == Rules().end() ? nullptr : &*rule;
+}
+
+std::string ExplanationOf(const Rule& rule) {
+  return Joined(rule.Code, " (", NameOf(rule.Grade), ")\n\n  ", rule.Meaning, "\n  What to do: ", rule.Advice,
+                "\n");
 }
 
 }  // namespace zolvane

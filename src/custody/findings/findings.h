@@ -27,8 +27,16 @@ std::string_view NameOf(Grade grade);  // "error", "warning", "note"
 Json JsonOf(Grade grade);
 bool Take(const Json& from, Grade& grade);
 
+// What a code means, and what to do about it.
+struct Rule {
+  std::string_view Code;  // stable
+  zolvane::Grade Grade;
+  std::string_view Meaning;
+  std::string_view Advice;
+};
+
 struct Finding {
-  std::string Code;  // stable
+  std::string Code;
   zolvane::Grade Grade = Grade::Note;
   std::string File;
   std::size_t Line = 0;  // from 1; 0: of the whole file
@@ -57,7 +65,10 @@ bool HasError(const std::vector<Finding>& findings);
 // Every code, in the order of the rules.
 std::vector<std::string_view> FindingCodes();
 
-// What the code means and what to do, as text for people. Empty if there is no such code.
-std::string ExplainFinding(std::string_view code);
+// Null if there is no such code.
+const Rule* RuleOf(std::string_view code);
+
+// What the code means and what to do, as text for people.
+std::string ExplanationOf(const Rule& rule);
 
 }  // namespace zolvane

@@ -30,28 +30,37 @@ std::string InSection(std::string_view section) {
 
 // ---- Sections that wait for another device or module
 
-std::set<std::string> SectionsOfOtherDevices(CheckedFile& file) {
-  std::set<std::string> names;
-  const auto add = [&names](const std::string& section) { names.insert(IndexedAs(section, "")); };
-  file.Run([&](const OperationContext& context, const std::string& path) {
-    ForEach(
-        deviceTable, context.Config,
-        [&](const DeviceTypeRecord& device) {
-          CurrentRecords current;
-          current.Device = device;
-          add(CalibrationSection(current));
-          add(PositionSection(current));
-          ForEach(
-              cageTable, context.Config,
-              [&](const CageTypeRecord& cage) {
-                current.Cage = cage;
-                add(AxisSection(current));
-              },
-              path);
-        },
-        path);
-  });
-  return names;
+// They, and the lines in them that the add-in would come to: up to the first number that is missing or, but for
+// an axis, has no name.
+std::set<std::string> AskedOfOtherDevices(CheckedFile& file) {
+  std::set<std::string> asked;
+  const auto walk = [](const auto&...) { return true; };
+  file.Run(
+      [&](const OperationContext& context, const std::string& path) {
+        const auto& settings = context.Config.Settings;
+        auto chosen = context.Config;
+        ForEach(
+            deviceTable, context.Config,
+            [&](const DeviceTypeRecord& device) {
+              chosen.Current.Device = device;
+              asked.insert(IndexedAs(CalibrationSection(chosen.Current), ""));
+              asked.insert(IndexedAs(PositionSection(chosen.Current), ""));
+              ForEach(calibrationTable, chosen, walk, path);
+              ForEach(positionTable, chosen, walk, path);
+              ForEach(
+                  cageTable, context.Config,
+                  [&](const CageTypeRecord& cage) {
+                    chosen.Current.Cage = cage;
+                    const auto section = AxisSection(chosen.Current);
+                    asked.insert(IndexedAs(section, ""));
+                    ForEachNumberedValue(settings, section, path, AxisKey, walk);
+                  },
+                  path);
+            },
+            path);
+      },
+      [&asked](auto section, auto key, auto, auto) { asked.insert(IndexedAs(section, key)); });
+  return asked;
 }
 
 // ---- What is missing
@@ -107,7 +116,7 @@ void AddMissing(CheckedFile& file) {
 
 class LineRules {
  public:
-  explicit LineRules(CheckedFile& file) : file_{file}, waiting_{SectionsOfOtherDevices(file)} {
+  explicit LineRules(CheckedFile& file) : file_{file}, waiting_{AskedOfOtherDevices(file)} {
     for (const auto& [index, place] : file.Asked) {
       asked_.insert(IndexedAs(place.Section, ""));
     }
@@ -148,8 +157,8 @@ class LineRules {
                        LineNumber(file_.LineOf(line.Section, line.Key)), " counts"));
     } else if (line.Counts && isAsked_) {
       CheckAsked(line);
-    } else if (line.Counts && isWaiting_ && !section_->NumberIn(line.Key)) {
-      AddUnread(line);
+    } else if (line.Counts && isWaiting_ && !waiting_.contains(IndexedAs(line.Section, line.Key))) {
+      AddPassedOver(line);
     }
   }
 
@@ -157,10 +166,8 @@ class LineRules {
     const auto asked = file_.Asked.find(IndexedAs(line.Section, line.Key));
     const auto number = section_->NumberIn(line.Key);
     const bool isAsked = asked != file_.Asked.end();
-    if (!number && !isAsked) {
-      AddUnread(line);
-    } else if (number && !isAsked) {
-      file_.Add("gap", line.Number, Joined(Printable(NameOfPlace(line.Section, line.Key)), Gap(line)));
+    if (!isAsked) {
+      AddPassedOver(line);
     } else if (number && !asked->second.IsByWalk) {
       file_.Add("only-listed", line.Number,
                 Joined(Printable(NameOfPlace(line.Section, line.Key)),
@@ -168,9 +175,13 @@ class LineRules {
     }
   }
 
-  void AddUnread(const SeenLine& line) {
-    file_.Add("unread-key", line.Number,
-              Joined("nothing reads ", Printable(NameOfPlace(line.Section, line.Key))));
+  void AddPassedOver(const SeenLine& line) {
+    const auto name = Printable(NameOfPlace(line.Section, line.Key));
+    if (section_->NumberIn(line.Key)) {
+      file_.Add("gap", line.Number, Joined(name, Gap(line)));
+    } else {
+      file_.Add("unread-key", line.Number, Joined("nothing reads ", name));
+    }
   }
 
   const std::string& Gap(const SeenLine& line) {

@@ -82,7 +82,7 @@ std::size_t CheckedFile::LineOf(std::string_view section, std::string_view key) 
 }
 
 void CheckedFile::Add(std::string_view code, std::size_t line, std::string text) {
-  const auto rule = std::ranges::find(Rules(), code, &Rule::Code);
+  const auto* const rule = RuleOf(code);
   findings_.emplace(line, Finding{.Code = std::string{code},
                                   .Grade = rule->Grade,
                                   .File = name_,

@@ -18,13 +18,6 @@
 
 namespace zolvane {
 
-struct Rule {
-  std::string_view Code;
-  zolvane::Grade Grade;
-  std::string_view Meaning;
-  std::string_view Advice;
-};
-
 const std::vector<Rule>& Rules();
 
 // What the add-in asked a file for.
@@ -92,6 +85,9 @@ void CheckFields(CheckedFile& file);
 
 // What the page and the operations make of a configuration.
 void CheckOperations(CheckedFile& file);
+
+// Numbers of which the upload sends less than the file says.
+void CheckRounding(CheckedFile& file);
 
 // What a backup, or the way over the instrument and back, would change.
 void CheckRoundTrips(CheckedFile& file);

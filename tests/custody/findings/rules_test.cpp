@@ -128,6 +128,18 @@ const std::vector<Case>& Cases() {
        [](const auto& file) { EXPECT_EQ(Sent(file, "MountHeight"), SentOfTheSample("MountHeight")); }},
       {"gap", "Item15=\"8-Channel 12.5 ul\"", "Item22=\"8-Channel 12.5 ul\"", "Item16=\"12-Channel 300",
        [](const auto& file) { EXPECT_EQ(Sent(file, "PickUp_12Ch_Z"), "(not sent)"); }},
+      {"gap", "Item11=TIPWASH,\"Tip Wash\",WASH,11254", "Item111=TIPWASH,\"Tip Wash\",WASH,11254",
+       "Item12=TIPRACKSTAGE1,\"Tip Rack Stage 1\",RACK,20486",
+       [](const auto& file) {
+         const auto chosen = Replaced(file, "Installed=2\n", "Installed=1\n");
+         EXPECT_EQ(Sent(chosen, "STAGE6_X"), "29026");
+         EXPECT_EQ(Sent(chosen, "RACK_STAGE1_X"), "0");
+       }},
+      {"gap", "[Device_TypeZolvane 200_Cage1/8/12 Module]\nAxis1", "[Device_TypeZolvane 200_Cage1/8/12 Module]\nAxis11",
+       "Axis3=\"Z\",0.01,600,20000,40000,-80,19000",
+       [](const auto& file) {
+         EXPECT_EQ(Sent(Replaced(file, "Installed=2\n", "Installed=1\n"), "MountHeight"), "(not sent)");
+       }},
       {"only-listed", "Item6=\"1250 ul Filter Tips\"", "Item66=\"1250 ul Filter Tips\"", "Item7=\"300 ul Wide",
        [](const auto& file) {
          const auto page = PageOf(file);
@@ -145,6 +157,14 @@ const std::vector<Case>& Cases() {
        [](const auto& file) { EXPECT_EQ(Sent(file, "STAGE1_X"), "0"); }},
       {"rounded", "\"Stage 1\",STAGE,1612,", "\"Stage 1\",STAGE,1612.5,", "Item1=STAGE1,\"Stage 1\",STAGE,1612.5",
        [](const auto& file) { EXPECT_EQ(Sent(file, "STAGE1_X"), "1612"); }},
+      {"sent-rounded", "MountHeight=164.35", "MountHeight=164.353", "MountHeight=164.353",
+       [](const auto& file) { EXPECT_EQ(Sent(file, "MountHeight"), SentOfTheSample("MountHeight")); }},
+      {"sent-rounded", "1.0241,\"VOL_8CH_30_2\"", "1.0241567,\"VOL_8CH_30_2\"", "2Item=5 ul,1.0241567",
+       [](const auto& file) { EXPECT_EQ(Sent(file, "VOL_8CH_30_2"), "102416"); }},
+      {"sent-rounded", "SDPreCollectHeightMM=12\n", "SDPreCollectHeightMM=12.007\n", "SDPreCollectHeightMM=12.007",
+       [](const auto& file) { EXPECT_EQ(Sent(file, "SDPreCollectHeightMM"), "1201"); }},
+      {"too-many-digits", "DeltaZ=24\n", "DeltaZ=24.1234567890123456\n", "DeltaZ=24.1234567890123456",
+       [](const auto& file) { EXPECT_EQ(Sent(file, "Delta_Z"), "24.1234567890123"); }},
       {"not-a-flag", "SDXYEncoderStatus=1", "SDXYEncoderStatus=yes", "SDXYEncoderStatus=yes",
        [](const auto& file) { EXPECT_FALSE(WireFaceOfFile(file).InForce.Device.SDXYEncoderStatus); }},
       {"extra-field", "\"Stage 1\",STAGE,1612,2004", "\"Stage 1\",STAGE,16,12,2004", "Item1=STAGE1,\"Stage 1\",STAGE,16,",
@@ -265,9 +285,9 @@ TEST(CheckRules, AreAllShown) {
   }
   for (const auto code : FindingCodes()) {
     EXPECT_TRUE(shown.contains(code)) << code;
-    EXPECT_NE(ExplainFinding(code), "") << code;
+    EXPECT_NE(ExplanationOf(*RuleOf(code)), "") << code;
   }
-  EXPECT_EQ(ExplainFinding("no-such-code"), "");
+  EXPECT_EQ(RuleOf("no-such-code"), nullptr);
 }
 
 TEST(CheckRules, AUtf16TextCannotBeUsed) {

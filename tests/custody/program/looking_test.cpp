@@ -37,8 +37,46 @@ TEST_F(Looking, ADifferenceShowsBothTexts) {
   const auto document = RunJson({"diff", other, "file"});
   EXPECT_EQ(document.at("exit_status"), 1);
   ASSERT_EQ(document.at("differences").size(), 1U);
-  EXPECT_EQ(document.at("differences")[0],
-            (Json{{"key", "[Z_Calibration] MountHeight"}, {"a", "164.35"}, {"b", "164.5"}}));
+  EXPECT_EQ(document.at("differences")[0], (Json{{"key", "[Z_Calibration] MountHeight"},
+                                                 {"a", "164.35"},
+                                                 {"b", "164.5"},
+                                                 {"a_measure", "164.35 mm"},
+                                                 {"b_measure", "164.5 mm"}}));
+}
+
+TEST_F(Looking, ADifferenceOnTheWireIsMeasuredWhereItHasAUnit) {
+  const auto other = Folder.Put("other.ini", Sample());
+  Replace("MountHeight=164.35", "MountHeight=164.5");
+  Replace("DeltaZ=", "DeltaZ=1");
+  const auto document = RunJson({"--wire", "diff", other, "file"});
+  ASSERT_EQ(document.at("differences").size(), 2U);
+  EXPECT_EQ(document.at("differences")[0].at("a_measure"), "164.35 mm");
+  EXPECT_EQ(document.at("differences")[0].at("b_measure"), "164.5 mm");
+  EXPECT_FALSE(document.at("differences")[1].contains("a_measure")) << document.dump(2);
+}
+
+TEST_F(Looking, AnExplanationIsADocumentToo) {
+  const auto document = RunJson({"check", "--explain", "gap"});
+  EXPECT_EQ(document.at("exit_status"), 0);
+  EXPECT_EQ(document.at("explanation").at("code"), "gap");
+  EXPECT_EQ(document.at("explanation").at("grade"), "error");
+  EXPECT_EQ(RunAlone({"check", "--explain", "gap"}).Output,
+            "gap (error)\n\n  " + document.at("explanation").at("meaning").get<std::string>() +
+                "\n  What to do: " + document.at("explanation").at("advice").get<std::string>() + "\n");
+  EXPECT_EQ(RunJson({"check", "--explain", "no-such-code"}).at("problem"),
+            "there is no finding \"no-such-code\"");
+}
+
+// Without what is installed it would pass for a backup.
+TEST_F(Looking, TheConfigurationOfTheFolderIsOneHoweverDamaged) {
+  auto text = Configuration();
+  for (const std::string_view line : {"Installed=2\r\n", "Installed=3\r\n"}) {
+    text.erase(text.find(line), line.size());
+  }
+  Folder.Put("Zolvane.ini", text);
+  const auto byName = RunJson({"check", Folder.Path("Zolvane.ini")});
+  EXPECT_EQ(byName.at("counts"), RunJson({"check"}).at("counts"));
+  EXPECT_EQ(RunAlone({"--wire", "diff", Folder.Path("Zolvane.ini"), "file"}).Status, 0);
 }
 
 TEST_F(Looking, NumbersOfOneValueAreNoDifference) {
@@ -116,6 +154,8 @@ TEST_F(Looking, DriftShowsAllThree) {
   EXPECT_EQ(document.at("exit_status"), 1);
   for (const auto& drifted : document.at("drift")) {
     EXPECT_EQ(drifted.at("left"), drifted.at("instrument"));
+    EXPECT_EQ(drifted.at("left_measure"), "164.35 mm");
+    EXPECT_EQ(drifted.at("file_measure"), "164.5 mm");
   }
 }
 
