@@ -57,24 +57,33 @@ struct OptionUse {
   std::string_view Commands;
 };
 
-constexpr std::array<OptionUse, 6> optionUses{{
+constexpr std::array<OptionUse, 7> optionUses{{
     {"--rehearse", [](const CustodyOptions& options) { return options.Rehearses; },
      "upload, download, import, restore, undo, resume"},
     {"--wire", [](const CustodyOptions& options) { return options.ComparesWire; }, "show, diff"},
     {"--instrument", [](const CustodyOptions& options) { return options.TakesInstrument; }, "restore"},
     {"--explain", [](const CustodyOptions& options) { return options.Explains.has_value(); }, "check"},
     {"--csv", [](const CustodyOptions& options) { return options.PrintsCsv; }, "history"},
-    {"--against", [](const CustodyOptions& options) { return !options.Against.empty(); }, "history"},
+    {"--against", [](const CustodyOptions& options) { return !options.Against.empty(); }, "history audit"},
+    {"--fault", [](const CustodyOptions& options) { return !options.Faults.empty(); },
+     "show, diff, upload, download, query, import, export, backup, restore, undo, resume, drift"},
 }};
+
+// With "show" or "audit" behind "history".
+std::string NameOf(const std::vector<std::string>& command) {
+  const bool hasOwnWord = command.front() == "history" && command.size() > 1;
+  return hasOwnWord ? Joined(command[0], " ", command[1]) : command.front();
+}
 
 bool IsNamedIn(std::string_view list, std::string_view name) {
   return Joined(", ", list, ",").find(Joined(", ", name, ",")) != std::string::npos;
 }
 
 void DemandUse(const CustodyOptions& options) {
+  const auto name = NameOf(options.Command);
   for (const auto& use : optionUses) {
-    if (use.IsGiven(options) && !IsNamedIn(use.Commands, options.Command.front())) {
-      throw UsageError{Joined(use.Name, " goes with ", use.Commands, " and no other command")};
+    if (use.IsGiven(options) && !IsNamedIn(use.Commands, name)) {
+      throw UsageError{Joined(use.Name, " goes with ", use.Commands, ", and not with ", Printable(name))};
     }
   }
   for (const auto& code : options.Despite) {

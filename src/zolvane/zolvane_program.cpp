@@ -23,6 +23,9 @@ namespace zolvane {
 namespace {
 
 std::shared_ptr<BenchLink> LinkOf(const CustodyOptions& options) {
+  if (options.Link.empty() && !options.Faults.empty()) {
+    throw UsageError{"--fault goes with a simulated link, and --link names none"};
+  }
   FaultPlan faults;
   for (const auto& fault : options.Faults) {
     faults.Add(fault);
@@ -47,6 +50,12 @@ int Finish(Workplace& work, TraceOutput& trace) {
     report.Worsen(exit_status::notDone);
   }
   return report.ExitStatus;
+}
+
+// Whatever else is wrong with the arguments.
+bool AsksForDocument(const std::vector<std::string>& arguments) {
+  const auto end = std::ranges::find(arguments, "--");
+  return std::find(arguments.begin(), end, "--json") != end;
 }
 
 int Run(const CustodyOptions& options, std::ostream& output, std::ostream& errors, Questioner* terminal) {
@@ -101,12 +110,23 @@ void RunReported(Workplace& work, std::ostream& errors) {
 
 int RunZolvane(const std::vector<std::string>& arguments, std::ostream& output, std::ostream& errors,
                Questioner* terminal) {
+  Report refusal{.Command = {}, .ExitStatus = exit_status::unusable, .Outcome = std::string{outcome::failed}};
   return RunFramed(programName, errors, [&] {
-    const auto parsed = ParseCustodyOptions(arguments);
-    if (const auto* information = std::get_if<Information>(&parsed)) {
-      return PrintInformation(programName, information->Text, output, errors);
+    try {
+      const auto parsed = ParseCustodyOptions(arguments);
+      if (const auto* information = std::get_if<Information>(&parsed)) {
+        return PrintInformation(programName, information->Text, output, errors);
+      }
+      const auto& options = std::get<CustodyOptions>(parsed);
+      refusal.Command = options.Command.front();
+      return Run(options, output, errors, terminal);
+    } catch (const UsageError& error) {
+      refusal.Problem = error.what();
+      if (AsksForDocument(arguments)) {
+        output << JsonText(ReportJson(refusal), true) << std::flush;
+      }
+      throw;
     }
-    return Run(std::get<CustodyOptions>(parsed), output, errors, terminal);
   });
 }
 

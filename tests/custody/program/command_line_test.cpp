@@ -47,10 +47,19 @@ TEST_F(CommandLineOfZolvane, HelpNamesNoInstrumentAsTheDefault) {
 
 TEST_F(CommandLineOfZolvane, AnOptionOfAnotherCommandIsRefused) {
   EXPECT_EQ(RunAlone({"--wire", "upload"}).Errors,
-            "zolvane: --wire goes with show, diff and no other command\n");
-  EXPECT_EQ(RunAlone({"--rehearse", "diff", "file", "file"}).Status, 2);
-  EXPECT_EQ(RunAlone({"--csv", "check"}).Status, 2);
-  EXPECT_EQ(RunAlone({"--instrument", "undo"}).Status, 2);
+            "zolvane: --wire goes with show, diff, and not with upload\n");
+  EXPECT_EQ(RunAlone({"history", "show", "2", "--csv"}).Errors,
+            "zolvane: --csv goes with history, and not with history show\n");
+  for (const Words& words :
+       {Words{"--rehearse", "diff", "file", "file"}, Words{"--instrument", "undo"}, Words{"--csv", "check"},
+        Words{"--csv", "history", "audit"}, Words{"--against", "a.bak", "history"},
+        Words{"--against", "a.bak", "history", "show", "2"}, Words{"--against", "a.bak", "drift"},
+        Words{"--fault", "silent@1", "check"}, Words{"--fault", "silent@1", "history"}}) {
+    const auto run = Run(words);
+    EXPECT_EQ(run.Status, 2) << words.front() << " " << words.back();
+    EXPECT_EQ(std::ranges::count(run.Errors, '\n'), 1) << run.Errors;
+    EXPECT_NE(run.Errors.find(words.front() + " goes with "), std::string::npos) << run.Errors;
+  }
 }
 
 TEST_F(CommandLineOfZolvane, AnUnknownCodeCannotBeLetPass) {
@@ -72,12 +81,30 @@ TEST_F(CommandLineOfZolvane, AFolderWithoutAConfigurationIsUnusable) {
 TEST_F(CommandLineOfZolvane, AFaultNeedsASimulatedInstrument) {
   const auto run = RunAlone({"--link", "none", "--fault", "silent@1", "show", "instrument"});
   EXPECT_EQ(run.Status, 2);
+  EXPECT_EQ(RunAlone({"--fault", "silent@1", "show", "file"}).Errors,
+            "zolvane: --fault goes with a simulated link, and --link names none\n");
 }
 
 TEST_F(CommandLineOfZolvane, NothingItPrintsSteersTheTerminal) {
   const auto run = RunAlone({"show", "\x1b[2J\xc2\x9b.ini"});
   EXPECT_EQ(run.Status, 2);
   EXPECT_TRUE(std::ranges::none_of(run.Errors, [](char byte) { return byte == '\x1b' || byte == '\x9b'; }));
+}
+
+TEST_F(CommandLineOfZolvane, WhatIsRefusedBeforeTheCommandRunsIsSaidInTheDocument) {
+  for (const Words& words :
+       {Words{"--frobnicate", "show", "file"}, Words{"--despite", "nothing", "upload"},
+        Words{"--timeout", "never", "show", "file"}, Words{"--fault", "frobnicate@1", "show", "file"},
+        Words{"frobnicate"}, Words{"show"}, Words{}, Words{"--trace", "", "show", "file"}}) {
+    const auto document = RunJson(words);
+    EXPECT_EQ(document.at("exit_status"), 2) << document;
+    EXPECT_EQ(document.at("outcome"), "failed") << document;
+    EXPECT_NE(document.at("problem"), "") << document;
+  }
+  EXPECT_EQ(RunAlone({"show", "--frobnicate"}).Output, "");
+  const auto unusable = RunAlone({"--json", "--link", "nonsense", "show", "file"});
+  EXPECT_EQ(unusable.Document().at("command"), "show");
+  EXPECT_EQ(unusable.Errors, "zolvane: " + unusable.Document().at("problem").get<std::string>() + "\n");
 }
 
 TEST_F(CommandLineOfZolvane, AMissingSideIsSaidInTheDocument) {
