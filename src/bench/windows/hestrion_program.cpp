@@ -143,7 +143,7 @@ class Apartment {
 class HestrionBench : private DialogueListener, private HostProcess {
  public:
   HestrionBench(const WindowOptions& options, Job job, std::ostream& output, std::ostream& errors);
-  ~HestrionBench() { ClosePage(); }
+  ~HestrionBench() override { ClosePage(); }
   HestrionBench(const HestrionBench&) = delete;
   HestrionBench& operator=(const HestrionBench&) = delete;
 
@@ -188,7 +188,7 @@ class HestrionBench : private DialogueListener, private HostProcess {
   void ShowBox(const std::string& text, const wchar_t* title) const;
   void Quit();
   void PlayActions();
-  int PlayAction(const Action& action);
+  int PlayAction(Player& player, const Action& action);
   void TakePicture();
   int ExitStatus();
   void Complain(const std::string& text);
@@ -423,7 +423,11 @@ Operation& HestrionBench::BeginOperation(const std::string& name) {
   return *operation_;
 }
 
+// Does nothing when none runs.
 void HestrionBench::EndOperation() {
+  if (!operation_) {
+    return;
+  }
   const auto result = operation_->Result(watch_.Tally(), Operation::Clock::now());
   const bool isTold = isPlaying_ || OutcomeOf(watch_.Tally()) == Outcome::Done;
   const auto found = operation_->Button() == queryButton ? FoundText() : std::string{};
@@ -445,9 +449,7 @@ void HestrionBench::EndOperation() {
 // What is done next is another matter, with complaints of its own.
 void HestrionBench::Rest() {
   watch_.FlushSettings();
-  if (operation_) {
-    EndOperation();
-  }
+  EndOperation();
   worst_ = std::max(worst_, ExitStatusOf(watch_.Tally()));
   watch_.Begin();
 }
@@ -466,6 +468,9 @@ void HestrionBench::StopOperation() {
 }
 
 bool HestrionBench::MayBeEnded() {
+  if (!operation_) {
+    return true;
+  }
   const auto progress = operation_->Progress();
   const auto text =
       Joined(operation_->Name(), " is not finished", progress.empty() ? "" : " (command " + progress + ")",
@@ -493,27 +498,31 @@ void HestrionBench::ReopenWhenDisabled() {
 
 // The user may close the page or the window between two commands.
 void HestrionBench::PlayActions() {
+  if (!player_) {
+    return;
+  }
   const std::span<const Action> actions{job_.Actions};
   for (std::size_t done = 0; done < actions.size(); ++done) {
-    const bool hasFailed = PlayAction(actions[done]) != exit_status::done;
+    const bool hasFailed = PlayAction(*player_, actions[done]) != exit_status::done;
     const bool isClosed = !window_.PumpMessages() || !session_;
     const auto notBegun = actions.subspan(done + 1);
     if (!notBegun.empty() && (isClosed || (hasFailed && !options_.KeepsGoing))) {
       worst_ = std::max(worst_, exit_status::notDone);
       const auto* const why = isClosed ? "closed after " : "stopped after ";
-      return Complain(NotBegunText(Joined(why, Quoted(actions[done].Command)), notBegun, actions.size()));
+      Complain(NotBegunText(Joined(why, Quoted(actions[done].Command)), notBegun, actions.size()));
+      return;
     }
   }
 }
 
 // The exit status as far as this command goes.
-int HestrionBench::PlayAction(const Action& action) {
+int HestrionBench::PlayAction(Player& player, const Action& action) {
   watch_.Begin();
-  player_->Play(action, PageDriver{session_->Frame()});
+  player.Play(action, PageDriver{session_->Frame()});
   for (const auto& reason : ReasonsOf(watch_.Tally())) {
     Complain(Joined(Printable(action.Command), ": ", reason));
   }
-  const int status = std::max(ExitStatusOf(watch_.Tally()), ExitStatusOf(player_->Tally()));
+  const int status = std::max(ExitStatusOf(watch_.Tally()), ExitStatusOf(player.Tally()));
   worst_ = std::max(worst_, status);
   return status;
 }
@@ -563,7 +572,7 @@ int HestrionBench::Run(const std::vector<std::string>& notes) {
 
 }  // namespace
 
-int RunHestrionBench(std::vector<std::string> arguments, std::ostream& output, std::ostream& errors) {
+int RunHestrionBench(const std::vector<std::string>& arguments, std::ostream& output, std::ostream& errors) {
   const auto complain = [&errors](const std::exception& error) {
     Announce(Announcement::Error, Joined("HestrionBench: ", OneLine(error.what()), "\n"), errors);
   };

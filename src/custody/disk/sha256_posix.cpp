@@ -16,7 +16,7 @@ std::string Sha256Hex(std::string_view bytes) {
   if (!method || EVP_Digest(bytes.data(), bytes.size(), hash.data(), &size, method.get(), nullptr) != 1) {
     return {};
   }
-  return HexOf({reinterpret_cast<const char*>(hash.data()), size});
+  return HexOf(std::string{hash.begin(), hash.begin() + size});
 }
 
 }  // namespace zolvane

@@ -194,7 +194,8 @@ class LineRules {
 
   // The first number before it that is missing or without a name.
   std::string GapText(const SeenLine& line) const {
-    for (int number = 1; number < *section_->NumberIn(line.Key); ++number) {
+    const auto own = section_->NumberIn(line.Key).value_or(0);
+    for (int number = 1; number < own; ++number) {
       const auto key = Joined(section_->BeforeNumber, WholeText(number), section_->BehindNumber);
       if (file_.LineOf(line.Section, key) == 0) {
         return Joined(" is never seen, as there is no ", key);

@@ -151,11 +151,12 @@ void CheckOverridden(CheckedFile& file, const Script& script) {
     }
   }
   for (const auto& earlier : lines.Overridden()) {
-    const auto& last = *lines.Find(earlier.Name)->Text;
-    const bool isSame = SameText(*earlier.Text, last);
+    const auto first = earlier.Text.value_or("");
+    const auto last = lines.TextOf(earlier.Name).value_or("");
+    const bool isSame = SameText(first, last);
     file.Add(isSame ? "sent-twice" : "overridden", 0,
              Joined("the upload sends ", Printable(earlier.Name), " more than once: ",
-                    isSame ? "each time " : Joined(Shown(*earlier.Text), ", and at the end "), Shown(last)));
+                    isSame ? "each time " : Joined(Shown(first), ", and at the end "), Shown(last)));
   }
 }
 

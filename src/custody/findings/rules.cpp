@@ -29,7 +29,7 @@ class ObedientInstrument final : public InstrumentLink {
 
   std::optional<bool> SendCommand(std::string& command, std::string& reply, std::int32_t) override {
     if (auto setting = SettingIn(command)) {
-      held_[setting->Name] = *std::move(setting->Text);
+      held_[setting->Name] = std::move(setting->Text).value_or("");
     }
     const auto isQuestion = command.starts_with(questionStart);
     const auto value = isQuestion ? held_.find(command.substr(questionStart.size())) : held_.end();

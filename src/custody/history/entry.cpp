@@ -9,6 +9,7 @@
 
 namespace zolvane {
 
+// NOLINTBEGIN(misc-use-anonymous-namespace): looked for in the namespace of what they are asked about
 static constexpr auto MembersOf(const FileChange*) {
   return std::tuple{Member{"path", &FileChange::Path, Presence::Always},
                     Member{"before", &FileChange::Before}, Member{"after", &FileChange::After}};
@@ -41,18 +42,19 @@ static constexpr auto MembersOf(const Entry*) {
                     Member{"counts", &Entry::Counts},
                     Member{"previous", &Entry::Previous, Presence::Always}};
 }
+// NOLINTEND(misc-use-anonymous-namespace)
+
+namespace {
 
 // What stands on a line. The state tells people what `of` tells programs.
 struct EntryLine : Entry {
   std::string State;
 };
 
-static constexpr auto MembersOf(const EntryLine*) {
+constexpr auto MembersOf(const EntryLine*) {
   return std::tuple_cat(MembersOf(static_cast<const Entry*>(nullptr)),
                         std::tuple{Member{"state", &EntryLine::State, Presence::Always}});
 }
-
-namespace {
 
 std::string StateOf(const Entry& entry) {
   return entry.IsEnd() ? "ended" : "begun";

@@ -1,8 +1,6 @@
 #include "custody/history/history.h"
 
 #include <algorithm>
-#include <array>
-#include <cstdio>
 #include <map>
 #include <utility>
 
@@ -15,18 +13,20 @@ namespace {
 
 constexpr std::size_t identityBytes = 16;
 
+std::string Digits(std::size_t width, long long number) {
+  const auto text = std::to_string(number);
+  return std::string(width - std::min(width, text.size()), '0') + text;
+}
+
 // "2026-03-14T09:26:53.589Z"
 std::string TimeText(Witness::Time time) {
   const auto day = std::chrono::floor<std::chrono::days>(time);
   const std::chrono::year_month_day date{day};
   const std::chrono::hh_mm_ss clock{time - day};
-  std::array<char, 40> text{};
-  std::snprintf(text.data(), text.size(), "%04d-%02u-%02uT%02d:%02d:%02d.%03dZ",
-                static_cast<int>(date.year()), static_cast<unsigned>(date.month()),
-                static_cast<unsigned>(date.day()), static_cast<int>(clock.hours().count()),
-                static_cast<int>(clock.minutes().count()), static_cast<int>(clock.seconds().count()),
-                static_cast<int>(clock.subseconds().count()));
-  return text.data();
+  return Joined(Digits(4, static_cast<int>(date.year())), "-", Digits(2, static_cast<unsigned>(date.month())),
+                "-", Digits(2, static_cast<unsigned>(date.day())), "T", Digits(2, clock.hours().count()), ":",
+                Digits(2, clock.minutes().count()), ":", Digits(2, clock.seconds().count()), ".",
+                Digits(3, clock.subseconds().count()), "Z");
 }
 
 }  // namespace

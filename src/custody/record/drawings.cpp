@@ -35,8 +35,8 @@ Axis HeightAxis(const Heights& heights) {
   double first = 0.0;
   double last = 0.0;
   for (const auto* height : heights) {
-    first = std::min({first, height->At->Number, height->WasAt.value_or(0.0)});
-    last = std::max({last, height->At->Number, height->WasAt.value_or(0.0)});
+    first = std::min({first, height->Number(), height->WasAt.value_or(0.0)});
+    last = std::max({last, height->Number(), height->WasAt.value_or(0.0)});
   }
   return {.First = first, .Last = first == last ? first + 1 : last, .FirstPixel = 34, .LastPixel = 218};
 }
@@ -45,14 +45,14 @@ std::string DrawnHeight(const ValueRow& height, const Axis& axis, double middle)
   constexpr double halfWidth = 7;
   constexpr std::size_t longestName = 27;
   const double zero = axis.At(0);
-  const double end = axis.At(height.At->Number);
-  const bool hangs = height.At->Number >= 0;
+  const double end = axis.At(height.Number());
+  const bool hangs = height.Number() >= 0;
   const std::string_view moved = height.WasAt ? " moved" : "";
   auto markup = DrawnBox(Joined("bar", moved), {.Left = middle - halfWidth,
                                                 .Top = std::min(zero, end),
                                                 .Width = 2 * halfWidth,
                                                 .Height = std::max(0.5, std::abs(end - zero))});
-  markup += DrawnText("value middle", {middle, hangs ? end + 9 : end - 3}, NumberText(height.At->Number));
+  markup += DrawnText("value middle", {middle, hangs ? end + 9 : end - 3}, NumberText(height.Number()));
   if (height.WasAt) {
     const double before = axis.At(*height.WasAt);
     markup += DrawnLine("before", {middle - halfWidth - 4, before}, {middle + halfWidth + 4, before});
@@ -70,7 +70,7 @@ std::string HeightPanel(const Heights& heights, const Axis& axis) {
   constexpr double width = 680;
   constexpr double left = 44;
   constexpr double column = (width - left) / barsInARow;
-  const auto& unit = heights.front()->At->Unit;
+  const auto unit = heights.front()->At.value_or(Quantity{}).Unit;
   std::string markup;
   for (const double tick : Ticks(axis, RoundStep(axis.Last - axis.First, 6))) {
     markup += DrawnLine(tick == 0 ? "frame" : "grid", {left, axis.At(tick)}, {width, axis.At(tick)});

@@ -94,7 +94,7 @@ std::string Tenths(double number) {
 
 std::string Drawing(std::string_view description, double width, double height, std::string_view content) {
   const auto size = Joined(Tenths(width), " ", Tenths(height));
-  return Element(Joined("svg role=\"img\" viewBox=\"0 0 ", size, "\""),
+  return Element(Joined(R"(svg role="img" viewBox="0 0 )", size, "\""),
                  Joined(Element("title", Escaped(description)), content));
 }
 

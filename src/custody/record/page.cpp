@@ -24,7 +24,7 @@ namespace {
 // of another form stays as it is.
 std::string LocalTimeText(const std::string& utc, std::int64_t offset) {
   using namespace std::chrono;
-  constexpr std::int64_t minutesOfADay = 24 * 60;
+  constexpr std::int64_t minutesOfADay = std::int64_t{24} * 60;
   constexpr std::string_view form = "dddd-dd-ddTdd:dd:dd.dddZ";
   const auto fits = [](char character, char expected) {
     return expected == 'd' ? character >= '0' && character <= '9' : character == expected;
@@ -125,7 +125,7 @@ std::string DifferenceRow(const Difference& difference, const Faces& faces) {
 std::string GroupRow(std::string& group, const std::string& next, std::string_view columns) {
   return std::exchange(group, next) == next
              ? std::string{}
-             : Element("tr", Element(Joined("th colspan=\"", columns, "\" class=\"group\""), Escaped(next)));
+             : Element("tr", Element(Joined("th colspan=\"", columns, R"(" class="group")"), Escaped(next)));
 }
 
 std::string DifferenceTable(const Comparison& comparison, const Faces& faces, std::string_view a,

@@ -64,7 +64,7 @@ struct Frame {
   Axis Y;
 
   DrawingPoint At(double x, double y) const { return {.X = X.At(x), .Y = Y.At(y)}; }
-  DrawingPoint At(const Place& place) const { return At(place.X->At->Number, place.Y->At->Number); }
+  DrawingPoint At(const Place& place) const { return At(place.X->Number(), place.Y->Number()); }
   double PixelsPerUnit() const { return (X.LastPixel - X.FirstPixel) / (X.Last - X.First); }
   bool Holds(const DrawingBox& box) const {
     return box.Left >= X.FirstPixel && box.Top >= Y.FirstPixel && box.Left + box.Width <= X.LastPixel &&
@@ -77,7 +77,7 @@ std::pair<double, double> RangeOf(const std::vector<Place>& places, const ValueR
   std::optional<std::pair<double, double>> range;
   for (const auto& place : places) {
     if (place.IsDrawn) {
-      const double number = (place.*axis)->At->Number;
+      const double number = (place.*axis)->Number();
       range = range ? std::pair{std::min(range->first, number), std::max(range->second, number)}
                     : std::pair{number, number};
     }
@@ -146,7 +146,7 @@ std::string MovementText(const Place& place) {
 std::vector<Label> LabelsOf(const Place& place) {
   constexpr std::size_t longestName = 26;
   const auto name = Joined(place.Number, " ", Shortened(place.Name, longestName));
-  Label full{name, Joined(NumberText(place.X->At->Number), betweenNumbers, NumberText(place.Y->At->Number))};
+  Label full{name, Joined(NumberText(place.X->Number()), betweenNumbers, NumberText(place.Y->Number()))};
   if (place.HasMoved()) {
     full.push_back(Joined(movedWord, MovementText(place)));
   }
@@ -268,8 +268,7 @@ std::string Map(const std::vector<Place>& places, const Frame& frame, const std:
   for (const auto& place : places) {
     if (place.IsDrawn) {
       const auto point = frame.At(place);
-      const auto from =
-          frame.At(place.X->At->Number - place.X->Moved(), place.Y->At->Number - place.Y->Moved());
+      const auto from = frame.At(place.X->Number() - place.X->Moved(), place.Y->Number() - place.Y->Moved());
       const DrawingPoint to{from.X + (point.X - from.X) * factor, from.Y + (point.Y - from.Y) * factor};
       markers += DrawnMarker(point, place.HasMoved()) + DrawnArrow(from, to);
       taken.push_back(BoxOf(point, point));

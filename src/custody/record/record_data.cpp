@@ -16,6 +16,7 @@ constexpr std::size_t base64Line = 100;
 
 }  // namespace
 
+// NOLINTBEGIN(misc-use-anonymous-namespace): looked for in the namespace of what they are asked about
 static constexpr auto MembersOf(const RecordedState*) {
   return std::tuple{Member{"configuration", &RecordedState::Configuration, Presence::Always},
                     Member{"instrument", &RecordedState::Instrument}};
@@ -52,6 +53,7 @@ static constexpr auto MembersOf(const RecordContent*) {
                     Member{"findings", &RecordContent::Findings},
                     Member{"checkpoint", &RecordContent::Checkpoint}};
 }
+// NOLINTEND(misc-use-anonymous-namespace)
 
 std::string DataOf(const RecordContent& content) {
   auto object = JsonOf(content);

@@ -35,6 +35,8 @@ struct ValueRow {
   std::optional<std::string> Before{};
   std::optional<double> WasAt{};  // in the unit of At
 
+  // What is drawn of it; 0 if that is nothing.
+  double Number() const { return At ? At->Number : 0.0; }
   double Moved() const { return At && WasAt ? At->Number - *WasAt : 0.0; }
 };
 
