@@ -24,8 +24,8 @@ class BenchFolder {
   BenchFolder& operator=(const BenchFolder&) = delete;
 
   void Reset() const {
-    Store(path_ / "Zolvane.ini", SampleConfiguration());
-    Store(path_ / "old.bak", SampleConfiguration());
+    Store(path_ / "Zolvane.ini", SampleFileText());
+    Store(path_ / "old.bak", SampleFileText());
     std::filesystem::remove(path_ / "new.bak");
   }
 

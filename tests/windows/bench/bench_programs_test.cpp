@@ -27,7 +27,7 @@ class BenchPrograms : public testing::Test {
   };
 
   void Prepare() const {
-    Store(folder_.Configuration(), SampleConfiguration());
+    Store(folder_.Configuration(), SampleFileText());
     std::filesystem::remove(folder_.Path() / "backup.bak");
     Store(folder_.Path() / "job.txt",
           "page\nquery\nupload\ndownload\nexport " + folder_.FileText("backup.bak") + "\n");

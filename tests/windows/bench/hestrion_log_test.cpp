@@ -119,7 +119,7 @@ std::size_t CountOf(const std::string& part, const std::string& text) {
 }
 
 TEST_F(HestrionLog, SaysOnceThatCharactersWereLost) {
-  const auto sample = SampleConfiguration();
+  const auto sample = SampleFileText();
   Store(folder_.File("Zolvane.ini"), "; \xB5l\r\n" + sample);
   auto backup = sample;
   backup.replace(backup.find("Zolvane 400"), std::strlen("Zolvane 400"), "\xD0\x9A\xD0\xB0\xD0\xBD");

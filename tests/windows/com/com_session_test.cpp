@@ -46,7 +46,7 @@ std::string New() {
 
 TEST(ComSession, TheMainJobOfADayIsTheSameForTheHost) {
   const auto played =
-      ExpectSameSession({.Configuration = SampleConfiguration(),
+      ExpectSameSession({.Configuration = SampleFileText(),
                          .Commands = {"query", "upload", "download", "export " + New(), "import " + Old()},
                          .AffirmsRest = true});
   EXPECT_TRUE(Contains(played.Calls, R"("event":"send","command":"SET_CALIBRATION SAVE","ok":true)"));
@@ -55,7 +55,7 @@ TEST(ComSession, TheMainJobOfADayIsTheSameForTheHost) {
 }
 
 TEST(ComSession, AnInstrumentThatDoesNotAnswerShowsTheErrorBox) {
-  const auto played = ExpectSameSession({.Configuration = SampleConfiguration(),
+  const auto played = ExpectSameSession({.Configuration = SampleFileText(),
                                          .Commands = {"query", "upload"},
                                          .Link = "none",
                                          .AffirmsRest = true});
@@ -64,12 +64,12 @@ TEST(ComSession, AnInstrumentThatDoesNotAnswerShowsTheErrorBox) {
 
 TEST(ComSession, AHostWithADialogueOfItsOwnIsAskedToShowTheError) {
   const auto played = ExpectSameSession(
-      {.Configuration = SampleConfiguration(), .Commands = {"query"}, .Link = "none", .OffersDialog = true});
+      {.Configuration = SampleFileText(), .Commands = {"query"}, .Link = "none", .OffersDialog = true});
   EXPECT_TRUE(Contains(played.Calls, R"("event":"host_dialog","title":"Communication Error")"));
 }
 
 TEST(ComSession, ACancelledUploadLeavesTheControlsDisabled) {
-  const auto played = ExpectSameSession({.Configuration = SampleConfiguration(),
+  const auto played = ExpectSameSession({.Configuration = SampleFileText(),
                                          .Commands = {"upload", "press 2", "tick chkRFID 0"},
                                          .Answers = {"cancel"}});
   EXPECT_FALSE(played.Page["checks"]["chkRFID"]["enabled"].get<bool>());
@@ -77,13 +77,13 @@ TEST(ComSession, ACancelledUploadLeavesTheControlsDisabled) {
 
 TEST(ComSession, ACancelledFileDialogueChangesNothing) {
   ExpectSameSession(
-      {.Configuration = SampleConfiguration(), .Commands = {"export", "import"}, .AffirmsRest = true});
+      {.Configuration = SampleFileText(), .Commands = {"export", "import"}, .AffirmsRest = true});
 }
 
 TEST(ComSession, ThePanelIsFoundInBothShapesOfAStatusBar) {
   for (const auto shape : {PanelsShape::IndexedProperty, PanelsShape::DefaultMember}) {
     const auto played =
-        ExpectSameSession({.Configuration = SampleConfiguration(), .Commands = {"query"}, .Panels = shape});
+        ExpectSameSession({.Configuration = SampleFileText(), .Commands = {"query"}, .Panels = shape});
     EXPECT_TRUE(Contains(played.Calls, R"({"event":"status","text":"Getting Zolvane Type"})"));
   }
 }
@@ -95,14 +95,14 @@ TEST(ComSession, AnEmptyConfigurationGivesThePageOfTheBench) {
 }
 
 TEST(ComSession, TextsOutsideOfTheCodePageArriveUnchanged) {
-  auto configuration = SampleConfiguration();
+  auto configuration = SampleFileText();
   configuration += "\r\n[DeviceType]\r\nItem90=\"Z\xC3\xBCrich \xE2\x82\xAC \xF0\x9F\xA7\xAA\",0,\"X\"\r\n";
   ExpectSameSession({.Configuration = configuration, .Commands = {"select cboDeviceType #0"}});
 }
 
 TEST(ComSession, AnInstrumentOnTheNetworkIsTheSameForTheHost) {
   const RunningInstrument instrument;
-  const auto played = ExpectSameSession({.Configuration = SmallConfiguration(),
+  const auto played = ExpectSameSession({.Configuration = SmallFileText(),
                                          .Commands = {"query", "upload", "download"},
                                          .Link = instrument.Link(),
                                          .AffirmsRest = true});
@@ -118,7 +118,7 @@ class Generator {
   explicit Generator(unsigned seed) : random_{seed} {}
 
   SessionPlan Plan() {
-    const auto whole = random_.Configuration(SampleConfiguration(), SmallConfiguration());
+    const auto whole = random_.Configuration(SampleFileText(), SmallFileText());
     SessionPlan plan{
         .Configuration = random_.Damaged(whole), .Commands = {}, .Source = random_.Damaged(whole)};
     const int count = random_.Below(7) + 3;

@@ -36,7 +36,7 @@ std::optional<std::string> FileFor(const PlayedOperation& operation) {
 }
 
 MemorySettings::MemorySettings() {
-  const std::string text = SmallConfiguration();
+  const std::string text = SmallFileText();
   files_.emplace(ProgramFolder::OfThisRun().Configuration().string(), text);
   files_.emplace(PathOfSource(), text);
 }

@@ -56,8 +56,8 @@ class NotedSession : public testing::Test, protected FakeHostObjects {
  protected:
   void SetUp() override {
     Link().DefaultReply = Answer("x=1");
-    Store(ProgramFolder::OfThisRun().Configuration(), SampleConfiguration());
-    Store(Backup(), SampleConfiguration());
+    Store(ProgramFolder::OfThisRun().Configuration(), SampleFileText());
+    Store(Backup(), SampleFileText());
     AddIn = ProgramFolder::OfThisRun().Module().Create();
     AddIn->get_Form(Form.Put());
     Frame = FrameOf(Form);

@@ -83,7 +83,7 @@ TEST_F(FailingSettingsService, AServiceThatFailsFromTheStartGivesAnEmptyPage) {
   for (const int button : {uploadButton, downloadButton, importButton, exportButton}) {
     EXPECT_FALSE(IsEnabled(button));
   }
-  EXPECT_EQ(ContentOf(ProgramFolder::OfThisRun().Configuration()), SampleConfiguration());
+  EXPECT_EQ(ContentOf(ProgramFolder::OfThisRun().Configuration()), SampleFileText());
 }
 
 TEST_F(FailingSettingsService, AServiceThatFailsDuringAnOperationLeavesTheConfigurationAlone) {

@@ -202,7 +202,7 @@ void ExpectNothingLeftBehind(int count, const Session& session) {
 
 class Lifetimes : public testing::Test {
  protected:
-  Lifetimes() { Store(folder_.Configuration(), SampleConfiguration()); }
+  Lifetimes() { Store(folder_.Configuration(), SampleFileText()); }
 
  private:
   const ProgramFolder& folder_ = ProgramFolder::OfThisRun();  // COM is in use from here on

@@ -20,7 +20,7 @@ namespace zolvane {
 // instrument answers every command with an empty text.
 class HostedPage {
  public:
-  explicit HostedPage(const std::string& configuration = SampleConfiguration());
+  explicit HostedPage(const std::string& configuration = SampleFileText());
   ~HostedPage();
   HostedPage(const HostedPage&) = delete;
   HostedPage& operator=(const HostedPage&) = delete;

@@ -22,7 +22,7 @@ struct SessionPlan {
   PanelsShape Panels = PanelsShape::DefaultMember;
   bool ShowsDialogues =
       true;  // else boxes and file dialogues are answered without appearing, which is faster
-  std::string Source = SampleConfiguration();  // what the file "old.bak" holds
+  std::string Source = SampleFileText();  // what the file "old.bak" holds
 };
 
 // NOLINTNEXTLINE(bugprone-exception-escape): a JSON value that is moved throws nothing

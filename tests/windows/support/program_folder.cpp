@@ -19,12 +19,12 @@ void Store(const std::filesystem::path& file, const std::string& content) {
   }
 }
 
-std::string SampleConfiguration() {
+std::string SampleFileText() {
   const auto sample = ContentOf(std::filesystem::path{ZOLVANE_SAMPLES_PATH} / "Zolvane.ini");
   return !sample.empty() ? sample : throw std::runtime_error{"the sample configuration is missing"};
 }
 
-std::string SmallConfiguration() {
+std::string SmallFileText() {
   return "[DeviceType]\nInstalled=1\nItem1=\"Large\",1,\"ZV300\"\nUploadCalibrationData="
          "1\nDownloadCalibrationData=1\n"
          "ImportCalibrationData=1\nExportCalibrationData=1\nSDXYEncoderMMStepFactorOff=2\nSensorEnableRFID="

@@ -12,11 +12,11 @@ namespace zolvane {
 std::string ContentOf(const std::filesystem::path& file);
 void Store(const std::filesystem::path& file, const std::string& content);
 
-// The configuration that comes with the program.
-std::string SampleConfiguration();
+// The configuration that comes with the program, to the byte.
+std::string SampleFileText();
 
 // One record of a kind, and all operations permitted.
-std::string SmallConfiguration();
+std::string SmallFileText();
 
 // One for the whole test program, since a module is loaded once in the life of a host. COM is
 // in use meanwhile.
