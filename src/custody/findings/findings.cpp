@@ -117,7 +117,6 @@ std::vector<Finding> FindingsIn(CheckedFile::Kind kind, const std::string& bytes
   CheckFields(file);
   if (kind == CheckedFile::Kind::Configuration) {
     CheckOperations(file);
-    CheckRounding(file);
     CheckRoundTrips(file);
   }
   return file.TakeFindings();

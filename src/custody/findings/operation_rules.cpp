@@ -247,6 +247,7 @@ void CheckOperations(CheckedFile& file) {
     CheckPositions(file, configuration);
     CheckDetection(file, configuration);
     CheckNames(file, configuration);
+    CheckRounding(file, configuration.Current, script);
   });
 }
 

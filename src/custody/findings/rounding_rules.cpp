@@ -66,18 +66,14 @@ std::optional<MagnifiedLine> MagnifiedLineOf(const SectionedText::SeenLine& line
   return isMagnified ? std::optional{MagnifiedLine{&line, std::move(text)}} : std::nullopt;
 }
 
-std::vector<MagnifiedLine> MagnifiedLinesOf(CheckedFile& file) {
+std::vector<MagnifiedLine> MagnifiedLinesOf(const CheckedFile& file, const StepFactors& factors) {
   std::vector<MagnifiedLine> lines;
-  file.Run([&](const OperationContext& context, const std::string&) {
-    RefreshCurrentRecords(context.Config);
-    const auto factors = CurrentStepFactors(context.Config.Current);
-    for (const auto& line : file.Lines) {
-      const bool isValue = line.Is == SectionedText::LineKind::Key && line.Counts;
-      if (auto magnified = isValue ? MagnifiedLineOf(line, factors) : std::nullopt) {
-        lines.push_back(*std::move(magnified));
-      }
+  for (const auto& line : file.Lines) {
+    const bool isValue = line.Is == SectionedText::LineKind::Key && line.Counts;
+    if (auto magnified = isValue ? MagnifiedLineOf(line, factors) : std::nullopt) {
+      lines.push_back(*std::move(magnified));
     }
-  });
+  }
   return lines;
 }
 
@@ -128,8 +124,8 @@ void AddRounded(CheckedFile& file, const std::vector<UploadLine>& script,
 
 }  // namespace
 
-void CheckRounding(CheckedFile& file) {
-  AddRounded(file, UploadOf(file, {}), MagnifiedLinesOf(file));
+void CheckRounding(CheckedFile& file, const CurrentRecords& inForce, const std::vector<UploadLine>& script) {
+  AddRounded(file, script, MagnifiedLinesOf(file, CurrentStepFactors(inForce)));
 }
 
 }  // namespace zolvane

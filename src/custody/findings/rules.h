@@ -11,10 +11,12 @@
 #include <vector>
 
 #include "bench/host/dry_run.h"
+#include "config/tables/current_records.h"
 #include "custody/disk/disk.h"
 #include "custody/findings/findings.h"
 #include "custody/values/play.h"
 #include "files/sectioned_text.h"
+#include "operations/upload_script.h"
 
 namespace zolvane {
 
@@ -86,8 +88,8 @@ void CheckFields(CheckedFile& file);
 // What the page and the operations make of a configuration.
 void CheckOperations(CheckedFile& file);
 
-// Numbers of which the upload sends less than the file says.
-void CheckRounding(CheckedFile& file);
+// Numbers of which the upload, whose lines are in `script`, sends less than the file says.
+void CheckRounding(CheckedFile& file, const CurrentRecords& inForce, const std::vector<UploadLine>& script);
 
 // What a backup, or the way over the instrument and back, would change.
 void CheckRoundTrips(CheckedFile& file);
