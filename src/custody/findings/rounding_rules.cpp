@@ -2,9 +2,10 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <functional>
 #include <optional>
-#include <span>
-#include <utility>
+#include <string>
+#include <vector>
 
 #include "config/conversions.h"
 #include "config/step_factors.h"
@@ -18,13 +19,13 @@
 namespace zolvane {
 namespace {
 
-// What is sent of a thousand times the number shows three decimals more of what should be sent of the number.
-constexpr double magnification = 1000.0;
+using FileLine = SectionedText::SeenLine;
 
-struct MagnifiedLine {
-  const SectionedText::SeenLine* Original;
-  std::string Text;
-};
+// What is sent of ten thousand times a number shows four decimals more of what should be sent of the number. Of
+// one to ten thousand times the number, it shows one digit of the number of the line that it comes from.
+constexpr std::size_t base = 10;
+constexpr double magnification = 1000.0;
+constexpr double largestMagnification = magnification * base;
 
 // Factors between file and instrument are not sent, nor are volumes: these choose the key that something is
 // sent under.
@@ -35,97 +36,134 @@ bool IsMeasured(const FileSection& section, const FileField& field) {
          (section.IsCorrection() && field.Piece == correctionFactorPiece);
 }
 
-bool Magnify(std::string& text, const FileSection& section, const FileField* field,
-             const StepFactors& factors) {
+// Of a number that may be sent, also if it is magnified most.
+std::optional<std::string> Magnified(std::string_view text, const FileSection& section,
+                                     const FileField* field, const StepFactors& factors, double times) {
   const auto number = field != nullptr && IsMeasured(section, *field) ? StrictNumber(text) : std::nullopt;
-  auto magnified = GeneralText(number.value_or(0.0) * magnification);
-  const bool canBe = number && *number != 0.0 && field->Converts(magnified, factors);
-  if (canBe) {
-    text = std::move(magnified);
-  }
-  return canBe;
+  const bool canBe =
+      number && *number != 0.0 && field->Converts(GeneralText(*number * largestMagnification), factors);
+  return canBe ? std::optional{GeneralText(*number * times)} : std::nullopt;
 }
 
-// Nothing if the line has no number that may be sent.
-std::optional<MagnifiedLine> MagnifiedLineOf(const SectionedText::SeenLine& line,
-                                             const StepFactors& factors) {
+// Nothing if the line has no such number.
+std::optional<std::string> MagnifiedValue(const FileLine& line, const StepFactors& factors, double times) {
   const auto& section = FileSectionOf(line.Section);
   if (!section.NumberIn(line.Key)) {
-    std::string text{line.Value};
-    return Magnify(text, section, section.FieldUnder(line.Key), factors)
-               ? std::optional{MagnifiedLine{&line, std::move(text)}}
-               : std::nullopt;
+    return Magnified(line.Value, section, section.FieldUnder(line.Key), factors, times);
   }
   bool isMagnified = false;
-  std::string text;
-  auto pieces = PiecesOf(line.Value);
+  std::string value;
+  const auto pieces = PiecesOf(line.Value);
   for (std::size_t piece = 0; piece < pieces.size(); ++piece) {
-    isMagnified = Magnify(pieces[piece], section, section.FieldAt(piece), factors) || isMagnified;
-    text += Joined(piece == 0 ? "" : ",", pieces[piece]);
+    const auto magnified = Magnified(pieces[piece], section, section.FieldAt(piece), factors, times);
+    isMagnified = isMagnified || magnified;
+    value += Joined(piece == 0 ? "" : ",", magnified.value_or(pieces[piece]));
   }
-  return isMagnified ? std::optional{MagnifiedLine{&line, std::move(text)}} : std::nullopt;
+  return isMagnified ? std::optional{value} : std::nullopt;
 }
 
-std::vector<MagnifiedLine> MagnifiedLinesOf(const CheckedFile& file, const StepFactors& factors) {
-  std::vector<MagnifiedLine> lines;
-  for (const auto& line : file.Lines) {
-    const bool isValue = line.Is == SectionedText::LineKind::Key && line.Counts;
-    if (auto magnified = isValue ? MagnifiedLineOf(line, factors) : std::nullopt) {
-      lines.push_back(*std::move(magnified));
+// A line of the upload that sends less than the file says.
+struct RoundedLine {
+  std::size_t Place = 0;   // in the script
+  double Exact = 0.0;      // what should be sent, to four decimals
+  std::size_t Source = 0;  // the place of the line of the file among the measured ones
+};
+
+class RoundingSearch {
+ public:
+  RoundingSearch(CheckedFile& file, const StepFactors& factors, const std::vector<UploadLine>& script)
+      : file_{file}, factors_{factors}, script_{script} {
+    for (const auto& line : file.Lines) {
+      const bool isValue = line.Is == SectionedText::LineKind::Key && line.Counts;
+      if (isValue && MagnifiedValue(line, factors_, magnification)) {
+        measured_.push_back(&line);
+      }
     }
   }
-  return lines;
-}
 
-std::vector<UploadLine> UploadOf(CheckedFile& file, std::span<const MagnifiedLine> lines) {
-  std::vector<UploadLine> script;
-  file.Run([&](const OperationContext& context, const std::string& path) {
-    for (const auto& [original, text] : lines) {
-      PassOver(context.Config.Settings.WriteValue(original->Section, original->Key, path, text));
+  std::vector<RoundedLine> Find() {
+    auto rounded = FindRounded();
+    for (std::size_t place = 1; !rounded.empty() && place < measured_.size(); place *= base) {
+      const auto digits = UploadOf([place](std::size_t line) { return TimesFor(line / place % base); });
+      for (auto& each : rounded) {
+        each.Source += place * DigitIn(digits, each);
+      }
     }
-    RefreshCurrentRecords(context.Config);
-    script = BuildUploadLines(context.Config, nullptr);
-  });
-  return script;
-}
+    return rounded;
+  }
 
-// What should be sent, to three decimals more, if that is not what is sent. The scales of the axes are held in
-// single precision: so small a difference says nothing.
-std::optional<double> ExactOf(const UploadLine& line, const UploadLine& magnified) {
-  constexpr double ofScales = 2e-7;
-  const auto sent = line.Value ? StrictNumber(*line.Value) : std::nullopt;
-  const auto exact = magnified.Value ? StrictNumber(*magnified.Value) : std::nullopt;
-  const bool isRounded = sent && exact && magnified.Key == line.Key && magnified.Value != line.Value &&
-                         std::abs(*exact - *sent * magnification) > 1.0 + std::abs(*exact) * ofScales;
-  return isRounded ? std::optional{*exact / magnification} : std::nullopt;
-}
+  // Null if it comes from several lines.
+  const FileLine* SourceOf(const RoundedLine& rounded) const {
+    return rounded.Source < measured_.size() ? measured_[rounded.Source] : nullptr;
+  }
 
-// Goes on with the halves of the lines until it knows which of them it is.
-void AddRounded(CheckedFile& file, const std::vector<UploadLine>& script,
-                std::span<const MagnifiedLine> lines) {
-  const auto magnified = UploadOf(file, lines);
-  bool isSome = false;
-  for (std::size_t index = 0; index < std::min(script.size(), magnified.size()); ++index) {
-    const auto& sent = script[index];
-    const auto exact = ExactOf(sent, magnified[index]);
-    isSome = isSome || exact;
-    if (exact && lines.size() == 1) {
-      const auto& place = *lines.front().Original;
-      file.Add("sent-rounded", place.Number,
-               Joined(Printable(NameOfPlace(place.Section, place.Key)), ": the upload sends ", *sent.Value,
-                      " for ", Printable(sent.Key), ", rounded from ", GeneralText(*exact)));
+ private:
+  static double TimesFor(std::size_t digit) { return magnification * static_cast<double>(digit + 1); }
+
+  std::vector<UploadLine> UploadOf(const std::function<double(std::size_t line)>& times) {
+    std::vector<UploadLine> script;
+    file_.Run([&](const OperationContext& context, const std::string& path) {
+      for (std::size_t line = 0; line < measured_.size(); ++line) {
+        const auto* const source = measured_[line];
+        const auto value = MagnifiedValue(*source, factors_, times(line));
+        PassOver(context.Config.Settings.WriteValue(source->Section, source->Key, path, value.value_or("")));
+      }
+      RefreshCurrentRecords(context.Config);
+      script = BuildUploadLines(context.Config, nullptr);
+    });
+    script.resize(script_.size());
+    return script;
+  }
+
+  std::vector<RoundedLine> FindRounded() {
+    const auto magnified = UploadOf([](std::size_t) { return largestMagnification; });
+    std::vector<RoundedLine> rounded;
+    for (std::size_t place = 0; place < script_.size(); ++place) {
+      if (const auto exact = ExactOf(script_[place], magnified[place])) {
+        rounded.push_back({.Place = place, .Exact = *exact});
+      }
     }
+    return rounded;
   }
-  if (isSome && lines.size() > 1) {
-    AddRounded(file, script, lines.first(lines.size() / 2));
-    AddRounded(file, script, lines.subspan(lines.size() / 2));
+
+  // What should be sent, if that is not what is sent. The scales of the axes are held in single precision: so
+  // small a difference says nothing.
+  static std::optional<double> ExactOf(const UploadLine& line, const UploadLine& magnified) {
+    constexpr double ofScales = 2e-7;
+    const auto sent = line.Value ? StrictNumber(*line.Value) : std::nullopt;
+    const auto exact = magnified.Value ? StrictNumber(*magnified.Value) : std::nullopt;
+    const bool isRounded =
+        sent && exact && magnified.Key == line.Key && magnified.Value != line.Value &&
+        std::abs(*exact - *sent * largestMagnification) > base + std::abs(*exact) * ofScales;
+    return isRounded ? std::optional{*exact / largestMagnification} : std::nullopt;
   }
-}
+
+  static std::size_t DigitIn(const std::vector<UploadLine>& digits, const RoundedLine& rounded) {
+    const auto& value = digits[rounded.Place].Value;
+    const auto times = StrictNumber(value.value_or("")).value_or(0.0) / rounded.Exact / magnification;
+    return static_cast<std::size_t>(std::clamp(std::round(times), 1.0, static_cast<double>(base))) - 1;
+  }
+
+  CheckedFile& file_;
+  const StepFactors& factors_;
+  const std::vector<UploadLine>& script_;
+  std::vector<const FileLine*> measured_;
+};
 
 }  // namespace
 
 void CheckRounding(CheckedFile& file, const CurrentRecords& inForce, const std::vector<UploadLine>& script) {
-  AddRounded(file, script, MagnifiedLinesOf(file, CurrentStepFactors(inForce)));
+  const auto factors = CurrentStepFactors(inForce);
+  RoundingSearch search{file, factors, script};
+  for (const auto& rounded : search.Find()) {
+    if (const auto* const source = search.SourceOf(rounded)) {
+      const auto& line = script[rounded.Place];
+      file.Add(
+          "sent-rounded", source->Number,
+          Joined(Printable(NameOfPlace(source->Section, source->Key)), ": the upload sends ", *line.Value,
+                 " for ", Printable(line.Key), ", rounded from ", GeneralText(rounded.Exact)));
+    }
+  }
 }
 
 }  // namespace zolvane
