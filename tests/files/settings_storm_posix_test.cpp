@@ -88,6 +88,14 @@ FileSettingsService ServiceWithout(Durability durability) {
       [durability](const std::string& path) { return OpenExchangedFile(path, {.Survives = durability}); }};
 }
 
+// On a busy machine another program may stand still for seconds while it saves. The clock of this service is slow, so
+// that it waits for it all the same.
+FileSettingsService PatientService() {
+  const auto start = steady_clock::now();
+  return FileSettingsService{[](const std::string& path) { return OpenExchangedFile(path); },
+                             {.Now = [start] { return start + (steady_clock::now() - start) / 60; }}};
+}
+
 // A file whose state is known by the number of writes: they set A and B in turn, to values of various
 // lengths.
 const std::string& Padding() {
@@ -201,7 +209,7 @@ TEST(WriteStorm, AReaderAlwaysSeesAWholeStateAndNeverAnOldOne) {
 }
 
 bool WriteOwnKey(const std::string& path, const std::string& key, std::atomic<int>& waiting) {
-  FileSettingsService service;
+  FileSettingsService service = PatientService();
   --waiting;
   while (waiting > 0) {
     std::this_thread::yield();
@@ -252,7 +260,7 @@ TEST(WriteStorm, ReplacementsByAnotherProgramAreNeverOverwritten) {
   const SharedNumber writes;
   constexpr int replacements = 500;
   ChildProcess other{[&] { return ReplaceAgainAndAgain(folder, *done, replacements, *writes); }};
-  FileSettingsService service;
+  FileSettingsService service = PatientService();
   while (StormGoesOn(*done, replacements, *writes)) {
     const int before = *done;
     ASSERT_TRUE(service.WriteValue("S", "ours", path, std::to_string(++*writes)).Ok());
@@ -312,7 +320,7 @@ TEST_P(SavingStorm, WhatAnotherProgramSavesIsNeverLostAndNeverTakenForAnEmptyFil
   const SharedNumber done;
   const SharedNumber writes;
   constexpr int saves = 300;
-  FileSettingsService service;
+  FileSettingsService service = PatientService();
   ASSERT_EQ(service.ReadValue("S", "theirs", path, "none"), "0");
   ChildProcess other{[&] { return SaveAgainAndAgain(GetParam(), path, *done, saves, *writes); }};
   while (StormGoesOn(*done, saves, *writes)) {
