@@ -34,13 +34,13 @@ def expect(holds, what):
 class Page(html.parser.HTMLParser):
     def __init__(self):
         super().__init__(convert_charrefs=True)
-        self.open, self.data, self.shown, self.policies = [], [], "", []
+        self.open, self.data, self.policies = [], [], []
 
     def handle_starttag(self, tag, attributes):
         expect(tag in TAGS, f"element {tag}")
         for name, value in attributes:
             expect(name in ATTRIBUTES, f"attribute {name} of {tag}")
-            expect(not re.search(r"(?i)[a-z]+:|url\(|//", value or ""), f"a reference in {name}={value}")
+            expect(not re.search(r"(?i)[a-z]:|url\(|//", value or ""), f"a reference in {name}={value}")
         if ("http-equiv", "Content-Security-Policy") in attributes:
             self.policies.append(dict(attributes)["content"])
         if tag not in VOID:
@@ -61,8 +61,6 @@ class Page(html.parser.HTMLParser):
             self.data.append(data)
         elif tag == "style":
             expect(not re.search(r"(?i)url\(|@import|expression|\\", data), "a reference in the style sheet")
-        else:
-            self.shown += data
 
 
 def check(path, configuration):
