@@ -284,12 +284,18 @@ class PowerCutOf : public testing::TestWithParam<CutCommand> {
     for (const auto& [path, bytes] : disk.Files()) {
       all += Joined(path, "=", std::to_string(bytes.size()), "=", bytes);
     }
+    return Sha256Hex(all + MemoryText(memory));
+  }
+
+  static std::string MemoryText(const LabMemory& memory) {
+    std::string all;
     for (const auto* held : {&memory.Holds, &memory.Keeps}) {
       for (const auto& [key, text] : *held) {
-        all += Joined(key, "=", text, "\n");
+        all.append(key).append("=").append(text).append("\n");
       }
+      all += "\n";
     }
-    return Sha256Hex(all);
+    return all;
   }
 
   // For people, of the first state that is not as it should be.
@@ -378,17 +384,7 @@ class PowerCutOf : public testing::TestWithParam<CutCommand> {
                                                             : " between ");
       }
     }
-    return read_.insert(read).second || TriesAll() || states_.size() % sampled == 0;
-  }
-
-  static std::string MemoryText(const LabMemory& memory) {
-    Values values;
-    for (const auto* held : {&memory.Holds, &memory.Keeps}) {
-      for (const auto& [key, text] : *held) {
-        values.Add({.Name = Joined(key, held == &memory.Keeps ? "!" : ""), .Text = text});
-      }
-    }
-    return Sha256Hex(ValuesText(values));
+    return read_.insert(Sha256Hex(read)).second || TriesAll() || states_.size() % sampled == 0;
   }
 
   // ---- Going on ----
