@@ -13,6 +13,7 @@
 #include "text/usage_error.h"
 #include "zolvane/commands.h"
 #include "zolvane/work/objections.h"
+#include "zolvane/work/sides.h"
 #include "zolvane/work/workplace.h"
 
 namespace zolvane {
@@ -85,6 +86,12 @@ void DemandUse(const CustodyOptions& options) {
     if (use.IsGiven(options) && !IsNamedIn(use.Commands, name)) {
       throw UsageError{Joined(use.Name, " goes with ", use.Commands, ", and not with ", Printable(name))};
     }
+  }
+  const bool onlyLooks = name == "show" || name == "diff";
+  if (onlyLooks && !options.Faults.empty() &&
+      std::ranges::find(options.Command, instrumentSide) == options.Command.end()) {
+    throw UsageError{
+        Joined("--fault goes with the side ", instrumentSide, ", and ", name, " names others here")};
   }
   for (const auto& code : options.Despite) {
     DemandPassable(code);

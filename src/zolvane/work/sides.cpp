@@ -77,7 +77,7 @@ Side SideNamed(Workplace& work, const std::string& name) {
   if (name == "file") {
     return {.Name = name, .Configuration = ReadConfiguration(work)};
   }
-  if (name == "instrument") {
+  if (name == instrumentSide) {
     DemandLink(work);
     return {.Name = name, .IsInstrument = true};
   }

@@ -3,6 +3,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "custody/history/history.h"
@@ -11,6 +12,9 @@
 #include "zolvane/work/workplace.h"
 
 namespace zolvane {
+
+// The side that is behind the link.
+inline constexpr std::string_view instrumentSide = "instrument";
 
 struct Side {
   std::string Name;                            // as the user wrote it

@@ -54,7 +54,9 @@ TEST_F(CommandLineOfZolvane, AnOptionOfAnotherCommandIsRefused) {
        {Words{"--rehearse", "diff", "file", "file"}, Words{"--instrument", "undo"}, Words{"--csv", "check"},
         Words{"--csv", "history", "audit"}, Words{"--against", "a.bak", "history"},
         Words{"--against", "a.bak", "history", "show", "2"}, Words{"--against", "a.bak", "drift"},
-        Words{"--fault", "silent@1", "check"}, Words{"--fault", "silent@1", "history"}}) {
+        Words{"--fault", "silent@1", "check"}, Words{"--fault", "silent@1", "history"},
+        Words{"--fault", "silent@1", "show", "file"},
+        Words{"--fault", "silent@1", "diff", "file", "@last"}}) {
     const auto run = Run(words);
     EXPECT_EQ(run.Status, 2) << words.front() << " " << words.back();
     EXPECT_EQ(std::ranges::count(run.Errors, '\n'), 1) << run.Errors;
@@ -81,7 +83,7 @@ TEST_F(CommandLineOfZolvane, AFolderWithoutAConfigurationIsUnusable) {
 TEST_F(CommandLineOfZolvane, AFaultNeedsASimulatedInstrument) {
   const auto run = RunAlone({"--link", "none", "--fault", "silent@1", "show", "instrument"});
   EXPECT_EQ(run.Status, 2);
-  EXPECT_EQ(RunAlone({"--fault", "silent@1", "show", "file"}).Errors,
+  EXPECT_EQ(RunAlone({"--fault", "silent@1", "show", "instrument"}).Errors,
             "zolvane: --fault goes with a simulated link, and --link names none\n");
 }
 
