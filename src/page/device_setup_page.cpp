@@ -114,17 +114,22 @@ Status DeviceSetupPage::UserSetsCheck(CheckControl box, int value) {
 void DeviceSetupPage::PressButton(int index) {
   switch (index) {
     case uploadButton:
-      return UploadCalibration(Context());
+      UploadCalibration(Context());
+      break;
     case downloadButton:
-      return DownloadCalibration(Context());
+      DownloadCalibration(Context());
+      break;
     case queryButton:
-      return QueryHardware(Context());
+      QueryHardware(Context());
+      break;
     case importButton:
-      return ImportCalibrationFile(Context(), cdgFile_);
+      ImportCalibrationFile(Context(), cdgFile_);
+      break;
     case exportButton:
-      return ExportCalibrationFile(Context(), cdgFile_);
+      ExportCalibrationFile(Context(), cdgFile_);
+      break;
     default:
-      return;
+      break;
   }
 }
 

@@ -113,7 +113,7 @@ std::error_code Console::Flush() {
 void Console::Draw() {
   ClearStatus();
   nextDrawing_ = Clock::now() + drawingPause;
-  if (status_.empty()) {
+  if (status_.empty() || !setup_.NotesWidth) {
     return;
   }
   std::string line = Printable(status_);

@@ -124,7 +124,7 @@ void Serve(const SimulatorOptions& options) {
   endings.async_wait([&io](std::error_code, int) { io.stop(); });
   const auto place = Open(server, io, options);
   instrument.SwitchOn();
-  std::cout << place << std::endl;
+  std::cout << place << '\n' << std::flush;
   io.run();
 }
 
