@@ -111,14 +111,13 @@ class RoundingSearch {
       RefreshCurrentRecords(context.Config);
       script = BuildUploadLines(context.Config, nullptr);
     });
-    script.resize(script_.size());
     return script;
   }
 
   std::vector<RoundedLine> FindRounded() {
     const auto magnified = UploadOf([](std::size_t) { return largestMagnification; });
     std::vector<RoundedLine> rounded;
-    for (std::size_t place = 0; place < script_.size(); ++place) {
+    for (std::size_t place = 0; place < std::min(script_.size(), magnified.size()); ++place) {
       if (const auto exact = ExactOf(script_[place], magnified[place])) {
         rounded.push_back({.Place = place, .Exact = *exact});
       }
@@ -139,7 +138,7 @@ class RoundingSearch {
   }
 
   static std::size_t DigitIn(const std::vector<UploadLine>& digits, const RoundedLine& rounded) {
-    const auto& value = digits[rounded.Place].Value;
+    const auto value = rounded.Place < digits.size() ? digits[rounded.Place].Value : std::nullopt;
     const auto times = StrictNumber(value.value_or("")).value_or(0.0) / rounded.Exact / magnification;
     return static_cast<std::size_t>(std::clamp(std::round(times), 1.0, static_cast<double>(base))) - 1;
   }
