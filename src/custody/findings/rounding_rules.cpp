@@ -137,10 +137,13 @@ class RoundingSearch {
     return isRounded ? std::optional{*exact / largestMagnification} : std::nullopt;
   }
 
-  static std::size_t DigitIn(const std::vector<UploadLine>& digits, const RoundedLine& rounded) {
+  // Beyond all lines if none is the only source of what is sent.
+  std::size_t DigitIn(const std::vector<UploadLine>& digits, const RoundedLine& rounded) const {
     const auto value = rounded.Place < digits.size() ? digits[rounded.Place].Value : std::nullopt;
-    const auto times = StrictNumber(value.value_or("")).value_or(0.0) / rounded.Exact / magnification;
-    return static_cast<std::size_t>(std::clamp(std::round(times), 1.0, static_cast<double>(base))) - 1;
+    const auto sent = StrictNumber(value.value_or("")).value_or(0.0);
+    const auto times = std::round(sent / rounded.Exact / magnification);
+    const bool isDigit = times >= 1.0 && times <= static_cast<double>(base);
+    return isDigit ? static_cast<std::size_t>(times) - 1 : measured_.size();
   }
 
   CheckedFile& file_;
