@@ -5,9 +5,6 @@
 #include "custody/findings/rules.h"
 #include "custody/values/file_fields.h"
 #include "custody/values/values.h"
-#include "operations/download.h"
-#include "operations/file_copy.h"
-#include "operations/upload.h"
 #include "text/joined.h"
 #include "text/printable.h"
 
@@ -39,24 +36,6 @@ std::string ChangesOf(const std::string& section, const std::string& key, const 
   return changes;
 }
 
-using Places = std::map<std::string, DrySettings::Kept>;
-
-// What was written into the file itself.
-Places WrittenBack(CheckedFile& file, const CheckedFile::OperationOnFile& operation) {
-  std::string own;
-  const auto settings = file.Run([&](const OperationContext& context, const std::string& path) {
-    own = path;
-    operation(context, path);
-  });
-  Places places;
-  for (const auto& [place, kept] : settings->Writes()) {
-    if (kept.File == own) {
-      places[IndexedAs(kept.Section, kept.Key)] = kept;
-    }
-  }
-  return places;
-}
-
 void AddChange(CheckedFile& file, std::string_view code, std::string_view what,
                const DrySettings::Kept& kept) {
   const auto name = Printable(NameOfPlace(kept.Section, kept.Key));
@@ -80,21 +59,12 @@ void AddChange(CheckedFile& file, std::string_view code, std::string_view what,
 }  // namespace
 
 void CheckRoundTrips(CheckedFile& file) {
-  const auto imported = WrittenBack(file, [](const OperationContext& context, const std::string& path) {
-    const auto backup = path + ".bak";
-    CopyAllTables(context, path, backup, true, "");
-    CopyAllTables(context, backup, path, false, "");
-  });
-  const auto downloaded = WrittenBack(file, [](const OperationContext& context, const std::string&) {
-    UploadCalibration(context);
-    DownloadCalibration(context);
-  });
-  for (const auto& [place, kept] : imported) {
+  for (const auto& [place, kept] : file.Imported) {
     AddChange(file, "backup-changes", "an export and its import", kept);
   }
-  for (const auto& [place, kept] : downloaded) {
-    const auto same = imported.find(place);
-    if (same == imported.end() || same->second.Text != kept.Text) {
+  for (const auto& [place, kept] : file.Downloaded) {
+    const auto same = file.Imported.find(place);
+    if (same == file.Imported.end() || same->second.Text != kept.Text) {
       AddChange(file, "download-changes", "an upload and a download", kept);
     }
   }

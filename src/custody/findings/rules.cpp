@@ -130,17 +130,38 @@ void CheckedFile::Watch() {
     PageWrites = Play(ends, {.Kind = ActionKind::ShowPage}).Writes;
   }
   isByWalk = true;
-  Run(
-      [this](const OperationContext& context, const std::string& path) {
-        if (Is == Kind::Configuration) {
-          UploadCalibration(context);
-          DownloadCalibration(context);
-          CopyAllTables(context, path, backupPath, true, "");
-        } else {
+  if (Is == Kind::Backup) {
+    WrittenBy(
+        [](const OperationContext& context, const std::string& path) {
           CopyAllTables(context, path, context.Config.Settings.ConfigFilePath(), false, "");
-        }
+        },
+        observe);
+    return;
+  }
+  Downloaded = WrittenBy(
+      [](const OperationContext& context, const std::string&) {
+        UploadCalibration(context);
+        DownloadCalibration(context);
       },
       observe);
+  Imported = WrittenBy(
+      [](const OperationContext& context, const std::string& path) {
+        CopyAllTables(context, path, backupPath, true, "");
+        CopyAllTables(context, backupPath, path, false, "");
+      },
+      observe);
+}
+
+CheckedFile::Places CheckedFile::WrittenBy(const OperationOnFile& operation,
+                                           const DrySettings::ReadObserver& observe) {
+  const auto settings = Run(operation, observe);
+  Places places;
+  for (const auto& [place, kept] : settings->Writes()) {
+    if (kept.File == path_) {
+      places[IndexedAs(kept.Section, kept.Key)] = kept;
+    }
+  }
+  return places;
 }
 
 }  // namespace zolvane

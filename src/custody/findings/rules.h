@@ -54,6 +54,11 @@ class CheckedFile {
   // What opening the page writes.
   std::vector<SettingWrite> PageWrites;
 
+  // What an upload and a download, and an export and its import, write into a configuration.
+  using Places = std::map<std::string, DrySettings::Kept>;  // under IndexedAs
+  Places Downloaded;
+  Places Imported;
+
   // From 1; 0 if the file has no such key, or no such section.
   std::size_t LineOf(std::string_view section, std::string_view key) const;
   std::size_t LineOf(std::string_view section) const { return LineOf(section, ""); }
@@ -69,6 +74,7 @@ class CheckedFile {
 
  private:
   void Watch();
+  Places WrittenBy(const OperationOnFile& operation, const DrySettings::ReadObserver& observe);
 
   MemoryDisk disk_;
   std::string path_;
