@@ -15,11 +15,10 @@
 #include <vector>
 
 #include "text/byte_text.h"
+#include "text/json_text.h"
 #include "text/members.h"
 
 namespace zolvane {
-
-using Json = nlohmann::ordered_json;
 
 template <class Struct>
 concept HasMembers = requires(const Struct* part) { MembersOf(part); };
@@ -165,7 +164,7 @@ bool Take(const Json& from, std::map<std::string, Type>& table) {
 template <class Type>
 std::optional<Type> FromJson(std::string_view text) {
   Type value{};
-  return Take(Json::parse(text, nullptr, false), value) ? std::optional{std::move(value)} : std::nullopt;
+  return Take(ParsedJson(text), value) ? std::optional{std::move(value)} : std::nullopt;
 }
 
 }  // namespace zolvane

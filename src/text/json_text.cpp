@@ -5,13 +5,27 @@
 #include "text/printable.h"
 
 namespace zolvane {
+namespace {
 
-std::string JsonText(const nlohmann::ordered_json& value, bool isIndented) {
-  return PrintableLines(
-      value.dump(isIndented ? 2 : -1, ' ', false, nlohmann::ordered_json::error_handler_t::replace));
+std::string Spelled(const Json& value, int indent) {
+  return value.dump(indent, ' ', false, Json::error_handler_t::replace);
 }
 
-nlohmann::ordered_json EntryJson(const ListEntry& entry) {
+}  // namespace
+
+Json ParsedJson(std::string_view text) {
+  return Json::parse(text, nullptr, false);
+}
+
+std::string BareJsonText(const Json& value) {
+  return Spelled(value, -1);
+}
+
+std::string JsonText(const Json& value, bool isIndented) {
+  return PrintableLines(Spelled(value, isIndented ? 2 : -1));
+}
+
+Json EntryJson(const ListEntry& entry) {
   return {{"text", entry.Text}, {"data", entry.Data}};
 }
 

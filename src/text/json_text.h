@@ -1,17 +1,26 @@
-// What the trace and the printed results have in common.
+// JSON and its texts. To compile the library's reader and writer takes longer than most rooms, so few others use them.
 #pragma once
 
 #include <nlohmann/json_fwd.hpp>
 #include <string>
+#include <string_view>
 
 #include "config/item_lists.h"
 
 namespace zolvane {
 
-// On one line, or indented by two. Bytes that are not UTF-8 become the replacement character; characters
-// that would control a terminal are escaped.
-std::string JsonText(const nlohmann::ordered_json& value, bool isIndented = false);
+using Json = nlohmann::ordered_json;
 
-nlohmann::ordered_json EntryJson(const ListEntry& entry);
+// A discarded value unless the text is JSON.
+Json ParsedJson(std::string_view text);
+
+// For programs: on one line, without blanks. Bytes that are not UTF-8 become the replacement character.
+std::string BareJsonText(const Json& value);
+
+// For people: on one line, or indented by two. Bytes that are not UTF-8 become the replacement character; characters
+// that would control a terminal are escaped.
+std::string JsonText(const Json& value, bool isIndented = false);
+
+Json EntryJson(const ListEntry& entry);
 
 }  // namespace zolvane

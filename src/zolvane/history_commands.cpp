@@ -9,6 +9,7 @@
 #include "custody/history/audit.h"
 #include "custody/record/record.h"
 #include "text/joined.h"
+#include "text/json_text.h"
 #include "text/printable.h"
 #include "text/usage_error.h"
 #include "zolvane/work/actions.h"
@@ -186,7 +187,7 @@ void ShowOperation(Workplace& work, const std::string& number) {
 std::vector<Checkpoint> CheckpointsOf(Workplace& work, const std::string& name) {
   const auto bytes = ReadFile(work.Files, AbsolutePath(name));
   const auto record = LooksLikeRecord(bytes) ? std::optional{RecordIn(bytes, name)} : std::nullopt;
-  auto checkpoints = CheckpointsIn(record ? JsonOf(record->Checkpoint).dump() : bytes);
+  auto checkpoints = CheckpointsIn(record ? BareJsonText(JsonOf(record->Checkpoint)) : bytes);
   if (checkpoints.empty()) {
     throw UsageError{Joined(Quoted(name), " holds no checkpoint")};
   }

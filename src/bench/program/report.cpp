@@ -14,8 +14,6 @@
 namespace zolvane {
 namespace {
 
-using Json = nlohmann::ordered_json;
-
 Json OrNull(const auto& value) {
   return value ? Json(*value) : Json(nullptr);
 }

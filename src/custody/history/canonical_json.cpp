@@ -6,6 +6,7 @@
 #include <string_view>
 #include <utility>
 
+#include "text/json_text.h"
 #include "text/text_encoding.h"
 
 namespace zolvane {
@@ -26,11 +27,6 @@ std::u16string Utf16Units(std::string_view text) {
   return units;
 }
 
-// Of a text and a whole number the library's spelling is the canonical one.
-std::string Spelled(const Json& value) {
-  return value.dump(-1, ' ', false, Json::error_handler_t::replace);
-}
-
 // What lies deeper than any value of ours is left out, so that nobody's text exhausts the stack.
 void Append(std::string& to, const Json& value, int depth = 0) {
   constexpr int deepest = 100;
@@ -44,7 +40,7 @@ void Append(std::string& to, const Json& value, int depth = 0) {
     }
     to += '{';
     for (const auto& [units, member] : members) {
-      to.append(std::exchange(before, ",")).append(Spelled(member.key())).append(":");
+      to.append(std::exchange(before, ",")).append(BareJsonText(member.key())).append(":");
       Append(to, *member, depth + 1);
     }
     to += '}';
@@ -55,7 +51,7 @@ void Append(std::string& to, const Json& value, int depth = 0) {
     }
     to += ']';
   } else {
-    to += Spelled(value);
+    to += BareJsonText(value);  // of a text and a whole number it is the canonical spelling
   }
 }
 

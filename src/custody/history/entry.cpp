@@ -5,6 +5,7 @@
 
 #include "custody/disk/sha256.h"
 #include "custody/history/canonical_json.h"
+#include "text/json_text.h"
 #include "text/plain_json.h"
 
 namespace zolvane {
@@ -79,7 +80,7 @@ std::string LineOf(const Entry& entry) {
 }
 
 Json ObjectIn(std::string_view line) {
-  return line.starts_with('{') ? Json::parse(line, nullptr, false) : Json();
+  return line.starts_with('{') ? ParsedJson(line) : Json();
 }
 
 std::optional<Entry> EntryIn(std::string_view line) {

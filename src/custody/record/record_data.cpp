@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "custody/values/values_json.h"
+#include "text/json_text.h"
 
 namespace zolvane {
 namespace {
@@ -58,11 +59,11 @@ static constexpr auto MembersOf(const RecordContent*) {
 std::string DataOf(const RecordContent& content) {
   auto object = JsonOf(content);
   object["format"] = format;
-  return object.dump();
+  return BareJsonText(object);
 }
 
 std::optional<RecordContent> ContentIn(std::string_view data) {
-  const auto object = Json::parse(data, nullptr, false);
+  const auto object = ParsedJson(data);
   const bool isOurs = object.is_object() && object.value("format", Json()) == format;
   RecordContent content;
   return isOurs && Take(object, content) ? std::optional{std::move(content)} : std::nullopt;

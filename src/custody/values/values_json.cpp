@@ -3,6 +3,8 @@
 #include <utility>
 #include <vector>
 
+#include "text/json_text.h"
+
 namespace zolvane {
 
 Json JsonOf(const Values& values) {
@@ -19,7 +21,7 @@ bool Take(const Json& from, Values& values) {
 }
 
 std::string ValuesText(const Values& values) {
-  return JsonOf(values).dump();
+  return BareJsonText(JsonOf(values));
 }
 
 std::optional<Values> ValuesIn(std::string_view text) {

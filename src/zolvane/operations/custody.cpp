@@ -13,6 +13,7 @@
 #include "program/version.h"
 #include "text/counted.h"
 #include "text/joined.h"
+#include "text/json_text.h"
 #include "text/printable.h"
 #include "text/usage_error.h"
 #include "zolvane/operations/kept_operation.h"
@@ -222,7 +223,7 @@ void Custody::RecordEnd(const Conclusion& conclusion) {
   end.Outcome = conclusion.Outcome;
   const auto file = Keep(Left.Configuration);
   const auto left = Keep(Left.Answers);
-  const auto details = Keep(std::optional{JsonOf(conclusion.Details).dump()});
+  const auto details = Keep(std::optional{BareJsonText(JsonOf(conclusion.Details))});
   end.FileAfter = file.value_or("");
   end.Left = left.value_or("");
   end.Details = details.value_or("");
