@@ -139,7 +139,7 @@ class SectionedText {
 
   std::string bytes_;
   std::size_t markSize_ = 0;  // of the byte-order mark
-  std::string_view lineEnd_;
+  std::string_view lineEnd_;  // of new lines: that of the first line when it was loaded, else CR LF
   std::size_t malformedLines_ = 0;
   std::vector<Section> sections_;  // the first one is what stands before the first header
   HashIndex sectionByName_;

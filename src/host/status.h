@@ -1,11 +1,11 @@
 // How failures travel in the add-in, and how they are let pass.
 //
 // A step that fails is passed over: its target keeps the value it had, and the operation goes on.
-// That rule is spelled in exactly three ways, all of them here, so that every failure that is let
-// pass can be found by name:
+// A step is let pass in one of three ways, all of them here, so that it can be found by name:
 //   AssignIf(target, value)   convert and store, or keep the old value
 //   PassOver(status)          a call whose failure has no consequence
 //   MetOnlyIf(condition)      a condition that could not be read counts as not met
+// A text of a file that could not be read is empty or left out where it is read, and the comment there says so.
 #pragma once
 
 #include <cstdint>

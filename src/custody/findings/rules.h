@@ -20,6 +20,7 @@
 
 namespace zolvane {
 
+// All codes, in findings.cpp. A new finding is a row there and a CheckedFile::Add in the source of its subject.
 const std::vector<Rule>& Rules();
 
 // What the add-in asked a file for.

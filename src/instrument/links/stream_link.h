@@ -110,7 +110,7 @@ class StreamLink : public BenchLink {
     return Clock::now() + std::chrono::duration_cast<Clock::duration>(duration);
   }
 
-  // After a missing reply.
+  // After a missing reply. It has a timeout of its own, so the command behind it may take twice as long.
   bool FindPlace(Delivery& delivery) {
     const auto deadline = DeadlineIn(timeout_);
     if (afterTimeout_ == AfterTimeout::OpenAnew && rules_.HasQuestionForPlace()) {
