@@ -75,6 +75,9 @@ class FieldRules {
     if (section_->IsCorrection() &&
         (pieces.size() <= correctionKeyPiece || WithoutQuotes(pieces[correctionKeyPiece]).empty())) {
       Add("no-key", "there is no key of the instrument in it: the upload sends nothing of it");
+    } else if (section_->IsCorrection() && StrictNumber(pieces[correctionFactorPiece]) == 0.0) {
+      Add("zero-factor", Joined("the factor is 0: the upload sends 0 for ",
+                                Printable(WithoutQuotes(pieces[correctionKeyPiece]))));
     }
   }
 

@@ -15,7 +15,7 @@ const std::vector<Rule>& Rules() {
        "Save it as UTF-8 or Windows-1252."},
       {"missing-section", Grade::Error, "The add-in reads a section that the file lacks.",
        "Look for a misspelt header, or take the section from a backup."},
-      {"missing-value", Grade::Error, "A measured value is missing and counts as 0.",
+      {"missing-value", Grade::Error, "A number is missing and counts as 0.",
        "Look for a misspelt key, or enter the value."},
       {"missing-key", Grade::Warning, "The add-in reads a key that the file lacks, and takes it for empty.",
        "Enter the key, with 0 if that is meant."},

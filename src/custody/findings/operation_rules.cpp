@@ -57,22 +57,29 @@ Script UploadWith(CheckedFile& file, const Change& ofFile, const Change& ofRecor
 
 constexpr auto nothing = [](const OperationContext&) {};
 
+std::string InBrackets(const std::vector<std::string>& keys) {
+  std::string list;
+  for (const auto& key : keys) {
+    list += Joined(list.empty() ? " (" : ", ", Printable(key));
+  }
+  return list.empty() ? list : list + ")";
+}
+
 // Which lines a factor of 1 instead of 0 would give another value.
 void AddZeroFactor(CheckedFile& file, const Script& now, const Script& with, std::string_view factor,
                    std::size_t line) {
-  std::size_t missing = 0;
-  std::size_t zero = 0;
-  std::string keys;
+  std::vector<std::string> missing;
+  std::vector<std::string> wrong;
   for (std::size_t index = 0; index < std::min(now.size(), with.size()); ++index) {
     if (now[index].Value != with[index].Value) {
-      ++(now[index].Value ? zero : missing);
-      keys += Joined(keys.empty() ? "" : ", ", now[index].Key);
+      (now[index].Value ? wrong : missing).push_back(now[index].Key);
     }
   }
-  if (!keys.empty()) {
+  if (!missing.empty() || !wrong.empty()) {
     file.Add("zero-factor", line,
-             Joined(factor, " is 0 or missing: of the upload ", CountOf(missing, "line"), " fall out and ",
-                    CountOf(zero, "line"), " are sent with a wrong value (", Printable(keys), ")"));
+             Joined(factor, " is 0 or missing: of the upload ", CountOf(missing.size(), "line"), " fall out",
+                    InBrackets(missing), " and ", CountOf(wrong.size(), "line"),
+                    " are sent with a wrong value", InBrackets(wrong)));
   }
 }
 

@@ -107,6 +107,8 @@ const std::vector<Case>& Cases() {
        [](const auto& file) { EXPECT_EQ(Sent(file, "STAGE1_X"), "0"); }},
       {"missing-value", "MountHeight=164.35\n", "", "[Z_Calibration]",
        [](const auto& file) { EXPECT_EQ(Sent(file, "MountHeight"), "0"); }},
+      {"missing-value", "DeltaZ=24\n", "", "[Z_Calibration]",
+       [](const auto& file) { EXPECT_EQ(Sent(file, "Delta_Z"), "0"); }},
       {"missing-key", "ModuleInstalled=1\n", "", "[PumpControl]",
        [](const auto& file) { EXPECT_NE(PageOf(file).Page.PumpText, pumpConnectedText); }},
       {"default-value", "DeltaZTolerance=750\n", "", "[Z_Calibration]",
@@ -174,6 +176,8 @@ const std::vector<Case>& Cases() {
        [](const auto& file) { EXPECT_EQ(Sent(file, "Nest_12D_Z"), "0"); }},
       {"no-key", "4Item=1000 ul,0.9994,\"VOL_1CHSHORT_1250_4\"", "4Item=1000 ul,0.9994,\"\"", "4Item=1000 ul,0.9994,\"\"",
        [](const auto& file) { EXPECT_EQ(Sent(file, "VOL_1CHSHORT_1250_4"), "(not sent)"); }},
+      {"zero-factor", "1 ul,1.0685,\"VOL_8CH_30_1\"", "1 ul,0,\"VOL_8CH_30_1\"", "1Item=1 ul,0",
+       [](const auto& file) { EXPECT_EQ(Sent(file, "VOL_8CH_30_1"), "0"); }},
       {"zero-factor", "Axis3=\"Z\",0.0125,600,20000,40000,-80,15200", "Axis3=\"Z\",0,600,20000,40000,-80,15200",
        "Axis3=\"Z\",0,",
        [](const auto& file) {
@@ -313,8 +317,13 @@ TEST(CheckRules, NameTheLinesThatFallOut) {
   EXPECT_GT(lost.OnlyInA, 0U);
   EXPECT_NE(text.find("of the upload " + std::to_string(lost.OnlyInA) + " lines fall out"), std::string::npos)
       << text;
+  const auto behindFallenOut = text.find(" and ", text.find("fall out ("));
+  ASSERT_NE(behindFallenOut, std::string::npos) << text;
   for (const auto& difference : lost.Differences) {
-    EXPECT_NE(text.find(difference.Name), std::string::npos) << difference.Name;
+    const bool fallsOut = !difference.B;
+    const auto place = text.find(difference.Name);
+    ASSERT_NE(place, std::string::npos) << difference.Name;
+    EXPECT_EQ(place < behindFallenOut, fallsOut) << difference.Name;
   }
 }
 
