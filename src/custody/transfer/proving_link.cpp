@@ -32,7 +32,7 @@ ProvingLink::ProvingLink(std::shared_ptr<BenchLink> link, Setup setup, const Int
 bool ProvingLink::IsProven(const Verdict& verdict) const {
   return verdict.Is == Proof::Verified ||
          (setup_.LetsUnreadablePass && verdict.Is == Proof::Unreadable && verdict.Why == Cause::None) ||
-         (setup_.LetsRoundedPass && verdict.Why == Cause::Rounded);
+         (setup_.LetsRoundedPass && CouldBeRounded(verdict));
 }
 
 std::optional<std::string> ProvingLink::Exchange(const std::string& command, Delivery& delivery) {

@@ -203,6 +203,11 @@ std::vector<Verdict> Judged(std::span<const SentLine> lines, const Values& found
   return Judge{lines, found, left}.All();
 }
 
+bool CouldBeRounded(const Verdict& verdict) {
+  return verdict.Why == Cause::Rounded || (verdict.Why == Cause::Kept && verdict.Left &&
+                                           CauseOf({verdict.Sent, *verdict.Left}).Is == Cause::Rounded);
+}
+
 bool CouldBeDamage(std::string_view sent, std::string_view left) {
   return CauseOf({sent, left}).IsTelling;
 }

@@ -64,6 +64,10 @@ struct SentLine {
 // last counts. `found` and `left` are what the instrument gave before and after all lines.
 std::vector<Verdict> Judged(std::span<const SentLine> lines, const Values& found, const Values& left);
 
+// What is held is what was sent, rounded. Whether an instrument that held it before has rounded or has stored nothing
+// cannot be told.
+bool CouldBeRounded(const Verdict& verdict);
+
 // An instrument in which something fails could have made `left` of `sent`. For the use of an operation that
 // was cut short, so that its damage is not taken for somebody else's change.
 bool CouldBeDamage(std::string_view sent, std::string_view left);

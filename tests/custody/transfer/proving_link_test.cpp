@@ -68,6 +68,17 @@ TEST(ProvingLink, ARoundedValueIsProvenIfThatIsLetPass) {
   EXPECT_TRUE(lenient.Link.Tally().IsSaved);
 }
 
+// What it was rounded to before is what it is rounded to again.
+TEST(ProvingLink, ARoundedValueThatWasHeldBeforeIsProvenIfThatIsLetPass) {
+  Room room{{"round@C"}, {.Found = ValuesOf(heldAtFirst), .LetsRoundedPass = true}};
+  ASSERT_TRUE(Upload(room.Link, wholeScript));
+  const auto found = WireFaceOfInstrument(*room.Instrument, NamesOf(ValuesOf(wholeScript)));
+  for (const bool mayRound : {true, false}) {
+    ProvingLink again{room.Instrument, {.Found = found, .LetsRoundedPass = mayRound}, room.Interrupt};
+    EXPECT_EQ(Upload(again, wholeScript), mayRound);
+  }
+}
+
 TEST(ProvingLink, AnUnreadableValueIsProvenIfThatIsLetPassAndARefusedOneNever) {
   const Settings unknown{{"A", "10"}, {"NEW", "5"}};
   for (const auto* fault : {"drop@NEW", "refuse@NEW"}) {
