@@ -319,7 +319,7 @@ std::string PositionMap(const std::vector<ValueRow>& rows, std::string_view grou
   const auto frame = FrameAround(places);
   const double factor = Magnification(places, frame);
   const auto moved = std::ranges::count_if(places, &Place::HasMoved);
-  const auto caption = moved == 0 ? "None of these positions moved."
+  const auto caption = moved == 0 ? "None of these positions is known to have moved."
                                   : Joined("Moved positions have an arrow, drawn ", NumberText(factor),
                                            " times as long as the way.");
   const auto figure = Element("figcaption", caption);
