@@ -14,6 +14,7 @@
 #include "text/usage_error.h"
 #include "zolvane/operations/custody.h"
 #include "zolvane/operations/kept_operation.h"
+#include "zolvane/work/actions.h"
 #include "zolvane/work/printing.h"
 #include "zolvane/work/sides.h"
 
@@ -224,11 +225,9 @@ Values LastLeft(Workplace& work) {
   auto history = ReadHistory(work);
   Values left;
   for (const auto& operation : history.Operations()) {
-    const bool isKept =
-        operation.Ended != nullptr && !operation.Ended->Left.empty() && SendsValues(operation.Begun->Action);
-    const auto text = isKept ? history.Object(operation.Ended->Left) : std::nullopt;
-    const auto values = text ? ValuesIn(*text) : std::nullopt;
-    if (values) {
+    const bool isKept = operation.Ended != nullptr && !operation.Ended->Left.empty() &&
+                        action::SendsValues(operation.Begun->Action);
+    if (const auto values = isKept ? KeptValues(history, operation.Ended->Left) : std::nullopt) {
       for (const auto& value : values->InOrder() | std::views::filter(&Value::WasAnswered)) {
         left.Add(value);
       }

@@ -282,6 +282,10 @@ Target TakingBack(Custody& custody, const std::optional<std::string>& number) {
   if (!place) {
     throw UsageError{"there is nothing to undo: no operation in the history has changed anything"};
   }
+  if (const auto& named = *operations[*place].Begun; action::LeavesBothSides(named.Action)) {
+    throw UsageError{Joined("there is nothing to undo: operation ", std::to_string(named.Sequence), ", ",
+                            named.Action, ", changed neither side")};
+  }
   auto kept = KeptOf(custody.Kept, operations, *place);
   Target target{.Wanted = kept.Found, .Saves = kept.SavedOrMayHave};
   if (kept.HasEnded && kept.Left.Answers == kept.Found.Answers) {
@@ -303,9 +307,9 @@ Target Finishing(Custody& custody) {
     throw UsageError{"there is nothing to resume: the last operation came to its end"};
   }
   const auto& operation = operations[*last];
-  if (!SendsValues(operation.Begun->Action)) {
-    throw UsageError{Joined("operation ", std::to_string(operation.Number()), " is a ",
-                            operation.Begun->Action, ", which cannot be resumed: undo it, or run it again")};
+  if (!action::SendsValues(operation.Begun->Action)) {
+    throw UsageError{Joined("operation ", std::to_string(operation.Number()), ", ", operation.Begun->Action,
+                            ", cannot be resumed: undo it, or run it again")};
   }
   auto kept = KeptOf(custody.Kept, operations, *last);
   return {.Wanted = kept.Intended, .Of = std::move(kept), .Saves = kept.Saves};

@@ -195,8 +195,9 @@ bool Custody::Settles(const Entry& unfinished) const {
   if (About) {
     return About->Contains(unfinished.Sequence);
   }
-  return SendsValues(unfinished.Action) ? SendsValues(Draft.Action) && Intended.Answers.has_value()
-                                        : !action::LeavesBothSides(Draft.Action);
+  return action::SendsValues(unfinished.Action)
+             ? action::SendsValues(Draft.Action) && Intended.Answers.has_value()
+             : !action::LeavesBothSides(Draft.Action);
 }
 
 void Custody::EndOlderOnes() {
@@ -249,12 +250,16 @@ void Custody::End(const Conclusion& conclusion) {
 
 namespace {
 
-// What the user can do now.
-std::string_view WayOn(std::string_view action, std::string_view outcome) {
+// What the user can do now. Who has sent nothing has nothing to go on with.
+std::string_view WayOn(const Custody& custody, std::string_view outcome) {
+  const auto& counts = custody.Work.Result.Counts;
+  const bool hasSentNothing =
+      std::ranges::find(counts, std::pair<std::string, std::size_t>{"sent", 0}) != counts.end();
   const bool hasStopped = outcome == outcome::failed || outcome == outcome::notProven;
-  return !hasStopped           ? ""
-         : SendsValues(action) ? "; \"resume\" goes on from here, \"undo\" takes it back"
-                               : "; \"undo\" takes back what it changed, or run it again";
+  const bool sends = action::SendsValues(custody.Draft.Action);
+  return !hasStopped || (sends && hasSentNothing) ? ""
+         : sends                                  ? "; \"resume\" goes on from here, \"undo\" takes it back"
+                                                  : "; \"undo\" takes back what it changed, or run it again";
 }
 
 void Tell(const Custody& custody, const Conclusion& conclusion) {
@@ -268,7 +273,7 @@ void Tell(const Custody& custody, const Conclusion& conclusion) {
   if (work.Result.Outcome == outcome::done) {
     work.Out.Print(Joined(text, "; recorded as operation ", std::to_string(custody.Number()), "\n"));
   } else {
-    work.Out.Error(Joined(text, WayOn(custody.Draft.Action, conclusion.Outcome)));
+    work.Out.Error(Joined(text, WayOn(custody, conclusion.Outcome)));
   }
   if (work.Result.Checkpoint) {
     work.Out.Print(CheckpointText(*work.Result.Checkpoint));

@@ -12,18 +12,12 @@
 
 namespace zolvane {
 
-bool SendsValues(std::string_view name) {
-  constexpr std::array<std::string_view, 4> actions{action::upload, action::undo, action::resume,
-                                                    action::restore};
-  return std::ranges::find(actions, name) != actions.end();
-}
-
 namespace {
 
 // SAVE was sent, or nobody knows.
 bool MayHaveSaved(const Operation& operation) {
-  if (!SendsValues(operation.Begun->Action) || operation.Ended == nullptr) {
-    return SendsValues(operation.Begun->Action);
+  if (!action::SendsValues(operation.Begun->Action) || operation.Ended == nullptr) {
+    return action::SendsValues(operation.Begun->Action);
   }
   const auto saved = operation.Ended->Counts.find("save_sent");
   return saved != operation.Ended->Counts.end() && saved->second != 0;
@@ -49,7 +43,7 @@ bool HasSent(const Entry& ended) {
 
 bool IsProvenSending(const Operation& operation) {
   return operation.Ended != nullptr && operation.Ended->Outcome == outcome::done &&
-         SendsValues(operation.Begun->Action);
+         action::SendsValues(operation.Begun->Action);
 }
 
 KeptOperation Alone(History& history, const Operation& operation) {
@@ -59,7 +53,7 @@ KeptOperation Alone(History& history, const Operation& operation) {
   kept.Intended.Configuration = KeptObject(history, begun.FileAfter);
   const auto saves = begun.Counts.find("saves");
   kept.Saves = saves == begun.Counts.end() || saves->second != 0;
-  if (SendsValues(begun.Action)) {
+  if (action::SendsValues(begun.Action)) {
     kept.Found.Answers = KeptValues(history, begun.Found);
     kept.Intended.Answers = KeptValues(history, begun.Intended);
   }
@@ -101,7 +95,8 @@ bool HasChangedSomething(std::span<const Operation> operations, std::size_t plac
   const auto& begun = *operations[first].Begun;
   const auto* const ended = operations[place].Ended;
   return ended == nullptr || ended->FileAfter != begun.FileBefore ||
-         (SendsValues(begun.Action) && ended->Left != begun.Found && (first != place || HasSent(*ended)));
+         (action::SendsValues(begun.Action) && ended->Left != begun.Found &&
+          (first != place || HasSent(*ended)));
 }
 
 std::optional<std::size_t> LastOfOurs(std::span<const Operation> operations) {

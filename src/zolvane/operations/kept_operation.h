@@ -49,9 +49,6 @@ struct KeptOperation {
 // history has lost some of it.
 KeptOperation KeptOf(History& history, const std::vector<Operation>& operations, std::size_t place);
 
-// The operation sends values to the instrument; the others only ask it.
-bool SendsValues(std::string_view name);
-
 // In the configuration or on the instrument, as far as is known, with what it resumed.
 bool HasChangedSomething(std::span<const Operation> operations, std::size_t place);
 

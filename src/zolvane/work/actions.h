@@ -21,4 +21,9 @@ constexpr bool LeavesBothSides(std::string_view name) {
   return name == backup || name == exporting;
 }
 
+// Such an operation sends values to the instrument; the others only ask it.
+constexpr bool SendsValues(std::string_view name) {
+  return name == upload || name == undo || name == resume || name == restore;
+}
+
 }  // namespace zolvane::action

@@ -34,7 +34,7 @@ constexpr std::array<PassableRow, 11> passableRows{{
     {objection_code::otherDevice, "the file has positions of another device only"},
     {objection_code::changed, "somebody else changed values since"},
     {objection_code::exists, "a file of that name is there already"},
-    {objection_code::historyDamaged, "the history is damaged; a new one is begun"},
+    {objection_code::historyDamaged, "the history is damaged; to go on begins a new one"},
     {objection_code::unreadable, "values that the instrument never gives back count as proven"},
     {objection_code::rounded, "values that the instrument rounds count as proven"},
 }};
@@ -189,8 +189,10 @@ void ObjectToUnfinished(const History& history, Objections& objections,
       Object(objections, objection_code::unfinished, "none",
              Joined("operation ", std::to_string(operation.Number()), ", ", operation.Begun->Action, " of ",
                     operation.Begun->Time,
-                    changesNothing ? "; it changes neither side: let it pass, and run it again"
-                                   : "; \"resume\" or \"undo\" ends it"));
+                    changesNothing
+                        ? "; it changes neither side: let it pass, and run it again"
+                        : Joined(action::SendsValues(operation.Begun->Action) ? "; \"resume\" or" : ";",
+                                 " \"undo ", std::to_string(operation.Number()), "\" ends it")));
     }
   }
 }

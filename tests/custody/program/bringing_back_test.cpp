@@ -50,6 +50,24 @@ TEST_F(BringingBackTest, WithoutAHistoryThereIsNothingToUndo) {
   EXPECT_EQ(Run({"resume"}).Status, 2);
 }
 
+TEST_F(BringingBackTest, OfABackupThereIsNothingToUndo) {
+  ASSERT_EQ(Run({"backup", Folder.Path("kept.html")}).Status, 0);
+  const auto number = RunJson({"history"}).at("operations").back().at("operation").get<int>();
+  const auto run = Run({"undo", std::to_string(number)});
+  EXPECT_EQ(run.Status, 2) << run.All();
+  EXPECT_NE(run.Errors.find("backup, changed neither side"), std::string::npos) << run.Errors;
+}
+
+TEST_F(BringingBackTest, WhoHasSentNothingIsNotToldToGoOn) {
+  std::filesystem::remove_all(Folder.Path("Zolvane.history"));
+  Folder.Put("memory.json", "{}");
+  ASSERT_EQ(Run({"--yes", "upload"}).Status, 0);
+  const auto run = Run({"undo"});
+  EXPECT_EQ(run.Status, 1) << run.All();
+  EXPECT_NE(run.Errors.find("cannot be removed"), std::string::npos) << run.Errors;
+  EXPECT_EQ(run.Errors.find("goes on from here"), std::string::npos) << run.Errors;
+}
+
 TEST_F(BringingBackTest, ResumeSendsWhatIsMissing) {
   const auto cut = Run({"--yes", "--fault", "silent@250", "upload"});
   ASSERT_EQ(cut.Status, 1) << cut.All();

@@ -159,5 +159,16 @@ TEST_F(Looking, DriftShowsAllThree) {
   }
 }
 
+TEST_F(Looking, DriftAgainstWhatTheHistoryHasLostIsRefused) {
+  ASSERT_EQ(Run({"--yes", "upload"}).Status, 0);
+  const auto entries = Folder.Read("Zolvane.history/journal.jsonl");
+  const std::string_view member = "\"left\":\"";
+  const auto name = entries.substr(entries.rfind(member) + member.size(), 64);
+  ASSERT_TRUE(std::filesystem::remove(Folder.Path("Zolvane.history/objects/" + name)));
+  const auto run = Run({"drift"});
+  EXPECT_EQ(run.Status, 2) << run.All();
+  EXPECT_NE(run.Errors.find("the history has lost what it kept as " + name), std::string::npos) << run.Errors;
+}
+
 }  // namespace
 }  // namespace zolvane
