@@ -73,7 +73,7 @@ bool IsNearerToZero(const Change& change) {
 
 struct CauseRow {
   Cause Is = Cause::Other;
-  bool (*Holds)(const Change& change);
+  bool (*Holds)(const Change& change) = nullptr;
   bool IsTelling = true;  // hardly anybody sets such a value by chance
 };
 
@@ -146,7 +146,7 @@ class Judge {
                     : !verdict.Left ? Cause::Other
                                     : CauseOf({verdict.Sent, *verdict.Left}).Is;
     }
-    if (verdict.Why == Cause::Factor) {
+    if (verdict.Left && verdict.Why == Cause::Factor) {
       verdict.Factor = FactorOf({verdict.Sent, *verdict.Left});
     }
   }
