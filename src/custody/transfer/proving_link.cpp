@@ -115,15 +115,28 @@ std::string ProvingLink::Unproven(const std::vector<Verdict>& verdicts) const {
                 " values did not arrive; the first: ", TextOf(*std::ranges::find_if(verdicts, isUnproven)));
 }
 
-// A restart between proof and SAVE takes every value back to what was kept. One that had changed shows it.
+// A restart between proof and SAVE takes every value back to what was kept. One that had changed shows it, be it now or
+// by an earlier operation that did not come to its SAVE.
+const Verdict& ProvingLink::Telltale(const std::vector<Verdict>& verdicts) const {
+  const auto changedSince = [&](const Values& before) {
+    return std::ranges::find_if(verdicts, [&](const auto& one) {
+      const auto text = before.TextOf(one.Key);
+      return one.Left && !(text && SameText(*text, *one.Left));
+    });
+  };
+  auto changed = changedSince(setup_.Found);
+  if (changed == verdicts.end() && setup_.Kept) {
+    changed = changedSince(*setup_.Kept);
+  }
+  return changed == verdicts.end() ? verdicts.back() : *changed;
+}
+
 bool ProvingLink::HoldsStill() {
   const auto verdicts = Verdicts();
   if (verdicts.empty()) {
     return true;
   }
-  const auto changed = std::ranges::find_if(
-      verdicts, [](const auto& one) { return one.Left && (!one.Found || !SameText(*one.Found, *one.Left)); });
-  const auto& asked = changed == verdicts.end() ? verdicts.back() : *changed;
+  const auto& asked = Telltale(verdicts);
   const auto now = WireFaceOfInstrument(*link_, std::span{&asked.Key, 1}).InOrder().front();
   if (now.WasAnswered && now.Text == asked.Left) {
     return true;

@@ -34,6 +34,7 @@ class ProvingLink final : public BenchLink {
  public:
   struct Setup {
     Values Found{};                   // what the instrument answered before
+    std::optional<Values> Kept{};     // what a restart takes it back to, if that is known and not Found
     std::vector<SentLine> Arrived{};  // sent earlier, and proven with the rest
     bool LetsUnreadablePass = false;  // such values count as proven
     bool LetsRoundedPass = false;
@@ -61,6 +62,7 @@ class ProvingLink final : public BenchLink {
   std::optional<std::string> PassOn(const std::string& command, Delivery& delivery);
   std::optional<std::string> Save(const std::string& command, Delivery& delivery);
   void Note(Value setting, const std::optional<std::string>& reply, const Delivery& delivery);
+  const Verdict& Telltale(const std::vector<Verdict>& verdicts) const;
   bool HoldsStill();
   void NoteUnanswered(const std::string& key);
   std::string Unproven(const std::vector<Verdict>& verdicts) const;

@@ -19,6 +19,7 @@
 #include "text/usage_error.h"
 #include "zolvane/operations/custody.h"
 #include "zolvane/operations/evidence.h"
+#include "zolvane/operations/kept_operation.h"
 #include "zolvane/work/actions.h"
 #include "zolvane/work/printing.h"
 
@@ -295,6 +296,7 @@ Conclusion AddInOperation::Act(Custody& custody) {
   const auto proving = std::make_shared<ProvingLink>(
       work.Link != nullptr ? work.Link : std::make_shared<NoLink>(ProgramInterrupt()),
       ProvingLink::Setup{.Found = Sends() ? *custody.Found.Answers : Values{},
+                         .Kept = Sends() ? HeldBeforeUnsaved(custody.Kept) : std::nullopt,
                          .Arrived = {},
                          .LetsUnreadablePass = IsLetPass(work.Options, objection_code::unreadable),
                          .LetsRoundedPass = IsLetPass(work.Options, objection_code::rounded)},

@@ -235,6 +235,7 @@ void BringingBack::SendValues(Custody& custody, Evidence& evidence) const {
   auto& work = custody.Work;
   ProvingLink link{work.Link,
                    {.Found = *custody.Found.Answers,
+                    .Kept = HeldBeforeUnsaved(custody.Kept),
                     .Arrived = ArrivedOf(lines_),
                     .LetsUnreadablePass = IsLetPass(work.Options, objection_code::unreadable),
                     .LetsRoundedPass = IsLetPass(work.Options, objection_code::rounded)},

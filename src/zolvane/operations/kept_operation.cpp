@@ -7,6 +7,7 @@
 #include <string_view>
 #include <utility>
 
+#include "custody/values/values_json.h"
 #include "zolvane/work/actions.h"
 #include "zolvane/work/sides.h"
 
@@ -85,6 +86,20 @@ KeptOperation KeptOf(History& history, const std::vector<Operation>& operations,
   kept.SavedOrMayHave =
       std::any_of(operations.begin() + static_cast<std::ptrdiff_t>(first), operations.end(), MayHaveSaved);
   return kept;
+}
+
+std::optional<Values> HeldBeforeUnsaved(const History& history) {
+  std::optional<Values> held;
+  for (const auto& operation : history.Operations()) {
+    const auto& begun = *operation.Begun;
+    if (operation.Ended != nullptr && MayHaveSaved(operation)) {
+      held.reset();
+    } else if (action::SendsValues(begun.Action) && !held) {
+      const auto text = history.Object(begun.Found);
+      held = text ? ValuesIn(*text) : std::nullopt;
+    }
+  }
+  return held;
 }
 
 bool HasChangedSomething(std::span<const Operation> operations, std::size_t place) {

@@ -49,6 +49,10 @@ struct KeptOperation {
 // history has lost some of it.
 KeptOperation KeptOf(History& history, const std::vector<Operation>& operations, std::size_t place);
 
+// What the instrument held before the first of the values that no SAVE has kept since. Nothing if all are kept, or nobody
+// knows.
+std::optional<Values> HeldBeforeUnsaved(const History& history);
+
 // In the configuration or on the instrument, as far as is known, with what it resumed.
 bool HasChangedSomething(std::span<const Operation> operations, std::size_t place);
 

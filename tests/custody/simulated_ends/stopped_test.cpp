@@ -62,6 +62,23 @@ TEST_F(Stopped, AProofThatWasStoppedSavesNothing) {
   EXPECT_EQ(LinesTaken(saveLine), 0U);
 }
 
+// The values of the first upload are there, but not saved. The second one changes none of them, and yet has to see that
+// they went.
+TEST_F(Stopped, ARestartBeforeTheNextSaveIsSeen) {
+  Disk.Put(labFile, Exchanged(LabConfiguration(), "STAGE,1612,2004", "STAGE,11612,12004"));
+  StopAt(questionStart, 2 * ScriptOf(LabConfiguration()).size() - 1);
+  ASSERT_EQ(Program.Run(Disk, Instrument, {"--yes", "upload"}), 1);
+  ProgramInterrupt().Lower();
+  Instrument->Took = [this, left = 2 * ScriptOf(LabConfiguration()).size()](const std::string& line) mutable {
+    if (line.starts_with(questionStart) && --left == 0) {
+      Instrument->Restart();  // behind the last question of the proof
+    }
+  };
+  LabProgram again;
+  EXPECT_EQ(again.Run(Disk, Instrument, {"--yes", "upload"}), 1) << again.All();
+  EXPECT_NE(again.All().find("it may have restarted"), std::string::npos) << again.All();
+}
+
 TEST_F(Stopped, AnUndoSaysSinceWhichLineNothingIsKnown) {
   Disk.Put(labFile, Exchanged(LabConfiguration(), "STAGE,1612,2004", "STAGE,11612,12004"));
   ASSERT_EQ(LabProgram{}.Run(Disk, Instrument, {"--yes", "upload"}), 0);

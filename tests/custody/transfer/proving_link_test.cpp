@@ -129,6 +129,21 @@ TEST(ProvingLink, AnInterruptEndsTheProof) {
   EXPECT_EQ(room.Verdicts(), "A unknown, B unknown, C unknown");
 }
 
+// An earlier operation sent the same values, and did not come to its SAVE.
+TEST(ProvingLink, ARestartShowsInWhatHadChangedBeforeThisTransfer) {
+  const Settings kept{{"A", "1"}, {"B", "20"}, {"C", "3.75"}};
+  for (const auto* fault : {"power@9", "power@10"}) {
+    const auto instrument = InstrumentWith(kept, FaultPlan{fault});
+    for (const auto& [key, text] : wholeScript) {
+      SendLine(*instrument, "SET_CALIBRATION " + key + " " + text);
+    }
+    const InterruptFlag interrupt;
+    ProvingLink again{instrument, {.Found = ValuesOf(wholeScript), .Kept = ValuesOf(kept)}, interrupt};
+    EXPECT_FALSE(Upload(again, wholeScript)) << fault;
+    EXPECT_FALSE(again.Tally().IsSaved) << fault;
+  }
+}
+
 TEST(ProvingLink, ARestartBetweenProofAndSaveIsNoticed) {
   for (const auto* fault : {"power@6", "power@7"}) {
     Room room{{fault}};
