@@ -22,6 +22,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -142,10 +143,19 @@ class Process {
     }
   }
 
-  // Waits until it has a handler for the signal, which would end it before.
+  // Waits until it has a handler for the signal, which would end it before. The handlers that it has from us, before it
+  // becomes its program, do not count.
   bool WaitUntilCatches(int signal) const {
     const auto deadline = std::chrono::steady_clock::now() + processDeadline;
+    const auto programOf = [](const std::string& process) {
+      std::error_code ignored;
+      return std::filesystem::read_symlink("/proc/" + process + "/exe", ignored);
+    };
     while (child_ && std::chrono::steady_clock::now() < deadline) {
+      if (programOf(std::to_string(*child_)) == programOf("self")) {
+        ::usleep(1000);
+        continue;
+      }
       std::ifstream status{"/proc/" + std::to_string(*child_) + "/status"};
       for (std::string line; std::getline(status, line);) {
         if (line.starts_with("SigCgt:") &&

@@ -112,7 +112,19 @@ TEST_F(SeveralPrograms, TheSecondWaitsUntilTheFirstIsReady) {
   EXPECT_EQ(result.Status, 0) << result.Errors;
 }
 
-TEST_F(SeveralPrograms, WhoIsTiredOfWaitingIsToldWhoHasTheHistory) {
+TEST_F(SeveralPrograms, WhoWaitsInVainIsToldWhoHasTheHistory) {
+  std::string holder;
+  const auto lock = Files.Lock(HistoryFolder(), holder);
+  ASSERT_TRUE(lock) << holder;
+  const auto result = RunAt("memory.json", {"--yes", "upload"});
+  EXPECT_EQ(result.Status, 2);
+  EXPECT_NE(result.Errors.find("is in use by process " + std::to_string(::getpid())), std::string::npos)
+      << result.Errors;
+  EXPECT_EQ(Configuration(), Sample());
+  EXPECT_FALSE(Folder.Has("Zolvane.history/journal.jsonl"));
+}
+
+TEST_F(SeveralPrograms, WhoIsTiredOfWaitingStops) {
   std::string holder;
   const auto lock = Files.Lock(HistoryFolder(), holder);
   ASSERT_TRUE(lock) << holder;
@@ -126,8 +138,8 @@ TEST_F(SeveralPrograms, WhoIsTiredOfWaitingIsToldWhoHasTheHistory) {
   std::string text;
   while (ReadSome(errors.ReadEnd, text)) {
   }
-  EXPECT_EQ(waiting.Wait(), 2);
-  EXPECT_NE(text.find("is in use by process " + std::to_string(::getpid())), std::string::npos) << text;
+  EXPECT_EQ(waiting.Wait(), 1);
+  EXPECT_NE(text.find("stopped by the user; nothing was changed"), std::string::npos) << text;
   EXPECT_EQ(Configuration(), Sample());
   EXPECT_FALSE(Folder.Has("Zolvane.history/journal.jsonl"));
 }
