@@ -14,10 +14,10 @@ using Json = nlohmann::ordered_json;
 // A discarded value unless the text is JSON.
 Json ParsedJson(std::string_view text);
 
-// For programs: on one line, without blanks. Bytes that are not UTF-8 become the replacement character.
+// To be kept: on one line, without blanks. Bytes that are not UTF-8 become the replacement character.
 std::string BareJsonText(const Json& value);
 
-// For people: on one line, or indented by two. Bytes that are not UTF-8 become the replacement character; characters
+// To be printed: on one line, or indented by two. Bytes that are not UTF-8 become the replacement character; characters
 // that would control a terminal are escaped.
 std::string JsonText(const Json& value, bool isIndented = false);
 
