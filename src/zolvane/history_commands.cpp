@@ -116,7 +116,10 @@ std::vector<TextRow> FactsOf(const Operation& operation) {
   AddFact(rows, "operation", Joined(std::to_string(operation.Number()), ", ", begun.Action));
   AddFact(rows, "outcome", OutcomeOfOperation(operation));
   AddFact(rows, "begun", begun.Time);
-  AddFact(rows, "ended", operation.Ended != nullptr ? operation.Ended->Time : "");
+  if (operation.Ended != nullptr) {
+    AddFact(rows, "ended", operation.Ended->Time);
+    AddFact(rows, "end seen by", operation.Ended->Person == begun.Person ? "" : operation.Ended->Person);
+  }
   AddFact(rows, "person", begun.Person);
   AddFact(rows, "machine", begun.Machine);
   AddFact(rows, "reason", begun.Reason);

@@ -99,15 +99,6 @@ std::optional<Checkpoint> History::LastCheckpoint() const {
   return Checkpoint{journal_.Identity, journal_.Hashes.size() - 1, journal_.Hashes.back()};
 }
 
-std::optional<std::string> History::LastLeft(std::string_view file) const {
-  const auto operations = Operations();
-  const auto last =
-      std::ranges::find_if(operations.rbegin(), operations.rend(),
-                           [&](const Operation& operation) { return operation.Begun->File == file; });
-  return last == operations.rend() || last->Ended == nullptr ? std::nullopt
-                                                             : std::optional{last->Ended->FileAfter};
-}
-
 std::optional<std::string> History::Object(std::string_view name) const {
   return ReadObject(disk_, place_, name);
 }

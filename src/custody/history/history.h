@@ -66,10 +66,6 @@ class History {
   // Of an empty history, nothing.
   std::optional<Checkpoint> LastCheckpoint() const;
 
-  // What the file held when an operation last left it: the name of an object, empty if the file was not
-  // there. Nothing if no operation has left it, or if the last one that could change it has not ended.
-  std::optional<std::string> LastLeft(std::string_view file) const;
-
   // ---- For who opened it for recording ----
 
   // A damaged history is given another name, which is returned, and an empty one takes its place.

@@ -146,6 +146,27 @@ std::vector<Step> PlanInFile(std::string_view wanted, std::string_view left, std
   return PlanFor(wishes, there, Spelling::GoesBack);
 }
 
+std::string WithChoicesOf(std::string_view present, std::string_view end) {
+  std::vector<Step> choices;
+  for (const auto& change : Compare(FileFace(end), FileFace(present)).Differences) {
+    if (change.B && change.Name.ends_with("] Installed")) {
+      choices.push_back({.Of = {.Name = change.Name, .Wanted = change.B}, .Is = Standing::ToDo});
+    }
+  }
+  return Brought(end, choices);
+}
+
+// However it is spelled, and wherever in the section.
+bool CouldBeOnTheWay(const Text& from, const Text& to, const Text& present) {
+  if (present == from || present == to) {
+    return true;
+  }
+  const auto now = present.value_or("");
+  const auto end = WithChoicesOf(now, to.value_or(""));
+  const auto brought = Brought(now, PlanInFile(end, from.value_or(""), now));
+  return Compare(FileFace(brought), FileFace(end)).Differences.empty();
+}
+
 std::string Brought(std::string_view present, const std::vector<Step>& plan) {
   SectionedText file{std::string{present}};
   for (const auto& step : plan) {

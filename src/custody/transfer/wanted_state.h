@@ -80,6 +80,15 @@ Step PlanForFile(const Wish& wish, const std::optional<std::string>& present);
 // changed from `wanted` to `left`, and what is there now.
 std::vector<Step> PlanInFile(std::string_view wanted, std::string_view left, std::string_view present);
 
+// What the page may have made of the choices in that file. It chooses what is installed whenever it is loaded, goes
+// through other choices meanwhile, and takes over what the instrument says: while an operation has not ended, any
+// choice that is there may be its own.
+std::string WithChoicesOf(std::string_view present, std::string_view end);
+
+// Whether an operation that was cut short between these two states of the file may have left it as it is now.
+bool CouldBeOnTheWay(const std::optional<std::string>& from, const std::optional<std::string>& to,
+                     const std::optional<std::string>& present);
+
 // The file's bytes with what is to do done. What cannot be stored in a file of its encoding stays.
 std::string Brought(std::string_view present, const std::vector<Step>& plan);
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -92,6 +93,7 @@ class AddInOperation final : public CustodyOperation {
   bool ChangesFile() const { return row_.Button == downloadButton || row_.File == FileRole::Loaded; }
 
   void LookAtFile(Custody& custody);
+  std::vector<Finding> FindingsAhead(const Custody& custody) const;
   void Foresee(Custody& custody);
   void DemandForeseen(const PlayedAction& played) const;
   void ForeseeSending(Custody& custody);
@@ -123,8 +125,20 @@ void AddInOperation::Look(Custody& custody) {
     Foresee(custody);
   }
   if (Sends() || ChangesFile()) {
-    custody.LookFor(CheckConfiguration(*custody.Intended.Configuration, work.ConfigFile()));
+    custody.LookFor(FindingsAhead(custody));
   }
+}
+
+// What the import of a backup makes 0 or passes over is an error in the backup, and no longer one in what comes into
+// force.
+std::vector<Finding> AddInOperation::FindingsAhead(const Custody& custody) const {
+  std::vector<Finding> findings;
+  if (row_.File == FileRole::Loaded) {
+    findings = CheckBackup(*custody.OtherFile->Before, *file_, *custody.Found.Configuration);
+  }
+  std::ranges::move(CheckConfiguration(*custody.Intended.Configuration, custody.Work.ConfigFile()),
+                    std::back_inserter(findings));
+  return findings;
 }
 
 void AddInOperation::LookAtFile(Custody& custody) {

@@ -87,23 +87,6 @@ void BringingBack::Look(Custody& custody) {
   custody.Draft.Counts["saves"] = target_.Saves ? 1 : 0;
 }
 
-// However it is spelled, and wherever in the section.
-bool HoldsSame(const std::string& file, const std::string& other) {
-  return Compare(FileFace(file), FileFace(other)).Differences.empty();
-}
-
-// The page chooses what is installed whenever it is loaded, goes through other choices meanwhile, and takes
-// over what the instrument says. So after an operation that has not ended any choice may be its own.
-std::string WithChoicesOf(const std::string& present, const std::string& end) {
-  std::vector<Step> choices;
-  for (const auto& change : Compare(FileFace(end), FileFace(present)).Differences) {
-    if (change.B && change.Name.ends_with("] Installed")) {
-      choices.push_back({.Of = {.Name = change.Name, .Wanted = change.B}, .Is = Standing::ToDo});
-    }
-  }
-  return Brought(end, choices);
-}
-
 // The bytes go back as a whole if the operation left them, or stopped on its way between its two ends; else
 // value by value.
 void BringingBack::LookAtFile(Custody& custody) {
@@ -118,12 +101,11 @@ void BringingBack::LookAtFile(Custody& custody) {
     return;
   }
   const auto now = present.value_or("");
-  auto other = target_.Of->OtherEnd(wanted).value_or("");
-  if (!target_.Of->HasEnded) {
-    other = WithChoicesOf(now, other);
-  }
-  const auto brought = Brought(now, PlanInFile(other, *wanted, now));
-  const bool isBetween = target_.Of->HasEnded ? brought == other : HoldsSame(brought, other);
+  const auto end = target_.Of->OtherEnd(wanted);
+  const bool hasEnded = target_.Of->HasEnded;
+  const auto other = hasEnded ? end.value_or("") : WithChoicesOf(now, end.value_or(""));
+  const bool isBetween = hasEnded ? Brought(now, PlanInFile(other, *wanted, now)) == other
+                                  : CouldBeOnTheWay(wanted, end, present);
   if (isBetween) {
     return;
   }

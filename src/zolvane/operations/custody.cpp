@@ -144,9 +144,9 @@ bool Custody::KeepOtherFile() {
 
 // What somebody did with the host's own button, or with an editor.
 void Custody::RecordOutside() {
-  const auto last = Kept.LastLeft(Draft.File);
-  const auto found = Keep(Found.Configuration);
-  if (!last || !found || *last == *found) {
+  const auto last = LeftOtherwise(Kept, Draft.File, Found.Configuration);
+  const auto found = last ? Keep(Found.Configuration) : std::nullopt;
+  if (!found) {
     return;
   }
   auto entry = DraftOf(Work, action::outside);
@@ -200,18 +200,41 @@ bool Custody::Settles(const Entry& unfinished) const {
              : !action::LeavesBothSides(Draft.Action);
 }
 
+// It left the file as the next operation found it, and the instrument as the next one found that which sent values. So its
+// end tells what was seen, by whom and when, and not what it did.
+Entry Custody::EndOf(const Entry& unfinished) const {
+  auto end = unfinished;
+  end.Outcome = outcome::failed;
+  end.Person = Draft.Person;
+  end.Program = Draft.Program;
+  end.Version = Draft.Version;
+  end.FileAfter = Draft.FileBefore;
+  end.Left = Draft.Found;
+  const auto after = [&](const auto& isNext) {
+    return std::ranges::find_if(Kept.Entries(), [&](const Entry& later) {
+      return later.Sequence > unfinished.Sequence && !later.IsEnd() && isNext(later);
+    });
+  };
+  if (const auto next = after([&](const Entry& later) { return later.File == unfinished.File; });
+      next != Kept.Entries().end()) {
+    end.FileAfter = next->FileBefore;
+  }
+  if (const auto next = after([](const Entry& later) { return action::SendsValues(later.Action); });
+      next != Kept.Entries().end() && !next->Found.empty()) {
+    end.Left = next->Found;
+  }
+  return end;
+}
+
 void Custody::EndOlderOnes() {
-  std::vector<Entry> unfinished;  // copies, as the history's own entries do not last while it is written
+  std::vector<Entry> ends;  // copies, as the history's own entries do not last while it is written
   for (const auto& operation : Kept.Operations()) {
     if (operation.Ended == nullptr && operation.Number() != number_ && Settles(*operation.Begun)) {
-      unfinished.push_back(*operation.Begun);
+      ends.push_back(EndOf(*operation.Begun));
     }
   }
-  for (auto& end : unfinished) {
+  for (auto& end : ends) {
     const auto number = end.Sequence;
-    end.Outcome = outcome::failed;
-    end.FileAfter = Draft.FileBefore;
-    end.Left = Draft.Found;
     if (!Kept.End(number, end).Ok()) {
       return;  // the end of this one fails for the same reason, and says so
     }

@@ -79,6 +79,7 @@ class Custody {
   bool KeepOtherFile();
   void RecordOutside();
   bool Settles(const Entry& unfinished) const;
+  Entry EndOf(const Entry& unfinished) const;
   void EndOlderOnes();
   void RecordEnd(const Conclusion& conclusion);
 

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <utility>
 
+#include "custody/disk/sha256.h"
 #include "custody/values/values_json.h"
 #include "zolvane/work/actions.h"
 #include "zolvane/work/sides.h"
@@ -45,6 +46,16 @@ bool HasSent(const Entry& ended) {
 bool IsProvenSending(const Operation& operation) {
   return operation.Ended != nullptr && operation.Ended->Outcome == outcome::done &&
          action::SendsValues(operation.Begun->Action);
+}
+
+// Of an operation that was cut short between these two states, each the name of an object. A lost one may have been
+// anything.
+bool MayHaveLeft(const History& history, const std::string& before, const std::string& after,
+                 const std::optional<std::string>& present) {
+  const auto from = history.Object(before);
+  const auto to = history.Object(after);
+  const bool isLost = (!from && !before.empty()) || (!to && !after.empty());
+  return isLost || CouldBeOnTheWay(from, to, present);
 }
 
 KeptOperation Alone(History& history, const Operation& operation) {
@@ -100,6 +111,24 @@ std::optional<Values> HeldBeforeUnsaved(const History& history) {
     }
   }
   return held;
+}
+
+std::optional<std::string> LeftOtherwise(const History& history, std::string_view file,
+                                         const std::optional<std::string>& present) {
+  const auto operations = history.Operations();
+  const auto last =
+      std::ranges::find_if(operations.rbegin(), operations.rend(),
+                           [&](const Operation& operation) { return operation.Begun->File == file; });
+  if (last == operations.rend()) {
+    return std::nullopt;
+  }
+  const auto& begun = *last->Begun;
+  const bool isCertain = last->Ended != nullptr || begun.Action == action::backup;
+  const auto& left = last->Ended != nullptr ? last->Ended->FileAfter : begun.FileAfter;
+  const bool isAsLeft = left == (present ? Sha256Hex(*present) : "");
+  return isAsLeft || (!isCertain && MayHaveLeft(history, begun.FileBefore, left, present))
+             ? std::nullopt
+             : std::optional{left};
 }
 
 bool HasChangedSomething(std::span<const Operation> operations, std::size_t place) {

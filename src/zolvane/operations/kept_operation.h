@@ -53,6 +53,12 @@ KeptOperation KeptOf(History& history, const std::vector<Operation>& operations,
 // knows.
 std::optional<Values> HeldBeforeUnsaved(const History& history);
 
+// What the file held when it was last left, if it holds something else at present: the name of an object, empty if the
+// file was not there. Nothing if it is as it was left, or if nobody knows: an operation that was cut short may have left
+// anything between what it found and what it was to write.
+std::optional<std::string> LeftOtherwise(const History& history, std::string_view file,
+                                         const std::optional<std::string>& present);
+
 // In the configuration or on the instrument, as far as is known, with what it resumed.
 bool HasChangedSomething(std::span<const Operation> operations, std::size_t place);
 

@@ -248,24 +248,5 @@ TEST_F(HistoryOnDisk, AClockThatStepsRaisesNoAlarm) {
   EXPECT_EQ(audit.Notes, std::vector<std::string>{});
 }
 
-// ---- What a file was last left as ----
-
-TEST_F(HistoryOnDisk, AFileIsAsItsLastOperationLeftIt) {
-  History history{Disk, Witness, folder};
-  ASSERT_TRUE(history.OpenForRecording().Ok());
-  EXPECT_FALSE(history.LastLeft("Zolvane.ini"));
-  const auto record = [&](const std::string& bytes) {
-    const auto number = history.Begin(EntryOf("import"));
-    auto end = EndOf("import");
-    end.FileAfter = history.PutObject(bytes).value_or("");
-    return number && history.End(*number, end).Ok();
-  };
-  ASSERT_TRUE(record("one") && record("two"));
-  EXPECT_EQ(history.LastLeft("Zolvane.ini"), Sha256Hex("two"));
-  EXPECT_FALSE(history.LastLeft("other.ini"));
-  ASSERT_TRUE(history.Begin(EntryOf("import")));
-  EXPECT_FALSE(history.LastLeft("Zolvane.ini")) << "an operation that has not ended may have changed it";
-}
-
 }  // namespace
 }  // namespace zolvane

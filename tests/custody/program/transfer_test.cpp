@@ -193,6 +193,20 @@ TEST_F(TransferInCustody, ABackupOfAnotherDeviceIsAnObjection) {
   EXPECT_EQ(document.at("objections").back().at("code"), "other-device");
 }
 
+TEST_F(TransferInCustody, ABackupThatLacksASectionInItsMiddleIsAnObjection) {
+  auto backup = BytesOf(std::string{ZOLVANE_SAMPLES_PATH} + "/Zolvane.bak");
+  const auto begin = backup.find("[Z_Calibration]");
+  backup.erase(begin, backup.find("\n[", begin) + 1 - begin);
+  const auto document = RunJson({"--yes", "import", Folder.Put("part.bak", backup)});
+  EXPECT_EQ(document.at("exit_status"), 3);
+  ASSERT_EQ(document.at("objections").size(), 1U);
+  EXPECT_EQ(document.at("objections")[0].at("code"), "findings");
+  const auto text = document.at("objections")[0].at("actual").get<std::string>();
+  EXPECT_NE(text.find("part.bak"), std::string::npos) << text;
+  EXPECT_NE(text.find("[Z_Calibration] is missing"), std::string::npos) << text;
+  EXPECT_EQ(Configuration(), Sample());
+}
+
 TEST_F(TransferInCustody, ADownloadIsReadBack) {
   ASSERT_EQ(Run({"--yes", "upload"}).Status, 0);
   Replace("STAGE,1612,", "STAGE,11612,");

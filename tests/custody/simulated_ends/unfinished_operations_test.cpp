@@ -2,9 +2,13 @@
 // and what else a history has to say, or must not be overwritten by.
 #include <gtest/gtest.h>
 
+#include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
+#include <vector>
 
+#include "custody/disk/sha256.h"
 #include "custody/history/history.h"
 #include "custody/support/custody_room.h"
 #include "support/golden.h"
@@ -27,6 +31,8 @@ class UnfinishedUpload : public testing::Test {
     EXPECT_TRUE(history.OpenForRecording().Ok());
     auto entry = history.Entries().front();
     entry.Intended = entry.Found;
+    entry.FileBefore = history.PutObject(room_.Configuration()).value_or("");
+    entry.FileAfter = entry.FileBefore;
     return history.Begin(entry).value_or(0);
   }
 
@@ -98,6 +104,104 @@ TEST_F(UnfinishedUpload, IsResumedAlsoAfterACancelledOperation) {
   const auto ran = RunBut({"resume"});
   EXPECT_EQ(ran.Status(), 0) << ran.Printed;
   EXPECT_FALSE(StandsInTheWay());
+}
+
+// ---- What somebody does to the file behind it ----
+
+class EditedBehind : public UnfinishedUpload {
+ protected:
+  void Edit(std::string_view from, std::string_view to) {
+    room_.Files.Put(ConfigFileIn(CustodyRoom::Folder()), Replaced(room_.Configuration(), from, to));
+  }
+
+  // As the last one of that kind, of the file as it is, and to be ended by nobody.
+  void BeginAgain(const std::string& action, const std::optional<std::string>& before = {}) {
+    History history{room_.Files, room_.Witness, CustodyRoom::Folder()};
+    ASSERT_TRUE(history.OpenForRecording().Ok());
+    Entry entry;
+    for (const auto& earlier : history.Entries()) {
+      entry = earlier.Action == action && !earlier.IsEnd() ? earlier : entry;
+    }
+    entry.FileAfter = history.PutObject(room_.Configuration()).value_or("");
+    entry.FileBefore = before ? Sha256Hex(*before) : entry.FileAfter;
+    ASSERT_TRUE(history.Begin(entry));
+  }
+
+  void BackUp(const Words& more = {}) {
+    auto words = more;
+    words.insert(words.end(), {"backup", CustodyRoom::PathTo("new.html")});
+    const auto ran = RunBut(words);
+    ASSERT_EQ(ran.Status(), 0) << ran.Printed;
+  }
+
+  std::vector<std::string> Actions() {
+    History history{room_.Files, room_.Witness, CustodyRoom::Folder()};
+    EXPECT_TRUE(history.Open().Ok());
+    std::vector<std::string> actions;
+    for (const auto& entry : history.Entries()) {
+      actions.push_back((entry.IsEnd() ? "end of " : "") + entry.Action);
+    }
+    return actions;
+  }
+
+  Entry EndOf(std::uint64_t number) {
+    History history{room_.Files, room_.Witness, CustodyRoom::Folder()};
+    EXPECT_TRUE(history.Open().Ok());
+    for (const auto& entry : history.Entries()) {
+      if (entry.Of == number) {
+        return entry;
+      }
+    }
+    return {};
+  }
+
+  const std::vector<std::string> begun_{"upload", "end of upload", "upload"};
+};
+
+TEST_F(EditedBehind, IsSeenAsOutside) {
+  const auto left = room_.Configuration();
+  Edit("MountHeight=160.25", "MountHeight=150.75");
+  BackUp();
+  EXPECT_EQ(Actions(), (std::vector<std::string>{"upload", "end of upload", "upload", "outside", "end of outside",
+                                                 "backup", "end of backup"}));
+  const auto outside = EndOf(number_ + 1);
+  EXPECT_EQ(outside.FileBefore, Sha256Hex(left));
+  EXPECT_EQ(outside.FileAfter, Sha256Hex(room_.Configuration()));
+}
+
+TEST_F(EditedBehind, LeavesTheUploadsOwnStateToIt) {
+  const auto left = room_.Configuration();
+  Edit("MountHeight=160.25", "MountHeight=150.75");
+  const auto ran = RunBut({"--despite", "unfinished", "--by", "noether", "upload"});
+  ASSERT_EQ(ran.Status(), 0) << ran.Printed;
+  const auto end = EndOf(number_);
+  EXPECT_EQ(end.FileAfter, Sha256Hex(left));
+  EXPECT_EQ(end.Person, "noether") << "whoever saw the end recorded it";
+}
+
+TEST_F(EditedBehind, MayAlsoHaveBeenThePagesOwnChoice) {
+  Edit("[DeviceType]\nInstalled=2", "[DeviceType]\nInstalled=1");
+  BackUp();
+  EXPECT_EQ(Actions(), (std::vector<std::string>{"upload", "end of upload", "upload", "backup", "end of backup"}));
+}
+
+TEST_F(EditedBehind, IsSeenBehindABrokenOffBackupToo) {
+  BackUp();
+  BeginAgain("backup");
+  Edit("[DeviceType]\nInstalled=2", "[DeviceType]\nInstalled=1");  // no backup opens the page
+  BackUp({"--despite", "exists", "--despite", "unfinished"});
+  EXPECT_EQ(Actions(), (std::vector<std::string>{"upload", "end of upload", "upload", "backup", "end of backup",
+                                                 "backup", "outside", "end of outside", "backup", "end of backup",
+                                                 "end of backup"}));
+}
+
+TEST_F(EditedBehind, IsNotSeenInWhatTheOperationWasToWrite) {
+  const auto before = room_.Configuration();
+  Edit("MountHeight=160.25", "MountHeight=150.75");
+  BeginAgain("upload", before);
+  BackUp();
+  EXPECT_EQ(Actions(), (std::vector<std::string>{"upload", "end of upload", "upload", "upload", "backup",
+                                                 "end of backup"}));
 }
 
 // ---- Besides ----
