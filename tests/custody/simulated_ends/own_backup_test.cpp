@@ -19,8 +19,8 @@ INSTANTIATE_TEST_SUITE_P(Seed, OwnBackup, Seeds(10, 1000));
 
 TEST_P(OwnBackup, RaisesNoObjection) {
   SessionGenerator random{GetParam()};
-  const auto configuration = random.Configuration(SampleConfiguration(), SmallConfiguration());
-  CustodyRoom room{configuration};
+  const auto configuration = random.Taught(random.Configuration(SampleConfiguration(), SmallConfiguration()));
+  CustodyRoom room{Replaced(configuration, "ExportCalibrationData=0", "ExportCalibrationData=1")};
   const auto backup = CustodyRoom::PathTo("own.bak");
   const auto exported = room.Run({"export", backup});
   if (exported.Status() == exit_status::unusable) {
