@@ -18,7 +18,17 @@ namespace code {
 inline constexpr std::string_view microtiter = "MICROTITER";
 inline constexpr std::string_view serialDilute = "SERIALDILUTE";
 inline constexpr std::string_view calibrate = "CALIBRATE";
+inline constexpr std::string_view nest8 = "NEST8";
+inline constexpr std::string_view nest12 = "NEST12";
 }  // namespace code
+
+// The layouts of channels by which the heads are told apart that the 1/8/12 module carries.
+namespace layout {
+inline constexpr std::string_view oneShort = "1_CH_SHORT";
+inline constexpr std::string_view oneLong = "1_CH_LONG";
+inline constexpr std::string_view eight = "8_CH";
+inline constexpr std::string_view twelve = "12_CH";
+}  // namespace layout
 
 // Section "DeviceType": a model of the instrument, and the device-wide switches of the one that is installed.
 struct DeviceTypeRecord {
@@ -79,7 +89,7 @@ struct HeadTypeRecord {
   std::int32_t HeadLockS = 0;   // steps
   double DropOffZ = 0.0;        // steps; also of tip and head change
   double PickUpZ = 0.0;         // steps
-  std::string ChannelCode;      // layout of the channels: "1_CH_SHORT", "1_CH_LONG", "8_CH", "12_CH"
+  std::string ChannelCode;      // layout of the channels
   bool Field17 = false;
   std::int32_t AspirateOrigin = 0;  // steps
   double TipEjectS = 0.0;           // millimetres
@@ -276,7 +286,7 @@ struct NestPosition {
 struct NestTypeRecord {
   std::string ID;
   std::string Name;
-  std::string Code;  // "NEST8", "NEST12"
+  std::string Code;  // its class
   std::array<NestPosition, 3> Nests;
   bool IsUnread = false;  // its line could not be read
 

@@ -206,11 +206,11 @@ struct HeadRow {
 };
 
 constexpr auto headRows = std::to_array<HeadRow>({
-    {code::serialDilute, "1_CH_SHORT", "PickUp_1ChShort_Z", "DropOff_1ChShort_Z", shortHeadCommands},
-    {code::serialDilute, "1_CH_LONG", "PickUp_1ChLong_Z", "DropOff_1ChLong_Z"},
-    {code::serialDilute, "8_CH", "PickUp_8Ch_Z", "DropOff_8Ch_Z"},
-    {code::serialDilute, "12_CH", "PickUp_12Ch_Z", "DropOff_12Ch_Z"},
-    {code::calibrate, "1_CH_SHORT", "PickUp_TeachTool_Z", "DropOff_TeachTool_Z"},
+    {code::serialDilute, layout::oneShort, "PickUp_1ChShort_Z", "DropOff_1ChShort_Z", shortHeadCommands},
+    {code::serialDilute, layout::oneLong, "PickUp_1ChLong_Z", "DropOff_1ChLong_Z"},
+    {code::serialDilute, layout::eight, "PickUp_8Ch_Z", "DropOff_8Ch_Z"},
+    {code::serialDilute, layout::twelve, "PickUp_12Ch_Z", "DropOff_12Ch_Z"},
+    {code::calibrate, layout::oneShort, "PickUp_TeachTool_Z", "DropOff_TeachTool_Z"},
 });
 
 void AppendSerialDiluteHeads(ScriptBuilder& script) {
@@ -286,11 +286,11 @@ struct NestRow {
 };
 
 constexpr auto nestRows = std::to_array<NestRow>({
-    {"NEST8",
+    {code::nest8,
      {{{"Nest_1A_Z", "NEST_1A_SD_X", "NEST_1A_SD_Y"},
        {"Nest_8B_Z", "NEST_8B_SD_X", "NEST_8B_SD_Y"},
        {"Nest_1C_Z", "NEST_1C_SD_X", "NEST_1C_SD_Y"}}}},
-    {"NEST12",
+    {code::nest12,
      {{{"Nest_1E_Z", "NEST_1E_SD_X", "NEST_1E_SD_Y"},
        {"Nest_12D_Z", "NEST_12D_SD_X", "NEST_12D_SD_Y"},
        {"Nest_1F_Z", "NEST_1F_SD_X", "NEST_1F_SD_Y"}}}},
@@ -330,17 +330,17 @@ void AppendSerialDiluteXY(ScriptBuilder& script) {
 
 // The 8- and 12-channel heads have no correction for 125 microlitres.
 constexpr auto correctedHeads = std::to_array<std::pair<std::string_view, std::string_view>>({
-    {"1_CH_LONG", "12.5"},
-    {"1_CH_LONG", "30"},
-    {"1_CH_LONG", "125"},
-    {"1_CH_LONG", "300"},
-    {"1_CH_SHORT", "1250"},
-    {"8_CH", "12.5"},
-    {"8_CH", "30"},
-    {"8_CH", "300"},
-    {"12_CH", "12.5"},
-    {"12_CH", "30"},
-    {"12_CH", "300"},
+    {layout::oneLong, "12.5"},
+    {layout::oneLong, "30"},
+    {layout::oneLong, "125"},
+    {layout::oneLong, "300"},
+    {layout::oneShort, "1250"},
+    {layout::eight, "12.5"},
+    {layout::eight, "30"},
+    {layout::eight, "300"},
+    {layout::twelve, "12.5"},
+    {layout::twelve, "30"},
+    {layout::twelve, "300"},
 });
 
 std::string VolumeItemKey(int number) {

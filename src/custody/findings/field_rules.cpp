@@ -72,12 +72,19 @@ class FieldRules {
       Add("short-line", Joined(std::to_string(pieces.size()), " of ", std::to_string(section_->Pieces),
                                " fields: the add-in takes the others for 0"));
     }
-    if (section_->IsCorrection() &&
-        (pieces.size() <= correctionKeyPiece || WithoutQuotes(pieces[correctionKeyPiece]).empty())) {
+    if (section_->IsCorrection()) {
+      CheckCorrection(pieces);
+    }
+  }
+
+  void CheckCorrection(const std::vector<std::string>& pieces) {
+    const auto key = pieces.size() > correctionKeyPiece ? WithoutQuotes(pieces[correctionKeyPiece]) : "";
+    if (key.empty()) {
       Add("no-key", "there is no key of the instrument in it: the upload sends nothing of it");
-    } else if (section_->IsCorrection() && StrictNumber(pieces[correctionFactorPiece]) == 0.0) {
-      Add("zero-factor", Joined("the factor is 0: the upload sends 0 for ",
-                                Printable(WithoutQuotes(pieces[correctionKeyPiece]))));
+    } else if (key.find_first_of(" \t") != std::string::npos) {
+      Add("broken-key", Joined("the key ", Shown(key), " has a blank in it: the upload sets no such value"));
+    } else if (StrictNumber(pieces[correctionFactorPiece]) == 0.0) {
+      Add("zero-factor", Joined("the factor is 0: the upload sends 0 for ", Printable(key)));
     }
   }
 

@@ -8,10 +8,7 @@
 #include "config/tables/axes.h"
 #include "config/tables/current_records.h"
 #include "config/tables/devices.h"
-#include "config/tables/heads.h"
-#include "config/tables/modules.h"
 #include "config/tables/stage.h"
-#include "config/tables/tips.h"
 #include "config/text.h"
 #include "custody/findings/rules.h"
 #include "custody/values/file_fields.h"
@@ -167,80 +164,6 @@ void CheckOverridden(CheckedFile& file, const Script& script) {
   }
 }
 
-// ---- What the query looks for
-
-// The first item of each text is the one that is found.
-class FirstItems {
- public:
-  FirstItems(CheckedFile& file, std::string_view section, std::string_view code)
-      : file_{file}, section_{section}, code_{code} {}
-
-  // `why` says why the query does not look for it; empty if it does.
-  void Look(const std::string& text, const std::string& index, const std::string& item,
-            std::string why = {}) {
-    const auto key = ItemKey(item);
-    const auto [first, isNew] = first_.try_emplace(index, key);
-    if (text.empty()) {
-      why = "it has none";
-    } else if (why.empty() && !isNew) {
-      why = Joined(Shown(text), " is that of ", first->second, " as well");
-    }
-    if (!why.empty()) {
-      file_.Add(code_, file_.LineOf(section_, key),
-                Joined(Printable(NameOfPlace(section_, key)), " is never found by its code: ", why));
-    }
-  }
-
- private:
-  CheckedFile& file_;
-  std::string_view section_;
-  std::string_view code_;
-  std::map<std::string, std::string> first_;
-};
-
-void CheckDetection(CheckedFile& file, const Configuration& configuration) {
-  FirstItems devices{file, deviceTypeSection, "undetectable"};
-  ForEach(deviceTable, configuration, [&](const DeviceTypeRecord& device) {
-    devices.Look(device.Code, UpperCase(device.Code), device.ID);
-  });
-  FirstItems heads{file, headTypeSection, "undetectable"};
-  ForEach(headTable, configuration,
-          [&](const HeadTypeRecord& head) { heads.Look(head.Tag, head.Tag, head.ID); });
-  FirstItems cages{file, cageTypeSection, "undetected-module"};
-  ForEach(cageTable, configuration, [&](const CageTypeRecord& cage) {
-    const auto isAsked =
-        EqualIgnoringCase(cage.Code, code::microtiter) || EqualIgnoringCase(cage.Code, code::serialDilute);
-    cages.Look(cage.Code, UpperCase(cage.Code), cage.ID,
-               isAsked ? "" : Joined("no query looks for ", Shown(cage.Code)));
-  });
-}
-
-// ---- Names that become sections
-
-void CheckName(CheckedFile& file, std::string_view table, const std::string& item,
-               const std::string& section) {
-  if (!file.Text.PlanValue(section, "Item1", "")) {
-    file.Add("unstorable-name", file.LineOf(table, ItemKey(item)),
-             Joined(Printable(NameOfPlace(table, ItemKey(item))), " would need the section ", Shown(section),
-                    ", which no file can have: nothing is read from it or stored in it"));
-  }
-}
-
-void CheckNames(CheckedFile& file, const Configuration& configuration) {
-  CurrentRecords current;
-  ForEach(deviceTable, configuration, [&](const DeviceTypeRecord& device) {
-    current.Device.Name = device.Name;
-    CheckName(file, deviceTypeSection, device.ID, PositionSection(current));
-  });
-  current = {};
-  ForEach(cageTable, configuration, [&](const CageTypeRecord& cage) {
-    current.Cage.Name = cage.Name;
-    CheckName(file, cageTypeSection, cage.ID, AxisSection(current));
-  });
-  ForEach(tipTable, configuration,
-          [&](const TipTypeRecord& tip) { CheckName(file, tipTypeSection, tip.ID, tip.CorrectionSection); });
-}
-
 }  // namespace
 
 void CheckOperations(CheckedFile& file) {
@@ -252,8 +175,7 @@ void CheckOperations(CheckedFile& file) {
     CheckFactors(file, configuration.Current, script);
     CheckOverridden(file, script);
     CheckPositions(file, configuration);
-    CheckDetection(file, configuration);
-    CheckNames(file, configuration);
+    CheckItems(file, configuration);
     CheckRounding(file, configuration.Current, script);
   });
 }

@@ -95,6 +95,9 @@ void CheckFields(CheckedFile& file);
 // What the page and the operations make of a configuration.
 void CheckOperations(CheckedFile& file);
 
+// Classes, codes and names of the items in the lists, by which upload and query find them.
+void CheckItems(CheckedFile& file, const Configuration& configuration);
+
 // Numbers of which the upload, whose lines are in `script`, sends less than the file says.
 void CheckRounding(CheckedFile& file, const CurrentRecords& inForce, const std::vector<UploadLine>& script);
 

@@ -1,6 +1,7 @@
 #include "zolvane/operations/bringing_back.h"
 
 #include <algorithm>
+#include <array>
 #include <functional>
 #include <memory>
 #include <ranges>
@@ -228,25 +229,32 @@ void BringingBack::SendValues(Custody& custody, Evidence& evidence) const {
   evidence.TakeInstrument(link, target_.Saves);
 }
 
-// The first few by name.
-std::string NamesText(const std::vector<Step>& steps, Standing standing) {
-  constexpr std::size_t most = 5;
-  std::string names;
-  std::size_t count = 0;
-  for (const auto& step : steps) {
-    if (step.Is == standing && ++count <= most) {
-      names.append(names.empty() ? "" : ", ").append(step.Of.Name);
-    }
-  }
-  return count <= most ? names : Joined(names, " and ", std::to_string(count - most), " more");
-}
+struct StayingRow {
+  Standing Is;
+  std::string_view Verdict;
+  std::string_view Why;
+};
 
+constexpr std::array<StayingRow, 2> stayingRows{{
+    {Standing::Changed, "changed", "changed by somebody else, and left as found: "},
+    {Standing::CannotBeRemoved, "cannot_be_removed", "not known before, and cannot be removed: "},
+}};
+
+// The account names the first few, the values of the report all.
 void BringingBack::NameWhatStays(Evidence& evidence) const {
-  for (const auto& [standing, why] :
-       {std::pair{Standing::Changed, "changed by somebody else, and left as found: "},
-        std::pair{Standing::CannotBeRemoved, "not known before, and cannot be removed: "}}) {
-    if (const auto names = NamesText(steps_, standing); !names.empty()) {
-      evidence.Worsen(outcome::notProven, Joined(why, names));
+  constexpr std::size_t most = 5;
+  for (const auto& row : stayingRows) {
+    std::string names;
+    std::size_t count = 0;
+    for (const auto& step : steps_) {
+      if (step.Is == row.Is) {
+        evidence.TakeUntouched(step.Of.Name, step.Present, row.Verdict);
+        names.append(++count > most ? "" : Joined(count > 1 ? ", " : "", step.Of.Name));
+      }
+    }
+    if (count > 0) {
+      const auto rest = count > most ? Joined(" and ", std::to_string(count - most), " more") : std::string{};
+      evidence.Worsen(outcome::notProven, Joined(row.Why, names, rest));
     }
   }
 }

@@ -203,6 +203,12 @@ void Evidence::TakeFile(const std::string& path, const std::string& intended) {
   }
 }
 
+void Evidence::TakeUntouched(const std::string& key, const std::optional<std::string>& present,
+                             std::string_view verdict) {
+  custody_.Work.Result.Values.push_back(
+      {.Key = key, .Found = present, .Left = present, .Verdict = std::string{verdict}});
+}
+
 void Evidence::TakeTally(const ActionTally& tally, bool isProvenOtherwise) {
   for (const auto& message : tally.Messages) {
     details_.Boxes.push_back(

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -26,6 +27,10 @@ class Evidence {
 
   // The same of another file.
   void TakeFile(const std::string& path, const std::string& intended);
+
+  // A value that is not as wanted and was left alone, and why.
+  void TakeUntouched(const std::string& key, const std::optional<std::string>& present,
+                     std::string_view verdict);
 
   // What the add-in said, and what its operation came to unless the instrument has the last word.
   void TakeTally(const ActionTally& tally, bool isProvenOtherwise);

@@ -161,8 +161,8 @@ void ObjectToFindings(const Workplace& work, Objections& objections) {
   const auto first = std::ranges::find_if(findings, isError);
   if (first != findings.end()) {
     const auto count = static_cast<std::size_t>(std::ranges::count_if(findings, isError));
-    const auto place = Joined(first->Line == 0 ? "" : Joined(" in line ", std::to_string(first->Line)), " of ",
-                              Quoted(first->File));
+    const auto place = Joined(first->Line == 0 ? "" : Joined(" in line ", std::to_string(first->Line)),
+                              " of ", Quoted(first->File));
     Object(objections, objection_code::findings, "no error",
            Joined(CountOf(count, "error"), ", the first", place, ": ", first->Text));
   }

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "custody/findings/findings.h"
+#include "custody/transfer/transfer_room.h"
 #include "custody/values/play.h"
 #include "custody/values/sides.h"
 #include "files/paths.h"
@@ -196,6 +197,23 @@ const std::vector<Case>& Cases() {
          CopySession session{file};
          EXPECT_GT(session.Do(PressOf(downloadButton)).Result.Tally.WritesFailed, 0U);
        }},
+      {"broken-key", "1.0685,\"VOL_8CH_30_1\"", "1.0685,\"VOL 8CH_30_1\"", "1Item=1 ul,1.0685,\"VOL 8CH",
+       [](const auto& file) {
+         CopySession session{file};
+         session.Do(PressOf(uploadButton));
+         EXPECT_EQ(HeldBy(*session.Link, "VOL_8CH_30_1"), "unknown");
+         EXPECT_EQ(HeldBy(*session.Link, "VOL"), "8CH_30_1 106850");
+       }},
+      {"misspelt-class", "MICROTITER,1,1,0,2150", "MICROTITR,1,1,0,2150", "Item1=\"96/384 Module\"",
+       [](const auto& file) { EXPECT_EQ(Sent(file, "TipChange_S"), "0"); }},
+      {"misspelt-class", "\"8-Channel 300 ul\",SERIALDILUTE", "\"8-Channel 300 ul\",SERIALDULITE", "Item12=",
+       [](const auto& file) { EXPECT_EQ(Sent(file, "TipEject_8Ch_300_S"), "(not sent)"); }},
+      {"misspelt-class", "10204,10632,12_CH", "10204,10632,12-CH", "Item16=",
+       [](const auto& file) { EXPECT_NE(Sent(file, "PickUp_12Ch_Z"), SentOfTheSample("PickUp_12Ch_Z")); }},
+      {"misspelt-class", "\"300 ul Tips\",SERIALDILUTE", "\"300 ul Tips\",Serialdilute", "Item2=\"300 ul Tips\"",
+       [](const auto& file) { EXPECT_NE(Sent(file, "RackPickup_12_300_Z"), SentOfTheSample("RackPickup_12_300_Z")); }},
+      {"misspelt-class", "NEST8,\"1A\"", "nest8,\"1A\"", "Item1=\"8-Channel Head Nest\"",
+       [](const auto& file) { EXPECT_EQ(Sent(file, "NEST_1A_SD_X"), "(not sent)"); }},
       {"undetectable", "\"ZV400\"", "\"ZV200\"", "Item2=\"Zolvane 400\"",
        [](const auto& file) { EXPECT_EQ(QueriedAs(file, {.Stage = "ZV200"}, "DeviceType"), "1"); }},
       {"undetected-module", "MICROTITER,1,1,0,2150", "MICROPLATE,1,1,0,2150", "Item1=\"96/384 Module\"",

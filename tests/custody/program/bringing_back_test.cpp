@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <set>
 
 #include "custody/program/zolvane_fixture.h"
 
@@ -66,6 +67,25 @@ TEST_F(BringingBackTest, WhoHasSentNothingIsNotToldToGoOn) {
   EXPECT_EQ(run.Status, 1) << run.All();
   EXPECT_NE(run.Errors.find("cannot be removed"), std::string::npos) << run.Errors;
   EXPECT_EQ(run.Errors.find("goes on from here"), std::string::npos) << run.Errors;
+}
+
+TEST_F(BringingBackTest, NamesEveryKeyThatCannotBeRemoved) {
+  std::filesystem::remove_all(Folder.Path("Zolvane.history"));
+  Folder.Put("memory.json", "{}");
+  const auto sent = RunJson({"--yes", "upload"}).at("values").size();
+  const auto undo = RunJson({"undo"});
+  const auto shown = RunJson({"history", "show", "@last"});
+  for (const auto& document : {undo, shown}) {
+    std::set<std::string> stay;
+    for (const auto& value : document.at("values")) {
+      if (value.at("verdict") == "cannot_be_removed") {
+        EXPECT_EQ(value.at("left"), value.at("found")) << value;
+        EXPECT_FALSE(value.contains("sent")) << value;
+        stay.insert(value.at("key").get<std::string>());
+      }
+    }
+    EXPECT_EQ(stay.size(), sent);
+  }
 }
 
 TEST_F(BringingBackTest, ResumeSendsWhatIsMissing) {

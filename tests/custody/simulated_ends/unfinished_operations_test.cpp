@@ -162,8 +162,8 @@ TEST_F(EditedBehind, IsSeenAsOutside) {
   const auto left = room_.Configuration();
   Edit("MountHeight=160.25", "MountHeight=150.75");
   BackUp();
-  EXPECT_EQ(Actions(), (std::vector<std::string>{"upload", "end of upload", "upload", "outside", "end of outside",
-                                                 "backup", "end of backup"}));
+  EXPECT_EQ(Actions(), (std::vector<std::string>{"upload", "end of upload", "upload", "outside",
+                                                 "end of outside", "backup", "end of backup"}));
   const auto outside = EndOf(number_ + 1);
   EXPECT_EQ(outside.FileBefore, Sha256Hex(left));
   EXPECT_EQ(outside.FileAfter, Sha256Hex(room_.Configuration()));
@@ -182,7 +182,8 @@ TEST_F(EditedBehind, LeavesTheUploadsOwnStateToIt) {
 TEST_F(EditedBehind, MayAlsoHaveBeenThePagesOwnChoice) {
   Edit("[DeviceType]\nInstalled=2", "[DeviceType]\nInstalled=1");
   BackUp();
-  EXPECT_EQ(Actions(), (std::vector<std::string>{"upload", "end of upload", "upload", "backup", "end of backup"}));
+  EXPECT_EQ(Actions(),
+            (std::vector<std::string>{"upload", "end of upload", "upload", "backup", "end of backup"}));
 }
 
 TEST_F(EditedBehind, IsSeenBehindABrokenOffBackupToo) {
@@ -190,9 +191,9 @@ TEST_F(EditedBehind, IsSeenBehindABrokenOffBackupToo) {
   BeginAgain("backup");
   Edit("[DeviceType]\nInstalled=2", "[DeviceType]\nInstalled=1");  // no backup opens the page
   BackUp({"--despite", "exists", "--despite", "unfinished"});
-  EXPECT_EQ(Actions(), (std::vector<std::string>{"upload", "end of upload", "upload", "backup", "end of backup",
-                                                 "backup", "outside", "end of outside", "backup", "end of backup",
-                                                 "end of backup"}));
+  EXPECT_EQ(Actions(), (std::vector<std::string>{"upload", "end of upload", "upload", "backup",
+                                                 "end of backup", "backup", "outside", "end of outside",
+                                                 "backup", "end of backup", "end of backup"}));
 }
 
 TEST_F(EditedBehind, IsNotSeenInWhatTheOperationWasToWrite) {

@@ -1,0 +1,160 @@
+// Classes, codes and names by which the items of the lists are found.
+#include <algorithm>
+#include <array>
+#include <span>
+
+#include "config/tables/axes.h"
+#include "config/tables/current_records.h"
+#include "config/tables/devices.h"
+#include "config/tables/heads.h"
+#include "config/tables/modules.h"
+#include "config/tables/nests.h"
+#include "config/tables/stage.h"
+#include "config/tables/tips.h"
+#include "config/text.h"
+#include "custody/findings/rules.h"
+#include "custody/values/file_fields.h"
+#include "text/joined.h"
+#include "text/printable.h"
+#include "text/suggestion.h"
+
+namespace zolvane {
+namespace {
+
+// ---- Classes that the upload compares to the letter
+
+constexpr std::array moduleClasses{code::microtiter, code::serialDilute};
+constexpr std::array headClasses{code::microtiter, code::serialDilute, code::calibrate};
+constexpr std::array tipClasses{code::microtiter, code::serialDilute};
+constexpr std::array nestClasses{code::nest8, code::nest12};
+constexpr std::array headLayouts{layout::oneShort, layout::oneLong, layout::eight, layout::twelve};
+
+void CheckSpelling(CheckedFile& file, std::string_view section, const std::string& item,
+                   std::string_view text, std::string_view meant) {
+  if (!meant.empty() && text != meant) {
+    file.Add("misspelt-class", file.LineOf(section, ItemKey(item)),
+             Joined(Printable(NameOfPlace(section, ItemKey(item))), ": ", Shown(text), " is nearly ", meant,
+                    ", but not to the letter: the upload does not find the item by it"));
+  }
+}
+
+// A text that is none of them, but nearly one.
+template <class Record>
+void CheckClasses(CheckedFile& file, const Configuration& configuration, const RecordTable<Record>& table,
+                  std::string_view section, std::span<const std::string_view> classes) {
+  ForEach(table, configuration, [&](const Record& record) {
+    const bool isKnown = std::ranges::find(classes, record.Code) != classes.end();
+    CheckSpelling(file, section, record.ID, record.Code,
+                  isKnown ? std::string_view{} : NearestName(record.Code, classes));
+  });
+}
+
+// There are other classes of nests that differ from these in one letter.
+void CheckNestClasses(CheckedFile& file, const Configuration& configuration) {
+  ForEach(nestTable, configuration, [&file](const NestTypeRecord& nest) {
+    for (const auto known : nestClasses) {
+      CheckSpelling(file, nestTypeSection, nest.ID, nest.Code,
+                    EqualIgnoringCase(Trimmed(nest.Code), known) ? known : std::string_view{});
+    }
+  });
+}
+
+void CheckLayouts(CheckedFile& file, const Configuration& configuration) {
+  ForEach(headTable, configuration, [&file](const HeadTypeRecord& head) {
+    const bool isSought = head.Code == code::serialDilute &&
+                          std::ranges::find(headLayouts, head.ChannelCode) == headLayouts.end();
+    CheckSpelling(file, headTypeSection, head.ID, head.ChannelCode,
+                  isSought ? NearestName(head.ChannelCode, headLayouts) : std::string_view{});
+  });
+}
+
+// ---- What the query looks for
+
+// The first item of each text is the one that is found.
+class FirstItems {
+ public:
+  FirstItems(CheckedFile& file, std::string_view section, std::string_view code)
+      : file_{file}, section_{section}, code_{code} {}
+
+  // `why` says why the query does not look for it; empty if it does.
+  void Look(const std::string& text, const std::string& index, const std::string& item,
+            std::string why = {}) {
+    const auto key = ItemKey(item);
+    const auto [first, isNew] = first_.try_emplace(index, key);
+    if (text.empty()) {
+      why = "it has none";
+    } else if (why.empty() && !isNew) {
+      why = Joined(Shown(text), " is that of ", first->second, " as well");
+    }
+    if (!why.empty()) {
+      file_.Add(code_, file_.LineOf(section_, key),
+                Joined(Printable(NameOfPlace(section_, key)), " is never found by its code: ", why));
+    }
+  }
+
+ private:
+  CheckedFile& file_;
+  std::string_view section_;
+  std::string_view code_;
+  std::map<std::string, std::string> first_;
+};
+
+void CheckDetection(CheckedFile& file, const Configuration& configuration) {
+  FirstItems devices{file, deviceTypeSection, "undetectable"};
+  ForEach(deviceTable, configuration, [&](const DeviceTypeRecord& device) {
+    devices.Look(device.Code, UpperCase(device.Code), device.ID);
+  });
+  FirstItems heads{file, headTypeSection, "undetectable"};
+  ForEach(headTable, configuration,
+          [&](const HeadTypeRecord& head) { heads.Look(head.Tag, head.Tag, head.ID); });
+  FirstItems cages{file, cageTypeSection, "undetected-module"};
+  ForEach(cageTable, configuration, [&](const CageTypeRecord& cage) {
+    const bool isAsked = std::ranges::any_of(moduleClasses, [&cage](const auto name) {
+      return EqualIgnoringCase(cage.Code, name);
+    });
+    if (isAsked || NearestName(cage.Code, moduleClasses).empty()) {
+      cages.Look(cage.Code, UpperCase(cage.Code), cage.ID,
+                 isAsked ? "" : Joined("no query looks for ", Shown(cage.Code)));
+    }
+  });
+}
+
+// ---- Names that become sections
+
+void CheckName(CheckedFile& file, std::string_view table, const std::string& item,
+               const std::string& section) {
+  if (!file.Text.PlanValue(section, "Item1", "")) {
+    file.Add("unstorable-name", file.LineOf(table, ItemKey(item)),
+             Joined(Printable(NameOfPlace(table, ItemKey(item))), " would need the section ", Shown(section),
+                    ", which no file can have: nothing is read from it or stored in it"));
+  }
+}
+
+void CheckNames(CheckedFile& file, const Configuration& configuration) {
+  CurrentRecords current;
+  ForEach(deviceTable, configuration, [&](const DeviceTypeRecord& device) {
+    current.Device.Name = device.Name;
+    CheckName(file, deviceTypeSection, device.ID, PositionSection(current));
+  });
+  current = {};
+  ForEach(cageTable, configuration, [&](const CageTypeRecord& cage) {
+    current.Cage.Name = cage.Name;
+    CheckName(file, cageTypeSection, cage.ID, AxisSection(current));
+  });
+  ForEach(tipTable, configuration,
+          [&](const TipTypeRecord& tip) { CheckName(file, tipTypeSection, tip.ID, tip.CorrectionSection); });
+}
+
+}  // namespace
+
+void CheckItems(CheckedFile& file, const Configuration& configuration) {
+  CheckClasses(file, configuration, cageTable, cageTypeSection, moduleClasses);
+  CheckClasses(file, configuration, headTable, headTypeSection, headClasses);
+  CheckClasses(file, configuration, tipTable, tipTypeSection, tipClasses);
+  CheckNestClasses(file, configuration);
+  CheckLayouts(file, configuration);
+  CheckDetection(file, configuration);
+  CheckNames(file, configuration);
+}
+
+}  // namespace zolvane
