@@ -7,6 +7,7 @@
 #include <tuple>
 
 #include "config/text.h"
+#include "custody/values/file_fields.h"
 #include "custody/values/values_json.h"
 #include "text/counted.h"
 #include "text/joined.h"
@@ -38,10 +39,16 @@ Descriptions DescriptionsFor(Workplace& work, const Side& side) {
 }
 
 // A name, or the beginning of one up to a blank.
+bool Begins(std::string_view name, const std::string& key) {
+  return EqualIgnoringCase(name, key) || (name.size() > key.size() && name[key.size()] == ' ' &&
+                                          EqualIgnoringCase(name.substr(0, key.size()), key));
+}
+
+// With its section or without.
 bool IsMeant(const std::string& name, const std::string& key) {
-  return EqualIgnoringCase(name, key) ||
-         (name.size() > key.size() && name[key.size()] == ' ' &&
-          EqualIgnoringCase(std::string_view{name}.substr(0, key.size()), key));
+  const auto place = PlaceNamed(name);
+  return Begins(name, key) ||
+         (place && Begins(std::string_view{name}.substr(place->Section.size() + 3), key));
 }
 
 void DemandKnown(const Values& values, const std::vector<std::string>& keys) {
@@ -114,11 +121,6 @@ void NoteFaceOf(Workplace& work, std::initializer_list<const Side*> sides) {
 }
 
 }  // namespace
-
-constexpr auto MembersOf(const Difference*) {
-  return std::tuple{Member{"key", &Difference::Name, Presence::Always}, Member{"a", &Difference::A},
-                    Member{"b", &Difference::B}};
-}
 
 void Show(Workplace& work, const Words& words) {
   const auto side = SideNamed(work, words[1]);
@@ -225,8 +227,12 @@ Values LastLeft(Workplace& work) {
   auto history = ReadHistory(work);
   Values left;
   for (const auto& operation : history.Operations()) {
-    const bool isKept = operation.Ended != nullptr && !operation.Ended->Left.empty() &&
-                        action::SendsValues(operation.Begun->Action);
+    const bool sends = action::SendsValues(operation.Begun->Action);
+    if (sends && operation.Ended == nullptr) {
+      work.Out.Error(Joined("operation ", std::to_string(operation.Number()), ", ", operation.Begun->Action,
+                            ", has not ended: what it left is not known"));
+    }
+    const bool isKept = sends && operation.Ended != nullptr && !operation.Ended->Left.empty();
     if (const auto values = isKept ? KeptValues(history, operation.Ended->Left) : std::nullopt) {
       for (const auto& value : values->InOrder() | std::views::filter(&Value::WasAnswered)) {
         left.Add(value);

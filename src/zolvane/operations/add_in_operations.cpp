@@ -10,8 +10,10 @@
 #include "bench/host/dry_run.h"
 #include "custody/transfer/proving_link.h"
 #include "custody/transfer/twin_link.h"
+#include "custody/values/file_fields.h"
 #include "custody/values/play.h"
 #include "custody/values/sides.h"
+#include "files/sectioned_text.h"
 #include "instrument/links/no_link.h"
 #include "page/page_controls.h"
 #include "text/counted.h"
@@ -255,8 +257,29 @@ void AddInOperation::Show(Custody& custody) {
   }
 }
 
-// What a later import of the exported file would not bring back: what is not in it, and what an import makes another
-// value of.
+// The values of a section that a backup does not hold at all are counted, of others each line is named.
+std::string NamesOfMissing(const std::vector<Difference>& missing, const std::string& backup) {
+  const SectionedText text{backup};
+  std::vector<std::pair<std::string, std::size_t>> groups;
+  for (const auto& difference : missing) {
+    const auto place = PlaceNamed(difference.Name);
+    const auto name = !place                             ? difference.Name
+                      : !text.HasSection(place->Section) ? Joined("[", place->Section, "]")
+                                                         : NameOfPlace(place->Section, place->Key);
+    if (groups.empty() || groups.back().first != name) {
+      groups.emplace_back(name, 0);
+    }
+    ++groups.back().second;
+  }
+  std::vector<TextRow> rows;
+  std::ranges::transform(groups, std::back_inserter(rows), [](const auto& group) {
+    return TextRow{Printable(group.first), CountOf(group.second, "value")};
+  });
+  return ColumnsText(rows, 4);
+}
+
+// What a later import of the exported file would not bring back: what it makes another value of, and what is not in the
+// file and so stays as it is then.
 void AddInOperation::ShowLoss(Custody& custody) const {
   auto& work = custody.Work;
   const auto& configuration = *custody.Intended.Configuration;
@@ -265,20 +288,34 @@ void AddInOperation::ShowLoss(Custody& custody) const {
   copy.Put(*file_, intendedFile_);
   Play(EndsOn(copy, work.Options.Folder), PressOf(importButton, file_));
   const auto face = FileFace(configuration);
-  auto lost = Compare(face, FileFace(copy.Read(work.ConfigFile()).Bytes));
-  for (const auto& missing : Compare(face, FileFace(intendedFile_)).Differences) {
-    if (missing.Kind == DifferenceKind::OnlyInA &&
-        std::ranges::find(lost.Differences, missing.Name, &Difference::Name) == lost.Differences.end()) {
-      lost.Differences.push_back(missing);
+  const auto changed = Compare(face, FileFace(copy.Read(work.ConfigFile()).Bytes));
+  std::vector<Difference> missing;
+  for (const auto& difference : Compare(face, FileFace(intendedFile_)).Differences) {
+    const bool isMissing = difference.Kind == DifferenceKind::OnlyInA;
+    if (isMissing && std::ranges::find(changed.Differences, difference.Name, &Difference::Name) ==
+                         changed.Differences.end()) {
+      missing.push_back(difference);
     }
   }
-  const auto count = lost.Differences.size();
-  const Descriptions descriptions{WireFaceOfFile(configuration)};
+  const auto count = changed.Differences.size() + missing.size();
   work.Result.Counts.emplace_back("not_brought_back", count);
-  work.Out.Print(
-      Joined("A later import will not bring back ", CountOf(count, "value"), " of ",
-             std::to_string(face.InOrder().size()), "\n",
-             DifferencesText(lost, {descriptions, "in the file"}, {descriptions, "after an import"})));
+  auto& lost = work.Result.More["not_brought_back"] = Json::array();
+  std::ranges::transform(changed.Differences, std::back_inserter(lost),
+                         [](const auto& one) { return JsonOf(one); });
+  std::ranges::transform(missing, std::back_inserter(lost), [](const auto& one) { return JsonOf(one); });
+  work.Out.Print(Joined("A later import will not bring back ", CountOf(count, "value"), " of ",
+                        std::to_string(face.InOrder().size()), "\n"));
+  if (!changed.Differences.empty()) {
+    const Descriptions descriptions{WireFaceOfFile(configuration)};
+    work.Out.Print(
+        Joined("  It will make another of ", CountOf(changed.Differences.size(), "value"), ":\n",
+               DifferencesText(changed, {descriptions, "in the file"}, {descriptions, "after an import"})));
+  }
+  if (!missing.empty()) {
+    work.Out.Print(Joined("  ", CountOf(missing.size(), "value"),
+                          " will stay as they are then, as the backup does not hold them:\n",
+                          NamesOfMissing(missing, intendedFile_)));
+  }
 }
 
 // ---- Act ----

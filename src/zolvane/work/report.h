@@ -12,6 +12,7 @@
 #include "custody/findings/findings.h"
 #include "custody/history/checkpoint.h"
 #include "custody/history/entry.h"
+#include "custody/values/values.h"
 #include "text/json_members.h"
 #include "text/usage_error.h"
 
@@ -51,6 +52,11 @@ constexpr auto MembersOf(const ReportedValue*) {
                     Member{"verdict", &ReportedValue::Verdict},
                     Member{"cause", &ReportedValue::Cause},
                     Member{"measure", &ReportedValue::Measure}};
+}
+
+constexpr auto MembersOf(const Difference*) {
+  return std::tuple{Member{"key", &Difference::Name, Presence::Always}, Member{"a", &Difference::A},
+                    Member{"b", &Difference::B}};
 }
 
 // A box of the add-in, and what it was answered.

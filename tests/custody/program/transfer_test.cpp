@@ -1,3 +1,5 @@
+#include <map>
+
 #include "custody/program/zolvane_fixture.h"
 #include "support/long_tests.h"
 
@@ -150,6 +152,25 @@ TEST_F(TransferInCustody, AnExportSaysWhatALaterImportWouldNotBringBack) {
   EXPECT_NE(lost.find("1612.4"), std::string::npos) << lost;
   EXPECT_NE(lost.find("[DeviceType] Installed"), std::string::npos) << lost;
   EXPECT_EQ(lost.find("[Z_Calibration] MountHeight"), std::string::npos) << lost;
+  EXPECT_EQ(lost.find("(none)"), std::string::npos) << lost;
+}
+
+TEST_F(TransferInCustody, WhatAnExportDoesNotHoldAnImportLeavesAsItIs) {
+  const auto lost = RunJson({"export", Folder.Path("new.bak")}).at("not_brought_back");
+  ASSERT_EQ(RunAlone({"--yes", "import", Folder.Path("new.bak")}).Status, 0);
+  const auto now = RunJson({"show", "file"}).at("values");
+  std::map<std::string, std::string> texts;
+  for (const auto& value : now) {
+    texts[value.at("key")] = value.at("found");
+  }
+  std::size_t kept = 0;
+  for (const auto& value : lost) {
+    const bool isKept = !value.contains("b");
+    kept += isKept ? 1 : 0;
+    EXPECT_EQ(texts.at(value.at("key")), value.at(isKept ? "a" : "b").get<std::string>()) << value;
+  }
+  EXPECT_GT(kept, 1000U);
+  EXPECT_LT(kept, lost.size());
 }
 
 TEST_F(TransferInCustody, AFileNeedsAFolderToStandIn) {
@@ -205,6 +226,13 @@ TEST_F(TransferInCustody, ABackupThatLacksASectionInItsMiddleIsAnObjection) {
   EXPECT_NE(text.find("part.bak"), std::string::npos) << text;
   EXPECT_NE(text.find("[Z_Calibration] is missing"), std::string::npos) << text;
   EXPECT_EQ(Configuration(), Sample());
+}
+
+TEST_F(TransferInCustody, AnInstrumentThatDoesNotSayWhatItIsIsUnusable) {
+  const auto run = Run({"--yes", "--fault", "empty@1", "upload"});
+  EXPECT_EQ(run.Status, 2) << run.All();
+  EXPECT_NE(run.Errors.find("STATUS_STAGE"), std::string::npos) << run.Errors;
+  EXPECT_FALSE(std::filesystem::exists(Folder.Path("Zolvane.history")));
 }
 
 TEST_F(TransferInCustody, ADownloadIsReadBack) {
