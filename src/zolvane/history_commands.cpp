@@ -83,6 +83,9 @@ Json OperationJson(const Operation& operation) {
     json[std::string{columns[column]}] = JsonOf(row[column]);
   }
   json["operation"] = operation.Number();
+  if (const auto about = operation.Begun->About; about != 0) {
+    json["about"] = about;
+  }
   return json;
 }
 
@@ -114,6 +117,7 @@ std::vector<TextRow> FactsOf(const Operation& operation) {
   const auto& begun = *operation.Begun;
   std::vector<TextRow> rows;
   AddFact(rows, "operation", Joined(std::to_string(operation.Number()), ", ", begun.Action));
+  AddFact(rows, "about", begun.About == 0 ? "" : Joined("operation ", std::to_string(begun.About)));
   AddFact(rows, "outcome", OutcomeOfOperation(operation));
   AddFact(rows, "begun", begun.Time);
   if (operation.Ended != nullptr) {

@@ -19,8 +19,8 @@ ALWAYS = {
     "program": str, "version": str, "previous": str,
 }
 IF_ANY = {
-    "of": int, "outcome": str, "reason": str, "link": str, "instrument": str, "file": str, "file_before": str,
-    "file_after": str, "other_files": list, "found": str, "intended": str, "left": str, "details": str,
+    "of": int, "about": int, "outcome": str, "reason": str, "link": str, "instrument": str, "file": str,
+    "file_before": str, "file_after": str, "other_files": list, "found": str, "intended": str, "left": str, "details": str,
     "objections": list, "counts": dict,
 }
 OBJECTS = ("file_before", "file_after", "found", "intended", "left", "details")
@@ -234,7 +234,7 @@ def main(folder, *files):
         "damage": history.damage,
         "torn": len(history.torn),
         "intact": intact,
-        "complete": history.gaps == 0,
+        "complete": bool(history.lines) and history.gaps == 0,
         "anchored": bool(against) and len(agreeing) == len(against),
         "anchored_up_to": max((count + 1 for count in agreeing if count), default=0),
     }))

@@ -109,9 +109,8 @@ void CheckDetection(CheckedFile& file, const Configuration& configuration) {
           [&](const HeadTypeRecord& head) { heads.Look(head.Tag, head.Tag, head.ID); });
   FirstItems cages{file, cageTypeSection, "undetected-module"};
   ForEach(cageTable, configuration, [&](const CageTypeRecord& cage) {
-    const bool isAsked = std::ranges::any_of(moduleClasses, [&cage](const auto name) {
-      return EqualIgnoringCase(cage.Code, name);
-    });
+    const bool isAsked = std::ranges::any_of(
+        moduleClasses, [&cage](const auto name) { return EqualIgnoringCase(cage.Code, name); });
     if (isAsked || NearestName(cage.Code, moduleClasses).empty()) {
       cages.Look(cage.Code, UpperCase(cage.Code), cage.ID,
                  isAsked ? "" : Joined("no query looks for ", Shown(cage.Code)));

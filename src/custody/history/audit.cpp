@@ -26,7 +26,8 @@ class Auditor {
       return std::move(result_);
     }
     journal_ = ReadJournal(content.Bytes);
-    result_.Exists = result_.IsIntact = result_.IsComplete = true;
+    result_.Exists = result_.IsIntact = true;
+    result_.IsComplete = !journal_.Hashes.empty();  // of one that was emptied nobody knows what is missing
     result_.LastEntry = journal_.Entries.empty() ? 0 : journal_.Entries.back().Sequence;
     CheckLines();
     CheckForms(content.Bytes);

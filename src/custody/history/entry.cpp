@@ -40,6 +40,7 @@ static constexpr auto MembersOf(const Entry*) {
                     Member{"left", &Entry::Left},
                     Member{"details", &Entry::Details},
                     Member{"objections", &Entry::Objections},
+                    Member{"about", &Entry::About},
                     Member{"counts", &Entry::Counts},
                     Member{"previous", &Entry::Previous, Presence::Always}};
 }

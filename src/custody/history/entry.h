@@ -58,6 +58,7 @@ struct Entry {
   std::string Left;
   std::string Details;  // name of an object: verdicts, and what the add-in said and was answered
   std::vector<Objection> Objections;
+  std::uint64_t About = 0;  // the number of the operation that is taken back or resumed; 0: none
   std::map<std::string, std::int64_t> Counts;
 
   // ---- The history fills in the rest. ----

@@ -67,6 +67,7 @@ void BringingBack::Look(Custody& custody) {
   target_ = choose_(custody);
   if (target_.Of) {
     custody.About = target_.Of->Numbers;
+    custody.Draft.About = target_.Of->Numbers.Last;
   }
   ObjectToUnfinished(custody.Kept, custody.Doubts, custody.About);
   auto content = work.Files.Read(work.ConfigFile());

@@ -68,6 +68,9 @@ void Custody::LookAtInstrument() {
     throw UsageError{Joined("the instrument does not answer ", stageQuestion, LinkProblem(link))};
   }
   Draft.Instrument = Trimmed(reply);
+  if (Draft.Instrument.empty()) {
+    throw UsageError{Joined("the instrument answers ", stageQuestion, " with an empty line")};
+  }
   if (const auto& configuration = Found.Configuration ? Found.Configuration : Intended.Configuration) {
     ObjectToInstrument(Kept, *configuration, Draft.Instrument, Doubts);
   }

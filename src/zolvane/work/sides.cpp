@@ -21,6 +21,13 @@ constexpr std::string_view lastOperation = "@last";
   throw UsageError{Joined(Quoted(name), " ", reason)};
 }
 
+void DemandFolder(Workplace& work, const std::string& folder) {
+  // One that is there cannot be read as a file.
+  if (work.Files.Read(folder).Is == DiskContent::State::Missing) {
+    throw UsageError{Joined("there is no folder ", Quoted(folder))};
+  }
+}
+
 // Whatever stops a reader.
 void TellDamage(Workplace& work, const History& history) {
   if (history.IsTorn()) {
@@ -153,6 +160,9 @@ History OpenHistory(Workplace& work) {
   History history{work.Files, work.Who, work.Options.Folder};
   if (!history.Open().Ok()) {
     throw UsageError{Joined("the history cannot be read: ", history.FailureReason())};
+  }
+  if (!history.Exists()) {
+    DemandFolder(work, work.Options.Folder);
   }
   return history;
 }

@@ -221,6 +221,14 @@ TEST_F(AuditOf, AHistoryMadeAnewShows) {
   ExpectDetected("a new one");
 }
 
+TEST_F(AuditOf, AnEmptiedJournalIsNotComplete) {
+  Disk.Put(journalPath, "");
+  const auto audit = AuditAgainst();
+  EXPECT_TRUE(audit.Exists);
+  EXPECT_FALSE(audit.IsIntact);
+  EXPECT_FALSE(audit.IsComplete);
+}
+
 // ---- Objects, forms, notes ----
 
 TEST_F(AuditOf, AChangedAndAMissingObjectShow) {

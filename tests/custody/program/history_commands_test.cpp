@@ -9,6 +9,25 @@ TEST_F(HistoryCommands, AnEmptyHistoryIsSaid) {
   EXPECT_EQ(RunAlone({"history"}).Output, "The history has no operation yet.\n");
 }
 
+TEST_F(HistoryCommands, AFolderThatIsNotThereHasNone) {
+  std::filesystem::remove_all(Folder.Path());
+  const auto run = RunAlone({"history"});
+  EXPECT_EQ(run.Status, 2);
+  EXPECT_NE(run.Errors.find("there is no folder"), std::string::npos) << run.Errors;
+}
+
+TEST_F(HistoryCommands, AnUndoSaysWhatItTookBack) {
+  ASSERT_EQ(Run({"--yes", "upload"}).Status, 0);
+  Replace("STAGE,1612,", "STAGE,1613,");
+  ASSERT_EQ(Run({"--yes", "upload"}).Status, 0);
+  const auto number = RunJson({"history"}).at("operations").back().at("operation");
+  ASSERT_EQ(Run({"undo", std::to_string(number.get<int>())}).Status, 0);
+  const auto document = RunJson({"history", "show", "@last"});
+  EXPECT_EQ(document.at("operation").at("about"), number);
+  const auto text = Run({"history", "show", "@last"}).Output;
+  EXPECT_NE(text.find("operation " + std::to_string(number.get<int>()) + "\n"), std::string::npos) << text;
+}
+
 TEST_F(HistoryCommands, OperationsAreListedInTheirOrder) {
   ASSERT_EQ(Run({"--yes", "--by", "Ada", "upload"}).Status, 0);
   ASSERT_EQ(Run({"--by", "Bea", "export", Folder.Path("a.bak")}).Status, 0);

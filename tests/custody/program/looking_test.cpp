@@ -99,6 +99,15 @@ TEST_F(Looking, ShowGroupsAndMeasures) {
   EXPECT_NE(run.Output.find("Stage XY\n  STAGE1_X"), std::string::npos) << run.Output;
 }
 
+TEST_F(Looking, AKeyOfTheFileIsFoundWithoutItsSection) {
+  for (const auto* const key : {"MountHeight", "[Z_Calibration] mountheight"}) {
+    const auto values = RunJson({"show", "file", key}).at("values");
+    ASSERT_EQ(values.size(), 1U) << key;
+    EXPECT_EQ(values[0].at("key"), "[Z_Calibration] MountHeight");
+  }
+  EXPECT_GT(RunJson({"show", "file", "Item1"}).at("values").size(), 20U);
+}
+
 TEST_F(Looking, AValueThatTheSideLacksIsSaid) {
   const auto run = RunAlone({"show", "file", "[NoSuch] Key"});
   EXPECT_EQ(run.Status, 2);

@@ -70,6 +70,13 @@ TEST_F(UnfinishedUpload, IsNotEndedByARestoreOfTheFileAlone) {
   EXPECT_TRUE(StandsInTheWay());
 }
 
+TEST_F(UnfinishedUpload, IsNamedByADriftThatKnowsOnlyWhatOthersLeft) {
+  const auto ran = room_.Run({"drift"});
+  EXPECT_NE(ran.Printed.find("operation " + std::to_string(number_) + ", upload, has not ended"),
+            std::string::npos)
+      << ran.Printed;
+}
+
 TEST_F(UnfinishedUpload, StandsInTheWayOfAnUndoOfAnother) {
   const auto ran = RunBut({"undo", "2"});
   EXPECT_EQ(ran.Status(), exit_status::objection) << ran.Printed;
