@@ -23,12 +23,12 @@ inline constexpr std::string_view nest12 = "NEST12";
 }  // namespace code
 
 // The layouts of channels by which the heads are told apart that the 1/8/12 module carries.
-namespace layout {
+namespace channel_layout {
 inline constexpr std::string_view oneShort = "1_CH_SHORT";
 inline constexpr std::string_view oneLong = "1_CH_LONG";
 inline constexpr std::string_view eight = "8_CH";
 inline constexpr std::string_view twelve = "12_CH";
-}  // namespace layout
+}  // namespace channel_layout
 
 // Section "DeviceType": a model of the instrument, and the device-wide switches of the one that is installed.
 struct DeviceTypeRecord {

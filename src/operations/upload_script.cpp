@@ -206,11 +206,12 @@ struct HeadRow {
 };
 
 constexpr auto headRows = std::to_array<HeadRow>({
-    {code::serialDilute, layout::oneShort, "PickUp_1ChShort_Z", "DropOff_1ChShort_Z", shortHeadCommands},
-    {code::serialDilute, layout::oneLong, "PickUp_1ChLong_Z", "DropOff_1ChLong_Z"},
-    {code::serialDilute, layout::eight, "PickUp_8Ch_Z", "DropOff_8Ch_Z"},
-    {code::serialDilute, layout::twelve, "PickUp_12Ch_Z", "DropOff_12Ch_Z"},
-    {code::calibrate, layout::oneShort, "PickUp_TeachTool_Z", "DropOff_TeachTool_Z"},
+    {code::serialDilute, channel_layout::oneShort, "PickUp_1ChShort_Z", "DropOff_1ChShort_Z",
+     shortHeadCommands},
+    {code::serialDilute, channel_layout::oneLong, "PickUp_1ChLong_Z", "DropOff_1ChLong_Z"},
+    {code::serialDilute, channel_layout::eight, "PickUp_8Ch_Z", "DropOff_8Ch_Z"},
+    {code::serialDilute, channel_layout::twelve, "PickUp_12Ch_Z", "DropOff_12Ch_Z"},
+    {code::calibrate, channel_layout::oneShort, "PickUp_TeachTool_Z", "DropOff_TeachTool_Z"},
 });
 
 void AppendSerialDiluteHeads(ScriptBuilder& script) {
@@ -330,17 +331,17 @@ void AppendSerialDiluteXY(ScriptBuilder& script) {
 
 // The 8- and 12-channel heads have no correction for 125 microlitres.
 constexpr auto correctedHeads = std::to_array<std::pair<std::string_view, std::string_view>>({
-    {layout::oneLong, "12.5"},
-    {layout::oneLong, "30"},
-    {layout::oneLong, "125"},
-    {layout::oneLong, "300"},
-    {layout::oneShort, "1250"},
-    {layout::eight, "12.5"},
-    {layout::eight, "30"},
-    {layout::eight, "300"},
-    {layout::twelve, "12.5"},
-    {layout::twelve, "30"},
-    {layout::twelve, "300"},
+    {channel_layout::oneLong, "12.5"},
+    {channel_layout::oneLong, "30"},
+    {channel_layout::oneLong, "125"},
+    {channel_layout::oneLong, "300"},
+    {channel_layout::oneShort, "1250"},
+    {channel_layout::eight, "12.5"},
+    {channel_layout::eight, "30"},
+    {channel_layout::eight, "300"},
+    {channel_layout::twelve, "12.5"},
+    {channel_layout::twelve, "30"},
+    {channel_layout::twelve, "300"},
 });
 
 std::string VolumeItemKey(int number) {

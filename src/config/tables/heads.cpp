@@ -98,7 +98,7 @@ double TipMountDepthFor(const ZCalibrationRecord& heights, double volume) {
 
 bool HasSerialDiluteOffsets(const HeadTypeRecord& head) {
   return head.Code == code::serialDilute ||
-         (head.Code == code::calibrate && head.ChannelCode == layout::oneShort);
+         (head.Code == code::calibrate && head.ChannelCode == channel_layout::oneShort);
 }
 
 }  // namespace zolvane

@@ -27,7 +27,8 @@ constexpr std::array moduleClasses{code::microtiter, code::serialDilute};
 constexpr std::array headClasses{code::microtiter, code::serialDilute, code::calibrate};
 constexpr std::array tipClasses{code::microtiter, code::serialDilute};
 constexpr std::array nestClasses{code::nest8, code::nest12};
-constexpr std::array headLayouts{layout::oneShort, layout::oneLong, layout::eight, layout::twelve};
+constexpr std::array headLayouts{channel_layout::oneShort, channel_layout::oneLong, channel_layout::eight,
+                                 channel_layout::twelve};
 
 void CheckSpelling(CheckedFile& file, std::string_view section, const std::string& item,
                    std::string_view text, std::string_view meant) {
