@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "custody/history/audit.h"
+#include "custody/history/history_place.h"
 #include "custody/record/record.h"
 #include "text/joined.h"
 #include "text/json_text.h"
@@ -209,7 +210,9 @@ void AuditHistory(Workplace& work, const Words& more) {
     std::ranges::copy(CheckpointsOf(work, file), std::back_inserter(against));
   }
   const auto history = OpenHistory(work);
-  if (against.empty() && !history.Exists() && history.Damage().empty()) {
+  const auto objects = work.Files.Read(PlaceOfHistory(work.Options.Folder).Objects).Is;
+  const bool isNew = objects == DiskContent::State::Missing && history.Damage().empty();
+  if (against.empty() && !history.Exists() && isNew) {
     throw UsageError{"there is no history yet: the first operation of zolvane begins it"};
   }
   const auto audit = Audit(work.Files, work.Options.Folder, against);

@@ -9,6 +9,7 @@
 #include "config/text.h"
 #include "custody/values/file_fields.h"
 #include "custody/values/values_json.h"
+#include "instrument/links/interrupt_flag.h"
 #include "text/counted.h"
 #include "text/joined.h"
 #include "text/printable.h"
@@ -113,6 +114,12 @@ void AddMeasure(Json& json, const char* member, const Descriptions& descriptions
   }
 }
 
+void TellUnanswered(Workplace& work) {
+  work.Out.Error(ProgramInterrupt().IsRaised() ? "stopped by the user"
+                                               : Joined("the instrument does not answer",
+                                                        work.Link ? LinkProblem(*work.Link) : std::string{}));
+}
+
 // A record has two faces, and only one of them is looked at.
 void NoteFaceOf(Workplace& work, std::initializer_list<const Side*> sides) {
   if (std::ranges::any_of(sides, [](const Side* side) { return side->Answers.has_value(); })) {
@@ -135,8 +142,8 @@ void Show(Workplace& work, const Words& words) {
   DemandKnown(values, keys);
   PrintValues(work, values, DescriptionsFor(work, side), keys);
   if (std::ranges::any_of(values.InOrder(), [](const Value& value) { return !value.WasAnswered; })) {
-    work.Out.Error(Joined("the instrument does not answer", LinkProblem(*work.Link)));
-    work.Result.Worsen(exit_status::unusable);
+    TellUnanswered(work);
+    work.Result.Worsen(ProgramInterrupt().IsRaised() ? exit_status::notDone : exit_status::unusable);
   }
 }
 
@@ -210,11 +217,11 @@ void Diff(Workplace& work, const Words& words) {
                  "\n");
   work.Result.Worsen(changes.Differences.empty() ? exit_status::done : exit_status::notDone);
   if (changes.NotAnswered > 0) {
-    if (changes.NotAnswered == changes.Differences.size() && changes.Same == 0) {
+    const bool isUnusable = changes.NotAnswered == changes.Differences.size() && changes.Same == 0;
+    if (isUnusable && !ProgramInterrupt().IsRaised()) {
       work.Result.Worsen(exit_status::unusable);
     }
-    work.Out.Error(
-        Joined("the instrument does not answer", work.Link ? LinkProblem(*work.Link) : std::string{}));
+    TellUnanswered(work);
   }
 }
 

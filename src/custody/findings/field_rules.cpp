@@ -1,6 +1,8 @@
 // Texts that do not convert, lines that are too short or too long.
 #include <algorithm>
+#include <charconv>
 #include <optional>
+#include <system_error>
 
 #include "config/conversions.h"
 #include "config/step_factors.h"
@@ -31,6 +33,13 @@ std::string_view NumberAtStart(std::string_view text) {
 bool HasDecimalComma(std::string_view text, std::string_view number) {
   const auto rest = text.substr(number.size());
   return !number.empty() && rest.size() > 1 && rest[0] == ',' && StrictNumber(rest.substr(1));
+}
+
+// A number by its form, but beyond all that a computer holds.
+bool IsTooLarge(std::string_view text) {
+  double number = 0.0;
+  const auto read = std::from_chars(text.data(), text.data() + text.size(), number);
+  return read.ec == std::errc::result_out_of_range && read.ptr == text.data() + text.size();
 }
 
 class FieldRules {
@@ -69,8 +78,10 @@ class FieldRules {
       return field.Key.empty() && field.Piece >= pieces.size() && field.Kind != FieldKind::Text;
     };
     if (!pieces.empty() && std::ranges::any_of(section_->Fields, lacksField)) {
-      Add("short-line", Joined(std::to_string(pieces.size()), " of ", std::to_string(section_->Pieces),
-                               " fields: the add-in takes the others for 0"));
+      Add("short-line",
+          Joined(std::to_string(pieces.size()), " of ", std::to_string(section_->Pieces),
+                 " fields: the add-in ",
+                 section_->IsOfAxes() ? "keeps the others of the line before" : "takes the others for 0"));
     }
     if (section_->IsCorrection()) {
       CheckCorrection(pieces);
@@ -105,26 +116,43 @@ class FieldRules {
   }
 
   void CheckNumber(const FileField& field, std::string_view text) {
-    if (const auto number = StrictNumber(text)) {
-      if (!field.Converts(text, factors_)) {
-        AddText("out-of-range", field, text,
-                Joined("is out of range (", field.Values, "): the add-in takes 0"));
-      } else if (field.Kind == FieldKind::Whole &&
-                 *number != static_cast<double>(PictureWhole(*number).value_or(0))) {
-        AddText("rounded", field, text, "is no whole number: the add-in rounds it");
-      } else if (const auto kept = GeneralText(*number); StrictNumber(kept) != number) {
-        AddText("too-many-digits", field, text,
-                Joined("has more than 15 digits: the add-in sends and saves ", kept));
-      }
-      return;
+    const auto number = StrictNumber(text);
+    if (!number) {
+      CheckNoNumber(field, text);
+    } else if (!field.Converts(text, factors_)) {
+      AddOutOfRange(field, text);
+    } else if (field.Kind == FieldKind::Whole &&
+               *number != static_cast<double>(PictureWhole(*number).value_or(0))) {
+      AddText("rounded", field, text, "is no whole number: the add-in rounds it");
+    } else if (const auto kept = GeneralText(*number); StrictNumber(kept) != number) {
+      AddText("too-many-digits", field, text,
+              Joined("has more than 15 digits: the add-in sends and saves ", kept));
     }
+  }
+
+  void CheckNoNumber(const FileField& field, std::string_view text) {
     const auto trimmed = Trimmed(text);
     const auto number = NumberAtStart(trimmed);
-    const auto taken = field.TakesStart && !number.empty() ? number : std::string_view{"0"};
-    const auto* const code = HasDecimalComma(trimmed, number)      ? "decimal-comma"
-                             : field.TakesStart && !number.empty() ? "part-of-number"
-                                                                   : "not-a-number";
-    AddText(code, field, text, Joined("is no number: the add-in takes ", taken));
+    const bool takesStart = field.TakesStart && !number.empty();
+    if (IsTooLarge(trimmed)) {
+      AddOutOfRange(field, text);
+      return;
+    }
+    const auto* const code = HasDecimalComma(trimmed, number) ? "decimal-comma"
+                             : takesStart                     ? "part-of-number"
+                                                              : "not-a-number";
+    AddText(
+        code, field, text,
+        Joined("is no number: the add-in ", takesStart ? Joined("takes ", number) : std::string{Instead()}));
+  }
+
+  void AddOutOfRange(const FileField& field, std::string_view text) {
+    AddText("out-of-range", field, text,
+            Joined("is out of range (", field.Values, "): the add-in ", Instead()));
+  }
+
+  std::string_view Instead() const {
+    return section_->IsOfAxes() ? "keeps that of the line before" : "takes 0";
   }
 
   void AddText(std::string_view code, const FileField& field, std::string_view text, std::string_view what) {

@@ -1,7 +1,11 @@
 // Classes, codes and names by which the items of the lists are found.
 #include <algorithm>
 #include <array>
+#include <cctype>
+#include <functional>
+#include <iterator>
 #include <span>
+#include <vector>
 
 #include "config/tables/axes.h"
 #include "config/tables/current_records.h"
@@ -39,33 +43,40 @@ void CheckSpelling(CheckedFile& file, std::string_view section, const std::strin
   }
 }
 
-// A text that is none of them, but nearly one.
+std::string Only(std::string_view text, const std::function<bool(unsigned char)>& isMeant) {
+  std::string kept;
+  std::ranges::copy_if(UpperCase(text), std::back_inserter(kept), isMeant);
+  return kept;
+}
+
+// A text that is none of them, but one of them to a reader: its digits tell one from another, letters may be mistyped.
+std::string_view MeantBy(std::string_view text, std::span<const std::string_view> known) {
+  const auto digits = [](unsigned char one) { return std::isdigit(one) != 0; };
+  const auto signs = [](unsigned char one) { return std::isalnum(one) != 0; };
+  if (std::ranges::find(known, text) != known.end()) {
+    return {};
+  }
+  std::vector<std::string_view> alike;
+  std::ranges::copy_if(known, std::back_inserter(alike),
+                       [&](const auto name) { return Only(name, digits) == Only(text, digits); });
+  const auto same =
+      std::ranges::find_if(alike, [&](const auto name) { return Only(name, signs) == Only(text, signs); });
+  return same != alike.end() ? *same : NearestName(text, alike);
+}
+
 template <class Record>
 void CheckClasses(CheckedFile& file, const Configuration& configuration, const RecordTable<Record>& table,
                   std::string_view section, std::span<const std::string_view> classes) {
   ForEach(table, configuration, [&](const Record& record) {
-    const bool isKnown = std::ranges::find(classes, record.Code) != classes.end();
-    CheckSpelling(file, section, record.ID, record.Code,
-                  isKnown ? std::string_view{} : NearestName(record.Code, classes));
+    CheckSpelling(file, section, record.ID, record.Code, MeantBy(record.Code, classes));
   });
 }
 
-// There are other classes of nests that differ from these in one letter.
-void CheckNestClasses(CheckedFile& file, const Configuration& configuration) {
-  ForEach(nestTable, configuration, [&file](const NestTypeRecord& nest) {
-    for (const auto known : nestClasses) {
-      CheckSpelling(file, nestTypeSection, nest.ID, nest.Code,
-                    EqualIgnoringCase(Trimmed(nest.Code), known) ? known : std::string_view{});
-    }
-  });
-}
-
+// Of the heads that the 1/8/12 module carries.
 void CheckLayouts(CheckedFile& file, const Configuration& configuration) {
   ForEach(headTable, configuration, [&file](const HeadTypeRecord& head) {
-    const bool isSought = head.Code == code::serialDilute &&
-                          std::ranges::find(headLayouts, head.ChannelCode) == headLayouts.end();
     CheckSpelling(file, headTypeSection, head.ID, head.ChannelCode,
-                  isSought ? NearestName(head.ChannelCode, headLayouts) : std::string_view{});
+                  head.Code == code::serialDilute ? MeantBy(head.ChannelCode, headLayouts) : "");
   });
 }
 
@@ -112,7 +123,7 @@ void CheckDetection(CheckedFile& file, const Configuration& configuration) {
   ForEach(cageTable, configuration, [&](const CageTypeRecord& cage) {
     const bool isAsked = std::ranges::any_of(
         moduleClasses, [&cage](const auto name) { return EqualIgnoringCase(cage.Code, name); });
-    if (isAsked || NearestName(cage.Code, moduleClasses).empty()) {
+    if (isAsked || MeantBy(cage.Code, moduleClasses).empty()) {
       cages.Look(cage.Code, UpperCase(cage.Code), cage.ID,
                  isAsked ? "" : Joined("no query looks for ", Shown(cage.Code)));
     }
@@ -151,7 +162,7 @@ void CheckItems(CheckedFile& file, const Configuration& configuration) {
   CheckClasses(file, configuration, cageTable, cageTypeSection, moduleClasses);
   CheckClasses(file, configuration, headTable, headTypeSection, headClasses);
   CheckClasses(file, configuration, tipTable, tipTypeSection, tipClasses);
-  CheckNestClasses(file, configuration);
+  CheckClasses(file, configuration, nestTable, nestTypeSection, nestClasses);
   CheckLayouts(file, configuration);
   CheckDetection(file, configuration);
   CheckNames(file, configuration);

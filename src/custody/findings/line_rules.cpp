@@ -165,50 +165,52 @@ class LineRules {
   void CheckAsked(const SeenLine& line) {
     const auto asked = file_.Asked.find(IndexedAs(line.Section, line.Key));
     const auto number = section_->NumberIn(line.Key);
-    const bool isAsked = asked != file_.Asked.end();
-    if (!isAsked) {
+    const auto name = Printable(NameOfPlace(line.Section, line.Key));
+    if (asked == file_.Asked.end()) {
       AddPassedOver(line);
     } else if (number && !asked->second.IsByWalk) {
       file_.Add("only-listed", line.Number,
-                Joined(Printable(NameOfPlace(line.Section, line.Key)),
-                       " is offered by the page, but no operation comes to it"));
+                Joined(name, " is offered by the page, but no operation comes to it"));
+    } else if (number && *number > FirstGap(line)) {
+      file_.Add("gap", line.Number,
+                Joined(name, " is read only while it is installed: nothing else comes to it, as there is no ",
+                       KeyOf(FirstGap(line))));
     }
   }
 
   void AddPassedOver(const SeenLine& line) {
     const auto name = Printable(NameOfPlace(line.Section, line.Key));
     if (section_->NumberIn(line.Key)) {
-      file_.Add("gap", line.Number, Joined(name, Gap(line)));
+      file_.Add("gap", line.Number, Joined(name, GapText(line)));
     } else {
       file_.Add("unread-key", line.Number, Joined("nothing reads ", name));
     }
   }
 
-  const std::string& Gap(const SeenLine& line) {
-    const auto [gap, isNew] = gaps_.try_emplace(IndexedAs(line.Section, ""));
-    if (isNew) {
-      gap->second = GapText(line);
-    }
-    return gap->second;
+  std::string GapText(const SeenLine& line) {
+    return *section_->NumberIn(line.Key) > FirstGap(line)
+               ? Joined(" is never seen, as there is no ", KeyOf(FirstGap(line)))
+               : " is never seen, as a line before it has no name";
   }
 
-  // The first number before it that is missing or without a name.
-  std::string GapText(const SeenLine& line) const {
-    const auto own = section_->NumberIn(line.Key).value_or(0);
-    for (int number = 1; number < own; ++number) {
-      const auto key = Joined(section_->BeforeNumber, WholeText(number), section_->BehindNumber);
-      if (file_.LineOf(line.Section, key) == 0) {
-        return Joined(" is never seen, as there is no ", key);
-      }
+  std::string KeyOf(int number) const {
+    return Joined(section_->BeforeNumber, WholeText(number), section_->BehindNumber);
+  }
+
+  // The first number that the section lacks.
+  int FirstGap(const SeenLine& line) {
+    const auto [gap, isNew] = gaps_.try_emplace(IndexedAs(line.Section, ""), 1);
+    while (isNew && file_.LineOf(line.Section, KeyOf(gap->second)) != 0) {
+      ++gap->second;
     }
-    return " is never seen, as a line before it has no name";
+    return gap->second;
   }
 
   CheckedFile& file_;
   const FileSection* section_ = nullptr;
   std::set<std::string> asked_;
   std::set<std::string> waiting_;
-  std::map<std::string, std::string> gaps_;
+  std::map<std::string, int> gaps_;
   bool isAsked_ = false;
   bool isWaiting_ = false;
   bool isCounting_ = false;  // the section is the first of its name

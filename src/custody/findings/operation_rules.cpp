@@ -62,21 +62,29 @@ std::string InBrackets(const std::vector<std::string>& keys) {
   return list.empty() ? list : list + ")";
 }
 
-// Which lines a factor of 1 instead of 0 would give another value.
-void AddZeroFactor(CheckedFile& file, const Script& now, const Script& with, std::string_view factor,
-                   std::size_t line) {
-  std::vector<std::string> missing;
-  std::vector<std::string> wrong;
+// Lines of the upload that a factor has a part in.
+struct Touched {
+  std::vector<std::string> Missing;  // not sent, as it is 0
+  std::vector<std::string> Sent;
+};
+
+// Those that another factor gives another value.
+Touched TouchedBy(const Script& now, const Script& with) {
+  Touched touched;
   for (std::size_t index = 0; index < std::min(now.size(), with.size()); ++index) {
     if (now[index].Value != with[index].Value) {
-      (now[index].Value ? wrong : missing).push_back(now[index].Key);
+      (now[index].Value ? touched.Sent : touched.Missing).push_back(now[index].Key);
     }
   }
-  if (!missing.empty() || !wrong.empty()) {
+  return touched;
+}
+
+void AddZeroFactor(CheckedFile& file, const Touched& lines, std::string_view factor, std::size_t line) {
+  if (!lines.Missing.empty() || !lines.Sent.empty()) {
     file.Add("zero-factor", line,
-             Joined(factor, " is 0 or missing: of the upload ", CountOf(missing.size(), "line"), " fall out",
-                    InBrackets(missing), " and ", CountOf(wrong.size(), "line"),
-                    " are sent with a wrong value", InBrackets(wrong)));
+             Joined(factor, " is 0 or missing: of the upload ", CountOf(lines.Missing.size(), "line"),
+                    " fall out", InBrackets(lines.Missing), " and ", CountOf(lines.Sent.size(), "line"),
+                    " are sent with a wrong value", InBrackets(lines.Sent)));
   }
 }
 
@@ -88,29 +96,49 @@ struct FactorAxis {
 constexpr auto factorAxes = std::to_array<FactorAxis>(
     {{"Z", &AxisSlots::Z}, {"S", &AxisSlots::S}, {"SDX", &AxisSlots::SDX}, {"SDY", &AxisSlots::SDY}});
 
-std::size_t LineOfAxis(const CheckedFile& file, const std::string& section, std::string_view axis) {
+struct AxisLine {
+  std::size_t Number = 0;
+  bool HasScale = true;
+};
+
+AxisLine LineOfAxis(const CheckedFile& file, const std::string& section, std::string_view axis) {
+  constexpr std::size_t scalePiece = 1;
   const auto keyOf = [&](int number) {
     return Joined(FileSectionOf(section).BeforeNumber, WholeText(number));
   };
   for (int number = 1; const auto line = file.Text.Find(section, keyOf(number)); ++number) {
     const auto pieces = PiecesOf(*line);
     if (!pieces.empty() && WithoutQuotes(pieces.front()) == axis) {
-      return file.LineOf(section, keyOf(number));
+      return {.Number = file.LineOf(section, keyOf(number)),
+              .HasScale = pieces.size() > scalePiece && StrictNumber(pieces[scalePiece])};
     }
   }
-  return file.LineOf(section);
+  return {.Number = file.LineOf(section)};
+}
+
+void CheckScale(CheckedFile& file, const CurrentRecords& current, const FactorAxis& axis, const Script& now) {
+  const auto line = LineOfAxis(file, AxisSection(current), axis.Name);
+  const auto scale = (current.Axes.*axis.Slot).UnitsPerStep;
+  if (scale != 0.0F && line.HasScale) {
+    return;
+  }
+  const auto lines = TouchedBy(now, UploadWith(file, nothing, [&](const OperationContext& context) {
+                                 (context.Config.Current.Axes.*axis.Slot).UnitsPerStep = scale + 1.0F;
+                               }));
+  if (scale == 0.0F) {
+    AddZeroFactor(file, lines, Joined("the scale of the axis ", axis.Name), line.Number);
+  } else {
+    file.Add("inherited-factor", line.Number,
+             Joined("the scale of the axis ", axis.Name,
+                    " is missing or no number: the add-in keeps that of the line "
+                    "before, and sends ",
+                    CountOf(lines.Sent.size(), "line"), " by it", InBrackets(lines.Sent)));
+  }
 }
 
 void CheckFactors(CheckedFile& file, const CurrentRecords& current, const Script& now) {
-  const auto section = AxisSection(current);
   for (const auto& axis : factorAxes) {
-    if ((current.Axes.*axis.Slot).UnitsPerStep == 0.0F) {
-      const auto with = UploadWith(file, nothing, [&axis](const OperationContext& context) {
-        (context.Config.Current.Axes.*axis.Slot).UnitsPerStep = 1.0F;
-      });
-      AddZeroFactor(file, now, with, Joined("the scale of the axis ", axis.Name),
-                    LineOfAxis(file, section, axis.Name));
-    }
+    CheckScale(file, current, axis, now);
   }
   if (SDXYStepFactor(current.Device) == 0.0) {
     const auto key = current.Device.SDXYEncoderStatus ? stepFactorOnKey : stepFactorOffKey;
@@ -121,7 +149,7 @@ void CheckFactors(CheckedFile& file, const CurrentRecords& current, const Script
           PassOver(settings.WriteValue(deviceTypeSection, key, settings.ConfigFilePath(), "1"));
         },
         nothing);
-    AddZeroFactor(file, now, with, key, file.LineOf(deviceTypeSection, key));
+    AddZeroFactor(file, TouchedBy(now, with), key, file.LineOf(deviceTypeSection, key));
   }
 }
 

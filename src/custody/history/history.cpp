@@ -136,8 +136,19 @@ std::optional<std::string> History::PutObject(std::string_view bytes) {
   if (Object(name)) {
     return name;
   }
+  if (auto damage = DamageOfObject(bytes); !damage.empty()) {
+    PassOver(Fail(std::move(damage)));
+    return std::nullopt;
+  }
   const Status status = MakeFolders().Then([&] { return PutFile(place_.Object(name), bytes); });
   return status.Ok() ? std::optional{std::move(name)} : std::nullopt;
+}
+
+std::string History::DamageOfObject(std::string_view bytes) const {
+  const auto name = Sha256Hex(bytes);
+  const bool isDamaged =
+      disk_.Read(place_.Object(name)).Is == DiskContent::State::Present && !ReadObject(disk_, place_, name);
+  return isDamaged ? Joined("object ", name, " does not hold what its name says") : std::string{};
 }
 
 // The next line must not be appended to a part of one.

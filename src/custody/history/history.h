@@ -77,6 +77,10 @@ class History {
   // The bytes of that name. Nothing if they are missing or are not what the name says.
   std::optional<std::string> Object(std::string_view name) const;
 
+  // Whether the object of these bytes is there and damaged: "object 5e88... does not hold what its name says". Empty if
+  // not.
+  std::string DamageOfObject(std::string_view bytes) const;
+
   // The entry is on the disk when it returns. Its number is that of the operation.
   std::optional<std::uint64_t> Begin(Entry entry);
 

@@ -166,10 +166,15 @@ class Judge {
     return line > 0 && IsLast(line - 1) && !IsVerified(line - 1) && Holds(line - 1, lines_[line].Text);
   }
 
-  // The value of the next line, which is not where it should be, stands here.
+  // The value of the next line stands here. That line's own value is not where it should be, or has been there before.
   bool HoldsOfNeighbour(std::size_t line) const {
-    return line + 1 < lines_.size() && IsLast(line + 1) && !IsVerified(line + 1) &&
-           Holds(line, lines_[line + 1].Text);
+    return line + 1 < lines_.size() && IsLast(line + 1) && Holds(line, lines_[line + 1].Text) &&
+           (!IsVerified(line + 1) || (WasThere(line + 1) && !SameText(lines_[line + 1].Text, "0")));
+  }
+
+  bool WasThere(std::size_t line) const {
+    const auto* const found = found_.Find(lines_[line].Key);
+    return found != nullptr && found->Text && SameText(*found->Text, lines_[line].Text);
   }
 
   std::span<const SentLine> lines_;

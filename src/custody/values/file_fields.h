@@ -43,6 +43,9 @@ struct FileSection {
   // Of volume corrections.
   bool IsCorrection() const { return !BehindNumber.empty(); }
 
+  // Of axes: a number that is missing or does not convert keeps the value of the line before.
+  bool IsOfAxes() const { return BeforeNumber == "Axis"; }
+
   const FileField* FieldUnder(std::string_view key) const;
   const FileField* FieldAt(std::size_t piece) const;
 };

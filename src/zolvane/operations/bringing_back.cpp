@@ -182,8 +182,11 @@ Conclusion BringingBack::Act(Custody& custody) {
     SendValues(custody, evidence);
   }
   evidence.TakeConfiguration();
+  const bool isProven = evidence.IsProven();
   NameWhatStays(evidence);
-  return evidence.Conclude();
+  auto conclusion = evidence.Conclude();
+  conclusion.SettlesOlder = isProven;
+  return conclusion;
 }
 
 void BringingBack::WriteFile(Custody& custody, Evidence& evidence) const {
@@ -237,7 +240,7 @@ struct StayingRow {
 };
 
 constexpr std::array<StayingRow, 2> stayingRows{{
-    {Standing::Changed, "changed", "changed by somebody else, and left as found: "},
+    {Standing::Changed, changedVerdict, "changed by somebody else, and left as found: "},
     {Standing::CannotBeRemoved, "cannot_be_removed", "not known before, and cannot be removed: "},
 }};
 
@@ -296,7 +299,9 @@ Target Finishing(Custody& custody) {
   const auto operations = custody.Kept.Operations();
   const auto last = LastOfOurs(operations);
   if (!last || !IsUnproven(operations[*last])) {
-    throw UsageError{"there is nothing to resume: the last operation came to its end"};
+    throw UsageError{
+        Joined("there is nothing to resume: ",
+               last ? "the last operation came to its end" : "no operation has sent or changed anything")};
   }
   const auto& operation = operations[*last];
   if (!action::SendsValues(operation.Begun->Action)) {

@@ -19,6 +19,7 @@
 #include "zolvane/operations/kept_operation.h"
 #include "zolvane/work/actions.h"
 #include "zolvane/work/printing.h"
+#include "zolvane/work/sides.h"
 
 namespace zolvane {
 namespace {
@@ -54,6 +55,9 @@ std::string OutcomeText(const Workplace& work) {
 
 Custody::Custody(Workplace& work, std::string_view action)
     : Work{work}, Kept{work.Files, work.Who, work.Options.Folder}, Draft{DraftOf(work, action)} {
+  if (!work.IsRehearsal) {
+    DemandFolder(work, work.Options.Folder);
+  }
   const Waiting waiting{.IsUnwanted = [] { return ProgramInterrupt().IsRaised(); }};
   if (!Kept.OpenForRecording(waiting).Ok()) {
     RefuseHistory(Kept);
@@ -94,9 +98,25 @@ void Custody::SettleDamage() {
   }
 }
 
+std::string Custody::DamageOfObjects() const {
+  std::string damage;
+  for (const auto* const moment : {&Found, &Intended}) {
+    const auto values = moment->Answers ? std::optional{ValuesText(*moment->Answers)} : std::nullopt;
+    for (const auto* const bytes : {&moment->Configuration, &values}) {
+      damage = damage.empty() && *bytes ? Kept.DamageOfObject(**bytes) : damage;
+    }
+  }
+  return damage;
+}
+
+// An object that an earlier operation kept would be repaired by this one, and nobody would know.
 void Custody::SettleDoubts() {
+  const auto damaged = DamageOfObjects();
+  if (!damaged.empty()) {
+    Object(Doubts, objection_code::historyDamaged, "a whole history", damaged);
+  }
   std::ranges::move(Settle(Work, Doubts), std::back_inserter(Draft.Objections));
-  if (Kept.Damage().empty()) {
+  if (Kept.Damage().empty() && damaged.empty()) {
     return;
   }
   const auto name = Kept.SetAside();
@@ -119,6 +139,11 @@ void Custody::LookAtTarget(const std::string& path) {
   }
   if (Work.Files.Read(holder).Is != DiskContent::State::Unreadable) {
     throw UsageError{Joined(Quoted(path), " cannot be made: there is no folder ", Quoted(holder))};
+  }
+  // Nothing of it stays but, after a power cut, an empty file.
+  const auto trial = Joined(path, ".zolvane-new");
+  if (!Work.Files.Replace(trial, "").Then([&] { return Work.Files.Remove(trial); }).Ok()) {
+    throw UsageError{Joined(Quoted(path), " cannot be written: ", Work.Files.FailureReason())};
   }
   OtherFile = {.Path = path};
   if (content.Is == DiskContent::State::Present) {
@@ -266,7 +291,7 @@ void Custody::RecordEnd(const Conclusion& conclusion) {
 
 void Custody::End(const Conclusion& conclusion) {
   Work.Result.Outcome = conclusion.Outcome;
-  if (conclusion.Outcome == outcome::done) {
+  if (conclusion.Outcome == outcome::done || conclusion.SettlesOlder) {
     EndOlderOnes();
   }
   RecordEnd(conclusion);
@@ -276,16 +301,21 @@ void Custody::End(const Conclusion& conclusion) {
 
 namespace {
 
-// What the user can do now. Who has sent nothing has nothing to go on with.
+// What the user can do now. Who has sent and changed nothing has nothing to go on with, and nothing to take back.
 std::string_view WayOn(const Custody& custody, std::string_view outcome) {
   const auto& counts = custody.Work.Result.Counts;
-  const bool hasSentNothing =
-      std::ranges::find(counts, std::pair<std::string, std::size_t>{"sent", 0}) != counts.end();
   const bool hasStopped = outcome == outcome::failed || outcome == outcome::notProven;
-  const bool sends = action::SendsValues(custody.Draft.Action);
-  return !hasStopped || (sends && hasSentNothing) ? ""
-         : sends                                  ? "; \"resume\" goes on from here, \"undo\" takes it back"
-                                                  : "; \"undo\" takes back what it changed, or run it again";
+  const bool hasSent = std::ranges::any_of(
+      counts, [](const auto& count) { return count.first == "sent" && count.second > 0; });
+  const bool hasWritten = !action::LeavesBothSides(custody.Draft.Action) &&
+                          custody.Left.Configuration != custody.Found.Configuration;
+  const bool isToUndo = hasWritten || (hasSent && custody.Left.Answers != custody.Found.Answers);
+  if (!hasStopped || !(hasSent || hasWritten)) {
+    return "";
+  }
+  return !action::SendsValues(custody.Draft.Action) ? "; \"undo\" takes back what it changed, or run it again"
+         : isToUndo                                 ? "; \"resume\" goes on from here, \"undo\" takes it back"
+                                                    : "; \"resume\" goes on from here";
 }
 
 void Tell(const Custody& custody, const Conclusion& conclusion) {

@@ -33,6 +33,7 @@ struct Conclusion {
   std::string_view Outcome = outcome::done;
   std::string Account{};  // for people: a paragraph
   OperationDetails Details{};
+  bool SettlesOlder = false;  // what both sides hold is proven, also where it is not what was meant
 };
 
 // What the steps of an operation share.
@@ -77,6 +78,7 @@ class Custody {
   std::optional<std::string> Keep(const std::optional<std::string>& bytes);
   std::optional<std::string> Keep(const std::optional<Values>& values);
   bool KeepOtherFile();
+  std::string DamageOfObjects() const;
   void RecordOutside();
   bool Settles(const Entry& unfinished) const;
   Entry EndOf(const Entry& unfinished) const;

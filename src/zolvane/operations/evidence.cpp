@@ -46,8 +46,12 @@ std::string SaveText(const TransferTally& tally, bool isToBeSaved) {
                              : "SAVE was not needed, as none had been sent";
 }
 
-// Nothing left any more from this line on, or nobody knows what became of it, and nothing was asked again.
+// Nothing left any more from this line on, or nobody knows what became of it, and nothing was asked again. Who has sent
+// nothing has left nothing unknown.
 std::optional<std::size_t> UnknownSince(const TransferTally& tally, const std::vector<Verdict>& verdicts) {
+  if (tally.Sent == 0) {
+    return std::nullopt;
+  }
   const bool isUnproven = NumberOf(verdicts, Proof::Unknown) > 0 && !tally.SaveWasSent;
   return isUnproven && !tally.UnknownSince ? tally.Sent + 1 : tally.UnknownSince;
 }
@@ -77,6 +81,9 @@ int WeightOf(std::string_view outcome) {
 
 // What the add-in's own operation came to, where it did not run to its end.
 std::string_view OutcomeNameOf(const ActionTally& tally) {
+  if (tally.WasMisused) {
+    return outcome::cancelled;  // the box was left without an answer
+  }
   switch (OutcomeOf(tally)) {
     case Outcome::Done:
       return outcome::done;
@@ -135,7 +142,8 @@ void Evidence::TakeInstrument(const ProvingLink& link, bool isToBeSaved) {
   if (const auto line = UnknownSince(tally, verdicts)) {
     Worsen(outcome::failed, Joined("unknown since line ", std::to_string(*line)));
   } else if (!isWhole) {
-    Worsen(outcome::notProven, "");
+    Worsen(tally.Sent == 0 && NumberOf(verdicts, Proof::Unknown) > 0 ? outcome::failed : outcome::notProven,
+           "");
   }
 }
 
@@ -214,8 +222,11 @@ void Evidence::TakeTally(const ActionTally& tally, bool isProvenOtherwise) {
     details_.Boxes.push_back(
         {.Title = message.Title, .Text = message.Text, .Answer = std::string{ButtonName(message.Answer)}});
   }
-  if (tally.WasCancelled || tally.WasRefused || !isProvenOtherwise) {
+  if (tally.WasCancelled || tally.WasRefused || tally.WasMisused || !isProvenOtherwise) {
     Worsen(OutcomeNameOf(tally), "");
+  }
+  if (tally.WasMisused) {
+    custody_.Work.Result.Worsen(exit_status::unusable);
   }
   if (!isProvenOtherwise) {
     std::ranges::for_each(ReasonsOf(tally), [this](const auto& reason) { Add(reason); });

@@ -41,6 +41,9 @@ class Evidence {
   // Something that keeps the operation from being proven; `fact` is a clause for the account.
   void Worsen(std::string_view outcome, std::string fact);
 
+  // So far.
+  bool IsProven() const { return outcome_ == outcome::done; }
+
   // A clause for the account.
   void Add(std::string fact) { facts_.push_back(std::move(fact)); }
 

@@ -10,6 +10,7 @@
 #include "custody/disk/sha256.h"
 #include "custody/values/values_json.h"
 #include "zolvane/work/actions.h"
+#include "zolvane/work/report.h"
 #include "zolvane/work/sides.h"
 
 namespace zolvane {
@@ -43,6 +44,11 @@ bool HasSent(const Entry& ended) {
   return sent == ended.Counts.end() || sent->second != 0;
 }
 
+// Whatever the instrument made of it.
+bool HasSentSome(const Operation& operation) {
+  return operation.Ended != nullptr && operation.Ended->Counts.contains("sent") && HasSent(*operation.Ended);
+}
+
 bool IsProvenSending(const Operation& operation) {
   return operation.Ended != nullptr && operation.Ended->Outcome == outcome::done &&
          action::SendsValues(operation.Begun->Action);
@@ -56,6 +62,39 @@ bool MayHaveLeft(const History& history, const std::string& before, const std::s
   const auto to = history.Object(after);
   const bool isLost = (!from && !before.empty()) || (!to && !after.empty());
   return isLost || CouldBeOnTheWay(from, to, present);
+}
+
+// A state of the file with what somebody else changed in it meanwhile, between an operation and what resumed it.
+std::optional<std::string> WithOutside(History& history, const std::vector<Operation>& operations,
+                                       std::size_t first, std::size_t last,
+                                       std::optional<std::string> state) {
+  for (auto place = first; place < last && state; ++place) {
+    const auto& begun = *operations[place].Begun;
+    const auto* const ended = operations[place].Ended;
+    if (begun.Action == action::outside && ended != nullptr) {
+      const auto before = KeptObject(history, begun.FileBefore).value_or("");
+      const auto after = KeptObject(history, ended->FileAfter).value_or("");
+      state = Brought(*state, PlanInFile(after, before, *state));
+    }
+  }
+  return state;
+}
+
+// What it named as changed by somebody else, and left alone, it has not left.
+Values LeftByItself(History& history, const Entry& ended, const Values& left) {
+  const auto text = KeptObject(history, ended.Details);
+  const auto details = text ? FromJson<OperationDetails>(*text) : std::nullopt;
+  Values own;
+  for (const auto& value : left.InOrder()) {
+    const bool isForeign =
+        details && std::ranges::any_of(details->Values, [&value](const ReportedValue& one) {
+          return one.Key == value.Name && one.Verdict == changedVerdict;
+        });
+    if (!isForeign) {
+      own.Add(value);
+    }
+  }
+  return own;
 }
 
 KeptOperation Alone(History& history, const Operation& operation) {
@@ -72,7 +111,8 @@ KeptOperation Alone(History& history, const Operation& operation) {
   if (kept.HasEnded) {
     kept.IsProven = operation.Ended->Outcome == outcome::done;
     kept.Left.Configuration = KeptObject(history, operation.Ended->FileAfter);
-    kept.Left.Answers = kept.Found.Answers ? KeptValues(history, operation.Ended->Left) : std::nullopt;
+    const auto left = kept.Found.Answers ? KeptValues(history, operation.Ended->Left) : std::nullopt;
+    kept.Left.Answers = left ? std::optional{LeftByItself(history, *operation.Ended, *left)} : std::nullopt;
   }
   return kept;
 }
@@ -89,8 +129,9 @@ KeptOperation KeptOf(History& history, const std::vector<Operation>& operations,
     kept.Found.Answers = std::move(begun.Found.Answers);
     kept.Intended.Answers = std::move(begun.Intended.Answers);
     if (begun.Found.Configuration != begun.Intended.Configuration) {
-      kept.Found.Configuration = std::move(begun.Found.Configuration);
-      kept.Intended.Configuration = std::move(begun.Intended.Configuration);
+      kept.Found.Configuration = WithOutside(history, operations, first, place, begun.Found.Configuration);
+      kept.Intended.Configuration =
+          WithOutside(history, operations, first, place, begun.Intended.Configuration);
     }
   }
   // A later SAVE has kept what this one sent, too.
@@ -147,7 +188,8 @@ std::optional<std::size_t> LastOfOurs(std::span<const Operation> operations) {
   for (auto place = operations.size(); place > 0; --place) {
     const auto& operation = operations[place - 1];
     if (operation.Begun->Action != action::outside &&
-        (HasChangedSomething(operations, place - 1) || IsProvenSending(operation))) {
+        (HasChangedSomething(operations, place - 1) || IsProvenSending(operation) ||
+         HasSentSome(operation))) {
       return place - 1;
     }
   }

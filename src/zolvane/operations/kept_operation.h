@@ -62,8 +62,8 @@ std::optional<std::string> LeftOtherwise(const History& history, std::string_vie
 // In the configuration or on the instrument, as far as is known, with what it resumed.
 bool HasChangedSomething(std::span<const Operation> operations, std::size_t place);
 
-// The last operation that decides whether there is something to resume: one that changed something, or proved that
-// all is as it was meant. Others, such as a cancelled one, are passed over. Nothing if there is none.
+// The last operation that decides whether there is something to resume: one that changed or sent something, or proved
+// that all is as it was meant. Others, such as a cancelled one, are passed over. Nothing if there is none.
 std::optional<std::size_t> LastOfOurs(std::span<const Operation> operations);
 
 // The last one that did. Nothing if none has.

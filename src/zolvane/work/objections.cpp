@@ -93,6 +93,9 @@ bool IsExpectedToBeOurs(const History& history, const std::string& file, const s
 
 std::string CutOffReason(const History& history, const std::string& file, const std::string& backup,
                          const std::string& exported) {
+  if (StateOfSeal(backup, backupSeal) == SealState::Whole) {
+    return {};
+  }
   if (!backup.ends_with('\n')) {
     return "a last line without an end";
   }

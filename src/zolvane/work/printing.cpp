@@ -52,8 +52,8 @@ std::string ColumnsText(const std::vector<TextRow>& rows, std::size_t indent) {
 
 std::string MeasuredText(const Descriptions& descriptions, std::string_view name,
                          const std::optional<std::string>& text) {
-  if (!text) {
-    return "(none)";
+  if (!text || text->empty()) {
+    return text ? "(empty)" : "(none)";
   }
   const auto measure = descriptions.Measure(name, *text);
   return measure ? Joined(Printable(*text), " (", *measure, ")") : Printable(*text);

@@ -31,6 +31,9 @@ inline constexpr std::string_view refused = "refused";      // an objection, or 
 inline constexpr std::string_view cancelled = "cancelled";  // by the answer to a box
 }  // namespace outcome
 
+// Of a value that somebody else changed, and that was left as found.
+inline constexpr std::string_view changedVerdict = "changed";
+
 // A value that an operation moved, or meant to, or that was only looked at.
 struct ReportedValue {
   std::string Key;

@@ -21,13 +21,6 @@ constexpr std::string_view lastOperation = "@last";
   throw UsageError{Joined(Quoted(name), " ", reason)};
 }
 
-void DemandFolder(Workplace& work, const std::string& folder) {
-  // One that is there cannot be read as a file.
-  if (work.Files.Read(folder).Is == DiskContent::State::Missing) {
-    throw UsageError{Joined("there is no folder ", Quoted(folder))};
-  }
-}
-
 // Whatever stops a reader.
 void TellDamage(Workplace& work, const History& history) {
   if (history.IsTorn()) {
@@ -79,6 +72,13 @@ Side SideOfFile(Workplace& work, const std::string& name) {
 }
 
 }  // namespace
+
+void DemandFolder(Workplace& work, const std::string& folder) {
+  // One that is there cannot be read as a file.
+  if (work.Files.Read(folder).Is == DiskContent::State::Missing) {
+    throw UsageError{Joined("there is no folder ", Quoted(folder))};
+  }
+}
 
 Side SideNamed(Workplace& work, const std::string& name) {
   if (name == "file") {

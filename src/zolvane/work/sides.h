@@ -25,6 +25,9 @@ struct Side {
   std::optional<Values> Answers{};             // what the instrument answered, where that was kept
 };
 
+// Throws UsageError if there is no such folder.
+void DemandFolder(Workplace& work, const std::string& folder);
+
 // Throws UsageError if there is no such side.
 Side SideNamed(Workplace& work, const std::string& name);
 

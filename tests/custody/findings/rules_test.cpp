@@ -143,6 +143,10 @@ const std::vector<Case>& Cases() {
        [](const auto& file) {
          EXPECT_EQ(Sent(Replaced(file, "Installed=2\n", "Installed=1\n"), "MountHeight"), "(not sent)");
        }},
+      {"gap", "Item1=\"Zolvane 200\"", "Item11=\"Zolvane 200\"", "Item2=\"Zolvane 400\"",
+       [](const auto& file) { EXPECT_EQ(QueriedAs(file, {.Stage = "ZV400"}, "DeviceType"), "0"); }},
+      {"only-listed", "Item3=\"96-Channel 30 ul\"", "Item33=\"96-Channel 30 ul\"", "Item4=\"384-Channel 30 ul\"",
+       [](const auto& file) { EXPECT_EQ(Sent(file, "AspirateOrigin_8Ch_300_S"), "(not sent)"); }},
       {"only-listed", "Item6=\"1250 ul Filter Tips\"", "Item66=\"1250 ul Filter Tips\"", "Item7=\"300 ul Wide",
        [](const auto& file) {
          const auto page = PageOf(file);
@@ -158,6 +162,8 @@ const std::vector<Case>& Cases() {
        [](const auto& file) { EXPECT_EQ(Sent(file, "MountHeight"), "13120"); }},
       {"out-of-range", "\"Stage 1\",STAGE,1612,", "\"Stage 1\",STAGE,16120000000,", "Item1=STAGE1,\"Stage 1\",STAGE,16120",
        [](const auto& file) { EXPECT_EQ(Sent(file, "STAGE1_X"), "0"); }},
+      {"out-of-range", "DeltaZ=24\n", "DeltaZ=1e400\n", "DeltaZ=1e400",
+       [](const auto& file) { EXPECT_EQ(Sent(file, "Delta_Z"), "0"); }},
       {"rounded", "\"Stage 1\",STAGE,1612,", "\"Stage 1\",STAGE,1612.5,", "Item1=STAGE1,\"Stage 1\",STAGE,1612.5",
        [](const auto& file) { EXPECT_EQ(Sent(file, "STAGE1_X"), "1612"); }},
       {"sent-rounded", "MountHeight=164.35", "MountHeight=164.353", "MountHeight=164.353",
@@ -185,6 +191,12 @@ const std::vector<Case>& Cases() {
          EXPECT_EQ(Sent(file, "MountHeight"), "(not sent)");
          EXPECT_EQ(Sent(file, "SDPreCollectHeightMM"), "0");
        }},
+      {"inherited-factor", "15200,2500,1700,700,16,1,0,3,160\nAxis4=\"S\",0.01,", "15200,2500,1700,700,16,1,0,3,160\nAxis4=\"S\",,",
+       "Axis4=\"S\",,",
+       [](const auto& file) { EXPECT_EQ(Sent(file, "TipEject_8Ch_300_S"), "-2224"); }},
+      {"inherited-factor", "15200,2500,1700,700,16,1,0,3,160\nAxis4=\"S\",0.01,",
+       "15200,2500,1700,700,16,1,0,3,160\nAxis4=\"S\",0.01mm,", "Axis4=\"S\",0.01mm",
+       [](const auto& file) { EXPECT_EQ(Sent(file, "TipEject_8Ch_300_S"), "-2224"); }},
       {"page-changes", "Installed=12\n", "Installed=99\n", "Installed=99",
        [](const auto& file) {
          CopySession session{file};
@@ -214,6 +226,8 @@ const std::vector<Case>& Cases() {
        [](const auto& file) { EXPECT_NE(Sent(file, "RackPickup_12_300_Z"), SentOfTheSample("RackPickup_12_300_Z")); }},
       {"misspelt-class", "NEST8,\"1A\"", "nest8,\"1A\"", "Item1=\"8-Channel Head Nest\"",
        [](const auto& file) { EXPECT_EQ(Sent(file, "NEST_1A_SD_X"), "(not sent)"); }},
+      {"misspelt-class", "Nest\",NEST12", "Nest\",NEST_12", "Item2=\"12-Channel Head Nest\"",
+       [](const auto& file) { EXPECT_EQ(Sent(file, "NEST_1E_SD_X"), "(not sent)"); }},
       {"undetectable", "\"ZV400\"", "\"ZV200\"", "Item2=\"Zolvane 400\"",
        [](const auto& file) { EXPECT_EQ(QueriedAs(file, {.Stage = "ZV200"}, "DeviceType"), "1"); }},
       {"undetected-module", "MICROTITER,1,1,0,2150", "MICROPLATE,1,1,0,2150", "Item1=\"96/384 Module\"",
@@ -297,6 +311,16 @@ TEST(CheckRules, SayWhatTheAddInReallyMakesOfIt) {
   for (const auto& broken : Cases()) {
     SCOPED_TRACE(broken.Code);
     broken.Effect(Broken(broken));
+  }
+}
+
+TEST(CheckRules, TakeNoOtherLayoutForAMisspeltOne) {
+  for (const std::string_view other : {"4_CH", "16_CH", "384_CH", "8_CH_LONG", "96_384"}) {
+    const auto file =
+        Replaced(SampleConfiguration(), "10204,10632,12_CH", "10204,10632," + std::string{other});
+    for (const auto& finding : CheckConfiguration(file, "Zolvane.ini")) {
+      EXPECT_NE(finding.Code, "misspelt-class") << finding.Text;
+    }
   }
 }
 

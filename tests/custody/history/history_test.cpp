@@ -132,8 +132,10 @@ TEST_F(HistoryOnDisk, AnObjectIsNotBelievedIfItIsNotWhatItsNameSays) {
   const auto name = *history.PutObject("some bytes");
   Disk.Put("/lab/Zolvane.history/objects/" + name, "other bytes");
   EXPECT_FALSE(history.Object(name));
-  EXPECT_EQ(history.PutObject("some bytes"), name);
-  EXPECT_EQ(history.Object(name), "some bytes");
+  EXPECT_EQ(history.DamageOfObject("some bytes"), "object " + name + " does not hold what its name says");
+  EXPECT_FALSE(history.PutObject("some bytes")) << "nobody would know any more that it was damaged";
+  EXPECT_EQ(Disk.Read("/lab/Zolvane.history/objects/" + name).Bytes, "other bytes");
+  EXPECT_EQ(history.DamageOfObject("other bytes"), "");
 }
 
 TEST_F(HistoryOnDisk, AnObjectHasNoOtherNameThanAHash) {

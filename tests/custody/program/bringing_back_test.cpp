@@ -88,6 +88,82 @@ TEST_F(BringingBackTest, NamesEveryKeyThatCannotBeRemoved) {
   }
 }
 
+TEST_F(BringingBackTest, ResumeGoesOnWithTheLastUploadThoughItsValueWasNotTaken) {
+  ASSERT_EQ(Run({"--yes", "--fault", "limit@STAGE1_X", "upload"}).Status, 1);
+  Replace("MountHeight=164.5", "MountHeight=165");
+  const auto cut = Run({"--yes", "--fault", "drop@MountHeight", "upload"});
+  ASSERT_EQ(cut.Status, 1) << cut.All();
+  const auto run = Run({"resume"});
+  EXPECT_EQ(run.Status, 0) << run.All();
+  EXPECT_EQ(Kept("MountHeight"), "13200");
+}
+
+TEST_F(BringingBackTest, WhoHasChangedNothingIsNotToldToUndoIt) {
+  ASSERT_EQ(Run({"--yes", "upload"}).Status, 0);
+  Replace("MountHeight=164.5", "MountHeight=165");
+  const auto refused = Run({"--yes", "--fault", "refuse@MountHeight", "upload"});
+  ASSERT_EQ(refused.Status, 1) << refused.All();
+  EXPECT_NE(refused.Errors.find("\"resume\" goes on from here"), std::string::npos) << refused.Errors;
+  EXPECT_EQ(refused.Errors.find("undo"), std::string::npos) << refused.Errors;
+  EXPECT_EQ(Run({"resume"}).Status, 0);
+  EXPECT_EQ(Kept("MountHeight"), "13200");
+  const auto cancelled = Run({"--answer", "cancel", "download"});
+  EXPECT_EQ(cancelled.Status, 1);
+  EXPECT_EQ(cancelled.Errors.find("undo"), std::string::npos) << cancelled.Errors;
+}
+
+TEST_F(BringingBackTest, ARestoreCutBehindTheFileIsResumed) {
+  const auto cut = Run({"--instrument", "--fault", "close@200", "restore", "@2"});
+  ASSERT_EQ(cut.Status, 1) << cut.All();
+  EXPECT_NE(cut.Errors.find("\"resume\" goes on from here, \"undo\""), std::string::npos) << cut.Errors;
+  EXPECT_EQ(cut.Errors.find("unknown since"), std::string::npos) << "no line had left: " << cut.Errors;
+  EXPECT_EQ(Run({"resume"}).Status, 0);
+  EXPECT_EQ(Configuration(), Sample());
+  EXPECT_EQ(Run({"diff", "file", "instrument"}).Status, 0);
+}
+
+// Somebody edits the file between an operation and its resume: that is no part of what is taken back.
+TEST_F(BringingBackTest, UndoOfAResumedOperationLeavesWhatSomebodyElseChangedMeanwhile) {
+  ASSERT_EQ(Run({"--yes", "upload"}).Status, 0);
+  const auto before = Configuration();
+  ASSERT_EQ(Run({"--instrument", "--fault", "close@200", "restore", "@2"}).Status, 1);
+  Replace("HeadDepth_8ch=46.3", "HeadDepth_8ch=47.5");
+  ASSERT_EQ(Run({"resume"}).Status, 0);
+  const auto undo = Run({"undo"});
+  EXPECT_EQ(undo.Status, 0) << undo.All();
+  auto expected = before;
+  const std::string_view old = "HeadDepth_8ch=46.3";
+  EXPECT_EQ(Configuration(), expected.replace(expected.find(old), old.size(), "HeadDepth_8ch=47.5"));
+}
+
+// What was let pass once, and left alone, is somebody else's still.
+TEST_F(BringingBackTest, AValueLeftToSomebodyElseIsNoLaterResumesOrUndos) {
+  ASSERT_EQ(Run({"--yes", "--fault", "close@300", "upload"}).Status, 1);
+  auto memory = Json::parse(Memory());
+  memory["MountHeight"] = "7777";
+  Folder.Put("memory.json", memory.dump());
+  ASSERT_EQ(Run({"resume"}).Status, 3);
+  ASSERT_EQ(Run({"--despite", "changed", "resume"}).Status, 1);
+  for (const auto* const command : {"resume", "undo"}) {
+    const auto run = Run({command});
+    EXPECT_EQ(run.Status, 3) << run.All();
+    EXPECT_EQ(Kept("MountHeight"), "7777");
+  }
+}
+
+TEST_F(BringingBackTest, UndoOfWhatLeftTheInstrumentAsItWasNeedsNone) {
+  ASSERT_EQ(Run({"--yes", "upload"}).Status, 0);
+  const auto before = Configuration();
+  const auto record = Folder.Path("now.html");
+  ASSERT_EQ(Run({"backup", record}).Status, 0);
+  Replace("HeadDepth_8ch=46.3", "HeadDepth_8ch=47.5");
+  ASSERT_EQ(Run({"--instrument", "restore", record}).Status, 0);
+  EXPECT_EQ(Configuration(), before);
+  const auto undo = RunAlone({"undo"});
+  EXPECT_EQ(undo.Status, 0) << undo.All();
+  EXPECT_NE(Configuration(), before);
+}
+
 TEST_F(BringingBackTest, ResumeSendsWhatIsMissing) {
   const auto cut = Run({"--yes", "--fault", "silent@250", "upload"});
   ASSERT_EQ(cut.Status, 1) << cut.All();

@@ -16,6 +16,12 @@ TEST_F(HistoryCommands, AFolderThatIsNotThereHasNone) {
   EXPECT_NE(run.Errors.find("there is no folder"), std::string::npos) << run.Errors;
 }
 
+TEST_F(HistoryCommands, AJournalThatIsMissingBesideItsObjectsIsDamage) {
+  ASSERT_EQ(Run({"--yes", "upload"}).Status, 0);
+  std::filesystem::remove(Folder.Path("Zolvane.history/journal.jsonl"));
+  EXPECT_EQ(Run({"history", "audit"}).Status, 1);
+}
+
 TEST_F(HistoryCommands, AnUndoSaysWhatItTookBack) {
   ASSERT_EQ(Run({"--yes", "upload"}).Status, 0);
   Replace("STAGE,1612,", "STAGE,1613,");

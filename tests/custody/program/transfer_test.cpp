@@ -235,6 +235,53 @@ TEST_F(TransferInCustody, AnInstrumentThatDoesNotSayWhatItIsIsUnusable) {
   EXPECT_FALSE(std::filesystem::exists(Folder.Path("Zolvane.history")));
 }
 
+TEST_F(TransferInCustody, AnAnswerThatDoesNotFitChangesNothing) {
+  Replace("STAGE,1612,", "STAGE,11612,");
+  const auto run = RunAlone({"--answer", "ok", "import", std::string{ZOLVANE_SAMPLES_PATH} + "/Zolvane.bak"});
+  EXPECT_EQ(run.Status, 2) << run.All();
+  EXPECT_NE(run.Errors.find("the file is as it was"), std::string::npos) << run.Errors;
+  EXPECT_EQ(run.Errors.find("undo"), std::string::npos) << run.Errors;
+  EXPECT_NE(Configuration().find("STAGE,11612,"), std::string::npos);
+}
+
+TEST_F(TransferInCustody, AFileThatCannotBeWrittenIsUnusable) {
+  std::filesystem::create_directory(Folder.Path("new.zolvane-new"));
+  for (const auto* const command : {"export", "backup"}) {
+    const auto run = RunAlone({command, Folder.Path("new")});
+    EXPECT_EQ(run.Status, 2) << run.All();
+    EXPECT_NE(run.Errors.find("cannot be written"), std::string::npos) << run.Errors;
+  }
+  EXPECT_FALSE(std::filesystem::exists(Folder.Path("Zolvane.history/journal.jsonl")));
+}
+
+TEST_F(TransferInCustody, ADamagedObjectIsNotRepairedByTheNextOperation) {
+  ASSERT_EQ(Run({"--yes", "upload"}).Status, 0);
+  const auto object = "Zolvane.history/objects/" + LastEntry().at("file_after").get<std::string>();
+  Folder.Put(object, Folder.Read(object) + "x");
+  const auto document = RunJson({"--yes", "upload"});
+  EXPECT_EQ(document.at("exit_status"), 3);
+  EXPECT_EQ(document.at("objections")[0].at("code"), "history-damaged") << document.dump(2);
+  EXPECT_EQ(RunAlone({"history", "audit"}).Status, 1);
+  const auto passed = Run({"--yes", "--despite", "history-damaged", "upload"});
+  EXPECT_EQ(passed.Status, 0) << passed.All();
+  EXPECT_TRUE(std::filesystem::exists(Folder.Path("Zolvane.history.damaged-1")));
+  EXPECT_EQ(RunAlone({"history", "audit"}).Status, 0);
+}
+
+TEST_F(TransferInCustody, AWholeBackupThatWeClosedIsNotCutOff) {
+  const auto whole = Configuration();
+  const auto begin = whole.find("[PlateType]");
+  auto lacking = whole;
+  lacking.erase(begin, whole.find("\r\n[", begin) + 2 - begin);
+  Folder.Put("Zolvane.ini", lacking);
+  ASSERT_EQ(RunAlone({"export", Folder.Path("own.bak")}).Status, 0);
+  Folder.Put("Zolvane.ini", whole);
+  const auto document = RunJson({"--yes", "import", Folder.Path("own.bak")});
+  for (const auto& objection : document.at("objections")) {
+    EXPECT_EQ(objection.at("code"), "findings") << objection;
+  }
+}
+
 TEST_F(TransferInCustody, ADownloadIsReadBack) {
   ASSERT_EQ(Run({"--yes", "upload"}).Status, 0);
   Replace("STAGE,1612,", "STAGE,11612,");

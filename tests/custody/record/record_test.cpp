@@ -131,7 +131,10 @@ TEST(Record, OfAnotherKindOfFileIsRefusedWithItsReason) {
   EXPECT_EQ(ReadRecord("").Refusal, "is no adjustment record");
   EXPECT_EQ(ReadRecord("[DeviceType]\r\nInstalled=2\r\n").Refusal, "is no adjustment record");
   EXPECT_FALSE(LooksLikeRecord("<!DOCTYPE html>\n<html></html>\n"));
-  EXPECT_TRUE(LooksLikeRecord(WriteRecord(SmallRecord())));
+  const auto record = WriteRecord(SmallRecord());
+  EXPECT_TRUE(LooksLikeRecord(record));
+  const auto end = record.substr(record.rfind('\n', record.size() - 2) + 1);
+  EXPECT_TRUE(LooksLikeRecord("only its end\n" + end)) << end;
 }
 
 TEST(Record, RefusalsSayWhetherTheFileIsCutOffOrDamaged) {

@@ -212,6 +212,44 @@ TEST_F(EditedBehind, IsNotSeenInWhatTheOperationWasToWrite) {
                                                  "end of backup"}));
 }
 
+TEST_F(EditedBehind, DoesNotKeepTheFileFromGoingBackWhole) {
+  const auto before = room_.Configuration();
+  const auto halfway = Replaced(before, "[Z_Calibration]\n", "[Z_Calibration]\nAdded=1\n");
+  Edit("MountHeight=160.25", "MountHeight=150.75");
+  Edit("[Z_Calibration]\n", "[Z_Calibration]\nAdded=1\n");
+  BeginAgain("upload", before);
+  room_.Files.Put(ConfigFileIn(CustodyRoom::Folder()), halfway);
+  const auto ran = RunBut({"--despite", "unfinished", "undo"});
+  EXPECT_EQ(ran.Status(), 0) << ran.Printed;
+  EXPECT_EQ(room_.Configuration(), before);
+}
+
+// ---- A download that was cut short
+
+class UnfinishedDownload : public EditedBehind {
+ protected:
+  void SetUp() override {
+    ASSERT_EQ(RunBut({"upload"}).Status(), 0);
+    before_ = room_.Configuration();
+    ASSERT_EQ(RunBut({"download"}).Status(), 0);
+    ASSERT_NE(room_.Configuration(), before_);
+    BeginAgain("download", before_);
+  }
+
+  std::string before_;
+};
+
+// Both sides are known by then, though not all went back.
+TEST_F(UnfinishedDownload, IsEndedByAnUndoThatLeavesSomebodyElsesValue) {
+  Edit("10340,10768,8_CH", "10340,10769,8_CH");
+  const auto refused = RunBut({"undo"});
+  EXPECT_EQ(refused.Status(), exit_status::objection) << refused.Printed;
+  const auto ran = RunBut({"--despite", "changed", "undo"});
+  EXPECT_EQ(ran.Status(), 1) << ran.Printed;
+  EXPECT_NE(room_.Configuration().find(",10769,8_CH"), std::string::npos) << room_.Configuration();
+  EXPECT_FALSE(StandsInTheWay());
+}
+
 // ---- Besides ----
 
 TEST_F(UnfinishedUpload, IsNeverHiddenByAFileWrittenOverTheHistory) {

@@ -69,6 +69,14 @@ TEST(Verdict, AValueUnderTheKeyBeforeIsTheNeighboursOnBoth) {
   EXPECT_EQ(verdicts[2].Is, Proof::Verified);
 }
 
+TEST(Verdict, AValueUnderTheKeyBeforeIsTheNeighboursThoughItStoodInItsOwnPlaceBefore) {
+  const std::vector<SentLine> lines{{.Key = "A", .Text = "1", .Reply = "OK"},
+                                    {.Key = "B", .Text = "2", .Reply = "OK"}};
+  const auto found = ValuesOf({{"A", "1"}, {"B", "2"}});
+  EXPECT_EQ(Judged(lines, found, ValuesOf({{"A", "2"}, {"B", "2"}})).front().Why, Cause::Neighbour);
+  EXPECT_NE(Judged(lines, found, ValuesOf({{"A", "3"}, {"B", "2"}})).front().Why, Cause::Neighbour);
+}
+
 TEST(Verdict, AKeyThatIsUnknownBeforeAndAfterIsUnreadable) {
   const std::vector<SentLine> lines{{.Key = "KEY", .Text = "8", .Reply = "OK"}};
   const auto verdict = Judged(lines, Unknown("KEY"), Unknown("KEY")).front();
