@@ -196,10 +196,17 @@ std::optional<std::size_t> LastOfOurs(std::span<const Operation> operations) {
   return std::nullopt;
 }
 
+// What was resumed is a part of what resumed it.
 std::optional<std::size_t> LastChange(const std::vector<Operation>& operations) {
+  std::vector<bool> wasResumed(operations.size());
   for (auto place = operations.size(); place > 0; --place) {
-    if (HasChangedSomething(operations, place - 1)) {
+    if (!wasResumed[place - 1] && HasChangedSomething(operations, place - 1)) {
       return place - 1;
+    }
+    const bool isResume = operations[place - 1].Begun->Action == action::resume;
+    const auto resumed = isResume ? LastOfOurs(std::span{operations}.first(place - 1)) : std::nullopt;
+    if (resumed) {
+      wasResumed[*resumed] = true;
     }
   }
   return std::nullopt;

@@ -112,6 +112,16 @@ TEST_F(BringingBackTest, WhoHasChangedNothingIsNotToldToUndoIt) {
   EXPECT_EQ(cancelled.Errors.find("undo"), std::string::npos) << cancelled.Errors;
 }
 
+TEST_F(BringingBackTest, UndoPassesOverAResumedUploadThatChangedNothing) {
+  const auto before = Kept("MountHeight");
+  ASSERT_EQ(Run({"--yes", "upload"}).Status, 0);
+  ASSERT_EQ(Run({"--yes", "--fault", "close@300", "upload"}).Status, 1);
+  ASSERT_EQ(Run({"resume"}).Status, 0);
+  ASSERT_NE(Kept("MountHeight"), before);
+  EXPECT_EQ(Run({"undo"}).Status, 0);
+  EXPECT_EQ(Kept("MountHeight"), before);
+}
+
 TEST_F(BringingBackTest, ARestoreCutBehindTheFileIsResumed) {
   const auto cut = Run({"--instrument", "--fault", "close@200", "restore", "@2"});
   ASSERT_EQ(cut.Status, 1) << cut.All();
