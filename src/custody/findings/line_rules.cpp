@@ -188,7 +188,7 @@ class LineRules {
   }
 
   std::string GapText(const SeenLine& line) {
-    return *section_->NumberIn(line.Key) > FirstGap(line)
+    return section_->NumberIn(line.Key).value_or(0) > FirstGap(line)
                ? Joined(" is never seen, as there is no ", KeyOf(FirstGap(line)))
                : " is never seen, as a line before it has no name";
   }

@@ -160,10 +160,10 @@ void CheckRounding(CheckedFile& file, const CurrentRecords& inForce, const std::
   for (const auto& rounded : search.Find()) {
     if (const auto* const source = search.SourceOf(rounded)) {
       const auto& line = script[rounded.Place];
-      file.Add(
-          "sent-rounded", source->Number,
-          Joined(Printable(NameOfPlace(source->Section, source->Key)), ": the upload sends ", *line.Value,
-                 " for ", Printable(line.Key), ", rounded from ", GeneralText(rounded.Exact)));
+      file.Add("sent-rounded", source->Number,
+               Joined(Printable(NameOfPlace(source->Section, source->Key)), ": the upload sends ",
+                      line.Value.value_or(""), " for ", Printable(line.Key), ", rounded from ",
+                      GeneralText(rounded.Exact)));
     }
   }
 }

@@ -116,7 +116,8 @@ bool Bring(ProvingLink& link, const std::vector<Step>& plan, Ending ending) {
   std::string reply;
   const auto send = [&](std::string line) { return MetOnlyIf(link.SendCommand(line, reply, 0)); };
   for (const auto& step : plan) {
-    if (step.Is == Standing::ToDo && !send(Joined(settingStart, step.Of.Name, " ", *step.Of.Wanted))) {
+    if (step.Is == Standing::ToDo &&
+        !send(Joined(settingStart, step.Of.Name, " ", step.Of.Wanted.value_or("")))) {
       return false;
     }
   }
@@ -175,7 +176,8 @@ std::string Brought(std::string_view present, const std::vector<Step>& plan) {
       continue;
     }
     const auto line = file.Find(place->Section, place->Key).value_or("");
-    const auto value = place->Piece ? WithPiece(line, *place->Piece, *step.Of.Wanted) : *step.Of.Wanted;
+    const auto wanted = step.Of.Wanted.value_or("");
+    const auto value = place->Piece ? WithPiece(line, *place->Piece, wanted) : wanted;
     if (const auto edit = file.PlanValue(place->Section, place->Key, value)) {
       file.Apply(*edit);
     }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <ranges>
 #include <utility>
 
 #include "config/conversions.h"
@@ -71,7 +72,7 @@ void WireRules::Overhear(std::string_view line) {
 // A line that names a key answers the question for that key and nothing else.
 WireRules::Verdict WireRules::HearNamed(std::string_view name, std::string_view line) {
   hasNamed_ = true;
-  if (NamesTheKeyInHand(name)) {
+  if (key_ && NamesTheKeyInHand(name)) {
     Remember(*key_);
     isLost_ = false;
     return Close();
@@ -222,8 +223,9 @@ void WireRules::LetGo() {
 
 std::optional<std::string> WireRules::KeyForPlace() const {
   const auto isOwed = [this](std::string_view key) { return HoldsInAnyCase(owed_, key); };
-  const auto latest = std::find_if_not(answered_.rbegin(), answered_.rend(), isOwed);
-  if (latest != answered_.rend()) {
+  const auto backwards = answered_ | std::views::reverse;
+  const auto latest = std::ranges::find_if_not(backwards, isOwed);
+  if (latest != backwards.end()) {
     return *latest;
   }
   const auto* const common = std::ranges::find_if_not(commonKeys, isOwed);
