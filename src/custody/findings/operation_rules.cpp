@@ -175,6 +175,21 @@ void CheckPositions(CheckedFile& file, const Configuration& configuration) {
   }
 }
 
+// Where a volume correction names that key, the last time; 0 if none does.
+std::size_t LineOfCorrection(const CheckedFile& file, std::string_view key) {
+  std::size_t found = 0;
+  for (const auto& line : file.Lines) {
+    if (line.Counts && line.Is == SectionedText::LineKind::Key &&
+        FileSectionOf(line.Section).IsCorrection()) {
+      const auto pieces = PiecesOf(line.Value);
+      const bool isOfKey =
+          pieces.size() > correctionKeyPiece && WithoutQuotes(pieces[correctionKeyPiece]) == key;
+      found = isOfKey ? line.Number : found;
+    }
+  }
+  return found;
+}
+
 void CheckOverridden(CheckedFile& file, const Script& script) {
   Values lines;
   for (const auto& line : script) {
@@ -186,7 +201,7 @@ void CheckOverridden(CheckedFile& file, const Script& script) {
     const auto first = earlier.Text.value_or("");
     const auto last = lines.TextOf(earlier.Name).value_or("");
     const bool isSame = SameText(first, last);
-    file.Add(isSame ? "sent-twice" : "overridden", 0,
+    file.Add(isSame ? "sent-twice" : "overridden", LineOfCorrection(file, earlier.Name),
              Joined("the upload sends ", Printable(earlier.Name), " more than once: ",
                     isSame ? "each time " : Joined(Shown(first), ", and at the end "), Shown(last)));
   }

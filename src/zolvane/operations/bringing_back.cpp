@@ -48,6 +48,7 @@ class BringingBack final : public CustodyOperation {
  private:
   void LookAtFile(Custody& custody);
   void LookAtValues(Custody& custody);
+  void LeaveToLaterOnes(Custody& custody);
   void ObjectToChanges(Custody& custody) const;
   void WriteFile(Custody& custody, Evidence& evidence) const;
   void SendValues(Custody& custody, Evidence& evidence) const;
@@ -122,6 +123,7 @@ void BringingBack::LookAtValues(Custody& custody) {
   DemandAnswers(*custody.Found.Answers, link);
   const auto wishes = WishesFor(wanted, target_.Of ? target_.Of->TracesOf() : Traces{});
   lines_ = PlanFor(wishes, *custody.Found.Answers, target_.Of ? Spelling::GoesBack : Spelling::Stays);
+  LeaveToLaterOnes(custody);
   Values intended;
   for (const auto& step : lines_) {
     if (step.Is == Standing::AsWanted || step.Is == Standing::ToDo) {
@@ -130,6 +132,29 @@ void BringingBack::LookAtValues(Custody& custody) {
   }
   custody.Intended.Answers = std::move(intended);
   steps_.insert(steps_.end(), lines_.begin(), lines_.end());
+}
+
+// A value that a later operation of this history left, and that this one had left as it was, is nobody else's change and
+// not this one's to bring back.
+void BringingBack::LeaveToLaterOnes(Custody& custody) {
+  Values later;
+  for (const auto& operation : custody.Kept.Operations()) {
+    const bool isLater = target_.Of && operation.Number() > target_.Of->Numbers.Last;
+    const bool sends = operation.Ended != nullptr && action::SendsValues(operation.Begun->Action);
+    const auto left = isLater && sends ? KeptValues(custody.Kept, operation.Ended->Left) : std::nullopt;
+    if (left) {
+      std::ranges::for_each(left->InOrder(), [&later](const Value& value) { later.Add(value); });
+    }
+  }
+  std::erase_if(lines_, [&](const Step& step) {
+    const auto& name = step.Of.Name;
+    const auto textOf = [&name](const std::optional<Values>& values) {
+      return values ? values->TextOf(name) : std::nullopt;
+    };
+    return step.Is == Standing::Changed && later.Find(name) != nullptr &&
+           SameValue(later.TextOf(name), step.Present) && target_.Of->Left.Answers &&
+           SameValue(textOf(target_.Of->Found.Answers), textOf(target_.Of->Left.Answers));
+  });
 }
 
 void BringingBack::ObjectToChanges(Custody& custody) const {

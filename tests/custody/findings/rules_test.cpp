@@ -239,13 +239,13 @@ const std::vector<Case>& Cases() {
            return write.Section == "CageType" && write.Key == "Installed" && write.Text == "0";
          }));
        }},
-      {"overridden", "1.0241,\"VOL_8CH_30_2\"", "1.0241,\"VOL_8CH_30_1\"", wholeFile,
+      {"overridden", "1.0241,\"VOL_8CH_30_2\"", "1.0241,\"VOL_8CH_30_1\"", "2Item=5 ul,1.0241,\"VOL_8CH_30_1\"",
        [](const auto& file) {
          EXPECT_EQ(Sent(file, "VOL_8CH_30_1"), "102410");
          EXPECT_EQ(WireFaceOfFile(file).Lines.Overridden().size(), 1U);
        }},
       {"sent-twice", "126,143,9480,50.4,3,1,0,0,0,1,0,\"\"", "126,143,9480,50.4,3,1,0,0,0,1,0,\"VolumeCorrection_8_CH_30\"",
-       wholeFile,
+       "1Item=1 ul,1.0685,\"VOL_8CH_30_1\"",
        [](const auto& file) { EXPECT_EQ(WireFaceOfFile(file).Lines.Overridden().size(), 4U); }},
       {"backup-changes", "3260,2485,131.20", "3260,2485,131.207", "Item1=\"8-Channel Head Nest\"",
        [](const auto& file) {

@@ -112,6 +112,28 @@ TEST_F(BringingBackTest, WhoHasChangedNothingIsNotToldToUndoIt) {
   EXPECT_EQ(cancelled.Errors.find("undo"), std::string::npos) << cancelled.Errors;
 }
 
+TEST_F(BringingBackTest, UndoOfAnOlderUploadLeavesWhatALaterOneOfOursChanged) {
+  ASSERT_EQ(Run({"--yes", "upload"}).Status, 0);
+  const auto number = RunJson({"history"}).at("operations").back().at("operation").get<int>();
+  const auto stage = Kept("STAGE1_X");
+  Replace("DeltaZ=24", "DeltaZ=30");
+  ASSERT_EQ(Run({"--yes", "upload"}).Status, 0);
+  const auto undo = Run({"undo", std::to_string(number)});
+  EXPECT_EQ(undo.Status, 0) << undo.All();
+  EXPECT_NE(Kept("STAGE1_X"), stage);
+  EXPECT_EQ(Kept("Delta_Z"), "30");
+}
+
+// What both changed is the later one's.
+TEST_F(BringingBackTest, UndoOfAnOlderUploadObjectsToWhatALaterOneChangedAgain) {
+  ASSERT_EQ(Run({"--yes", "upload"}).Status, 0);
+  const auto number = RunJson({"history"}).at("operations").back().at("operation").get<int>();
+  Replace("MountHeight=164.5", "MountHeight=165");
+  ASSERT_EQ(Run({"--yes", "upload"}).Status, 0);
+  EXPECT_EQ(Run({"undo", std::to_string(number)}).Status, 3);
+  EXPECT_EQ(Kept("MountHeight"), "13200");
+}
+
 TEST_F(BringingBackTest, UndoPassesOverAResumedUploadThatChangedNothing) {
   const auto before = Kept("MountHeight");
   ASSERT_EQ(Run({"--yes", "upload"}).Status, 0);
