@@ -68,7 +68,7 @@ LOGFONTW TitleFont(UINT dpi) {
   font.lfCharSet = DEFAULT_CHARSET;
   font.lfQuality = CLEARTYPE_QUALITY;
   constexpr std::wstring_view face = L"Arial";
-  std::copy(face.begin(), face.end(), std::begin(font.lfFaceName));
+  std::ranges::copy(face, std::begin(font.lfFaceName));
   return font;
 }
 

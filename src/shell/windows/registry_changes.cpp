@@ -1,7 +1,7 @@
 #include "shell/windows/registry_changes.h"
 
-#include <algorithm>
 #include <optional>
+#include <ranges>
 #include <utility>
 
 #include "win32/guarded.h"
@@ -78,15 +78,17 @@ void Restore(const std::wstring& key, const std::wstring& name, const std::optio
 
 // The innermost first.
 void DeleteKeys(const std::vector<std::wstring>& keys) {
-  std::for_each(keys.rbegin(), keys.rend(),
-                [](const auto& key) { RegDeleteKeyW(HKEY_LOCAL_MACHINE, Full(key).c_str()); });
+  for (const auto& key : keys | std::views::reverse) {
+    RegDeleteKeyW(HKEY_LOCAL_MACHINE, Full(key).c_str());
+  }
 }
 
 }  // namespace
 
 RegistryChanges::~RegistryChanges() {
-  std::for_each(undo_.rbegin(), undo_.rend(),
-                [](const auto& undo) { GuardedOr(0, [&] { return undo(), 0; }); });
+  for (const auto& undo : undo_ | std::views::reverse) {
+    GuardedOr(0, [&] { return undo(), 0; });
+  }
 }
 
 HRESULT RegistryChanges::SetText(const std::wstring& key, const std::wstring& name,

@@ -334,7 +334,9 @@ Target Finishing(Custody& custody) {
                             ", cannot be resumed: undo it, or run it again")};
   }
   auto kept = KeptOf(custody.Kept, operations, *last);
-  return {.Wanted = kept.Intended, .Of = std::move(kept), .Saves = kept.Saves};
+  Target target{.Wanted = kept.Intended, .Saves = kept.Saves};
+  target.Of = std::move(kept);
+  return target;
 }
 
 Target Recorded(Custody& custody, const std::string& name) {

@@ -313,9 +313,10 @@ std::string_view WayOn(const Custody& custody, std::string_view outcome) {
   if (!hasStopped || !(hasSent || hasWritten)) {
     return "";
   }
-  return !action::SendsValues(custody.Draft.Action) ? "; \"undo\" takes back what it changed, or run it again"
-         : isToUndo                                 ? "; \"resume\" goes on from here, \"undo\" takes it back"
-                                                    : "; \"resume\" goes on from here";
+  return !action::SendsValues(custody.Draft.Action)
+             ? R"(; "undo" takes back what it changed, or run it again)"
+         : isToUndo ? R"(; "resume" goes on from here, "undo" takes it back)"
+                    : R"(; "resume" goes on from here)";
 }
 
 void Tell(const Custody& custody, const Conclusion& conclusion) {

@@ -173,7 +173,7 @@ void ObjectToFindings(const Workplace& work, Objections& objections) {
 
 void ObjectToInstrument(const History& history, const std::string& configuration, const std::string& stage,
                         Objections& objections) {
-  const auto entries = history.Entries();
+  const auto& entries = history.Entries();
   const auto last = std::ranges::find_if(entries.rbegin(), entries.rend(),
                                          [](const Entry& entry) { return !entry.Instrument.empty(); });
   const auto expected =

@@ -334,13 +334,15 @@ void MainWindow::HandleMeanwhile(MSG& message) {
   const bool isKey = IsOneOf(message.message, WM_KEYFIRST, WM_KEYLAST);
   const bool isForPage = IsForPage(message);
   if (message.message == WM_KEYDOWN && message.wParam == VK_ESCAPE) {
-    return requests_.Stop();
+    requests_.Stop();
+    return;
   }
   if (isForPage && IsOneOf(message.message, WM_MOUSEFIRST, WM_MOUSELAST)) {
     return;
   }
   if (isForPage && message.message >= WM_USER) {
-    return forLater_.push_back(message);
+    forLater_.push_back(message);
+    return;
   }
   if (isForPage && isKey) {
     message.hwnd = window_;
@@ -427,19 +429,25 @@ void MainWindow::OnCommand(int id) {
 void MainWindow::Request(int id) {
   switch (id) {
     case openPageId:
-      return requests_.OpenPage();
+      requests_.OpenPage();
+      break;
     case closePageId:
-      return RequestEnd(wantsClose_);
+      RequestEnd(wantsClose_);
+      break;
     case saveId:
-      return requests_.Save();
+      requests_.Save();
+      break;
     case helpId:
-      return requests_.Help();
+      requests_.Help();
+      break;
     case stopId:
-      return requests_.Stop();
+      requests_.Stop();
+      break;
     case quitId:
-      return RequestEnd(wantsQuit_);
+      RequestEnd(wantsQuit_);
+      break;
     default:
-      return;
+      break;
   }
 }
 

@@ -88,7 +88,7 @@ class MainWindow {
   bool IsForPage(const MSG& message) const;
   void HandleMeanwhile(MSG& message);
   void LimitSize(MINMAXINFO& limits) const;
-  SIZE SizeAround(int logHeight) const;
+  SIZE SizeAround(int logPixels) const;
   void UpdateTitle() const;
   void DoPostponed();
   int Scaled(int pixels) const;

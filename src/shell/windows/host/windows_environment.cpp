@@ -36,7 +36,7 @@ class CurrentFolder {
 // The system wants a filter's pairs separated and ended by zeros instead of bars.
 std::wstring FilterPairs(std::string_view filter) {
   std::wstring pairs = Wide(filter);
-  std::replace(pairs.begin(), pairs.end(), L'|', L'\0');
+  std::ranges::replace(pairs, L'|', L'\0');
   return pairs + L'\0';
 }
 

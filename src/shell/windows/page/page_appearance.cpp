@@ -52,6 +52,7 @@ std::wstring EntryText(HWND list, LRESULT entry) {
 std::vector<std::wstring> EntryTexts(HWND list) {
   std::vector<std::wstring> texts;
   const auto entries = SendMessageW(list, CB_GETCOUNT, 0, 0);
+  texts.reserve(static_cast<std::size_t>(std::max<LRESULT>(entries, 0)));
   for (LRESULT entry = 0; entry < entries; ++entry) {
     texts.push_back(EntryText(list, entry));
   }
