@@ -81,7 +81,7 @@ TEST_F(UnfinishedUpload, StandsInTheWayOfAnUndoOfAnother) {
   const auto ran = RunBut({"undo", "2"});
   EXPECT_EQ(ran.Status(), exit_status::objection) << ran.Printed;
   EXPECT_NE(ran.Printed.find("[unfinished]"), std::string::npos) << ran.Printed;
-  EXPECT_NE(ran.Printed.find("\"resume\" or \"undo " + std::to_string(number_) + "\" ends it"),
+  EXPECT_NE(ran.Printed.find(R"("resume" or "undo )" + std::to_string(number_) + R"(" ends it)"),
             std::string::npos)
       << ran.Printed;
 }
