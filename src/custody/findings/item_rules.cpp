@@ -1,8 +1,6 @@
 // Classes, codes and names by which the items of the lists are found.
 #include <algorithm>
 #include <array>
-#include <cctype>
-#include <functional>
 #include <iterator>
 #include <span>
 #include <vector>
@@ -36,32 +34,28 @@ constexpr std::array headLayouts{channel_layout::oneShort, channel_layout::oneLo
 
 void CheckSpelling(CheckedFile& file, std::string_view section, const std::string& item,
                    std::string_view text, std::string_view meant) {
-  if (!meant.empty() && text != meant) {
+  if (!meant.empty()) {
     file.Add("misspelt-class", file.LineOf(section, ItemKey(item)),
              Joined(Printable(NameOfPlace(section, ItemKey(item))), ": ", Shown(text), " is nearly ", meant,
                     ", but not to the letter: the upload does not find the item by it"));
   }
 }
 
-std::string Only(std::string_view text, const std::function<bool(unsigned char)>& isMeant) {
-  std::string kept;
-  std::ranges::copy_if(UpperCase(text), std::back_inserter(kept), isMeant);
-  return kept;
+std::string DigitsOf(std::string_view text) {
+  std::string digits;
+  std::ranges::copy_if(text, std::back_inserter(digits), [](char one) { return one >= '0' && one <= '9'; });
+  return digits;
 }
 
 // A text that is none of them, but one of them to a reader: its digits tell one from another, letters may be mistyped.
 std::string_view MeantBy(std::string_view text, std::span<const std::string_view> known) {
-  const auto digits = [](unsigned char one) { return std::isdigit(one) != 0; };
-  const auto signs = [](unsigned char one) { return std::isalnum(one) != 0; };
   if (std::ranges::find(known, text) != known.end()) {
     return {};
   }
   std::vector<std::string_view> alike;
   std::ranges::copy_if(known, std::back_inserter(alike),
-                       [&](const auto name) { return Only(name, digits) == Only(text, digits); });
-  const auto same =
-      std::ranges::find_if(alike, [&](const auto name) { return Only(name, signs) == Only(text, signs); });
-  return same != alike.end() ? *same : NearestName(text, alike);
+                       [&](const auto name) { return DigitsOf(name) == DigitsOf(text); });
+  return NearestName(text, alike);
 }
 
 template <class Record>
