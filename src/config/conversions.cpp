@@ -261,12 +261,12 @@ std::string WholeText(std::int32_t value) {
 }
 
 std::string GeneralText(double value) {
-  constexpr double smallestPlain = 1e-4;
-  constexpr double firstWithExponent = 1e15;
+  // 1e-4 and the last below 1e15. The rounded digits decide, so that a text read back is written the same.
+  constexpr int smallestPlain = -3;
+  constexpr int lastPlain = 15;
   DecimalForm form = ToDecimalForm(value);
   DropTrailingZeros(form.Digits);
-  const double magnitude = std::abs(value);
-  const bool isPlain = magnitude == 0.0 || (magnitude >= smallestPlain && magnitude < firstWithExponent);
+  const bool isPlain = form.PointPosition >= smallestPlain && form.PointPosition <= lastPlain;
   const std::string text = isPlain ? PlainText(form.Digits, form.PointPosition)
                                    : ExponentText(form.Digits, form.PointPosition - 1);
   return form.IsNegative ? WithMinus(text) : text;

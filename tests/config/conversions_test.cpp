@@ -386,6 +386,14 @@ TEST(GeneralText, WritesAnExponentFromATensToTheFifteenthOn) {
   EXPECT_EQ(GeneralText(1e100), "1E+100");
 }
 
+TEST(GeneralText, TheRoundedDigitsDecideWhetherThereIsAnExponent) {
+  EXPECT_EQ(GeneralText(999999999999999.25), "999999999999999");
+  EXPECT_EQ(GeneralText(999999999999999.875), "1E+15");
+  EXPECT_EQ(GeneralText(-999999999999999.875), "-1E+15");
+  EXPECT_EQ(GeneralText(std::nextafter(0.0001, 0.0)), "0.0001");
+  EXPECT_EQ(GeneralText(0.0000999999999999999), "9.99999999999999E-05");
+}
+
 TEST(GeneralText, NeverHasASignBeforeAZero) {
   EXPECT_EQ(GeneralText(-0.0), "0");
 }
