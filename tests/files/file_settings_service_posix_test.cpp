@@ -17,6 +17,7 @@
 
 #include "files/exchanged_file.h"
 #include "files/file_settings_service.h"
+#include "files/ordinary_user_posix.h"
 #include "support/temporary_folder.h"
 
 namespace zolvane {
@@ -26,19 +27,6 @@ using Pieces = std::vector<std::string>;
 
 std::string ValueOf(FileSettingsService& service, const std::string& path, std::string_view key) {
   return service.ReadValue("A", key, path, "none").value();
-}
-
-// As a user without privileges, in a process of its own. True when `check` is.
-bool HoldsForOrdinaryUser(const std::function<bool()>& check) {
-  const pid_t child = ::fork();
-  if (child == 0) {
-    constexpr unsigned nobody = 65534;
-    const bool isOrdinary = ::geteuid() != 0 || (::setgid(nobody) == 0 && ::setuid(nobody) == 0);
-    ::_exit(isOrdinary && check() ? 0 : 1);
-  }
-  int result = -1;
-  ::waitpid(child, &result, 0);
-  return WIFEXITED(result) && WEXITSTATUS(result) == 0;
 }
 
 // No file of this process can become larger while it lives: a disk that is full to the byte.
@@ -80,7 +68,7 @@ class LinkedConfiguration : public testing::Test {
     std::filesystem::create_symlink("old.ini", link_);
     const auto start = std::chrono::steady_clock::now();
     const auto file = OpenExchangedFile(link_);
-    while (!(file->Read().Is == FileContent::State::Present && file->IsCurrent()) &&
+    while ((file->Read().Is != FileContent::State::Present || !file->IsCurrent()) &&
            std::chrono::steady_clock::now() < start + std::chrono::seconds{10}) {
     }
     EXPECT_EQ(ValueOf(service_, link_, "x"), "old.ini");

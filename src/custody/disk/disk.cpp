@@ -4,11 +4,30 @@
 #include "text/printable.h"
 
 namespace zolvane {
+namespace {
+
+// As no file of a user is named.
+std::string FreshNameOf(const std::string& path) {
+  return path + ".zolvane-new";
+}
+
+}  // namespace
+
+Status Disk::CreateFresh(const std::string& path, std::string_view bytes) {
+  const auto fresh = FreshNameOf(path);
+  PassOver(Remove(fresh));  // left behind by a program that was killed
+  return Create(fresh, bytes);
+}
 
 Status Disk::Replace(const std::string& path, std::string_view bytes) {
-  const auto fresh = path + ".zolvane-new";  // as no file of a user is named
-  PassOver(Remove(fresh));                   // left behind by a program that was killed
-  return Create(fresh, bytes).Then([&] { return SyncFile(fresh); }).Then([&] { return Rename(fresh, path); });
+  const auto fresh = FreshNameOf(path);
+  return CreateFresh(path, bytes).Then([&] { return SyncFile(fresh); }).Then([&] {
+    return Rename(fresh, path);
+  });
+}
+
+Status Disk::TryReplacing(const std::string& path) {
+  return CreateFresh(path, "").Then([&] { return Remove(FreshNameOf(path)); });
 }
 
 Status Disk::Fail(const std::string& path, std::string_view reason) {

@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -69,9 +70,17 @@ class Disk {
   // A settings file, for FileSettingsService. The disk outlives it.
   virtual std::unique_ptr<ExchangedFile> OpenSettings(const std::string& path) = 0;
 
+  // Why a settings file cannot be written there, as the end of a sentence about it ("cannot be written"). Nothing if it
+  // can; it may be missing.
+  virtual std::optional<std::string> ReasonAgainstWriting(const std::string& path) = 0;
+
   // Puts the file there, whatever stood under its name: at any time it is the old one or the new one, whole. The
   // name lasts after the next SyncFolder.
   Status Replace(const std::string& path, std::string_view bytes);
+
+  // Whether Replace can make a file there. Nothing of the trial stays but, after a power cut, an empty file of another
+  // name.
+  Status TryReplacing(const std::string& path);
 
   // Why the last call that failed did, as a sentence without its full stop, with the path in it.
   const std::string& FailureReason() const { return failureReason_; }
@@ -81,6 +90,8 @@ class Disk {
   Status FailWith(std::string reason);
 
  private:
+  Status CreateFresh(const std::string& path, std::string_view bytes);
+
   std::string failureReason_;
 };
 
@@ -97,6 +108,7 @@ class SystemDisk final : public Disk {
   Status Remove(const std::string& path) override;
   std::unique_ptr<DiskLock> Lock(const std::string& path, std::string& holder) override;
   std::unique_ptr<ExchangedFile> OpenSettings(const std::string& path) override;
+  std::optional<std::string> ReasonAgainstWriting(const std::string& path) override;
 
  private:
   Status FailAsTheSystemSays(const std::string& path, std::string_view what);
@@ -120,6 +132,7 @@ class MemoryDisk final : public Disk {
   Status Remove(const std::string& path) override;
   std::unique_ptr<DiskLock> Lock(const std::string& path, std::string& holder) override;
   std::unique_ptr<ExchangedFile> OpenSettings(const std::string& path) override;
+  std::optional<std::string> ReasonAgainstWriting(const std::string& path) override;
 
   // One name for a path, however its separators are written.
   static std::string NameOnDisk(const std::string& path);

@@ -184,4 +184,8 @@ std::unique_ptr<ExchangedFile> MemoryDisk::OpenSettings(const std::string& path)
   return std::make_unique<MemorySettings>(*this, path);
 }
 
+std::optional<std::string> MemoryDisk::ReasonAgainstWriting(const std::string& path) {
+  return original_ != nullptr ? original_->ReasonAgainstWriting(path) : std::nullopt;
+}
+
 }  // namespace zolvane

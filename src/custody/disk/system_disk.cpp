@@ -73,4 +73,8 @@ std::unique_ptr<ExchangedFile> SystemDisk::OpenSettings(const std::string& path)
   return OpenExchangedFile(path);
 }
 
+std::optional<std::string> SystemDisk::ReasonAgainstWriting(const std::string& path) {
+  return ReasonFileIsInaccessible(path, FileUse::ReadAndWrite);
+}
+
 }  // namespace zolvane

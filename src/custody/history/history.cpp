@@ -207,6 +207,11 @@ Status History::Prepare() {
       .Then([&] { return MakeNamesDurable(); });
 }
 
+// What an operation begins it has to end, and its end keeps objects: there must be room for them before.
+Status History::TryObject() {
+  return Passed(disk_.TryReplacing(place_.Object("trial")));
+}
+
 Status History::Append(Entry entry) {
   entry.Sequence = journal_.Hashes.size() + 1;
   entry.Previous = journal_.Hashes.back();
@@ -230,7 +235,8 @@ Status History::Append(Entry entry) {
 
 std::optional<std::uint64_t> History::Begin(Entry entry) {
   entry.Of = 0;
-  const Status status = Prepare().Then([&] { return Append(std::move(entry)); });
+  const Status status =
+      Prepare().Then([&] { return TryObject(); }).Then([&] { return Append(std::move(entry)); });
   return status.Ok() ? std::optional{journal_.Entries.back().Sequence} : std::nullopt;
 }
 

@@ -96,6 +96,7 @@ class History {
   Status StartJournal();
   Status MakeNamesDurable();
   Status Prepare();
+  Status TryObject();
   Status Append(Entry entry);
 
   Disk& disk_;

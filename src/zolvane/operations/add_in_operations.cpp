@@ -112,6 +112,15 @@ class AddInOperation final : public CustodyOperation {
 
 // ---- Look ----
 
+// What the add-in reads of the configuration.
+WireFace DemandReadable(const Custody& custody) {
+  auto face = WireFaceOfFile(*custody.Found.Configuration);
+  if (!face.Problem.empty()) {
+    throw UsageError{Joined(Quoted(custody.Work.ConfigFile()), ": ", face.Problem)};
+  }
+  return face;
+}
+
 void AddInOperation::Look(Custody& custody) {
   auto& work = custody.Work;
   custody.Found.Configuration = ReadConfiguration(work);
@@ -121,6 +130,7 @@ void AddInOperation::Look(Custody& custody) {
   }
   LookAtFile(custody);
   if (row_.Button == queryButton) {
+    DemandReadable(custody);
     custody.Intended.Configuration =
         custody.Found.Configuration;  // only the hardware knows what will be written
   } else {
@@ -204,10 +214,7 @@ void AddInOperation::DemandForeseen(const PlayedAction& played) const {
 }
 
 void AddInOperation::ForeseeSending(Custody& custody) {
-  const auto face = WireFaceOfFile(*custody.Found.Configuration);
-  if (!face.Problem.empty()) {
-    throw UsageError{Joined(Quoted(custody.Work.ConfigFile()), ": ", face.Problem)};
-  }
+  const auto face = DemandReadable(custody);
   auto& link = DemandLink(custody.Work);
   custody.Intended.Answers = face.Lines;
   custody.Found.Answers = WireFaceOfInstrument(link, NamesOf(face.Lines));

@@ -109,6 +109,15 @@ std::string Custody::DamageOfObjects() const {
   return damage;
 }
 
+// Otherwise the operation would begin, and stop where the system first refuses to write.
+void Custody::DemandWritable() const {
+  const bool mayWrite = Intended.Configuration != Found.Configuration || Draft.Action == action::query;
+  const auto reason = mayWrite ? Work.Files.ReasonAgainstWriting(Work.ConfigFile()) : std::nullopt;
+  if (reason) {
+    throw UsageError{Joined(Quoted(Work.ConfigFile()), " ", *reason, "; nothing was changed")};
+  }
+}
+
 // An object that an earlier operation kept would be repaired by this one, and nobody would know.
 void Custody::SettleDoubts() {
   const auto damaged = DamageOfObjects();
@@ -140,9 +149,7 @@ void Custody::LookAtTarget(const std::string& path) {
   if (Work.Files.Read(holder).Is != DiskContent::State::Unreadable) {
     throw UsageError{Joined(Quoted(path), " cannot be made: there is no folder ", Quoted(holder))};
   }
-  // Nothing of it stays but, after a power cut, an empty file.
-  const auto trial = Joined(path, ".zolvane-new");
-  if (!Work.Files.Replace(trial, "").Then([&] { return Work.Files.Remove(trial); }).Ok()) {
+  if (!Work.Files.TryReplacing(path).Ok()) {
     throw UsageError{Joined(Quoted(path), " cannot be written: ", Work.Files.FailureReason())};
   }
   OtherFile = {.Path = path};
@@ -343,6 +350,7 @@ void Operate(Workplace& work, CustodyOperation& operation) {
   Custody custody{work, operation.Action()};
   custody.SettleDamage();
   operation.Look(custody);
+  custody.DemandWritable();
   custody.SettleDoubts();
   operation.Show(custody);
   custody.Begin();

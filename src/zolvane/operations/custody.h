@@ -68,6 +68,7 @@ class Custody {
 
   // ---- For the frame ----
 
+  void DemandWritable() const;
   void SettleDamage();
   void SettleDoubts();
   void Begin();

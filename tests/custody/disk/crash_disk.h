@@ -50,6 +50,9 @@ class CrashDisk final : public Disk {
   Status Remove(const std::string& path) override;
   std::unique_ptr<DiskLock> Lock(const std::string& path, std::string& holder) override;
   std::unique_ptr<ExchangedFile> OpenSettings(const std::string& path) override;
+  std::optional<std::string> ReasonAgainstWriting(const std::string& path) override {
+    return seen_.ReasonAgainstWriting(path);
+  }
 
   // A settings file was changed.
   void PutToLast(const std::string& path);

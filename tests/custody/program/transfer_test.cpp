@@ -244,6 +244,14 @@ TEST_F(TransferInCustody, AnAnswerThatDoesNotFitChangesNothing) {
   EXPECT_NE(Configuration().find("STAGE,11612,"), std::string::npos);
 }
 
+TEST_F(TransferInCustody, AConfigurationInUtf16IsUnusableForAQuery) {
+  Folder.Put("Zolvane.ini", std::string_view{"\xff\xfe[\0H\0]\0", 8});
+  const auto run = Run({"--yes", "query"});
+  EXPECT_EQ(run.Status, 2) << run.All();
+  EXPECT_NE(run.Errors.find("UTF-16"), std::string::npos) << run.Errors;
+  EXPECT_FALSE(std::filesystem::exists(Folder.Path("Zolvane.history/journal.jsonl")));
+}
+
 TEST_F(TransferInCustody, AFileThatCannotBeWrittenIsUnusable) {
   std::filesystem::create_directory(Folder.Path("new.zolvane-new"));
   for (const auto* const command : {"export", "backup"}) {
