@@ -15,6 +15,7 @@
 namespace zolvane {
 namespace {
 
+// NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables): the system calls a plain function
 std::atomic<void (*)()> interruptCall{nullptr};
 
 // Windows ends the program as soon as this returns, unless it was Ctrl-C or Ctrl-Break, and after some
@@ -43,7 +44,7 @@ class ConsoleTerminal final : public Questioner {
     std::fflush(stderr);
     std::array<wchar_t, 1024> line{};
     DWORD length = 0;
-    const HANDLE input = ::GetStdHandle(STD_INPUT_HANDLE);
+    HANDLE input = ::GetStdHandle(STD_INPUT_HANDLE);
     if (::ReadConsoleW(input, line.data(), line.size(), &length, nullptr) == 0 || length == 0) {
       return std::nullopt;
     }
@@ -64,7 +65,7 @@ std::vector<std::string> ProgramArguments(int, char**) {
   for (int index = 1; arguments != nullptr && index < count; ++index) {
     texts.push_back(Utf8(arguments[index]));
   }
-  ::LocalFree(arguments);
+  ::LocalFree(static_cast<void*>(arguments));
   return texts;
 }
 
@@ -87,7 +88,7 @@ std::unique_ptr<Questioner> OpenTerminal() {
 }
 
 std::optional<std::size_t> ErrorTerminalWidth() {
-  const HANDLE stream = ::GetStdHandle(STD_ERROR_HANDLE);
+  HANDLE stream = ::GetStdHandle(STD_ERROR_HANDLE);
   CONSOLE_SCREEN_BUFFER_INFO info{};
   DWORD mode = 0;
   const bool isConsole = ::GetConsoleMode(stream, &mode) != 0 &&

@@ -97,8 +97,8 @@ std::string CustodyCommandsHelp() {
   return CommandsHelpText(commandRows);
 }
 
-std::string CustodyCommandHelp(std::string_view command) {
-  return CommandHelpText(CommandNamed(commandRows, command, programName), programName);
+std::string CustodyCommandHelp(std::string_view name) {
+  return CommandHelpText(CommandNamed(commandRows, name, programName), programName);
 }
 
 void DemandCommand(const std::vector<std::string>& words) {

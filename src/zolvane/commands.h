@@ -11,7 +11,7 @@ namespace zolvane {
 
 // For the help.
 std::string CustodyCommandsHelp();
-std::string CustodyCommandHelp(std::string_view command);
+std::string CustodyCommandHelp(std::string_view name);
 
 // Throws UsageError if the words are no command, or have too few or too many arguments.
 void DemandCommand(const std::vector<std::string>& words);

@@ -110,10 +110,12 @@ class Process {
   };
 
   Process(const std::string& program, const Arguments& arguments, const Streams& streams) {
+    // NOLINTBEGIN(cppcoreguidelines-pro-type-const-cast): the system call takes them so, and changes nothing
     std::vector<char*> words{const_cast<char*>(program.c_str())};
     for (const auto& argument : arguments) {
       words.push_back(const_cast<char*>(argument.c_str()));
     }
+    // NOLINTEND(cppcoreguidelines-pro-type-const-cast)
     words.push_back(nullptr);
     const ::pid_t number = ::fork();
     if (number == 0) {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <bit>
 #include <cmath>
 #include <cstdint>
@@ -533,9 +534,9 @@ TEST(NumberTexts, AreReadBackAsTheyWereWritten) {
 
 // The system library's own printing of 15 digits, brought into the general form.
 std::string ReferenceGeneralText(double value) {
-  char digits[64];
-  std::snprintf(digits, sizeof digits, "%.15g", value);
-  std::string text{digits};
+  std::array<char, 64> digits{};
+  std::snprintf(digits.data(), digits.size(), "%.15g", value);
+  std::string text{digits.data()};
   const auto mark = text.find('e');
   if (mark != std::string::npos) {
     text[mark] = 'E';
@@ -556,9 +557,9 @@ TEST(GeneralText, AgreesWithTheSystemLibrary) {
 // The picture in integers alone: the 15 digits of the value as one integer, times or divided by powers of
 // ten. For magnitudes below a million millions.
 std::string ReferencePicture(double value, int decimals) {
-  char digits[64];
-  std::snprintf(digits, sizeof digits, "%.14e", std::abs(value));
-  std::string text{digits};
+  std::array<char, 64> digits{};
+  std::snprintf(digits.data(), digits.size(), "%.14e", std::abs(value));
+  std::string text{digits.data()};
   int shift = std::atoi(text.c_str() + text.find('e') + 1) - 14 + decimals;
   text.erase(text.find('e'));
   text.erase(1, 1);

@@ -277,7 +277,7 @@ class Reference {
     if (keys.empty()) {
       return {};
     }
-    const bool isNumber = values.find("number") == 0 || values.find("whole") == 0;
+    const bool isNumber = values.starts_with("number") || values.starts_with("whole");
     const auto more =
         keys.size() == 1 ? "" : " and " + WholeText(static_cast<int>(keys.size()) - 1) + " more";
     return isNumber ? "`" + keys.front() + "`" + more : "decides " + WholeText(static_cast<int>(keys.size()));

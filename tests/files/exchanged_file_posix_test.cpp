@@ -14,6 +14,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cerrno>
 #include <chrono>
 #include <csignal>
@@ -48,7 +49,7 @@ class OpenReader {
   OpenReader& operator=(const OpenReader&) = delete;
   ~OpenReader() { ::close(file_); }
 
-  std::string Rest() {
+  std::string Rest() const {
     std::string bytes(100'000, '\0');
     const auto size = ::read(file_, bytes.data(), bytes.size());
     bytes.resize(size < 0 ? 0 : static_cast<std::size_t>(size));
@@ -269,10 +270,14 @@ constexpr const char* accessListName = "system.posix_acl_access";
 // Of owner rw, user 4242 rw, group r, mask rw, others none, as the system stores it.
 std::string AccessList() {
   std::string list{"\2\0\0\0", 4};
-  const auto add = [&list](std::uint16_t tag, std::uint16_t rights, std::uint32_t id) {
-    list.append(reinterpret_cast<const char*>(&tag), sizeof tag);
-    list.append(reinterpret_cast<const char*>(&rights), sizeof rights);
-    list.append(reinterpret_cast<const char*>(&id), sizeof id);
+  const auto append = [&list](auto number) {
+    const auto bytes = std::bit_cast<std::array<char, sizeof number>>(number);
+    list.append(bytes.data(), bytes.size());
+  };
+  const auto add = [&append](std::uint16_t tag, std::uint16_t rights, std::uint32_t id) {
+    append(tag);
+    append(rights);
+    append(id);
   };
   constexpr std::uint32_t nobody = 0xFFFFFFFF;
   add(0x01, 6, nobody);

@@ -428,7 +428,13 @@ class FailingFile : public ExchangedFile {
   FailingFile(const std::string& path, int& failures) : file_{OpenExchangedFile(path)}, failures_{failures} {}
 
   bool IsCurrent() override { return failures_ == 0 && file_->IsCurrent(); }
-  FileContent Read() override { return failures_ > 0 && failures_-- > 0 ? FileContent{} : file_->Read(); }
+  FileContent Read() override {
+    if (failures_ == 0) {
+      return file_->Read();
+    }
+    --failures_;
+    return {};
+  }
   WriteOutcome Write(std::string_view text, const Splice& change) override {
     return file_->Write(text, change);
   }

@@ -34,8 +34,9 @@ class ReferenceSettings {
 
   bool Write(std::string_view section, std::string_view key, std::string_view value) {
     const auto name = Trimmed(key);
-    if (section.find_first_of("]\r\n") != section.npos || name.find_first_of("=\r\n") != name.npos ||
-        name.empty() || name[0] == ';' || name[0] == '[' || value.find('\n') != value.npos) {
+    if (section.find_first_of("]\r\n") != std::string_view::npos ||
+        name.find_first_of("=\r\n") != std::string_view::npos || name.empty() || name[0] == ';' ||
+        name[0] == '[' || value.find('\n') != std::string_view::npos) {
       return false;
     }
     auto lines = lines_;
@@ -72,7 +73,7 @@ class ReferenceSettings {
     while (!rest.empty()) {
       const auto feed = rest.find('\n');
       std::string line{rest.substr(0, feed)};
-      std::string end = feed == rest.npos ? "" : "\n";
+      std::string end = feed == std::string_view::npos ? "" : "\n";
       rest.remove_prefix(line.size() + end.size());
       if (!end.empty() && line.ends_with('\r')) {
         line.pop_back();
@@ -121,7 +122,7 @@ class ReferenceSettings {
   // The lines from the section's header up to the next header.
   std::pair<std::size_t, std::size_t> Extent(const std::vector<Line>& lines, std::string_view section) const {
     const auto header =
-        std::find_if(lines.begin(), lines.end(), [&](const Line& line) { return IsHeaderOf(line, section); });
+        std::ranges::find_if(lines, [&](const Line& line) { return IsHeaderOf(line, section); });
     if (header == lines.end()) {
       return {0, 0};
     }

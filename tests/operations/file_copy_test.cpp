@@ -138,7 +138,6 @@ TEST(CopyAllTables, AppendsEachBlankLineBehindItsTable) {
   CopyFixture fixture;
   CopyAllTables(fixture.Context, fixture.Settings().ConfigFile, backup, true, "Exporting");
   const std::string blank = std::string{"append blank line to "} + backup;
-  const std::string in = std::string{" in "} + backup;
   auto calls = fixture.Calls.Of({"append", "write [DeviceType] Item", "write [CageType] Item",
                                  "write [Z_Calibration] DeltaZTolerance", "write [NestCal", "write [NestT",
                                  "write [Head", "write [Cali", "write [Pos", "write [PlateType] Item"});

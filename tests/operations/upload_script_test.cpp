@@ -278,7 +278,7 @@ TEST(UploadScript, TakesANamelessHeadThatMatchesForFound) {
 }
 
 TEST(UploadScript, UsesTheCageAtTheEndOfTheTableAsItComes) {
-  const auto head = "Item1=\"a\",MICROTITER,0,0,0,96,0,0,0,0,0,0,1,0,2\n";
+  const auto* const head = "Item1=\"a\",MICROTITER,0,0,0,96,0,0,0,0,0,0,1,0,2\n";
   EXPECT_EQ(ChangeLines("", head), Set({"TipChange_Z 2", "TipChange_S 0", "HeadChange_Z 2", "HeadChange_S 0",
                                         "AspirateOrigin_96_384 1"}));
   EXPECT_EQ(ChangeLines("Item2=\"\",OTHER,0,0,0,61,62,63,64\n", head),

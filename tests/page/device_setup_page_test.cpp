@@ -11,6 +11,7 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "support/operation_fixture.h"
 #include "support/recorded_view.h"
@@ -80,10 +81,10 @@ struct PageFixture : FakeHost {
 };
 
 // What a list of the file's five sections is filled by.
-constexpr ListControl allLists[] = {ListControl::DeviceType, ListControl::CageType, ListControl::HeadType,
-                                    ListControl::NestType, ListControl::TipType};
-constexpr CheckControl allBoxes[] = {CheckControl::RFID, CheckControl::HeadSensor, CheckControl::TipSensor,
-                                     CheckControl::Encoders};
+constexpr std::array allLists{ListControl::DeviceType, ListControl::CageType, ListControl::HeadType,
+                              ListControl::NestType, ListControl::TipType};
+constexpr std::array allBoxes{CheckControl::RFID, CheckControl::HeadSensor, CheckControl::TipSensor,
+                              CheckControl::Encoders};
 
 // ---- Loading ----
 
@@ -369,11 +370,11 @@ TEST(LoadingThePage, GoesOnWhenNothingCanBeWritten) {
 // ---- What the user does ----
 
 TEST(SelectingAnEntry, ResetsChangedAndThenWritesTheEntrysNumber) {
-  const std::pair<ListControl, const char*> sections[] = {{ListControl::DeviceType, "DeviceType"},
-                                                          {ListControl::CageType, "CageType"},
-                                                          {ListControl::HeadType, "HeadType"},
-                                                          {ListControl::NestType, "NestType"},
-                                                          {ListControl::TipType, "TipType"}};
+  const std::vector<std::pair<ListControl, const char*>> sections{{ListControl::DeviceType, "DeviceType"},
+                                                                  {ListControl::CageType, "CageType"},
+                                                                  {ListControl::HeadType, "HeadType"},
+                                                                  {ListControl::NestType, "NestType"},
+                                                                  {ListControl::TipType, "TipType"}};
   for (const auto& [list, section] : sections) {
     PageFixture fixture;
     fixture.Load();
@@ -459,7 +460,7 @@ TEST(SelectingAnEntry, AnEntryThatTheViewCannotShowRunsNoHandler) {
 }
 
 TEST(SettingACheckBox, ResetsChangedAndThenWritesItsKeyInTheDevicesSection) {
-  const std::pair<CheckControl, const char*> keys[] = {
+  const std::vector<std::pair<CheckControl, const char*>> keys{
       {CheckControl::RFID, "SensorEnableRFID"},
       {CheckControl::HeadSensor, "SensorEnableHeadInstalled"},
       {CheckControl::TipSensor, "SensorEnableTipsInstalled"},
@@ -497,11 +498,12 @@ TEST(SettingACheckBox, AValueThatTheViewCannotShowRunsNoHandler) {
 }
 
 TEST(PressingAButton, RunsTheOperationOfItsIndexToTheEnd) {
-  const std::pair<int, const char*> firstSteps[] = {{0, "box 49 \"Upload Calibration Data to Zolvane\""},
-                                                    {1, "box 49 \"Download Calibration Data to Zolvane\""},
-                                                    {2, "send STATUS_STAGE"},
-                                                    {3, "box 51 \"Import Calibration Data\""},
-                                                    {4, "save dialogue"}};
+  const std::vector<std::pair<int, const char*>> firstSteps{
+      {0, "box 49 \"Upload Calibration Data to Zolvane\""},
+      {1, "box 49 \"Download Calibration Data to Zolvane\""},
+      {2, "send STATUS_STAGE"},
+      {3, "box 51 \"Import Calibration Data\""},
+      {4, "save dialogue"}};
   for (const auto& [index, firstStep] : firstSteps) {
     PageFixture fixture;
     fixture.Load();
@@ -627,7 +629,7 @@ TEST(EnableControls, DisablesEverythingWhateverTheSwitches) {
 TEST(EnableControls, TakesTheSwitchesOfTheDeviceInForceWithoutReadingThemAgain) {
   PageFixture fixture;
   fixture.Load();
-  const std::pair<bool DeviceTypeRecord::*, std::size_t> switches[] = {
+  const std::vector<std::pair<bool DeviceTypeRecord::*, std::size_t>> switches{
       {&DeviceTypeRecord::UploadCalibrationData, 0},
       {&DeviceTypeRecord::DownloadCalibrationData, 1},
       {&DeviceTypeRecord::ImportCalibrationData, 3},

@@ -75,7 +75,9 @@ TEST(Output, NeverSteersTheTerminal) {
   Screen screen{{}};
   screen.Out.Print("a\x1b[2J\nb\n");
   screen.Out.Note("c\xc2\x9b");
-  screen.Out.Error("d\xe2\x80\xae");
+  screen.Out.Error(
+      "d\xe2\x80"
+      "\xae");
   screen.Out.ShowStatus("e\x9b");
   EXPECT_EQ(screen.Results.str(), "a\\u001b[2J\nb\n");
   EXPECT_EQ(screen.Notes.str(), "c\\u009b\nzolvane-bench: d\\u202e\ne\\x9b\n");

@@ -147,6 +147,7 @@ class FakeSettings final : public IniFileService {
   static bool SameName(std::string_view left, std::string_view right) {
     bool isSame = left.size() == right.size();
     for (std::size_t at = 0; isSame && at < left.size(); ++at) {
+      // NOLINTNEXTLINE(readability-simplify-subscript-expr): the operator is a call
       isSame = Lower(left.data()[at]) == Lower(right.data()[at]);
     }
     return isSame;

@@ -115,7 +115,7 @@ class SessionGenerator {
     for (std::size_t at = 0; at < number.size(); ++at) {
       const bool isFirst = at == 0 || number[at - 1] == '-';
       const bool isEdge = isFirst || at + 1 == number.size();
-      if (std::isdigit(static_cast<unsigned char>(number[at])) != 0 && !(isFirst && number[at] == '0')) {
+      if (std::isdigit(static_cast<unsigned char>(number[at])) != 0 && (!isFirst || number[at] != '0')) {
         number[at] = static_cast<char>(isEdge ? '1' + Below(9) : '0' + Below(10));
       }
     }

@@ -9,6 +9,7 @@
 namespace zolvane {
 
 LockOfAnotherWriter::LockOfAnotherWriter(const std::string& file)
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-vararg): the system call is declared so
     : handle_{::open(std::filesystem::path{file}.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)},
       isHeld_{::flock(static_cast<int>(handle_), LOCK_EX | LOCK_NB) == 0} {}
 

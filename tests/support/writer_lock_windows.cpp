@@ -6,6 +6,7 @@
 
 namespace zolvane {
 
+// NOLINTBEGIN(*-reinterpret-cast,performance-no-int-to-ptr): a handle is kept as a number, as other systems have it
 LockOfAnotherWriter::LockOfAnotherWriter(const std::string& file)
     : handle_{reinterpret_cast<std::intptr_t>(
           ::CreateFileW(std::filesystem::path{file + ".bench-lock"}.c_str(), GENERIC_READ | DELETE, 0,
@@ -17,5 +18,6 @@ LockOfAnotherWriter::~LockOfAnotherWriter() {
     ::CloseHandle(reinterpret_cast<HANDLE>(handle_));
   }
 }
+// NOLINTEND(*-reinterpret-cast,performance-no-int-to-ptr)
 
 }  // namespace zolvane

@@ -140,7 +140,7 @@ class Apartment {
   Apartment& operator=(const Apartment&) = delete;
 };
 
-class HestrionBench : private DialogueListener, private HostProcess {
+class HestrionBench final : private DialogueListener, private HostProcess {
  public:
   HestrionBench(const WindowOptions& options, Job job, std::ostream& output, std::ostream& errors);
   ~HestrionBench() override { ClosePage(); }

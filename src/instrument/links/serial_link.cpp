@@ -29,14 +29,13 @@ SerialLink::SerialLink(const std::string& device, unsigned baud, LinkTimeout tim
 std::optional<std::string> SerialLink::Open(Clock::time_point /*deadline*/) {
   using Settings = asio::serial_port;
   std::error_code error;
-  Port.emplace(Io);
-  Port->open(device_, error);
+  Port.open(device_, error);
   if (!error) {
-    error = ClaimSerialPort(*Port);
+    error = ClaimSerialPort(Port);
   }
   const auto set = [this, &error](auto option) {
     if (!error) {
-      Port->set_option(option, error);
+      Port.set_option(option, error);
     }
   };
   set(Settings::baud_rate{baud_});
@@ -47,7 +46,8 @@ std::optional<std::string> SerialLink::Open(Clock::time_point /*deadline*/) {
   if (!error) {
     return std::nullopt;
   }
-  Port.reset();
+  std::error_code ignored;
+  Port.close(ignored);
   return ReasonOf(error);
 }
 

@@ -48,7 +48,7 @@ class StreamLink : public BenchLink {
         timeout_{std::min(timeout, longestTimeout)},
         afterTimeout_{afterTimeout} {}
 
-  // Opens `Port`. When that is not done by the deadline: the reason for people, with `Port` empty.
+  // Opens `Port`. When that is not done by the deadline: the reason for people, with `Port` closed.
   virtual std::optional<std::string> Open(Clock::time_point deadline) = 0;
 
   // Writes as much as the stream takes without waiting; the number of bytes. The rest is written later.
@@ -81,7 +81,7 @@ class StreamLink : public BenchLink {
   }
 
   asio::io_context Io{ASIO_CONCURRENCY_HINT_UNSAFE};  // of one thread
-  std::optional<Stream> Port;
+  Stream Port{Io};
 
  private:
   static constexpr LinkTimeout longestTimeout{1e6};
@@ -151,10 +151,10 @@ class StreamLink : public BenchLink {
 
   // Makes sure that the stream is open and empty.
   bool MakeReady(Clock::time_point deadline, Delivery& delivery) {
-    if (Port && !DropInput(deadline)) {
+    if (Port.is_open() && !DropInput(deadline)) {
       Close();  // the other side has closed it, or never stops sending
     }
-    if (!Port) {
+    if (!Port.is_open()) {
       if (const auto reason = Open(deadline)) {
         delivery.Problem = Joined(name_, " cannot be opened: ", *reason);
         return false;
@@ -166,7 +166,7 @@ class StreamLink : public BenchLink {
         delivery.Problem = Joined(name_, " was closed by the other side, or talks without end");
       }
     }
-    return Port.has_value();
+    return Port.is_open();
   }
 
   // Bytes that lie there before a command is sent are no reply to it. Does not wait. False when the stream
@@ -190,7 +190,7 @@ class StreamLink : public BenchLink {
     if (hasWritten_) {
       return true;
     }
-    asio::async_write(*Port, rest, [this](std::error_code error, std::size_t) {
+    asio::async_write(Port, rest, [this](std::error_code error, std::size_t) {
       isWriting_ = false;
       hasWritten_ = !error;
     });
@@ -201,7 +201,7 @@ class StreamLink : public BenchLink {
   void Read() {
     isReading_ = true;
     hasEnded_ = false;
-    Port->async_read_some(asio::buffer(chunk_), [this](std::error_code error, std::size_t size) {
+    Port.async_read_some(asio::buffer(chunk_), [this](std::error_code error, std::size_t size) {
       input_.Append({chunk_.data(), size});
       hasEnded_ = static_cast<bool>(error);
       isReading_ = !hasEnded_ && input_.Begun() <= longestReply + chunk_.size();
@@ -234,12 +234,11 @@ class StreamLink : public BenchLink {
   }
 
   void Close() {
-    if (Port) {
+    if (Port.is_open()) {
       std::error_code ignored;
-      Port->close(ignored);
+      Port.close(ignored);
       Io.restart();
       Io.run();  // the pending handlers end with the stream
-      Port.reset();
     }
     input_.Clear();
     isReading_ = false;

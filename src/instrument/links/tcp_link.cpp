@@ -23,18 +23,18 @@ TcpLink::TcpLink(HostAndPort place, LinkTimeout timeout, const InterruptFlag& in
 
 std::optional<std::string> TcpLink::Open(Clock::time_point deadline) {
   const auto addresses = LookUpUntil(deadline);
-  Port.emplace(Io);
   auto error = addresses.Error ? addresses.Error : Connect(addresses, deadline);
   if (!error) {
-    Port->set_option(tcp::no_delay{true}, error);
+    Port.set_option(tcp::no_delay{true}, error);
   }
   if (!error) {
-    Port->non_blocking(true, error);
+    Port.non_blocking(true, error);
   }
   if (!error) {
     return std::nullopt;
   }
-  Port.reset();
+  std::error_code ignored;
+  Port.close(ignored);
   return ReasonOf(error);
 }
 
@@ -68,13 +68,13 @@ TcpLink::Addresses TcpLink::LookUpUntil(Clock::time_point deadline) const {
 
 std::error_code TcpLink::Connect(const Addresses& addresses, Clock::time_point deadline) {
   std::error_code error = asio::error::would_block;
-  asio::async_connect(*Port, addresses.Found,
+  asio::async_connect(Port, addresses.Found,
                       [&error](std::error_code result, const auto&) { error = result; });
   if (RunUntil(deadline, [&error] { return error != asio::error::would_block; })) {
     return error;
   }
   std::error_code ignored;
-  Port->close(ignored);
+  Port.close(ignored);
   Io.restart();
   Io.run();  // the handler refers to this call
   return asio::error::timed_out;
@@ -83,7 +83,7 @@ std::error_code TcpLink::Connect(const Addresses& addresses, Clock::time_point d
 // A failure shows up again, and is handled, when the rest is written.
 std::size_t TcpLink::WriteAtOnce(std::string_view bytes) {
   std::error_code ignored;
-  return Port->write_some(asio::buffer(bytes), ignored);
+  return Port.write_some(asio::buffer(bytes), ignored);
 }
 
 }  // namespace zolvane

@@ -125,7 +125,7 @@ asio::awaitable<void> InstrumentServer::ServeClients(std::shared_ptr<ClientQueue
     try {
       co_await ServeStream(*client, *clients);
     } catch (const std::system_error&) {
-      // This client has gone; the next one may come.
+      continue;  // this client has gone; the next one may come
     }
   }
 }

@@ -67,18 +67,19 @@ struct PseudoTerminal {
 
 std::string InstrumentServer::ServePseudoTerminal(asio::io_context& io) {
   auto terminal = std::make_shared<PseudoTerminal>(io);
-  const auto serve = [this, terminal]() -> asio::awaitable<void> {
+  // What it works with are parameters, which live as long as it does.
+  const auto serve = [](InstrumentServer& server,
+                        std::shared_ptr<PseudoTerminal> line) -> asio::awaitable<void> {
     for (;;) {
       try {
         ClientWatch nobodyElseWaits;
-        co_await ServeStream(terminal->Master, nobodyElseWaits);
+        co_await server.ServeStream(line->Master, nobodyElseWaits);
       } catch (const std::system_error&) {
-        // A line that cannot be closed for one client only: whatever was cut short, the
-        // next command starts afresh.
+        continue;  // the line cannot be closed for one client only; the next command starts afresh
       }
     }
   };
-  asio::co_spawn(io, serve, asio::detached);
+  asio::co_spawn(io, serve(*this, terminal), asio::detached);
   return terminal->Path;
 }
 

@@ -4,11 +4,12 @@
 
 namespace zolvane {
 
+// NOLINTBEGIN(misc-use-anonymous-namespace): looked for in the namespace of what they are asked about
 static Json JsonOf(const Checkpoint& checkpoint) {
   return LinesOf(checkpoint);
 }
 
-constexpr auto MembersOf(const Report*) {
+static constexpr auto MembersOf(const Report*) {
   return std::tuple{Member{"command", &Report::Command, Presence::Always},
                     Member{"exit_status", &Report::ExitStatus, Presence::Always},
                     Member{"outcome", &Report::Outcome},
@@ -21,6 +22,7 @@ constexpr auto MembersOf(const Report*) {
                     Member{"findings", &Report::Findings},
                     Member{"checkpoint", &Report::Checkpoint}};
 }
+// NOLINTEND(misc-use-anonymous-namespace)
 
 void Report::Worsen(int status) {
   ExitStatus = std::max(ExitStatus, status);

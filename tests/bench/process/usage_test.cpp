@@ -81,7 +81,7 @@ class BadUseTest : public Bench, public testing::WithParamInterface<BadUse> {
   }
 };
 
-const BadUse badUses[] = {
+const std::vector<BadUse> badUses{
     {"NoCommand", {}, "no command is given; see zolvane-bench --help"},
     {"UnknownCommand", {"frobnicate"}, "there is no command \"frobnicate\"; see zolvane-bench --help"},
     {"TooManyArguments", {"page", "twice"}, "page has too many arguments; it is used as: page"},

@@ -11,13 +11,13 @@ namespace {
 
 using Words = std::vector<std::string>;
 
-Options Parsed(Words words) {
-  return std::get<Options>(ParseOptions(std::move(words)));
+Options Parsed(const Words& words) {
+  return std::get<Options>(ParseOptions(words));
 }
 
-std::string RefusedOptions(Words words) {
+std::string RefusedOptions(const Words& words) {
   try {
-    ParseOptions(std::move(words));
+    ParseOptions(words);
   } catch (const UsageError& error) {
     return error.what();
   }
@@ -100,8 +100,8 @@ TEST(Options, WhatCannotBeMeantIsRefusedWithItsName) {
   EXPECT_EQ(RefusedOptions({"page", "--trace", ""}), "--trace: the name of the file is empty");
 }
 
-std::string TextFor(Words words) {
-  return std::get<Information>(ParseOptions(std::move(words))).Text;
+std::string TextFor(const Words& words) {
+  return std::get<Information>(ParseOptions(words)).Text;
 }
 
 TEST(Options, HelpAndVersionAreTextsInsteadOfARun) {

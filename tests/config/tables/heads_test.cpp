@@ -371,7 +371,9 @@ TEST(HeadTable, PassesEveryFailedOffsetOver) {
   LoadInstalled(headTable, clean.Config);
   for (const auto* key : {"SDTeach", "SDHome", "SDPre", "SDRFID", "SDHead"}) {
     ConfigFixture fixture{headFile};
-    fixture.Calls.FailsIf = [key](std::string_view event) { return event.find(key) != event.npos; };
+    fixture.Calls.FailsIf = [key](std::string_view event) {
+      return event.find(key) != std::string_view::npos;
+    };
     const auto head = LoadInstalled(headTable, fixture.Config);
     EXPECT_EQ(fixture.Reads(), clean.Reads());
     const int zeros = (head.SDTeachToolOffsetMM == 0.0 ? 1 : 0) +

@@ -46,7 +46,7 @@ CrashDisk::CrashDisk(const MemoryDisk& initial, Visitor visit) : visit_{std::mov
     seen_.Put(path, bytes);
     names_[path] = NewNode(false, bytes);
   }
-  lasting_ = names_;
+  lasting_ = names_;  // NOLINT(cppcoreguidelines-prefer-member-initializer): they are found above
 }
 
 CrashDisk::Number CrashDisk::NewNode(bool isFolder, std::string lasting, std::vector<std::string> written) {

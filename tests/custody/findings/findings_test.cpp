@@ -39,7 +39,7 @@ TEST(Check, OfAnEmptyFileNamesTheMissingSections) {
   const auto findings = CheckConfiguration("", "Zolvane.ini");
   EXPECT_TRUE(HasError(findings));
   const auto isOfSection = [](const Finding& f) {
-    return f.Code == "missing-section" && f.Text.find("[HeadType]") == 0;
+    return f.Code == "missing-section" && f.Text.starts_with("[HeadType]");
   };
   EXPECT_EQ(std::ranges::count_if(findings, isOfSection), 1);
 }

@@ -255,7 +255,6 @@ TEST_F(BringingBackTest, UnknownSinceCountsTheLinesThatWereSent) {
 }
 
 TEST_F(BringingBackTest, WhatSomebodyElseChangedStaysAndIsNamed) {
-  const auto before = Configuration();
   ASSERT_EQ(Run({"--yes", "download"}).Status, 0);
   Replace("STAGE,1612,", "STAGE,77,");
   const auto changed = Configuration();

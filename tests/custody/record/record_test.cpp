@@ -38,7 +38,7 @@ void ExpectSameStates(const auto& state, const auto& expected) {
 }
 
 TEST(Record, GivesBackTheConfigurationByteForByteAndTheAnswersOfTheInstrument) {
-  const auto content = SampleRecord();
+  const auto& content = SampleRecord();
   const auto read = ReadRecord(WriteRecord(content));
   ASSERT_TRUE(read.Content) << read.Refusal;
   EXPECT_EQ(read.Refusal, "");
@@ -48,7 +48,7 @@ TEST(Record, GivesBackTheConfigurationByteForByteAndTheAnswersOfTheInstrument) {
 }
 
 TEST(Record, GivesBackWhoWhenAndWhy) {
-  const auto content = SampleRecord();
+  const auto& content = SampleRecord();
   const auto read = ReadRecord(WriteRecord(content)).Content;
   ASSERT_TRUE(read);
   EXPECT_EQ(read->Person, "M. Lindqvist");

@@ -58,9 +58,9 @@ struct UploadCut {
   std::string Fault{};
 
   std::string Text() const {
-    const auto how = How == End::WireBreaks    ? "wire breaks"
-                     : How == End::ReplyIsLost ? "reply is lost"
-                                               : "program is killed";
+    const auto* const how = How == End::WireBreaks    ? "wire breaks"
+                            : How == End::ReplyIsLost ? "reply is lost"
+                                                      : "program is killed";
     return Joined(how, " behind line ", std::to_string(Line), " ", Fault);
   }
 };

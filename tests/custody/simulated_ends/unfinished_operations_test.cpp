@@ -273,7 +273,7 @@ TEST_F(UnfinishedUpload, OfALostObjectDoesNotPreventARecord) {
 
 TEST_F(UnfinishedUpload, WithATornLineBehindItSaysThatItIsSetAside) {
   const auto journal = CustodyRoom::PathTo("Zolvane.history/journal.jsonl");
-  room_.Files.Put(journal, room_.Files.Read(journal).Bytes + "{\"action\":\"upl");
+  room_.Files.Put(journal, room_.Files.Read(journal).Bytes + R"({"action":"upl)");
   const auto ran = RunBut({"backup", CustodyRoom::PathTo("new.html")});
   EXPECT_EQ(ran.Status(), 0) << ran.Printed;
   EXPECT_NE(ran.Printed.find("was not written to its end"), std::string::npos) << ran.Printed;

@@ -21,7 +21,10 @@ class FakeWitness final : public Witness {
   std::chrono::minutes Offset() override { return std::chrono::minutes{60}; }
   std::string Person() override { return Account; }
   std::string Machine() override { return "bench-7"; }
-  std::string RandomBytes(std::size_t count) override { return std::string(count, Chance++); }
+  std::string RandomBytes(std::size_t count) override {
+    std::string bytes(count, Chance++);
+    return bytes;
+  }
 };
 
 }  // namespace zolvane

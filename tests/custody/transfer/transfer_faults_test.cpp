@@ -106,43 +106,71 @@ TEST_P(EveryFault, AtEveryLineNeverGivesAFalseSuccessNorSavesWhatIsUnproven) {
   }
 }
 
+// An upload of `Script` that was cut short on an instrument with a fault.
+struct CutUpload {
+  Settings Held;    // before
+  Settings Script;  // that was to be sent
+  std::shared_ptr<BenchLink> Instrument;
+  std::string Where;
+
+  Values Present() const { return WireFaceOfInstrument(*Instrument, NamesOf(ValuesOf(Script))); }
+
+  std::vector<Step> PlanTo(const Values& wanted, Spelling spelling) const {
+    const auto before = ValuesOf(Held);
+    const auto sent = ValuesOf(Script);
+    return PlanFor(WishesFor(wanted, {.Found = &before, .Intended = &sent}), Present(), spelling);
+  }
+
+  void ExpectBrought(const std::vector<Step>& plan, Ending ending) const {
+    ProvingLink link{Instrument, {.Found = ValuesOf(Held), .Arrived = ArrivedOf(plan)}, noInterrupt};
+    ASSERT_TRUE(Bring(link, plan, ending)) << Where << " " << link.Problem();
+  }
+};
+
+void ExpectAllCanGo(const std::vector<Step>& plan, const std::string& where) {
+  for (const auto& step : plan) {
+    ASSERT_TRUE(step.Is == Standing::AsWanted || step.Is == Standing::ToDo) << where << " " << step.Of.Name;
+  }
+}
+
+void ExpectUndoAndRedo(const CutUpload& upload) {
+  const auto before = ValuesOf(upload.Held);
+  const auto present = upload.Present();
+  const auto plan = upload.PlanTo(before, Spelling::GoesBack);
+  ASSERT_NO_FATAL_FAILURE(ExpectAllCanGo(plan, upload.Where));
+  ASSERT_NO_FATAL_FAILURE(upload.ExpectBrought(plan, Ending::Prove));
+  for (const auto& [key, text] : upload.Held) {
+    ASSERT_EQ(HeldBy(*upload.Instrument, key), text) << upload.Where << " " << key;
+  }
+  const auto back = PlanFor(WishesFor(present, {.Left = &before}), before, Spelling::GoesBack);
+  ASSERT_NO_FATAL_FAILURE(upload.ExpectBrought(back, Ending::Prove));
+  for (const auto& value : present.InOrder()) {
+    ASSERT_EQ(HeldBy(*upload.Instrument, value.Name), value.Text) << upload.Where;
+  }
+}
+
+void ExpectResume(const CutUpload& upload) {
+  const auto plan = upload.PlanTo(ValuesOf(upload.Script), Spelling::Stays);
+  ASSERT_NO_FATAL_FAILURE(ExpectAllCanGo(plan, upload.Where));
+  ASSERT_NO_FATAL_FAILURE(upload.ExpectBrought(plan, Ending::Save));
+  for (const auto& [key, text] : upload.Script) {
+    const auto holds = HeldBy(*upload.Instrument, key);
+    ASSERT_TRUE(SameText(holds, text)) << upload.Where << " " << key << " " << holds;
+  }
+}
+
 // A cut leaves any number of lines sent. From there undo leads back to what was found, byte for byte, and
 // undo of that to what was there; resume leads to what was intended.
 TEST_P(EveryFault, FromEveryCutUndoAndResumeReachTheirEnd) {
   const Settings script{ShortScript().begin(), ShortScript().begin() + 8};
   const auto held = OtherValues(script);
-  const auto before = ValuesOf(held);
-  const auto sent = ValuesOf(script);
-  const auto names = NamesOf(sent);
   for (std::size_t cut = 0; cut <= script.size(); ++cut) {
     for (std::size_t line = 1; line <= cut; ++line) {
       const auto where = At(GetParam().Name, line) + ", cut after " + std::to_string(cut);
-      for (const bool isUndo : {true, false}) {
+      for (const auto expectation : {ExpectUndoAndRedo, ExpectResume}) {
         const auto instrument = InstrumentWith(held, {At(GetParam().Name, line)});
         Upload(*instrument, script, cut);
-        const auto present = WireFaceOfInstrument(*instrument, names);
-        const auto& wanted = isUndo ? before : sent;
-        const auto plan = PlanFor(WishesFor(wanted, {.Found = &before, .Intended = &sent}), present,
-                                  isUndo ? Spelling::GoesBack : Spelling::Stays);
-        for (const auto& step : plan) {
-          ASSERT_TRUE(step.Is == Standing::AsWanted || step.Is == Standing::ToDo)
-              << where << " " << step.Of.Name;
-        }
-        ProvingLink link{instrument, {.Found = before, .Arrived = ArrivedOf(plan)}, noInterrupt};
-        ASSERT_TRUE(Bring(link, plan, isUndo ? Ending::Prove : Ending::Save))
-            << where << " " << link.Problem();
-        for (const auto& [key, text] : isUndo ? held : script) {
-          const auto holds = HeldBy(*instrument, key);
-          ASSERT_TRUE(isUndo ? holds == text : SameText(holds, text)) << where << " " << key << " " << holds;
-        }
-        if (isUndo) {
-          const auto back = PlanFor(WishesFor(present, {.Left = &before}), before, Spelling::GoesBack);
-          ProvingLink redo{instrument, {.Found = before, .Arrived = ArrivedOf(back)}, noInterrupt};
-          ASSERT_TRUE(Bring(redo, back, Ending::Prove)) << where;
-          for (const auto& value : present.InOrder()) {
-            ASSERT_EQ(HeldBy(*instrument, value.Name), value.Text) << where;
-          }
-        }
+        ASSERT_NO_FATAL_FAILURE(expectation({held, script, instrument, where}));
       }
     }
   }

@@ -19,7 +19,7 @@ const std::string playedFolder = "/played";
 struct Played {
   explicit Played(const std::string& configuration) { Files.Put(ConfigFileIn(playedFolder), configuration); }
 
-  PlayedAction Play(const Action& action) { return zolvane::Play(Ends, action); }
+  PlayedAction Play(const Action& action) const { return zolvane::Play(Ends, action); }
   std::string Configuration() { return Files.Read(ConfigFileIn(playedFolder)).Bytes; }
 
   MemoryDisk Files;

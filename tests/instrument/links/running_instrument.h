@@ -19,8 +19,8 @@ class RunningInstrument {
  public:
   enum class Place { Tcp, PseudoTerminal };
 
-  explicit RunningInstrument(InstrumentServer::Setup setup = {}, Place place = Place::Tcp)
-      : server_{instrument_, std::move(setup)},
+  explicit RunningInstrument(const InstrumentServer::Setup& setup = {}, Place place = Place::Tcp)
+      : server_{instrument_, setup},
         place_{place == Place::Tcp ? server_.ServeTcp(io_, "127.0.0.1:0")
                                    : "serial:" + server_.ServePseudoTerminal(io_)},
         thread_{[this] { io_.run(); }} {}

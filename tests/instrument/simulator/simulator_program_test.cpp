@@ -21,7 +21,7 @@ ProcessResult RunSimulator(const Arguments& arguments) {
 
 TEST(SimulatorProgram, ItsFirstLineSaysWhereItListens) {
   const SimulatorProcess simulator{{}};
-  const auto place = simulator.Link();
+  const auto& place = simulator.Link();
   EXPECT_TRUE(place.starts_with("tcp:127.0.0.1:")) << place;
   const auto link = CreateLink(place, 5.0, quietInterrupt);
   EXPECT_EQ(Send(*link, "STATUS_STAGE"), "ZV400");
@@ -32,7 +32,7 @@ TEST(SimulatorProgram, ItsFirstLineSaysWhereItListens) {
 
 TEST(SimulatorProgram, OnAPseudoTerminalTheLineIsItsPath) {
   const SimulatorProcess simulator{{"--pty", "--stage", "ABC"}};
-  const auto place = simulator.Link();
+  const auto& place = simulator.Link();
   EXPECT_TRUE(place.starts_with("/dev/")) << place;
   for (int client = 0; client < 2; ++client) {
     const auto link = CreateLink(place, 5.0, quietInterrupt);
