@@ -55,6 +55,7 @@ thread_local CallsAroundName* CallsAroundName::current = nullptr;
 }  // namespace zolvane
 
 // Take the place of those of the C library in the whole test program.
+// NOLINTBEGIN(readability-inconsistent-declaration-parameter-name): theirs are reserved names
 extern "C" {
 ssize_t pwrite(int file, const void* bytes, size_t size, off_t offset) {
   zolvane::CallsAroundName::Note("write");
@@ -81,6 +82,7 @@ int renameat2(int from, const char* name, int to, const char* newName, unsigned 
   return static_cast<int>(::syscall(SYS_renameat2, from, name, to, newName, flags));
 }
 }
+// NOLINTEND(readability-inconsistent-declaration-parameter-name)
 
 namespace zolvane {
 namespace {

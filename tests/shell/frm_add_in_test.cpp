@@ -207,8 +207,9 @@ TEST(Unloading, ReleasesTheHoldFlagAndClosesTheView) {
 // Notes when the page lets go of an object.
 template <class Object>
 std::shared_ptr<Object> Watched(std::shared_ptr<Object> object, Journal& journal, const std::string& name) {
+  auto* const watched = object.get();
   return std::shared_ptr<Object>{
-      object.get(), [object, &journal, name](Object*) mutable { journal.Note("release " + name); }};
+      watched, [object = std::move(object), &journal, name](Object*) { journal.Note("release " + name); }};
 }
 
 TEST(Unloading, ReleasesThePanelThenTheWindowThenTheHostObject) {

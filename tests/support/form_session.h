@@ -27,7 +27,7 @@ struct FormSession : FakeHost {
   AddInModule Module{Process, Views};
   std::shared_ptr<frmAddIn> Form;
 
-  RecordedView& View() { return *Views.View; }
+  RecordedView& View() const { return *Views.View; }
   const PageModel& Model() const { return Form->Page().Model(); }
 
   // Fills the controls, without leaving events.

@@ -46,8 +46,9 @@ TEST_F(WithoutRights, AReadOnlyConfigurationIsUnusableForWhatWritesIt) {
   Replace("STAGE,1612,", "STAGE,11612,");
   ::chmod(Folder.Path("Zolvane.ini").c_str(), 0444);
   const std::string backup = std::string{ZOLVANE_SAMPLES_PATH} + "/Zolvane.bak";
-  for (const Words& words : {Words{"--yes", "--despite", "findings", "import", backup}, Words{"--yes", "query"},
-                             Words{"--yes", "download"}, Words{"restore", "@last"}}) {
+  for (const Words& words :
+       {Words{"--yes", "--despite", "findings", "import", backup}, Words{"--yes", "query"},
+        Words{"--yes", "download"}, Words{"restore", "@last"}}) {
     ExpectRefused(words, "Zolvane.ini\" cannot be written; nothing was changed");
   }
 }

@@ -107,7 +107,8 @@ std::optional<std::string> WindowsEnvironment::ShowFileDialogue(FileDialogueKind
   request.Flags = static_cast<DWORD>(dialogue.Flags.value_or(0));
   const BOOL isChosen =
       kind == FileDialogueKind::Open ? GetOpenFileNameW(&request) : GetSaveFileNameW(&request);
-  return isChosen != FALSE ? std::optional{Utf8(std::wstring_view{name.data()})} : std::nullopt;
+  return isChosen != FALSE ? std::optional{Utf8(std::wstring_view{name}.substr(0, name.find(L'\0')))}
+                           : std::nullopt;
 }
 
 }  // namespace zolvane
