@@ -1,12 +1,14 @@
 #include "zolvane/zolvane_program.h"
 
 #include <algorithm>
+#include <iterator>
 #include <memory>
 #include <optional>
 #include <ostream>
 #include <variant>
 
 #include "bench/host/trace_output.h"
+#include "files/paths.h"
 #include "instrument/links/link_factory.h"
 #include "program/console.h"
 #include "program/program_frame.h"
@@ -32,6 +34,23 @@ std::shared_ptr<BenchLink> LinkOf(const CustodyOptions& options) {
   }
   return options.Link.empty() ? nullptr
                               : CreateLink(options.Link, options.TimeoutSeconds, ProgramInterrupt(), faults);
+}
+
+// A trace is written before anything is looked at, so nothing that the command may read or write can be its file.
+void DemandTrace(const CustodyOptions& options) {
+  if (!options.Trace || *options.Trace == standardOutput) {
+    return;
+  }
+  std::vector<std::string> needed{ConfigFileIn(options.Folder)};
+  for (const auto* const words : {&options.Command, &options.Against}) {
+    std::ranges::transform(*words, std::back_inserter(needed),
+                           [](const auto& word) { return AbsolutePath(word); });
+  }
+  if (const auto file = FileOfLink(options.Link)) {
+    needed.push_back(*file);
+  }
+  DemandTraceFile(*options.Trace, needed);
+  DemandOutsideHistory(options.Folder, AbsolutePath(*options.Trace));
 }
 
 int Finish(Workplace& work, TraceOutput& trace) {
@@ -60,6 +79,7 @@ bool AsksForDocument(const std::vector<std::string>& arguments) {
 
 int Run(const CustodyOptions& options, std::ostream& output, std::ostream& errors, Questioner* terminal) {
   const auto link = LinkOf(options);
+  DemandTrace(options);
   TraceOutput trace{options.Trace, false, output};
   if (link != nullptr) {
     link->Begin();

@@ -1,6 +1,7 @@
 #include "bench/host/trace_output.h"
 
 #include <cerrno>
+#include <filesystem>
 #include <system_error>
 
 #include "files/paths.h"
@@ -10,6 +11,39 @@
 #include "text/usage_error.h"
 
 namespace zolvane {
+namespace {
+
+// An earlier trace begins with an event, however it ends. Devices and pipes hold nothing.
+bool MayBecomeTrace(const std::string& file) {
+  constexpr std::string_view beginning = R"({"event":)";
+  std::error_code ignored;
+  if (!std::filesystem::is_regular_file(PathOf(file), ignored)) {
+    return true;
+  }
+  std::ifstream stream{PathOf(file), std::ios::binary};
+  std::string bytes(beginning.size(), '\0');
+  stream.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  return stream.gcount() == 0 || bytes == beginning;
+}
+
+}  // namespace
+
+void DemandOther(const std::string& file, const std::vector<std::string>& needed, std::string_view what) {
+  for (const auto& other : needed) {
+    if (IsSameFile(file, other)) {
+      throw UsageError{
+          Joined(what, " would overwrite ", Quoted(other), ", which the run needs; name another file")};
+    }
+  }
+}
+
+void DemandTraceFile(const std::string& file, const std::vector<std::string>& needed) {
+  DemandOther(AbsolutePath(file), needed, "--trace");
+  if (!MayBecomeTrace(file)) {
+    throw UsageError{Joined("--trace replaces an empty file or an earlier trace and nothing else: ",
+                            Quoted(file), " holds something else")};
+  }
+}
 
 TraceOutput::TraceOutput(const std::optional<std::string>& file, bool holdsReads, std::ostream& output) {
   if (!file) {

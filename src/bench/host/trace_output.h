@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "bench/host/tracing.h"
 
@@ -13,6 +14,13 @@ namespace zolvane {
 
 // Named instead of a file.
 inline constexpr std::string_view standardOutput = "-";
+
+// Throws UsageError if a trace in that file would take the place of anything but an earlier trace: of one of the `needed`
+// files, whether it is there yet or not, or of a file that holds something else.
+void DemandTraceFile(const std::string& file, const std::vector<std::string>& needed);
+
+// The same of any file that the program overwrites; `what` begins the message ("--trace").
+void DemandOther(const std::string& file, const std::vector<std::string>& needed, std::string_view what);
 
 class TraceOutput {
  public:

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -10,9 +9,11 @@
 #include <vector>
 
 #include "bench/host/dry_run.h"
+#include "bench/host/trace_output.h"
 #include "config/text.h"
 #include "files/file_settings_service.h"
 #include "files/paths.h"
+#include "instrument/links/link_factory.h"
 #include "page/page_controls.h"
 #include "text/joined.h"
 #include "text/printable.h"
@@ -104,53 +105,16 @@ std::vector<std::string> NeededFiles(const Options& options, const Job& job) {
   return files;
 }
 
-// The file after "sim:" or "script:".
-std::optional<std::string> LinkFile(const Options& options) {
-  for (const std::string_view kind : {"sim:", "script:"}) {
-    if (options.Link.starts_with(kind) && options.Link.size() > kind.size()) {
-      return AbsolutePath(std::string_view{options.Link}.substr(kind.size()));
-    }
-  }
-  return std::nullopt;
-}
-
-// For a file that the run overwrites.
-void DemandOther(const std::string& file, const std::vector<std::string>& needed, std::string_view what) {
-  for (const auto& other : needed) {
-    if (IsSameFile(file, other)) {
-      throw UsageError{
-          Joined(what, " would overwrite ", Quoted(other), ", which the run needs; name another file")};
-    }
-  }
-}
-
-// An earlier trace begins with an event, however it ends. Devices and pipes hold nothing.
-bool MayBecomeTrace(const std::string& file) {
-  constexpr std::string_view beginning = R"({"event":)";
-  std::error_code ignored;
-  if (!std::filesystem::is_regular_file(PathOf(file), ignored)) {
-    return true;
-  }
-  std::ifstream stream{PathOf(file), std::ios::binary};
-  std::string bytes(beginning.size(), '\0');
-  stream.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-  return stream.gcount() == 0 || bytes == beginning;
-}
-
 void CheckReplacedFiles(const Options& options, const Job& job) {
   auto needed = NeededFiles(options, job);
-  if (const auto file = LinkFile(options)) {
+  if (const auto file = FileOfLink(options.Link)) {
     if (options.Link.starts_with("sim:")) {
       DemandOther(*file, needed, "--link: the instrument's memory");
     }
     needed.push_back(*file);
   }
-  if (options.Trace && *options.Trace != "-") {
-    DemandOther(AbsolutePath(*options.Trace), needed, "--trace");
-    if (!MayBecomeTrace(*options.Trace)) {
-      throw UsageError{Joined("--trace replaces an empty file or an earlier trace and nothing else: ",
-                              Quoted(*options.Trace), " holds something else")};
-    }
+  if (options.Trace && *options.Trace != standardOutput) {
+    DemandTraceFile(*options.Trace, needed);
   }
 }
 

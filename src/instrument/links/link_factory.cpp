@@ -8,6 +8,7 @@
 #include <optional>
 #include <string_view>
 
+#include "files/paths.h"
 #include "instrument/links/no_link.h"
 #include "instrument/links/scripted_link.h"
 #include "instrument/links/serial_link.h"
@@ -131,6 +132,15 @@ std::vector<LinkKindHelp> LinkKindsHelp() {
   std::vector<LinkKindHelp> help;
   std::ranges::transform(linkKinds, std::back_inserter(help), &LinkKind::Help);
   return help;
+}
+
+std::optional<std::string> FileOfLink(std::string_view text) {
+  for (const std::string_view kind : {"sim:", "script:"}) {
+    if (text.starts_with(kind) && text.size() > kind.size()) {
+      return AbsolutePath(text.substr(kind.size()));
+    }
+  }
+  return std::nullopt;
 }
 
 std::shared_ptr<BenchLink> CreateLink(const std::string& text, double timeout, const InterruptFlag& interrupt,

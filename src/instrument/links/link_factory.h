@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -18,6 +19,10 @@ struct LinkKindHelp {
   std::string_view Effect;
 };
 std::vector<LinkKindHelp> LinkKindsHelp();
+
+// The absolute path of the file that a link of that text keeps its memory in, or reads its script from. Nothing if it has
+// none.
+std::optional<std::string> FileOfLink(std::string_view text);
 
 // `text` is one of those usages; the path of a device ("/dev/...") means a serial link. `timeout` is how long
 // a send waits for its reply, in seconds. Ports are opened by the first command, and no file is created

@@ -2,6 +2,7 @@
 
 #include <string_view>
 
+#include "custody/history/history_place.h"
 #include "text/joined.h"
 #include "text/printable.h"
 #include "text/usage_error.h"
@@ -22,6 +23,14 @@ std::string ReadConfiguration(Workplace& work) {
 
 std::string FolderHolding(const std::string& path) {
   return TextOf(PathOf(path).parent_path());
+}
+
+void DemandOutsideHistory(const std::string& folder, const std::string& path) {
+  const auto place = PlaceOfHistory(folder);
+  const auto holder = FolderHolding(path);
+  if (IsSameFile(holder, place.Folder) || IsSameFile(holder, place.Objects)) {
+    throw UsageError{Joined(Quoted(path), " is of the history, which nobody else writes to")};
+  }
 }
 
 BenchLink& DemandLink(Workplace& work) {

@@ -44,6 +44,9 @@ std::string ReadConfiguration(Workplace& work);
 
 std::string FolderHolding(const std::string& path);
 
+// Throws UsageError if the file would lie in the history of that folder.
+void DemandOutsideHistory(const std::string& folder, const std::string& path);
+
 // The instrument, for a command that cannot do without. Throws UsageError.
 BenchLink& DemandLink(Workplace& work);
 

@@ -80,6 +80,33 @@ TEST_F(CommandLineOfZolvane, AFolderWithoutAConfigurationIsUnusable) {
   }
 }
 
+TEST_F(CommandLineOfZolvane, ATraceReplacesNothingButAnEarlierTrace) {
+  const auto record = Folder.Path("record.html");
+  ASSERT_EQ(RunAlone({"backup", record}).Status, 0);
+  const auto journal = Folder.Path("Zolvane.history/journal.jsonl");
+  const auto config = Folder.Path("Zolvane.ini");
+  for (const auto& file : {config, record, journal}) {
+    const auto bytes = BytesOf(file);
+    for (const Words& words :
+         {Words{"show", "file"}, Words{"check"}, Words{"--yes", "upload"}, Words{"history"}}) {
+      auto traced = words;
+      traced.insert(traced.begin(), {"--trace", file});
+      const auto run = Run(traced);
+      EXPECT_EQ(run.Status, 2) << file << " " << words.back() << "\n" << run.All();
+      EXPECT_EQ(BytesOf(file), bytes) << file << " " << words.back();
+    }
+  }
+}
+
+TEST_F(CommandLineOfZolvane, ATraceIsNoFileOfTheCommand) {
+  const auto target = Folder.Path("new.bak");
+  EXPECT_EQ(RunAlone({"--trace", target, "export", target}).Status, 2);
+  EXPECT_EQ(Run({"--trace", Folder.Path("memory.json"), "--yes", "upload"}).Status, 2);
+  EXPECT_EQ(
+      RunAlone({"--trace", Folder.Path("Zolvane.history/trace"), "backup", Folder.Path("r.html")}).Status, 2);
+  EXPECT_EQ(Folder.Names(), (Words{"Zolvane.ini"}));
+}
+
 TEST_F(CommandLineOfZolvane, AFaultNeedsASimulatedInstrument) {
   const auto run = RunAlone({"--link", "none", "--fault", "silent@1", "show", "instrument"});
   EXPECT_EQ(run.Status, 2);
