@@ -194,6 +194,9 @@ void ShowOperation(Workplace& work, const std::string& number) {
 
 std::vector<Checkpoint> CheckpointsOf(Workplace& work, const std::string& name) {
   const auto bytes = ReadFile(work.Files, AbsolutePath(name));
+  if (StateOfSeal(bytes, backupSeal) == SealState::Broken) {
+    throw UsageError{Joined(Quoted(name), " was changed since it was exported, and so anchors nothing")};
+  }
   const auto record = LooksLikeRecord(bytes) ? std::optional{RecordIn(bytes, name)} : std::nullopt;
   auto checkpoints = CheckpointsIn(record ? BareJsonText(JsonOf(record->Checkpoint)) : bytes);
   if (checkpoints.empty()) {
@@ -210,9 +213,7 @@ void AuditHistory(Workplace& work, const Words& more) {
     std::ranges::copy(CheckpointsOf(work, file), std::back_inserter(against));
   }
   const auto history = OpenHistory(work);
-  const auto objects = work.Files.Read(PlaceOfHistory(work.Options.Folder).Objects).Is;
-  const bool isNew = objects == DiskContent::State::Missing && history.Damage().empty();
-  if (against.empty() && !history.Exists() && isNew) {
+  if (against.empty() && !history.Exists() && history.Damage().empty()) {
     throw UsageError{"there is no history yet: the first operation of zolvane begins it"};
   }
   const auto audit = Audit(work.Files, work.Options.Folder, against);

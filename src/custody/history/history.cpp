@@ -49,11 +49,20 @@ Status History::Passed(Status status) {
 // ---- Reading ----
 
 Status History::Open() {
+  using State = DiskContent::State;
   const auto content = disk_.Read(place_.Journal);
-  journal_ = content.Is == DiskContent::State::Present ? ReadJournal(content.Bytes) : Journal{};
-  return content.Is == DiskContent::State::Unreadable
-             ? Fail(Joined(Quoted(place_.Journal), " ", content.Reason))
-             : Status::Success();
+  journal_ = content.Is == State::Present ? ReadJournal(content.Bytes) : Journal{};
+  if (content.Is == State::Unreadable) {
+    return Fail(Joined(Quoted(place_.Journal), " ", content.Reason));
+  }
+  if (disk_.Read(place_.Folder).Is == State::Present) {
+    return Fail(Joined(Quoted(place_.Folder), " is no folder"));
+  }
+  if (!Exists() && journal_.Defects.empty() && HasObjects()) {
+    journal_.Defects.push_back(
+        {.Line = 1, .Text = "it is missing, and the objects of the history are there"});
+  }
+  return Status::Success();
 }
 
 Status History::OpenForRecording(const Waiting& waiting) {
@@ -123,8 +132,19 @@ Status History::PutFile(const std::string& path, std::string_view bytes) {
   return Passed(disk_.Replace(path, bytes));
 }
 
-Status History::MakeFolders() {
-  return Passed(disk_.MakeFolder(place_.Folder).Then([&] { return disk_.MakeFolder(place_.Objects); }));
+// A folder is nothing that could be read as a file.
+bool History::HasObjects() const {
+  return disk_.Read(place_.Objects).Is == DiskContent::State::Unreadable;
+}
+
+// The journal lasts before there is a folder of objects: one without a journal says that somebody removed it.
+Status History::MakePlace() {
+  const Status status = HasObjects()
+                            ? Status::Success()
+                            : Passed(disk_.MakeFolder(place_.Folder))
+                                  .Then([&] { return Exists() ? Status::Success() : StartJournal(); })
+                                  .Then([&] { return Passed(disk_.SyncFolder(place_.Folder)); });
+  return status.Then([&] { return Passed(disk_.MakeFolder(place_.Objects)); });
 }
 
 std::optional<std::string> History::PutObject(std::string_view bytes) {
@@ -140,7 +160,7 @@ std::optional<std::string> History::PutObject(std::string_view bytes) {
     PassOver(Fail(std::move(damage)));
     return std::nullopt;
   }
-  const Status status = MakeFolders().Then([&] { return PutFile(place_.Object(name), bytes); });
+  const Status status = MakePlace().Then([&] { return PutFile(place_.Object(name), bytes); });
   return status.Ok() ? std::optional{std::move(name)} : std::nullopt;
 }
 
@@ -173,9 +193,6 @@ Status History::SetTornLineAside() {
 }
 
 Status History::StartJournal() {
-  if (Exists()) {
-    return Status::Success();
-  }
   const auto line = IdentityLine(HexOf(witness_.RandomBytes(identityBytes)));
   return PutFile(place_.Journal, line + '\n').Then([&] {
     journal_ = ReadJournal(line + '\n');
@@ -201,10 +218,7 @@ Status History::Prepare() {
                                                : isBroken_ ? " could not be written before"
                                                            : " is damaged"));
   }
-  return MakeFolders()
-      .Then([&] { return SetTornLineAside(); })
-      .Then([&] { return StartJournal(); })
-      .Then([&] { return MakeNamesDurable(); });
+  return MakePlace().Then([&] { return SetTornLineAside(); }).Then([&] { return MakeNamesDurable(); });
 }
 
 // What an operation begins it has to end, and its end keeps objects: there must be room for them before.

@@ -91,7 +91,8 @@ class History {
   Status Fail(std::string reason);
   Status Passed(Status status);
   Status PutFile(const std::string& path, std::string_view bytes);
-  Status MakeFolders();
+  bool HasObjects() const;
+  Status MakePlace();
   Status SetTornLineAside();
   Status StartJournal();
   Status MakeNamesDurable();

@@ -215,7 +215,7 @@ TEST_F(AuditOf, ARebuiltChainShows) {
 }
 
 TEST_F(AuditOf, AHistoryMadeAnewShows) {
-  ASSERT_TRUE(Disk.Remove(journalPath).Ok());
+  ASSERT_TRUE(Disk.Rename("/lab/Zolvane.history", "/lab/elsewhere").Ok());
   Make(4);
   EXPECT_TRUE(AuditAgainst().IsIntact && AuditAgainst().IsComplete);
   ExpectDetected("a new one");

@@ -225,11 +225,25 @@ TEST_F(HistoryOnDisk, OneThatCannotBeReadIsNotOpened) {
 TEST_F(HistoryOnDisk, AFileInThePlaceOfItsFolderIsInTheWayAndStays) {
   Disk.Put("/lab/Zolvane.history", "theirs");
   History history{Disk, Witness, folder};
-  ASSERT_TRUE(history.OpenForRecording().Ok());
-  EXPECT_FALSE(history.Begin(EntryOf("upload")));
-  EXPECT_EQ(history.FailureReason(),
-            "\"" + PlaceOfHistory(folder).Folder + "\" is in the way: it is no folder");
+  EXPECT_FALSE(history.OpenForRecording().Ok());
+  EXPECT_EQ(history.FailureReason(), "\"" + PlaceOfHistory(folder).Folder + "\" is no folder");
   EXPECT_EQ(Disk.Read("/lab/Zolvane.history").Bytes, "theirs");
+}
+
+TEST_F(HistoryOnDisk, OneWhoseJournalWasRemovedOrEmptiedIsDamaged) {
+  Make(2);
+  for (const bool isRemoved : {false, true}) {
+    Disk.Put(journalPath, "");
+    if (isRemoved) {
+      ASSERT_TRUE(Disk.Remove(journalPath).Ok());
+    }
+    History history{Disk, Witness, folder};
+    ASSERT_TRUE(history.OpenForRecording().Ok());
+    EXPECT_TRUE(history.Damage().starts_with("line 1: it is missing")) << history.Damage();
+    EXPECT_FALSE(history.Begin(EntryOf("upload")));
+    EXPECT_TRUE(history.SetAside());
+    EXPECT_TRUE(history.Begin(EntryOf("upload"))) << history.FailureReason();
+  }
 }
 
 TEST_F(HistoryOnDisk, TextsThatAreNotUtf8AreKeptByteForByte) {
