@@ -115,8 +115,8 @@ std::string ProvingLink::Unproven(const std::vector<Verdict>& verdicts) const {
                 " values did not arrive; the first: ", TextOf(*std::ranges::find_if(verdicts, isUnproven)));
 }
 
-// A restart between proof and SAVE takes every value back to what was kept. One that had changed shows it, be it now or
-// by an earlier operation that did not come to its SAVE.
+// A restart between proof and SAVE takes every value back to what was kept. One that is to be kept with another text shows
+// it; what was found need not have been kept, if an earlier operation did not come to its SAVE.
 const Verdict& ProvingLink::Telltale(const std::vector<Verdict>& verdicts) const {
   const auto changedSince = [&](const Values& before) {
     return std::ranges::find_if(verdicts, [&](const auto& one) {
@@ -124,9 +124,9 @@ const Verdict& ProvingLink::Telltale(const std::vector<Verdict>& verdicts) const
       return one.Left && !(text && SameText(*text, *one.Left));
     });
   };
-  auto changed = changedSince(setup_.Found);
-  if (changed == verdicts.end() && setup_.Kept) {
-    changed = changedSince(*setup_.Kept);
+  auto changed = setup_.Kept ? changedSince(*setup_.Kept) : verdicts.end();
+  if (changed == verdicts.end()) {
+    changed = changedSince(setup_.Found);
   }
   return changed == verdicts.end() ? verdicts.back() : *changed;
 }

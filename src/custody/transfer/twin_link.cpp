@@ -16,7 +16,8 @@ std::string ReplyFor(const std::string& key, const std::optional<std::string>& t
 
 // Commands that change nothing in the instrument.
 bool IsQuestion(std::string_view command) {
-  return command.starts_with(questionStart) || command.starts_with("STATUS");
+  return command.starts_with(questionStart) || command.starts_with("STATUS") ||
+         command.starts_with("RFID READ");
 }
 
 }  // namespace

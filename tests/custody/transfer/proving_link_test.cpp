@@ -144,6 +144,20 @@ TEST(ProvingLink, ARestartShowsInWhatHadChangedBeforeThisTransfer) {
   }
 }
 
+// This one puts a value back to what was kept, so that a restart changes nothing of it.
+TEST(ProvingLink, ARestartIsLookedForInAValueThatItChanges) {
+  const Settings kept{{"A", "1"}, {"B", "2"}};
+  const Settings unsaved{{"A", "10"}, {"B", "20"}};
+  const auto instrument = InstrumentWith(kept, FaultPlan{"power@7"});
+  for (const auto& [key, text] : unsaved) {
+    SendLine(*instrument, "SET_CALIBRATION " + key + " " + text);
+  }
+  const InterruptFlag interrupt;
+  ProvingLink link{instrument, {.Found = ValuesOf(unsaved), .Kept = ValuesOf(kept)}, interrupt};
+  EXPECT_FALSE(Upload(link, {{"A", "1"}, {"B", "20"}}));
+  EXPECT_NE(link.Problem().find("asked for B"), std::string::npos) << link.Problem();
+}
+
 TEST(ProvingLink, ARestartBetweenProofAndSaveIsNoticed) {
   for (const auto* fault : {"power@6", "power@7"}) {
     Room room{{fault}};
