@@ -94,6 +94,8 @@ class FieldRules {
       Add("no-key", "there is no key of the instrument in it: the upload sends nothing of it");
     } else if (key.find_first_of(" \t") != std::string::npos) {
       Add("broken-key", Joined("the key ", Shown(key), " has a blank in it: the upload sets no such value"));
+    } else if (EqualIgnoringCase(key, "SAVE")) {
+      Add("broken-key", Joined("the key ", Shown(key), " is the instrument's command to save what it holds"));
     } else if (StrictNumber(pieces[correctionFactorPiece]) == 0.0) {
       Add("zero-factor", Joined("the factor is 0: the upload sends 0 for ", Printable(key)));
     }

@@ -1,7 +1,9 @@
 // Classes, codes and names by which the items of the lists are found.
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <iterator>
+#include <map>
 #include <span>
 #include <vector>
 
@@ -32,15 +34,6 @@ constexpr std::array nestClasses{code::nest8, code::nest12};
 constexpr std::array headLayouts{channel_layout::oneShort, channel_layout::oneLong, channel_layout::eight,
                                  channel_layout::twelve};
 
-void CheckSpelling(CheckedFile& file, std::string_view section, const std::string& item,
-                   std::string_view text, std::string_view meant) {
-  if (!meant.empty()) {
-    file.Add("misspelt-class", file.LineOf(section, ItemKey(item)),
-             Joined(Printable(NameOfPlace(section, ItemKey(item))), ": ", Shown(text), " is nearly ", meant,
-                    ", but not to the letter: the upload does not find the item by it"));
-  }
-}
-
 std::string DigitsOf(std::string_view text) {
   std::string digits;
   std::ranges::copy_if(text, std::back_inserter(digits), [](char one) { return one >= '0' && one <= '9'; });
@@ -49,28 +42,48 @@ std::string DigitsOf(std::string_view text) {
 
 // A text that is none of them, but one of them to a reader: its digits tell one from another, letters may be mistyped.
 std::string_view MeantBy(std::string_view text, std::span<const std::string_view> known) {
-  if (std::ranges::find(known, text) != known.end()) {
-    return {};
-  }
   std::vector<std::string_view> alike;
   std::ranges::copy_if(known, std::back_inserter(alike),
                        [&](const auto name) { return DigitsOf(name) == DigitsOf(text); });
   return NearestName(text, alike);
 }
 
+// Other modules and nests than those that the upload knows may be there; other heads and tips are never sent.
+enum class Others : std::uint8_t { MayBe, AreLost };
+
+void CheckClass(CheckedFile& file, std::string_view section, const std::string& item, std::string_view text,
+                std::span<const std::string_view> known, Others others) {
+  if (std::ranges::find(known, text) != known.end()) {
+    return;
+  }
+  const auto add = [&](std::string_view code, const std::string& why) {
+    const auto key = ItemKey(item);
+    file.Add(
+        code, file.LineOf(section, key),
+        Joined(Printable(NameOfPlace(section, key)), ": ", why, ": the upload does not find the item by it"));
+  };
+  if (const auto meant = MeantBy(text, known); !meant.empty()) {
+    add("misspelt-class", Joined(Shown(text), " is nearly ", meant, ", but not to the letter"));
+  } else if (text.empty()) {
+    add("unknown-class", "its class or layout is empty");
+  } else if (others == Others::AreLost) {
+    add("unknown-class", Joined(Shown(text), " is none of the classes and layouts of the instrument"));
+  }
+}
+
 template <class Record>
 void CheckClasses(CheckedFile& file, const Configuration& configuration, const RecordTable<Record>& table,
-                  std::string_view section, std::span<const std::string_view> classes) {
-  ForEach(table, configuration, [&](const Record& record) {
-    CheckSpelling(file, section, record.ID, record.Code, MeantBy(record.Code, classes));
-  });
+                  std::string_view section, std::span<const std::string_view> classes, Others others) {
+  ForEach(table, configuration,
+          [&](const Record& record) { CheckClass(file, section, record.ID, record.Code, classes, others); });
 }
 
 // Of the heads that the 1/8/12 module carries.
 void CheckLayouts(CheckedFile& file, const Configuration& configuration) {
   ForEach(headTable, configuration, [&file](const HeadTypeRecord& head) {
-    CheckSpelling(file, headTypeSection, head.ID, head.ChannelCode,
-                  head.Code == code::serialDilute ? MeantBy(head.ChannelCode, headLayouts) : "");
+    if (head.Code == code::serialDilute) {
+      CheckClass(file, headTypeSection, head.ID, head.ChannelCode, headLayouts, Others::AreLost);
+    }
   });
 }
 
@@ -111,8 +124,12 @@ void CheckDetection(CheckedFile& file, const Configuration& configuration) {
     devices.Look(device.Code, UpperCase(device.Code), device.ID);
   });
   FirstItems heads{file, headTypeSection, "undetectable"};
-  ForEach(headTable, configuration,
-          [&](const HeadTypeRecord& head) { heads.Look(head.Tag, head.Tag, head.ID); });
+  std::map<std::string, std::string> named;
+  ForEach(headTable, configuration, [&](const HeadTypeRecord& head) {
+    const auto [first, isNew] = named.try_emplace(UpperCase(head.Name), ItemKey(head.ID));
+    heads.Look(head.Tag, head.Tag, head.ID,
+               isNew ? "" : Joined("the page takes ", first->second, ", which has its name"));
+  });
   FirstItems cages{file, cageTypeSection, "undetected-module"};
   ForEach(cageTable, configuration, [&](const CageTypeRecord& cage) {
     const bool isAsked = std::ranges::any_of(
@@ -153,10 +170,10 @@ void CheckNames(CheckedFile& file, const Configuration& configuration) {
 }  // namespace
 
 void CheckItems(CheckedFile& file, const Configuration& configuration) {
-  CheckClasses(file, configuration, cageTable, cageTypeSection, moduleClasses);
-  CheckClasses(file, configuration, headTable, headTypeSection, headClasses);
-  CheckClasses(file, configuration, tipTable, tipTypeSection, tipClasses);
-  CheckClasses(file, configuration, nestTable, nestTypeSection, nestClasses);
+  CheckClasses(file, configuration, cageTable, cageTypeSection, moduleClasses, Others::MayBe);
+  CheckClasses(file, configuration, headTable, headTypeSection, headClasses, Others::AreLost);
+  CheckClasses(file, configuration, tipTable, tipTypeSection, tipClasses, Others::AreLost);
+  CheckClasses(file, configuration, nestTable, nestTypeSection, nestClasses, Others::MayBe);
   CheckLayouts(file, configuration);
   CheckDetection(file, configuration);
   CheckNames(file, configuration);

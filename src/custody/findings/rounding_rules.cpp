@@ -160,7 +160,8 @@ void CheckRounding(CheckedFile& file, const CurrentRecords& inForce, const std::
   for (const auto& rounded : search.Find()) {
     if (const auto* const source = search.SourceOf(rounded)) {
       const auto& line = script[rounded.Place];
-      file.Add("sent-rounded", source->Number,
+      const bool isLost = line.Value && StrictNumber(*line.Value) == 0.0;
+      file.Add(isLost ? "sent-as-zero" : "sent-rounded", source->Number,
                Joined(Printable(NameOfPlace(source->Section, source->Key)), ": the upload sends ",
                       line.Value.value_or(""), " for ", Printable(line.Key), ", rounded from ",
                       GeneralText(rounded.Exact)));

@@ -109,6 +109,20 @@ std::shared_ptr<DrySettings> CheckedFile::Run(const OperationOnFile& operation,
   return settings;
 }
 
+std::vector<SettingWrite> CheckedFile::LoadPage(const DrySettings::ReadObserver& observe) {
+  auto ends = EndsOn(disk_, folder);
+  ends.Host.Wrapped = [&](const auto& settings) { return std::make_shared<DrySettings>(settings, observe); };
+  return Play(ends, {.Kind = ActionKind::ShowPage}).Writes;
+}
+
+// No operation begins before the page has been loaded.
+void CheckedFile::Store(const std::vector<SettingWrite>& writes) {
+  FileSettingsService settings{[this](const std::string& path) { return disk_.OpenSettings(path); }};
+  for (const auto& write : writes) {
+    PassOver(settings.WriteValue(write.Section, write.Key, path_, write.Text));
+  }
+}
+
 void CheckedFile::Watch() {
   bool isByWalk = false;
   const auto observe = [&](std::string_view section, std::string_view key, std::string_view path,
@@ -123,11 +137,9 @@ void CheckedFile::Watch() {
     place.IsByWalk = place.IsByWalk || isByWalk;
   };
   if (Is == Kind::Configuration) {
-    auto ends = EndsOn(disk_, folder);
-    ends.Host.Wrapped = [&](const auto& settings) {
-      return std::make_shared<DrySettings>(settings, observe);
-    };
-    PageWrites = Play(ends, {.Kind = ActionKind::ShowPage}).Writes;
+    PageWrites = LoadPage([](auto...) {});
+    Store(PageWrites);
+    LoadPage(observe);  // what it asks for on its way to other choices counts for nothing
   }
   isByWalk = true;
   if (Is == Kind::Backup) {

@@ -75,6 +75,8 @@ class CheckedFile {
 
  private:
   void Watch();
+  std::vector<SettingWrite> LoadPage(const DrySettings::ReadObserver& observe);
+  void Store(const std::vector<SettingWrite>& writes);
   Places WrittenBy(const OperationOnFile& operation, const DrySettings::ReadObserver& observe);
 
   MemoryDisk disk_;

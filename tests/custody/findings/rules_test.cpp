@@ -228,6 +228,24 @@ const std::vector<Case>& Cases() {
        [](const auto& file) { EXPECT_EQ(Sent(file, "NEST_1A_SD_X"), "(not sent)"); }},
       {"misspelt-class", "Nest\",NEST12", "Nest\",NEST_12", "Item2=\"12-Channel Head Nest\"",
        [](const auto& file) { EXPECT_EQ(Sent(file, "NEST_1E_SD_X"), "(not sent)"); }},
+      {"unknown-class", "MICROTITER,1,1,0,2150", ",1,1,0,2150", "Item1=\"96/384 Module\"",
+       [](const auto& file) { EXPECT_EQ(Sent(file, "TipChange_S"), "0"); }},
+      {"unknown-class", "\"8-Channel 300 ul\",SERIALDILUTE", "\"8-Channel 300 ul\",ABC", "Item12=",
+       [](const auto& file) { EXPECT_EQ(Sent(file, "TipEject_8Ch_300_S"), "(not sent)"); }},
+      {"unknown-class", "10204,10632,12_CH", "10204,10632,", "Item16=",
+       [](const auto& file) { EXPECT_NE(Sent(file, "PickUp_12Ch_Z"), SentOfTheSample("PickUp_12Ch_Z")); }},
+      {"unknown-class", "\"300 ul Tips\",SERIALDILUTE", "\"300 ul Tips\",", "Item2=\"300 ul Tips\"",
+       [](const auto& file) { EXPECT_NE(Sent(file, "RackPickup_12_300_Z"), SentOfTheSample("RackPickup_12_300_Z")); }},
+      {"unknown-class", "NEST8,\"1A\"", ",\"1A\"", "Item1=\"8-Channel Head Nest\"",
+       [](const auto& file) { EXPECT_EQ(Sent(file, "NEST_1A_SD_X"), "(not sent)"); }},
+      {"sent-as-zero", "1.0685,\"VOL_8CH_30_1\"", "0.000001,\"VOL_8CH_30_1\"", "1Item=1 ul,0.000001",
+       [](const auto& file) { EXPECT_EQ(Sent(file, "VOL_8CH_30_1"), "0"); }},
+      {"broken-key", "1.0685,\"VOL_8CH_30_1\"", "1.0685,\"SAVE\"", "1Item=1 ul,1.0685,\"SAVE",
+       [](const auto& file) { EXPECT_EQ(Sent(file, "SAVE"), "106850"); }},
+      {"undetectable", "\"96-Channel 125 ul\"", "\"96-channel 300 UL\"", "Item2=\"96-channel",
+       [](const auto& file) {
+         EXPECT_EQ(QueriedAs(file, {.Tag = "5A4C0150AA7F1012"}, "HeadType"), "1");
+       }},
       {"undetectable", "\"ZV400\"", "\"ZV200\"", "Item2=\"Zolvane 400\"",
        [](const auto& file) { EXPECT_EQ(QueriedAs(file, {.Stage = "ZV200"}, "DeviceType"), "1"); }},
       {"undetected-module", "MICROTITER,1,1,0,2150", "MICROPLATE,1,1,0,2150", "Item1=\"96/384 Module\"",
@@ -311,6 +329,19 @@ TEST(CheckRules, SayWhatTheAddInReallyMakesOfIt) {
   for (const auto& broken : Cases()) {
     SCOPED_TRACE(broken.Code);
     broken.Effect(Broken(broken));
+  }
+}
+
+// The page chooses another device or module than the file says, and the upload sends what belongs to that.
+TEST(CheckRules, JudgeTheConfigurationAsThePageLeavesIt) {
+  for (const std::string_view section : {"DeviceType", "CageType"}) {
+    auto file = SampleConfiguration();
+    const auto at = file.find("Installed=", file.find("[" + std::string{section} + "]"));
+    file.replace(at, file.find_first_of("\r\n", at) - at, "Installed=0");
+    for (const auto& finding : CheckConfiguration(file, "Zolvane.ini")) {
+      EXPECT_TRUE(finding.Grade != Grade::Error || finding.Code == "page-changes") << finding.Text;
+    }
+    EXPECT_NE(Sent(file, "MountHeight"), "(not sent)");
   }
 }
 
