@@ -17,6 +17,7 @@
 #include "zolvane/operations/custody.h"
 #include "zolvane/operations/kept_operation.h"
 #include "zolvane/work/actions.h"
+#include "zolvane/work/objections.h"
 #include "zolvane/work/printing.h"
 #include "zolvane/work/sides.h"
 
@@ -120,10 +121,18 @@ void TellUnanswered(Workplace& work) {
                                                         work.Link ? LinkProblem(*work.Link) : std::string{}));
 }
 
-// A record has two faces, and only one of them is looked at.
-void NoteFaceOf(Workplace& work, std::initializer_list<const Side*> sides) {
-  if (std::ranges::any_of(sides, [](const Side* side) { return side->Answers.has_value(); })) {
-    work.Out.Note("this is the file's part; --wire takes what the instrument answered");
+// A record has two faces, and only one of them is looked at; one that was made without an instrument has one.
+void NoteFaceOf(Workplace& work, bool isWire, std::initializer_list<const Side*> sides) {
+  for (const auto* const side : sides) {
+    if (!isWire && side->Answers) {
+      work.Out.Note("this is the file's part; --wire takes what the instrument answered");
+      return;
+    }
+    if (isWire && side->IsKept && !side->Answers) {
+      work.Out.Note(
+          Joined(Quoted(side->Name),
+                 " holds no answers of an instrument: these are the values that its file would send"));
+    }
   }
 }
 
@@ -133,9 +142,7 @@ void Show(Workplace& work, const Words& words) {
   const auto side = SideNamed(work, words[1]);
   const std::vector<std::string> keys{words.begin() + 2, words.end()};
   const bool isWire = work.Options.ComparesWire || side.IsInstrument;
-  if (!isWire) {
-    NoteFaceOf(work, {&side});
-  }
+  NoteFaceOf(work, isWire, {&side});
   const auto values = !isWire                              ? FileFaceOf(side)
                       : side.IsInstrument && !keys.empty() ? WireFaceOf(work, side, keys)
                                                            : WireFaceOf(work, side, KeysOf(work, side));
@@ -161,6 +168,17 @@ void Explain(Workplace& work, const std::string& code) {
                                      {"advice", rule->Advice}};
 }
 
+// What an import of the backup would object to.
+bool TellDoubts(Workplace& work, const std::string& path, const std::string& bytes) {
+  Objections doubts;
+  ObjectToImport(work, ReadHistory(work), path, bytes, ReadConfiguration(work), doubts);
+  for (const auto& doubt : doubts) {
+    work.Out.Error(ObjectionText(doubt));
+    work.Result.Objections.push_back(doubt);
+  }
+  return !doubts.empty();
+}
+
 }  // namespace
 
 void Check(Workplace& work, const Words& words) {
@@ -183,7 +201,8 @@ void Check(Workplace& work, const Words& words) {
     counts.append(counts.empty() ? "" : ", ").append(CountOf(count, NameOf(grade)));
   }
   work.Out.Print(FindingsText(findings) + counts + "\n");
-  work.Result.Worsen(HasError(findings) ? exit_status::notDone : exit_status::done);
+  const bool isDoubted = side.IsBackup && TellDoubts(work, file, *side.Configuration);
+  work.Result.Worsen(HasError(findings) || isDoubted ? exit_status::notDone : exit_status::done);
 }
 
 void Diff(Workplace& work, const Words& words) {
@@ -196,9 +215,7 @@ void Diff(Workplace& work, const Words& words) {
   };
   const auto changes = Compare(face(a), face(b));
   work.Result.Counts = CountsOf(changes);
-  if (!isWire) {
-    NoteFaceOf(work, {&a, &b});
-  }
+  NoteFaceOf(work, isWire, {&a, &b});
   const auto descriptionsOf = [&](const Side& own, const Side& other) {
     return DescriptionsFor(work, own.IsInstrument || own.IsBackup ? other : own);
   };

@@ -7,7 +7,6 @@
 #include <utility>
 #include <vector>
 
-#include "bench/host/dry_run.h"
 #include "custody/transfer/proving_link.h"
 #include "custody/transfer/twin_link.h"
 #include "custody/values/file_fields.h"
@@ -57,20 +56,6 @@ Values LastWrites(const std::vector<SettingWrite>& writes, const std::string& fi
   return values;
 }
 
-// The bytes of the file with what the add-in wrote into it.
-std::string WithWrites(const std::string& bytes, const std::vector<SettingWrite>& writes,
-                       const std::string& file) {
-  MemoryDisk copy;
-  copy.Put(file, bytes);
-  FileSettingsService settings{[&copy](const auto& path) { return copy.OpenSettings(path); }};
-  for (const auto& write : writes) {
-    if (IsSameFile(write.File, file)) {
-      PassOver(settings.WriteValue(write.Section, write.Key, file, write.Text));
-    }
-  }
-  return copy.Read(file).Bytes;
-}
-
 // A backup with the comments behind its last line.
 std::string Closed(std::string backup, const Checkpoint& checkpoint) {
   backup += Joined(checkpointHeading, "\r\n");
@@ -98,8 +83,7 @@ class AddInOperation final : public CustodyOperation {
   std::vector<Finding> FindingsAhead(const Custody& custody) const;
   void Foresee(Custody& custody);
   void DemandForeseen(const PlayedAction& played) const;
-  void ForeseeSending(Custody& custody);
-  void LookAtBackup(Custody& custody) const;
+  void ForeseeSending(Custody& custody, const WireFace& face);
   void ShowLoss(Custody& custody) const;
   SessionEnds RealEnds(Workplace& work, std::shared_ptr<BenchLink> link) const;
   void MakeRoom(Custody& custody) const;
@@ -112,30 +96,15 @@ class AddInOperation final : public CustodyOperation {
 
 // ---- Look ----
 
-// What the add-in reads of the configuration.
-WireFace DemandReadable(const Custody& custody) {
-  auto face = WireFaceOfFile(*custody.Found.Configuration);
-  if (!face.Problem.empty()) {
-    throw UsageError{Joined(Quoted(custody.Work.ConfigFile()), ": ", face.Problem)};
-  }
-  return face;
-}
-
 void AddInOperation::Look(Custody& custody) {
   auto& work = custody.Work;
   custody.Found.Configuration = ReadConfiguration(work);
-  ObjectToUnfinished(custody.Kept, custody.Doubts);
+  ObjectToUnfinished(custody.Kept, row_.Name, custody.Doubts);
   if (row_.AsksInstrument || (ChangesFile() && work.Link != nullptr)) {
     custody.LookAtInstrument();
   }
   LookAtFile(custody);
-  if (row_.Button == queryButton) {
-    DemandReadable(custody);
-    custody.Intended.Configuration =
-        custody.Found.Configuration;  // only the hardware knows what will be written
-  } else {
-    Foresee(custody);
-  }
+  Foresee(custody);
   if (Sends() || ChangesFile()) {
     custody.LookFor(FindingsAhead(custody));
   }
@@ -167,6 +136,10 @@ void AddInOperation::LookAtFile(Custody& custody) {
 // Plays it on copies: what is written there is what is to be written.
 void AddInOperation::Foresee(Custody& custody) {
   auto& work = custody.Work;
+  const auto face = WireFaceOfFile(*custody.Found.Configuration);
+  if (!face.Problem.empty()) {
+    throw UsageError{Joined(Quoted(work.ConfigFile()), ": ", face.Problem)};
+  }
   MemoryDisk copy;
   copy.Put(work.ConfigFile(), *custody.Found.Configuration);
   if (row_.File == FileRole::Loaded) {
@@ -183,10 +156,11 @@ void AddInOperation::Foresee(Custody& custody) {
   if (row_.File == FileRole::Saved) {
     intendedFile_ = copy.Read(*file_).Bytes;
   } else if (row_.File == FileRole::Loaded) {
-    LookAtBackup(custody);
+    ObjectToImport(work, custody.Kept, *file_, *custody.OtherFile->Before, *custody.Found.Configuration,
+                   custody.Doubts);
   }
   if (Sends()) {
-    ForeseeSending(custody);
+    ForeseeSending(custody, face);
     return;
   }
   custody.Intended.Answers = LastWrites(played.Writes, work.ConfigFile());
@@ -213,27 +187,11 @@ void AddInOperation::DemandForeseen(const PlayedAction& played) const {
   }
 }
 
-void AddInOperation::ForeseeSending(Custody& custody) {
-  const auto face = DemandReadable(custody);
+void AddInOperation::ForeseeSending(Custody& custody, const WireFace& face) {
   auto& link = DemandLink(custody.Work);
   custody.Intended.Answers = face.Lines;
   custody.Found.Answers = WireFaceOfInstrument(link, NamesOf(face.Lines));
   DemandAnswers(*custody.Found.Answers, link);
-}
-
-void AddInOperation::LookAtBackup(Custody& custody) const {
-  auto& work = custody.Work;
-  if (!HoldsBackup(work.Options.Folder, *file_,
-                   [&](const auto& path) { return work.Files.OpenSettings(path); })) {
-    Object(custody.Doubts, objection_code::notABackup, "the sections of a backup", "none of them");
-    return;
-  }
-  const std::string exported = "exported.bak";
-  MemoryDisk copy;
-  copy.Put(work.ConfigFile(), *custody.Found.Configuration);
-  Play(EndsOn(copy, work.Options.Folder), PressOf(exportButton, exported));
-  ObjectToBackup(custody.Kept, *file_, *custody.OtherFile->Before, copy.Read(exported).Bytes,
-                 WireFaceOfFile(*custody.Found.Configuration).InForce.Device.Name, custody.Doubts);
 }
 
 // ---- Show ----
@@ -245,9 +203,6 @@ void AddInOperation::Show(Custody& custody) {
   if (Sends()) {
     ShowChanges(work, "instrument", Compare(*custody.Found.Answers, *custody.Intended.Answers), descriptions,
                 "to be sent");
-  }
-  if (row_.Button == queryButton) {
-    work.Out.Note("what the instrument says of its hardware decides what is written");
   }
   const auto changes = Compare(FileFace(before), FileFace(*custody.Intended.Configuration));
   if (!changes.Differences.empty() || ChangesFile()) {
@@ -361,10 +316,6 @@ Conclusion AddInOperation::Act(Custody& custody) {
       ProgramInterrupt());
   MakeRoom(custody);
   const auto played = Play(RealEnds(work, proving), PressOf(row_.Button, file_));
-  if (row_.Button == queryButton) {
-    custody.Intended.Configuration =
-        WithWrites(*custody.Found.Configuration, played.Writes, work.ConfigFile());
-  }
   Evidence evidence{custody};
   evidence.TakeTally(played.Result.Tally, Sends());
   if (Sends()) {

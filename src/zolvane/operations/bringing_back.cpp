@@ -47,6 +47,7 @@ class BringingBack final : public CustodyOperation {
 
  private:
   void LookAtFile(Custody& custody);
+  void LeaveMissingFile(Custody& custody, const std::string& wanted);
   void LookAtValues(Custody& custody);
   void LeaveToLaterOnes(Custody& custody);
   void ObjectToChanges(Custody& custody) const;
@@ -70,7 +71,7 @@ void BringingBack::Look(Custody& custody) {
     custody.About = target_.Of->Numbers;
     custody.Draft.About = target_.Of->Numbers.Last;
   }
-  ObjectToUnfinished(custody.Kept, custody.Doubts, custody.About);
+  ObjectToUnfinished(custody.Kept, action_, custody.Doubts, custody.About);
   auto content = work.Files.Read(work.ConfigFile());
   if (content.Is == DiskContent::State::Unreadable) {
     throw UsageError{Joined(Quoted(work.ConfigFile()), " ", content.Reason)};
@@ -103,7 +104,11 @@ void BringingBack::LookAtFile(Custody& custody) {
   if (PlanForFile(wish, present).Is != Standing::Changed || !wanted) {
     return;
   }
-  const auto now = present.value_or("");
+  if (!present) {
+    LeaveMissingFile(custody, *wanted);
+    return;
+  }
+  const auto now = *present;
   const auto end = target_.Of->OtherEnd(wanted);
   const bool hasEnded = target_.Of->HasEnded;
   const auto other = hasEnded ? end.value_or("") : WithChoicesOf(now, end.value_or(""));
@@ -114,6 +119,17 @@ void BringingBack::LookAtFile(Custody& custody) {
   }
   steps_ = PlanInFile(*wanted, other, now);
   custody.Intended.Configuration = Brought(now, steps_);
+}
+
+// Somebody removed it. That is in the way of what would change it, and none of our business otherwise.
+void BringingBack::LeaveMissingFile(Custody& custody, const std::string& wanted) {
+  const auto& ends = target_.Of->Ends();
+  if (std::ranges::any_of(ends, [&](const auto& end) { return end != wanted; })) {
+    steps_.push_back(
+        {.Of = {.Name = std::string{configFileName}, .Expected = {"its bytes as they were left"}},
+         .Is = Standing::Changed});
+  }
+  custody.Intended.Configuration.reset();
 }
 
 void BringingBack::LookAtValues(Custody& custody) {
@@ -185,7 +201,7 @@ void BringingBack::Show(Custody& custody) {
   const auto face = FileFace(intended);
   if (found) {
     ShowChanges(custody.Work, "file", Compare(FileFace(*found), face), descriptions, "to be written");
-  } else {
+  } else if (custody.Intended.Configuration) {
     custody.Work.Out.Print(Joined("file: a new one with ", CountOf(face.InOrder().size(), "value"), "\n"));
   }
   if (custody.Found.Answers) {
@@ -210,7 +226,7 @@ Conclusion BringingBack::Act(Custody& custody) {
   const bool isProven = evidence.IsProven();
   NameWhatStays(evidence);
   auto conclusion = evidence.Conclude();
-  conclusion.SettlesOlder = isProven;
+  conclusion.IsSettled = isProven;
   return conclusion;
 }
 
@@ -315,18 +331,23 @@ Target TakingBack(Custody& custody, const std::optional<std::string>& number) {
   return target;
 }
 
-bool IsUnproven(const Operation& operation) {
-  return operation.Ended == nullptr || operation.Ended->Outcome == outcome::failed ||
-         operation.Ended->Outcome == outcome::notProven;
+// What it left to somebody else is nothing to go on with.
+bool CanGoOn(const Operation& operation) {
+  return operation.Ended == nullptr ||
+         ((operation.Ended->Outcome == outcome::failed || operation.Ended->Outcome == outcome::notProven) &&
+          !operation.Ended->Counts.contains(settledCount));
 }
 
 Target Finishing(Custody& custody) {
   const auto operations = custody.Kept.Operations();
   const auto last = LastOfOurs(operations);
-  if (!last || !IsUnproven(operations[*last])) {
+  if (!last || !CanGoOn(operations[*last])) {
     throw UsageError{
         Joined("there is nothing to resume: ",
-               last ? "the last operation came to its end" : "no operation has sent or changed anything")};
+               !last ? "no operation has sent or changed anything"
+               : operations[*last].Ended->Counts.contains(settledCount)
+                   ? "what the last operation left undone is somebody else's, or cannot be removed"
+                   : "the last operation came to its end")};
   }
   const auto& operation = operations[*last];
   if (!action::SendsValues(operation.Begun->Action)) {

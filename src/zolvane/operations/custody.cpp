@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "config/text.h"
-#include "custody/history/history_place.h"
 #include "custody/values/sides.h"
 #include "custody/values/values_json.h"
 #include "files/paths.h"
@@ -75,9 +74,8 @@ void Custody::LookAtInstrument() {
   if (Draft.Instrument.empty()) {
     throw UsageError{Joined("the instrument answers ", stageQuestion, " with an empty line")};
   }
-  if (const auto& configuration = Found.Configuration ? Found.Configuration : Intended.Configuration) {
-    ObjectToInstrument(Kept, *configuration, Draft.Instrument, Doubts);
-  }
+  const auto& configuration = Found.Configuration ? Found.Configuration : Intended.Configuration;
+  ObjectToInstrument(Kept, configuration.value_or(""), Draft.Instrument, Doubts);
 }
 
 void Custody::LookFor(std::vector<Finding> findings) {
@@ -136,12 +134,9 @@ void Custody::SettleDoubts() {
 }
 
 void Custody::LookAtTarget(const std::string& path) {
-  const auto place = PlaceOfHistory(Work.Options.Folder);
   const auto holder = FolderHolding(path);
   DemandOtherFile(Work, path);
-  if (IsSameFile(holder, place.Folder) || IsSameFile(holder, place.Objects)) {
-    throw UsageError{Joined(Quoted(path), " is of the history, which nobody else writes to")};
-  }
+  DemandOutsideHistory(Work.Options.Folder, path);
   auto content = Work.Files.Read(path);
   if (content.Is == DiskContent::State::Unreadable) {
     throw UsageError{Joined(Quoted(path), " ", content.Reason)};
@@ -289,6 +284,9 @@ void Custody::RecordEnd(const Conclusion& conclusion) {
   for (const auto& [name, count] : Work.Result.Counts) {
     end.Counts[name] = static_cast<std::int64_t>(count);
   }
+  if (conclusion.IsSettled && conclusion.Outcome != outcome::done) {
+    end.Counts.emplace(settledCount, 1);
+  }
   const bool isKept = file && left && details && isOtherFileKept;
   if (!isKept || !Kept.End(number_, std::move(end)).Ok()) {
     Work.Out.Error(Joined("the end of the operation could not be recorded: ", Kept.FailureReason()));
@@ -298,7 +296,7 @@ void Custody::RecordEnd(const Conclusion& conclusion) {
 
 void Custody::End(const Conclusion& conclusion) {
   Work.Result.Outcome = conclusion.Outcome;
-  if (conclusion.Outcome == outcome::done || conclusion.SettlesOlder) {
+  if (conclusion.Outcome == outcome::done || conclusion.IsSettled) {
     EndOlderOnes();
   }
   RecordEnd(conclusion);
@@ -309,9 +307,9 @@ void Custody::End(const Conclusion& conclusion) {
 namespace {
 
 // What the user can do now. Who has sent and changed nothing has nothing to go on with, and nothing to take back.
-std::string_view WayOn(const Custody& custody, std::string_view outcome) {
+std::string_view WayOn(const Custody& custody, const Conclusion& conclusion) {
   const auto& counts = custody.Work.Result.Counts;
-  const bool hasStopped = outcome == outcome::failed || outcome == outcome::notProven;
+  const bool hasStopped = conclusion.Outcome == outcome::failed || conclusion.Outcome == outcome::notProven;
   const bool hasSent = std::ranges::any_of(
       counts, [](const auto& count) { return count.first == "sent" && count.second > 0; });
   const bool hasWritten = !action::LeavesBothSides(custody.Draft.Action) &&
@@ -322,8 +320,9 @@ std::string_view WayOn(const Custody& custody, std::string_view outcome) {
   }
   return !action::SendsValues(custody.Draft.Action)
              ? R"(; "undo" takes back what it changed, or run it again)"
-         : isToUndo ? R"(; "resume" goes on from here, "undo" takes it back)"
-                    : R"(; "resume" goes on from here)";
+         : conclusion.IsSettled ? isToUndo ? R"(; "undo" takes it back)" : ""
+         : isToUndo             ? R"(; "resume" goes on from here, "undo" takes it back)"
+                                : R"(; "resume" goes on from here)";
 }
 
 void Tell(const Custody& custody, const Conclusion& conclusion) {
@@ -337,7 +336,7 @@ void Tell(const Custody& custody, const Conclusion& conclusion) {
   if (work.Result.Outcome == outcome::done) {
     work.Out.Print(Joined(text, "; recorded as operation ", std::to_string(custody.Number()), "\n"));
   } else {
-    work.Out.Error(Joined(text, WayOn(custody, conclusion.Outcome)));
+    work.Out.Error(Joined(text, WayOn(custody, conclusion)));
   }
   if (work.Result.Checkpoint) {
     work.Out.Print(CheckpointText(*work.Result.Checkpoint));

@@ -28,12 +28,16 @@ struct KeptFile {
   std::optional<std::string> After{};
 };
 
+// Among the counts of an operation that is settled, but not as it was meant.
+inline const std::string settledCount = "settled";
+
 // How an operation ended.
 struct Conclusion {
   std::string_view Outcome = outcome::done;
   std::string Account{};  // for people: a paragraph
   OperationDetails Details{};
-  bool SettlesOlder = false;  // what both sides hold is proven, also where it is not what was meant
+  bool IsSettled =
+      false;  // what both sides hold is proven, also where it is not what was meant: nothing to resume
 };
 
 // What the steps of an operation share.

@@ -5,9 +5,12 @@
 #include <iterator>
 #include <utility>
 
+#include "bench/host/dry_run.h"
 #include "config/text.h"
+#include "custody/values/play.h"
 #include "custody/values/sides.h"
 #include "files/sectioned_text.h"
+#include "page/page_controls.h"
 #include "program/command_line.h"
 #include "text/counted.h"
 #include "text/joined.h"
@@ -111,8 +114,11 @@ std::string CutOffReason(const History& history, const std::string& file, const 
 }  // namespace
 
 std::string ObjectionText(const Objection& objection) {
-  return Joined(MeaningOf(objection.Code), ": expected ", Printable(objection.Expected), ", found ",
-                Printable(objection.Actual), " [", objection.Code, "]");
+  const auto shown = [](const std::string& text) {
+    return text.empty() || text != Trimmed(text) ? Quoted(text) : Printable(text);
+  };
+  return Joined(MeaningOf(objection.Code), ": expected ", shown(objection.Expected), ", found ",
+                shown(objection.Actual), " [", objection.Code, "]");
 }
 
 void Object(Objections& objections, std::string_view code, std::string expected, std::string actual) {
@@ -183,20 +189,23 @@ void ObjectToInstrument(const History& history, const std::string& configuration
   }
 }
 
-void ObjectToUnfinished(const History& history, Objections& objections,
+// The same again settles a download, query or import as well as an undo of it does.
+void ObjectToUnfinished(const History& history, std::string_view next, Objections& objections,
                         const std::optional<OperationRange>& about) {
   for (const auto& operation : history.Operations()) {
-    const bool isOurs = operation.Begun->Action != action::outside;  // what others did is over
-    const bool changesNothing = action::LeavesBothSides(operation.Begun->Action);
-    const bool isMeant = about && (changesNothing || about->Contains(operation.Number()));
+    const auto& begun = *operation.Begun;
+    const bool isOurs = begun.Action != action::outside;  // what others did is over
+    const bool changesNothing = action::LeavesBothSides(begun.Action);
+    const bool sends = action::SendsValues(begun.Action);
+    const bool isMeant = (about && (changesNothing || about->Contains(operation.Number()))) ||
+                         (!changesNothing && !sends && begun.Action == next);
     if (isOurs && operation.Ended == nullptr && !isMeant) {
+      const auto number = std::to_string(operation.Number());
       Object(objections, objection_code::unfinished, "none",
-             Joined("operation ", std::to_string(operation.Number()), ", ", operation.Begun->Action, " of ",
-                    operation.Begun->Time,
-                    changesNothing
-                        ? "; it changes neither side: let it pass, and run it again"
-                        : Joined(action::SendsValues(operation.Begun->Action) ? "; \"resume\" or" : ";",
-                                 " \"undo ", std::to_string(operation.Number()), "\" ends it")));
+             Joined("operation ", number, ", ", begun.Action, " of ", begun.Time,
+                    changesNothing ? "; it changes neither side: let it pass, and run it again"
+                    : sends        ? Joined("; \"resume\" or \"undo ", number, "\" ends it")
+                                   : Joined("; \"undo ", number, "\" ends it, or the same again")));
     }
   }
 }
@@ -220,6 +229,21 @@ void ObjectToBackup(const History& history, const std::string& file, const std::
     Object(objections, objection_code::otherDevice, Joined("[", positions, device, "]"),
            Joined("[", *other, "]"));
   }
+}
+
+void ObjectToImport(const Workplace& work, const History& history, const std::string& file,
+                    const std::string& backup, const std::string& configuration, Objections& objections) {
+  const std::string exportedFile = "exported.bak";
+  MemoryDisk copy;
+  copy.Put(work.ConfigFile(), configuration);
+  copy.Put(file, backup);
+  if (!HoldsBackup(work.Options.Folder, file, [&](const auto& path) { return copy.OpenSettings(path); })) {
+    Object(objections, objection_code::notABackup, "the sections of a backup", "none of them");
+    return;
+  }
+  Play(EndsOn(copy, work.Options.Folder), PressOf(exportButton, exportedFile));
+  ObjectToBackup(history, file, backup, copy.Read(exportedFile).Bytes,
+                 WireFaceOfFile(configuration).InForce.Device.Name, objections);
 }
 
 }  // namespace zolvane

@@ -73,13 +73,17 @@ void ObjectToFindings(const Workplace& work, Objections& objections);
 void ObjectToInstrument(const History& history, const std::string& configuration, const std::string& stage,
                         Objections& objections);
 
-// But for those that are taken back or resumed.
-void ObjectToUnfinished(const History& history, Objections& objections,
+// But for those that the `next` operation takes back, resumes or does again.
+void ObjectToUnfinished(const History& history, std::string_view next, Objections& objections,
                         const std::optional<OperationRange>& about = {});
 
 // A file to import: cut off, changed since it was exported, or of another device. `exported` is what an export of the
 // configuration that the import would change would be, `device` the name of the device in force.
 void ObjectToBackup(const History& history, const std::string& file, const std::string& backup,
                     const std::string& exported, const std::string& device, Objections& objections);
+
+// The same, or to a file that is no backup at all.
+void ObjectToImport(const Workplace& work, const History& history, const std::string& file,
+                    const std::string& backup, const std::string& configuration, Objections& objections);
 
 }  // namespace zolvane

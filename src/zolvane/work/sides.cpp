@@ -5,6 +5,7 @@
 #include <string_view>
 #include <utility>
 
+#include "custody/values/file_fields.h"
 #include "custody/values/values_json.h"
 #include "files/sectioned_text.h"
 #include "text/joined.h"
@@ -57,10 +58,24 @@ bool IsBackup(const Workplace& work, const std::string& path, const std::string&
          !text.Find("CageType", "Installed");
 }
 
+// A file of the add-in has a section that it knows.
+bool HoldsSections(const std::string& bytes) {
+  const auto* const other = &FileSectionOf("");
+  bool holdsAny = false;
+  SectionedText{bytes}.VisitLines([&](const SectionedText::SeenLine& line) {
+    const bool isHeader = line.Is == SectionedText::LineKind::Header;
+    holdsAny = holdsAny || (isHeader && &FileSectionOf(line.Section) != other);
+  });
+  return holdsAny;
+}
+
 Side SideOfFile(Workplace& work, const std::string& name) {
   const auto path = AbsolutePath(name);
   auto bytes = ReadFile(work.Files, path);
   if (!LooksLikeRecord(bytes)) {
+    if (!IsUtf16(bytes) && !HoldsSections(bytes) && !IsSameFile(path, work.ConfigFile())) {
+      RefuseSide(name, "is no configuration, no backup and no record");
+    }
     const bool isBackup = IsBackup(work, path, bytes);
     return {.Name = name, .Configuration = std::move(bytes), .IsBackup = isBackup};
   }

@@ -176,11 +176,49 @@ TEST_F(BringingBackTest, AValueLeftToSomebodyElseIsNoLaterResumesOrUndos) {
   Folder.Put("memory.json", memory.dump());
   ASSERT_EQ(Run({"resume"}).Status, 3);
   ASSERT_EQ(Run({"--despite", "changed", "resume"}).Status, 1);
-  for (const auto* const command : {"resume", "undo"}) {
-    const auto run = Run({command});
-    EXPECT_EQ(run.Status, 3) << run.All();
-    EXPECT_EQ(Kept("MountHeight"), "7777");
-  }
+  const auto undo = Run({"undo"});
+  EXPECT_EQ(undo.Status, 3) << undo.All();
+  const auto resume = Run({"resume"});
+  EXPECT_EQ(resume.Status, 2) << resume.All();
+  EXPECT_NE(resume.Errors.find("is somebody else's"), std::string::npos) << resume.Errors;
+  EXPECT_EQ(Kept("MountHeight"), "7777");
+}
+
+TEST_F(BringingBackTest, WhatAnUndoLeftToSomebodyElseIsNothingToResume) {
+  ASSERT_EQ(Run({"--yes", "upload"}).Status, 0);
+  Replace("MountHeight=164.5", "MountHeight=150.5");
+  Replace("HeadDepth_8ch=46.3", "HeadDepth_8ch=33.5");
+  ASSERT_EQ(Run({"--yes", "upload"}).Status, 0);
+  auto memory = Json::parse(Memory());
+  memory["MountHeight"] = "9999";
+  Folder.Put("memory.json", memory.dump());
+  const auto undo = Run({"--despite", "changed", "undo"});
+  EXPECT_EQ(undo.Status, 1) << undo.All();
+  EXPECT_EQ(undo.Errors.find("resume"), std::string::npos) << undo.Errors;
+  EXPECT_EQ(Run({"resume"}).Status, 2);
+}
+
+TEST_F(BringingBackTest, UndoAndResumeOfAnUploadLeaveAMissingFileMissing) {
+  ASSERT_EQ(Run({"--yes", "upload"}).Status, 0);
+  Replace("MountHeight=164.5", "MountHeight=150.5");
+  ASSERT_EQ(Run({"--yes", "--fault", "refuse@SAVE", "upload"}).Status, 1);
+  std::filesystem::remove(Folder.Path("Zolvane.ini"));
+  const auto resume = Run({"resume"});
+  EXPECT_EQ(resume.Status, 0) << resume.All();
+  EXPECT_FALSE(Folder.Has("Zolvane.ini"));
+  const auto undo = Run({"undo"});
+  EXPECT_EQ(undo.Status, 0) << undo.All();
+  EXPECT_FALSE(Folder.Has("Zolvane.ini"));
+  EXPECT_EQ(Kept("MountHeight"), "13160");
+}
+
+TEST_F(BringingBackTest, AMissingFileStandsInTheWayOfAnUndoThatWouldChangeIt) {
+  ASSERT_EQ(Run({"--yes", "download"}).Status, 0);
+  std::filesystem::remove(Folder.Path("Zolvane.ini"));
+  const auto document = RunJson({"undo"});
+  EXPECT_EQ(document.at("exit_status"), 3);
+  EXPECT_EQ(document.at("objections")[0].at("code"), "changed") << document.dump(2);
+  EXPECT_FALSE(Folder.Has("Zolvane.ini"));
 }
 
 TEST_F(BringingBackTest, UndoOfWhatLeftTheInstrumentAsItWasNeedsNone) {

@@ -24,6 +24,44 @@ TEST_F(Looking, CheckOfADamagedValueNamesFileAndLine) {
   EXPECT_TRUE(isNamed) << document.dump(2);
 }
 
+TEST_F(Looking, AFileWithoutASectionOfTheAddInIsNoSide) {
+  for (const auto* const bytes : {"", "hello\n", "{}\n", "<!DOCTYPE"}) {
+    const auto file = Folder.Put("other.txt", bytes);
+    for (const Words& words : {Words{"show", file}, Words{"--wire", "show", file},
+                               Words{"diff", file, "file"}, Words{"check", file}}) {
+      const auto run = RunAlone(words);
+      EXPECT_EQ(run.Status, 2) << bytes << " " << run.All();
+      EXPECT_NE(run.Errors.find("is no configuration, no backup and no record"), std::string::npos)
+          << run.Errors;
+    }
+  }
+}
+
+TEST_F(Looking, ARecordWithoutAnInstrumentIsSaidToHaveOneFaceOnly) {
+  const auto record = Folder.Path("record.html");
+  ASSERT_EQ(RunAlone({"backup", record}).Status, 0);
+  const auto run = RunAlone({"--wire", "diff", record, "file"});
+  EXPECT_EQ(run.Status, 0) << run.All();
+  EXPECT_NE(run.Errors.find("holds no answers of an instrument"), std::string::npos) << run.Errors;
+}
+
+TEST_F(Looking, CheckOfABackupNamesWhatAnImportObjectsTo) {
+  const auto backup = Folder.Path("own.bak");
+  ASSERT_EQ(RunAlone({"export", backup}).Status, 0);
+  EXPECT_EQ(RunAlone({"check", backup}).Status, 0);
+  const auto whole = Folder.Read("own.bak");
+  Folder.Put("own.bak", whole.substr(0, whole.rfind('\n', whole.size() - 2) + 1));
+  const auto cut = RunJson({"check", backup});
+  EXPECT_EQ(cut.at("exit_status"), 1);
+  EXPECT_EQ(cut.at("objections")[0].at("code"), "cut-off") << cut.dump(2);
+  auto altered = whole;
+  altered.replace(altered.find("STAGE,1612"), 10, "STAGE,1613");
+  Folder.Put("own.bak", altered);
+  EXPECT_EQ(RunJson({"check", backup}).at("objections")[0].at("code"), "changed");
+  const auto audit = RunAlone({"history", "audit", "--against", backup});
+  EXPECT_EQ(audit.Status, 2) << audit.All();
+}
+
 TEST_F(Looking, AFileIsTheSameAsItself) {
   const auto document = RunJson({"diff", "file", "file"});
   EXPECT_EQ(document.at("exit_status"), 0);

@@ -244,6 +244,19 @@ TEST_F(TransferInCustody, AnAnswerThatDoesNotFitChangesNothing) {
   EXPECT_NE(Configuration().find("STAGE,11612,"), std::string::npos);
 }
 
+TEST_F(TransferInCustody, AQueryWithAReplyThatIsNoneIsNotProven) {
+  ASSERT_EQ(Run({"--yes", "query"}).Status, 0);
+  const auto whole = Configuration();
+  for (const auto* const kind : {"garbage@", "empty@", "shift@"}) {
+    for (int line = 2; line <= 12; ++line) {
+      Folder.Put("Zolvane.ini", Sample());
+      const auto fault = kind + std::to_string(line);
+      const auto run = Run({"--yes", "--despite", "unfinished", "--fault", fault, "query"});
+      EXPECT_TRUE(run.Status != 0 || Configuration() == whole) << fault << "\n" << run.All();
+    }
+  }
+}
+
 TEST_F(TransferInCustody, AConfigurationInUtf16IsUnusableForAQuery) {
   Folder.Put("Zolvane.ini", std::string_view{"\xff\xfe[\0H\0]\0", 8});
   const auto run = Run({"--yes", "query"});

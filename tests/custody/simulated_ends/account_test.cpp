@@ -152,8 +152,9 @@ TEST_F(Account, ShowsEveryChangeHoweverManyThereAre) {
   }
 }
 
-TEST_F(Account, OfAQuerySaysThatTheHardwareDecides) {
-  ExpectSaid(RunBut({"query"}), "what the instrument says of its hardware decides what is written");
+TEST_F(Account, OfAQueryShowsWhatItWillWrite) {
+  Edit("[CageType]\nInstalled=2", "[CageType]\nInstalled=1");
+  ExpectSaid(RunBut({"query"}), "[CageType] Installed");
 }
 
 }  // namespace

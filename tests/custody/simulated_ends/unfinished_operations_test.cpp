@@ -239,6 +239,13 @@ class UnfinishedDownload : public EditedBehind {
   std::string before_;
 };
 
+TEST_F(UnfinishedDownload, IsEndedByAnotherDownload) {
+  EXPECT_EQ(RunBut({"query"}).Status(), exit_status::objection);
+  const auto ran = RunBut({"download"});
+  EXPECT_EQ(ran.Status(), 0) << ran.Printed;
+  EXPECT_FALSE(StandsInTheWay());
+}
+
 // Both sides are known by then, though not all went back.
 TEST_F(UnfinishedDownload, IsEndedByAnUndoThatLeavesSomebodyElsesValue) {
   Edit("10340,10768,8_CH", "10340,10769,8_CH");
