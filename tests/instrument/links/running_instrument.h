@@ -24,6 +24,7 @@ class RunningInstrument {
         place_{place == Place::Tcp ? server_.ServeTcp(io_, "127.0.0.1:0")
                                    : "serial:" + server_.ServePseudoTerminal(io_)},
         thread_{[this] { io_.run(); }} {}
+  // NOLINTNEXTLINE(bugprone-exception-escape): there is a thread to join
   ~RunningInstrument() {
     io_.stop();
     thread_.join();

@@ -38,13 +38,7 @@ TEST(HestrionBench, SaysInABoxWhatFailedInAWindowThatIsGone) {
 // A console of the test's own, with what is written on it.
 class Screen {
  public:
-  Screen() {
-    for (const DWORD stream : streams) {
-      before_.push_back(GetStdHandle(stream));
-    }
-    FreeConsole();
-    isOpen_ = AllocConsole() != FALSE;
-  }
+  Screen() : before_{StreamsNow()}, isOpen_{Open()} {}
   ~Screen() {
     FreeConsole();
     for (std::size_t stream = 0; stream < streams.size(); ++stream) {
@@ -70,6 +64,21 @@ class Screen {
 
  private:
   static constexpr std::array<DWORD, 3> streams{STD_INPUT_HANDLE, STD_OUTPUT_HANDLE, STD_ERROR_HANDLE};
+
+  static std::vector<HANDLE> StreamsNow() {
+    std::vector<HANDLE> now;
+    for (const DWORD stream : streams) {
+      now.push_back(GetStdHandle(stream));
+    }
+    return now;
+  }
+
+  static bool Open() {
+    FreeConsole();
+    return AllocConsole() != FALSE;
+  }
+
+  // In this order: a console of its own changes the streams.
   std::vector<HANDLE> before_;
   bool isOpen_;
 };

@@ -33,8 +33,7 @@ PlayedSession ExpectSameSession(const SessionPlan& plan) {
 }
 
 bool Contains(const std::vector<std::string>& calls, const std::string& part) {
-  return std::any_of(calls.begin(), calls.end(),
-                     [&](const auto& call) { return call.find(part) != std::string::npos; });
+  return std::ranges::any_of(calls, [&](const auto& call) { return call.find(part) != std::string::npos; });
 }
 
 std::string Old() {

@@ -73,6 +73,7 @@ void operator delete(void* memory) noexcept {
   std::free(memory);
 }
 
+// NOLINTNEXTLINE(misc-use-internal-linkage): stands in for the operator of the whole program
 void operator delete(void* memory, std::size_t) noexcept {
   operator delete(memory);
 }

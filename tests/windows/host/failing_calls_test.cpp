@@ -149,8 +149,7 @@ std::vector<FailingCall> FailuresOf(const std::vector<HostCall>& calls) {
 
 std::vector<std::string> NamesOf(const std::vector<HostCall>& calls) {
   std::vector<std::string> names;
-  std::transform(calls.begin(), calls.end(), std::back_inserter(names),
-                 [](const auto& call) { return call.Name; });
+  std::ranges::transform(calls, std::back_inserter(names), &HostCall::Name);
   return names;
 }
 

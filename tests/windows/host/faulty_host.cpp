@@ -214,8 +214,7 @@ class FailingWindow final : public ForwardingWindow {
 // ---- Objects used by name
 
 bool IsOneOf(const wchar_t* name, std::initializer_list<const wchar_t*> names) {
-  return std::any_of(names.begin(), names.end(),
-                     [&](const auto* other) { return _wcsicmp(name, other) == 0; });
+  return std::ranges::any_of(names, [&](const auto* other) { return _wcsicmp(name, other) == 0; });
 }
 
 // Steps on the way to an object that the add-in counts as one call.
@@ -319,7 +318,7 @@ class FailingByName final : public ComObject<FailingByName, IDispatch> {
       return DISP_E_MEMBERNOTFOUND;
     }
     const bool isStruck = std::exchange(isStruck_, false);
-    if (isStruck && !(faults_.Way() == FailureWay::RefusedNextStep && HasSecondStep(name_.c_str()))) {
+    if (isStruck && (faults_.Way() != FailureWay::RefusedNextStep || !HasSecondStep(name_.c_str()))) {
       return Fail(result, exception);
     }
     const HRESULT invoked =

@@ -89,7 +89,7 @@ bool RunsOutIn(std::size_t starvedStep, long long allocations) {
       try {
         result = Steps()[step](session);
       } catch (const std::bad_alloc&) {
-        // of the test's own
+        result = E_OUTOFMEMORY;  // of the test's own
       }
       hasRunOut = limited.HasRunOut();
     }

@@ -78,19 +78,24 @@ class ReenteringSession {
   void Reenter() {
     switch (reentry_) {
       case Reentry::Detaches:
-        return Use([](IAddInForm& form) { return form.putref_ObjectParent(nullptr); });
+        Use([](IAddInForm& form) { return form.putref_ObjectParent(nullptr); });
+        return;
       case Reentry::Releases:
         addIn_.Reset();
         form_.Reset();
         return;
       case Reentry::LoadsAgain:
-        return Use([](IAddInForm& form) { return form.LoadDefaults(); });
+        Use([](IAddInForm& form) { return form.LoadDefaults(); });
+        return;
       case Reentry::TakesWindowBack:
-        return Use([](IAddInForm& form) { return form.putref_FormParent(nullptr); });
+        Use([](IAddInForm& form) { return form.putref_FormParent(nullptr); });
+        return;
       case Reentry::GivesItsObjectsAgain:
-        return Give();
+        Give();
+        return;
       case Reentry::Sends:
-        return PageDriver{frame_}.Press(queryButton);
+        PageDriver{frame_}.Press(queryButton);
+        return;
     }
   }
 

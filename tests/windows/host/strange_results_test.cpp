@@ -71,7 +71,7 @@ template <class Variable>
 VARIANT ReferenceTo(VARTYPE type, Variable& variable) {
   VARIANT value{};
   V_VT(&value) = static_cast<VARTYPE>(VT_BYREF | type);
-  V_BYREF(&value) = &variable;
+  V_BYREF(&value) = static_cast<void*>(&variable);
   return value;
 }
 

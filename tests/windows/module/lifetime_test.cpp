@@ -71,7 +71,7 @@ int DrawingObjects() {
   auto* const environmentBlock = reinterpret_cast<Function*>(
       reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "RtlGetCurrentPeb")));
   const unsigned char* table = nullptr;
-  std::memcpy(&table, environmentBlock() + tableOffset, sizeof(table));
+  std::memcpy(static_cast<void*>(&table), environmentBlock() + tableOffset, sizeof(table));
   int count = 0;
   for (std::size_t entry = 0; table != nullptr && entry < entries; ++entry) {
     count += table[entry * entrySize + typeOffset] != 0 ? 1 : 0;
@@ -128,14 +128,15 @@ TEST(Lifetime, TheCountOfMemorySeesSmallAllocations) {
 TEST(Lifetime, TheCountOfMemorySeesWhicheverWayItIsAllocated) {
   constexpr int size = 1000;
   const MemoryBalance memory;
-  const auto growth = [&](const auto& allocate) {
-    const auto before = memory.Bytes();
+  const auto growth = [](const auto& allocate) {
+    const auto before = MemoryBalance::Bytes();
     allocate();
-    return memory.Bytes() - before;
+    return MemoryBalance::Bytes() - before;
   };
   void* block = nullptr;
   EXPECT_EQ(growth([&] { block = HeapAlloc(GetProcessHeap(), 0, size); }), size);
-  EXPECT_EQ(growth([&] { block = HeapReAlloc(GetProcessHeap(), 0, block, 3 * size); }), 2 * size);
+  EXPECT_EQ(growth([&] { block = HeapReAlloc(GetProcessHeap(), 0, block, std::size_t{3} * size); }),
+            2 * size);
   EXPECT_EQ(growth([&] { HeapFree(GetProcessHeap(), 0, block); }), -3 * size);
   HLOCAL local = nullptr;
   EXPECT_GE(growth([&] { local = LocalAlloc(LMEM_FIXED, size); }), size);

@@ -12,6 +12,7 @@
 namespace zolvane {
 namespace {
 
+// NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables): plain functions count in it
 std::atomic<long long> balance = 0;
 
 long long SizeOf(HANDLE heap, const void* block) {

@@ -6,6 +6,7 @@
 #include <array>
 #include <iterator>
 #include <stdexcept>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -21,11 +22,15 @@ std::wstring Full(const std::wstring& key) {
   return std::wstring{classesKey} + L"\\" + key;
 }
 
+std::wstring_view UpToItsEnd(std::wstring_view text) {
+  return text.substr(0, text.find(L'\0'));
+}
+
 std::string Shown(DWORD type, const std::vector<BYTE>& data) {
   std::string shown = std::to_string(type) + ":";
   if (type == REG_SZ && data.size() % sizeof(wchar_t) == 0) {
     const auto* const text = reinterpret_cast<const wchar_t*>(data.data());
-    return shown + Utf8(std::wstring{text, data.size() / sizeof(wchar_t)}.c_str());
+    return shown + Utf8(UpToItsEnd({text, data.size() / sizeof(wchar_t)}));
   }
   for (const auto byte : data) {
     shown += " " + std::to_string(byte);
@@ -44,7 +49,7 @@ void AddValues(HKEY key, const std::string& path, RegistryLines& lines) {
     }
     std::vector<BYTE> data(size);
     RegQueryValueExW(key, name.c_str(), nullptr, nullptr, data.data(), &size);
-    lines.insert(path + " [" + Utf8(name.c_str()) + "] " + Shown(type, data));
+    lines.insert(path + " [" + Utf8(UpToItsEnd(name)) + "] " + Shown(type, data));
   }
 }
 
@@ -96,8 +101,7 @@ RegistryLines AllClasses() {
 
 RegistryLines Without(const RegistryLines& lines, const RegistryLines& others) {
   RegistryLines left;
-  std::set_difference(lines.begin(), lines.end(), others.begin(), others.end(),
-                      std::inserter(left, left.end()));
+  std::ranges::set_difference(lines, others, std::inserter(left, left.end()));
   return left;
 }
 
