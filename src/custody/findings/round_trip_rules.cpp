@@ -59,13 +59,19 @@ void AddChange(CheckedFile& file, std::string_view code, std::string_view what,
 }  // namespace
 
 void CheckRoundTrips(CheckedFile& file) {
-  for (const auto& [place, kept] : file.Imported) {
-    AddChange(file, "backup-changes", "an export and its import", kept);
+  const auto isSameIn = [](const CheckedFile::Places& places, const auto& one) {
+    const auto same = places.find(one.first);
+    return same != places.end() && same->second.Text == one.second.Text;
+  };
+  for (const auto& one : file.Imported) {
+    AddChange(file, "backup-changes",
+              isSameIn(file.Downloaded, one) ? "an export and its import, and an upload and a download,"
+                                             : "an export and its import",
+              one.second);
   }
-  for (const auto& [place, kept] : file.Downloaded) {
-    const auto same = file.Imported.find(place);
-    if (same == file.Imported.end() || same->second.Text != kept.Text) {
-      AddChange(file, "download-changes", "an upload and a download", kept);
+  for (const auto& one : file.Downloaded) {
+    if (!isSameIn(file.Imported, one)) {
+      AddChange(file, "download-changes", "an upload and a download", one.second);
     }
   }
 }
