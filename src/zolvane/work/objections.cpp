@@ -204,8 +204,8 @@ void ObjectToUnfinished(const History& history, std::string_view next, Objection
       Object(objections, objection_code::unfinished, "none",
              Joined("operation ", number, ", ", begun.Action, " of ", begun.Time,
                     changesNothing ? "; it changes neither side: let it pass, and run it again"
-                    : sends        ? Joined("; \"resume\" or \"undo ", number, "\" ends it")
-                                   : Joined("; \"undo ", number, "\" ends it, or the same again")));
+                    : sends        ? Joined(R"(; "resume" or "undo )", number, R"(" ends it)")
+                                   : Joined(R"(; "undo )", number, R"(" ends it, or the same again)")));
     }
   }
 }
