@@ -40,7 +40,12 @@ std::string ConfigFileIn(const std::string& folder) {
 
 bool IsSameFile(const std::string& left, const std::string& right) {
   std::error_code failure;
-  return left == right || std::filesystem::equivalent(PathOf(left), PathOf(right), failure);
+  if (left == right || std::filesystem::equivalent(PathOf(left), PathOf(right), failure)) {
+    return true;
+  }
+  // Neither is there: the folders that are decide.
+  return failure && std::filesystem::weakly_canonical(PathOf(left), failure) ==
+                        std::filesystem::weakly_canonical(PathOf(right), failure);
 }
 
 }  // namespace zolvane

@@ -152,7 +152,8 @@ class MemoryDisk final : public Disk {
   Status FailUnlessFile(const std::string& path);
 
   Disk* original_ = nullptr;
-  std::set<std::string> seen_;  // of the original
+  std::set<std::string> seen_;                     // of the original
+  std::map<std::string, std::string> unreadable_;  // of the original, folders among them, and why
   std::map<std::string, std::string> files_;
   std::set<std::string> folders_;
   std::size_t changes_ = 0;

@@ -74,6 +74,8 @@ std::string MemoryDisk::Fetched(const std::string& path) {
     const auto content = original_->Read(path);
     if (content.Is == DiskContent::State::Present) {
       Put(path, content.Bytes);
+    } else if (content.Is == DiskContent::State::Unreadable) {
+      unreadable_[name] = content.Reason;
     }
   }
   return name;
@@ -99,6 +101,9 @@ DiskContent MemoryDisk::Read(const std::string& path) {
   const auto name = Fetched(path);
   if (const auto file = files_.find(name); file != files_.end()) {
     return {DiskContent::State::Present, file->second, {}};
+  }
+  if (const auto there = unreadable_.find(name); there != unreadable_.end()) {
+    return {DiskContent::State::Unreadable, {}, there->second};
   }
   return folders_.contains(name) ? DiskContent{DiskContent::State::Unreadable, {}, "is a folder"}
                                  : DiskContent{DiskContent::State::Missing, {}, "does not exist"};

@@ -95,7 +95,8 @@ class FieldRules {
     } else if (key.find_first_of(" \t") != std::string::npos) {
       Add("broken-key", Joined("the key ", Shown(key), " has a blank in it: the upload sets no such value"));
     } else if (EqualIgnoringCase(key, "SAVE")) {
-      Add("broken-key", Joined("the key ", Shown(key), " is the instrument's command to save what it holds"));
+      Add("reserved-key",
+          Joined("the key ", Shown(key), " is the instrument's command to save what it holds"));
     } else if (StrictNumber(pieces[correctionFactorPiece]) == 0.0) {
       Add("zero-factor", Joined("the factor is 0: the upload sends 0 for ", Printable(key)));
     }

@@ -67,6 +67,8 @@ const std::vector<Rule>& Rules() {
       {"broken-key", Grade::Error,
        "The instrument's key of a volume correction has a blank in it; what follows is taken for the value.",
        "Enter the key without the blank."},
+      {"reserved-key", Grade::Error, "The key of a volume correction is the instrument's command to save.",
+       "Enter the key that the instrument has for this correction."},
       {"zero-factor", Grade::Error, "A factor between file and instrument is 0 or missing.",
        "Enter the factor, as the backup of another instrument of this type has it."},
       {"inherited-factor", Grade::Error,

@@ -139,7 +139,7 @@ bool History::HasObjects() const {
 
 // The journal lasts before there is a folder of objects: one without a journal says that somebody removed it.
 Status History::MakePlace() {
-  const Status status = HasObjects()
+  const Status status = Exists() && HasObjects()
                             ? Status::Success()
                             : Passed(disk_.MakeFolder(place_.Folder))
                                   .Then([&] { return Exists() ? Status::Success() : StartJournal(); })

@@ -115,20 +115,29 @@ std::string ProvingLink::Unproven(const std::vector<Verdict>& verdicts) const {
                 " values did not arrive; the first: ", TextOf(*std::ranges::find_if(verdicts, isUnproven)));
 }
 
-// A restart between proof and SAVE takes every value back to what was kept. One that is to be kept with another text shows
-// it; what was found need not have been kept, if an earlier operation did not come to its SAVE.
-const Verdict& ProvingLink::Telltale(const std::vector<Verdict>& verdicts) const {
-  const auto changedSince = [&](const Values& before) {
-    return std::ranges::find_if(verdicts, [&](const auto& one) {
-      const auto text = before.TextOf(one.Key);
-      return one.Left && !(text && SameText(*text, *one.Left));
-    });
+// A restart between proof and SAVE takes every value back to what was kept. What was kept last is what this history knows
+// of it or, if somebody else has saved since, what was found: a value that is neither shows it, else one of each do.
+std::vector<Verdict> ProvingLink::Telltales(const std::vector<Verdict>& verdicts) const {
+  const auto differs = [](const Verdict& one, const std::optional<std::string>& before) {
+    return one.Left && !(before && SameText(*before, *one.Left));
   };
-  auto changed = setup_.Kept ? changedSince(*setup_.Kept) : verdicts.end();
-  if (changed == verdicts.end()) {
-    changed = changedSince(setup_.Found);
+  const auto fromFound = [&](const Verdict& one) { return differs(one, setup_.Found.TextOf(one.Key)); };
+  const auto fromKept = [&](const Verdict& one) {
+    const bool isKnown = setup_.Kept && setup_.Kept->Find(one.Key) != nullptr;
+    return isKnown ? differs(one, setup_.Kept->TextOf(one.Key)) : fromFound(one);
+  };
+  const auto fromBoth = [&](const Verdict& one) { return fromKept(one) && fromFound(one); };
+  std::vector<Verdict> telltales;
+  const auto addFirst = [&](const auto& changed) {
+    const auto first = std::ranges::find_if(verdicts, changed);
+    telltales.insert(telltales.end(), first, first == verdicts.end() ? first : std::next(first));
+  };
+  addFirst(fromBoth);
+  if (telltales.empty()) {
+    addFirst(fromKept);
+    addFirst(fromFound);
   }
-  return changed == verdicts.end() ? verdicts.back() : *changed;
+  return telltales.empty() ? std::vector{verdicts.back()} : telltales;
 }
 
 bool ProvingLink::HoldsStill() {
@@ -136,17 +145,18 @@ bool ProvingLink::HoldsStill() {
   if (verdicts.empty()) {
     return true;
   }
-  const auto& asked = Telltale(verdicts);
-  const auto now = WireFaceOfInstrument(*link_, std::span{&asked.Key, 1}).InOrder().front();
-  if (now.WasAnswered && now.Text == asked.Left) {
-    return true;
+  for (const auto& asked : Telltales(verdicts)) {
+    const auto now = WireFaceOfInstrument(*link_, std::span{&asked.Key, 1}).InOrder().front();
+    if (!now.WasAnswered || now.Text != asked.Left) {
+      problem_ = Joined("SAVE was answered, but the instrument ",
+                        now.WasAnswered ? "no longer holds what was sent: it may have restarted"
+                                        : "does not say what it holds",
+                        "; asked for ", asked.Key);
+      left_ = Values{};
+      return false;
+    }
   }
-  problem_ = Joined(
-      "SAVE was answered, but the instrument ",
-      now.WasAnswered ? "no longer holds what was sent: it may have restarted" : "does not say what it holds",
-      "; asked for ", asked.Key);
-  left_ = Values{};
-  return false;
+  return true;
 }
 
 }  // namespace zolvane

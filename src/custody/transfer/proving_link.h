@@ -1,7 +1,7 @@
 // The link between the add-in and the instrument: what was sent is asked again before it is saved.
 //
 // Each key is asked once when SAVE comes, and SAVE goes on only if every value is proven. One more question
-// behind SAVE notices a restart in between. Without faults whoever sends sees no difference to the link
+// behind SAVE, or two, notice a restart in between. Without faults whoever sends sees no difference to the link
 // behind.
 #pragma once
 
@@ -62,7 +62,7 @@ class ProvingLink final : public BenchLink {
   std::optional<std::string> PassOn(const std::string& command, Delivery& delivery);
   std::optional<std::string> Save(const std::string& command, Delivery& delivery);
   void Note(Value setting, const std::optional<std::string>& reply, const Delivery& delivery);
-  const Verdict& Telltale(const std::vector<Verdict>& verdicts) const;
+  std::vector<Verdict> Telltales(const std::vector<Verdict>& verdicts) const;
   bool HoldsStill();
   void NoteUnanswered(const std::string& key);
   std::string Unproven(const std::vector<Verdict>& verdicts) const;

@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "custody/disk/sha256.h"
 #include "custody/transfer/proving_link.h"
 #include "custody/transfer/twin_link.h"
 #include "custody/values/file_fields.h"
@@ -99,11 +100,13 @@ class AddInOperation final : public CustodyOperation {
 void AddInOperation::Look(Custody& custody) {
   auto& work = custody.Work;
   custody.Found.Configuration = ReadConfiguration(work);
-  ObjectToUnfinished(custody.Kept, row_.Name, custody.Doubts);
   if (row_.AsksInstrument || (ChangesFile() && work.Link != nullptr)) {
     custody.LookAtInstrument();
   }
   LookAtFile(custody);
+  const auto& other = custody.OtherFile ? custody.OtherFile->Before : std::nullopt;
+  ObjectToUnfinished(custody.Kept, {.Action = row_.Name, .OtherFile = other ? Sha256Hex(*other) : ""},
+                     custody.Doubts);
   Foresee(custody);
   if (Sends() || ChangesFile()) {
     custody.LookFor(FindingsAhead(custody));

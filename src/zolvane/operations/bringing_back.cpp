@@ -71,7 +71,7 @@ void BringingBack::Look(Custody& custody) {
     custody.About = target_.Of->Numbers;
     custody.Draft.About = target_.Of->Numbers.Last;
   }
-  ObjectToUnfinished(custody.Kept, action_, custody.Doubts, custody.About);
+  ObjectToUnfinished(custody.Kept, {.Action = action_}, custody.Doubts, custody.About);
   auto content = work.Files.Read(work.ConfigFile());
   if (content.Is == DiskContent::State::Unreadable) {
     throw UsageError{Joined(Quoted(work.ConfigFile()), " ", content.Reason)};
@@ -347,7 +347,7 @@ Target Finishing(Custody& custody) {
                !last ? "no operation has sent or changed anything"
                : operations[*last].Ended->Counts.contains(settledCount)
                    ? "what the last operation left undone is somebody else's, or cannot be removed"
-                   : "the last operation came to its end")};
+                   : "what was sent or changed last came to its end")};
   }
   const auto& operation = operations[*last];
   if (!action::SendsValues(operation.Begun->Action)) {

@@ -190,15 +190,16 @@ void ObjectToInstrument(const History& history, const std::string& configuration
 }
 
 // The same again settles a download, query or import as well as an undo of it does.
-void ObjectToUnfinished(const History& history, std::string_view next, Objections& objections,
+void ObjectToUnfinished(const History& history, const NextOperation& next, Objections& objections,
                         const std::optional<OperationRange>& about) {
   for (const auto& operation : history.Operations()) {
     const auto& begun = *operation.Begun;
     const bool isOurs = begun.Action != action::outside;  // what others did is over
     const bool changesNothing = action::LeavesBothSides(begun.Action);
     const bool sends = action::SendsValues(begun.Action);
-    const bool isMeant = (about && (changesNothing || about->Contains(operation.Number()))) ||
-                         (!changesNothing && !sends && begun.Action == next);
+    const auto file = begun.OtherFiles.empty() ? std::string{} : begun.OtherFiles.front().Before;
+    const bool isSame = !changesNothing && !sends && begun.Action == next.Action && file == next.OtherFile;
+    const bool isMeant = isSame || (about && (changesNothing || about->Contains(operation.Number())));
     if (isOurs && operation.Ended == nullptr && !isMeant) {
       const auto number = std::to_string(operation.Number());
       Object(objections, objection_code::unfinished, "none",

@@ -73,8 +73,13 @@ void ObjectToFindings(const Workplace& work, Objections& objections);
 void ObjectToInstrument(const History& history, const std::string& configuration, const std::string& stage,
                         Objections& objections);
 
-// But for those that the `next` operation takes back, resumes or does again.
-void ObjectToUnfinished(const History& history, std::string_view next, Objections& objections,
+// But for those that the next operation takes back or resumes, or does again: it is known by its action and, of an import,
+// by the hash of the file.
+struct NextOperation {
+  std::string_view Action;
+  std::string OtherFile{};
+};
+void ObjectToUnfinished(const History& history, const NextOperation& next, Objections& objections,
                         const std::optional<OperationRange>& about = {});
 
 // A file to import: cut off, changed since it was exported, or of another device. `exported` is what an export of the

@@ -60,11 +60,13 @@ bool IsBackup(const Workplace& work, const std::string& path, const std::string&
 
 // A file of the add-in has a section that it knows.
 bool HoldsSections(const std::string& bytes) {
+  constexpr std::string_view corrections = "VolumeCorrection_";
   const auto* const other = &FileSectionOf("");
   bool holdsAny = false;
   SectionedText{bytes}.VisitLines([&](const SectionedText::SeenLine& line) {
     const bool isHeader = line.Is == SectionedText::LineKind::Header;
-    holdsAny = holdsAny || (isHeader && &FileSectionOf(line.Section) != other);
+    const bool isCorrection = EqualIgnoringCase(line.Section.substr(0, corrections.size()), corrections);
+    holdsAny = holdsAny || (isHeader && (isCorrection || &FileSectionOf(line.Section) != other));
   });
   return holdsAny;
 }

@@ -28,7 +28,8 @@ std::string FolderHolding(const std::string& path) {
 void DemandOutsideHistory(const std::string& folder, const std::string& path) {
   const auto place = PlaceOfHistory(folder);
   const auto holder = FolderHolding(path);
-  if (IsSameFile(holder, place.Folder) || IsSameFile(holder, place.Objects)) {
+  if (IsSameFile(path, place.Folder) || IsSameFile(holder, place.Folder) ||
+      IsSameFile(holder, place.Objects)) {
     throw UsageError{Joined(Quoted(path), " is of the history, which nobody else writes to")};
   }
 }

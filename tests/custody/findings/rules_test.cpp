@@ -240,7 +240,7 @@ const std::vector<Case>& Cases() {
        [](const auto& file) { EXPECT_EQ(Sent(file, "NEST_1A_SD_X"), "(not sent)"); }},
       {"sent-as-zero", "1.0685,\"VOL_8CH_30_1\"", "0.000001,\"VOL_8CH_30_1\"", "1Item=1 ul,0.000001",
        [](const auto& file) { EXPECT_EQ(Sent(file, "VOL_8CH_30_1"), "0"); }},
-      {"broken-key", "1.0685,\"VOL_8CH_30_1\"", "1.0685,\"SAVE\"", "1Item=1 ul,1.0685,\"SAVE",
+      {"reserved-key", "1.0685,\"VOL_8CH_30_1\"", "1.0685,\"SAVE\"", "1Item=1 ul,1.0685,\"SAVE",
        [](const auto& file) { EXPECT_EQ(Sent(file, "SAVE"), "106850"); }},
       {"undetectable", "\"96-Channel 125 ul\"", "\"96-channel 300 UL\"", "Item2=\"96-channel",
        [](const auto& file) {

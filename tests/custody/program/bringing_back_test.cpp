@@ -212,6 +212,16 @@ TEST_F(BringingBackTest, UndoAndResumeOfAnUploadLeaveAMissingFileMissing) {
   EXPECT_EQ(Kept("MountHeight"), "13160");
 }
 
+TEST_F(BringingBackTest, ARehearsalToldOfAHistoryWithoutAJournalObjects) {
+  ASSERT_EQ(Run({"--yes", "upload"}).Status, 0);
+  std::filesystem::remove(Folder.Path("Zolvane.history/journal.jsonl"));
+  for (const auto* const command : {"upload", "download", "undo"}) {
+    const auto run = Run({"--rehearse", "--yes", command});
+    EXPECT_EQ(run.Status, 3) << run.All();
+    EXPECT_NE(run.Errors.find("[history-damaged]"), std::string::npos) << run.Errors;
+  }
+}
+
 TEST_F(BringingBackTest, AMissingFileStandsInTheWayOfAnUndoThatWouldChangeIt) {
   ASSERT_EQ(Run({"--yes", "download"}).Status, 0);
   std::filesystem::remove(Folder.Path("Zolvane.ini"));

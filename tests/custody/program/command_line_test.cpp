@@ -104,8 +104,18 @@ TEST_F(CommandLineOfZolvane, ATraceIsNoFileOfTheCommand) {
   EXPECT_EQ(Run({"--trace", Folder.Path("memory.json"), "--yes", "upload"}).Status, 2);
   EXPECT_EQ(
       RunAlone({"--trace", Folder.Path("Zolvane.history/trace"), "backup", Folder.Path("r.html")}).Status, 2);
+  EXPECT_EQ(RunAlone({"--trace", Folder.Path("Zolvane.history"), "check"}).Status, 2);
   EXPECT_EQ(Folder.Names(), (Words{"Zolvane.ini"}));
 }
+
+#ifndef _WIN32
+TEST_F(CommandLineOfZolvane, ATraceIsNoFileOfTheCommandByAnotherPathEither) {
+  std::filesystem::create_directory_symlink(".", Folder.Path("link"));
+  EXPECT_EQ(RunAlone({"--trace", Folder.Path("link/new.bak"), "export", Folder.Path("new.bak")}).Status, 2);
+  EXPECT_EQ(Run({"--trace", Folder.Path("link/memory.json"), "--yes", "upload"}).Status, 2);
+  EXPECT_FALSE(Folder.Has("new.bak"));
+}
+#endif
 
 TEST_F(CommandLineOfZolvane, AFaultNeedsASimulatedInstrument) {
   const auto run = RunAlone({"--link", "none", "--fault", "silent@1", "show", "instrument"});

@@ -37,6 +37,17 @@ TEST_F(Looking, AFileWithoutASectionOfTheAddInIsNoSide) {
   }
 }
 
+TEST_F(Looking, EachSectionOfTheSampleIsASideByItself) {
+  const auto sample = Sample();
+  for (auto begin = sample.find('['); begin != std::string::npos;) {
+    const auto end = sample.find("\n[", begin);
+    const auto file = Folder.Put("part.ini", sample.substr(begin, end - begin) + "\n");
+    const auto run = RunAlone({"--quiet", "show", file});
+    EXPECT_EQ(run.Status, 0) << sample.substr(begin, 40) << run.Errors;
+    begin = end == std::string::npos ? end : end + 1;
+  }
+}
+
 TEST_F(Looking, ARecordWithoutAnInstrumentIsSaidToHaveOneFaceOnly) {
   const auto record = Folder.Path("record.html");
   ASSERT_EQ(RunAlone({"backup", record}).Status, 0);

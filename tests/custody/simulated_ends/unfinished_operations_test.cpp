@@ -246,6 +246,30 @@ TEST_F(UnfinishedDownload, IsEndedByAnotherDownload) {
   EXPECT_FALSE(StandsInTheWay());
 }
 
+class UnfinishedImport : public EditedBehind {
+ protected:
+  void SetUp() override {
+    room_.Files.Put(ConfigFileIn(CustodyRoom::Folder()),
+                    Replaced(room_.Configuration(), "ExportCalibrationData=0", "ExportCalibrationData=1"));
+    ASSERT_EQ(RunBut({"upload"}).Status(), 0);
+    ASSERT_EQ(RunBut({"export", backup_}).Status(), 0);
+    ASSERT_EQ(RunBut({"import", backup_}).Status(), 0);
+    BeginAgain("import");
+  }
+
+  std::string backup_ = CustodyRoom::PathTo("own.bak");
+};
+
+TEST_F(UnfinishedImport, IsEndedByAnImportOfTheSameFileAlone) {
+  const auto other = CustodyRoom::PathTo("other.bak");
+  ASSERT_EQ(RunBut({"--despite", "unfinished", "export", other}).Status(), 0);
+  const auto refused = RunBut({"import", other});
+  EXPECT_EQ(refused.Status(), exit_status::objection) << refused.Printed;
+  EXPECT_NE(refused.Printed.find("[unfinished]"), std::string::npos) << refused.Printed;
+  const auto ran = RunBut({"import", backup_});
+  EXPECT_EQ(ran.Status(), 0) << ran.Printed;
+}
+
 // Both sides are known by then, though not all went back.
 TEST_F(UnfinishedDownload, IsEndedByAnUndoThatLeavesSomebodyElsesValue) {
   Edit("10340,10768,8_CH", "10340,10769,8_CH");

@@ -158,6 +158,20 @@ TEST(ProvingLink, ARestartIsLookedForInAValueThatItChanges) {
   EXPECT_NE(link.Problem().find("asked for B"), std::string::npos) << link.Problem();
 }
 
+// What the history knows of the values that were kept may be of some of them, or stale.
+TEST(ProvingLink, ARestartIsFoundAlsoBesideOlderValuesThatWereNotSaved) {
+  const Settings kept{{"A", "1"}, {"B", "2"}, {"C", "3"}};
+  for (const Settings& known : {Settings{{"B", "2"}}, Settings{{"A", "7"}, {"B", "2"}, {"C", "3"}}}) {
+    for (const auto* fault : {"power@6", "power@7"}) {
+      const auto instrument = InstrumentWith(kept, FaultPlan{fault});
+      const InterruptFlag interrupt;
+      ProvingLink link{instrument, {.Found = ValuesOf(kept), .Kept = ValuesOf(known)}, interrupt};
+      EXPECT_FALSE(Upload(link, {{"A", "1"}, {"B", "2"}, {"C", "30"}})) << fault;
+      EXPECT_FALSE(link.Tally().IsSaved) << fault;
+    }
+  }
+}
+
 TEST(ProvingLink, ARestartBetweenProofAndSaveIsNoticed) {
   for (const auto* fault : {"power@6", "power@7"}) {
     Room room{{fault}};
