@@ -109,8 +109,8 @@ std::string Custody::DamageOfObjects() const {
 
 // Otherwise the operation would begin, and stop where the system first refuses to write.
 void Custody::DemandWritable() const {
-  const bool mayWrite = Intended.Configuration != Found.Configuration || Draft.Action == action::query;
-  const auto reason = mayWrite ? Work.Files.ReasonAgainstWriting(Work.ConfigFile()) : std::nullopt;
+  const bool isToWrite = Intended.Configuration != Found.Configuration;
+  const auto reason = isToWrite ? Work.Files.ReasonAgainstWriting(Work.ConfigFile()) : std::nullopt;
   if (reason) {
     throw UsageError{Joined(Quoted(Work.ConfigFile()), " ", *reason, "; nothing was changed")};
   }
