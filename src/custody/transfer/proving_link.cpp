@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <ranges>
 #include <span>
 #include <utility>
 
@@ -70,7 +71,7 @@ void ProvingLink::Note(Value setting, const std::optional<std::string>& reply, c
 }
 
 std::optional<std::string> ProvingLink::Save(const std::string& command, Delivery& delivery) {
-  if (!Prove()) {
+  if (!Prove() || (!EndedWithATelltale() && !HoldsStill("SAVE was not sent, as"))) {
     delivery = {.HasLeft = false, .Problem = {}, .SkippedLine = std::nullopt};
     return std::nullopt;
   }
@@ -79,7 +80,7 @@ std::optional<std::string> ProvingLink::Save(const std::string& command, Deliver
   if (!reply || !SentLine{.Key = {}, .Text = {}, .Reply = reply}.IsAccepted()) {
     return reply;
   }
-  tally_.IsSaved = HoldsStill();
+  tally_.IsSaved = HoldsStill("SAVE was answered, but");
   return tally_.IsSaved ? reply : std::nullopt;
 }
 
@@ -88,11 +89,12 @@ bool ProvingLink::Prove() {
     problem_ = "the instrument did not answer a line, so nothing was asked again and SAVE was not sent";
     return false;
   }
-  left_ = WireFaceOfInstrument(*link_, KeysOf(Verdicts()));
+  order_ = InOrderOfProof();
+  left_ = WireFaceOfInstrument(*link_, order_);
   const auto verdicts = Verdicts();
-  const auto unanswered = std::ranges::find(verdicts, Proof::Unknown, &Verdict::Is);
-  if (unanswered != verdicts.end()) {
-    NoteUnanswered(unanswered->Key);
+  if (const auto unknown = std::ranges::find(verdicts, Proof::Unknown, &Verdict::Is);
+      unknown != verdicts.end()) {
+    NoteUnknownSince(unknown->Key);
     return false;
   }
   const bool isProven = std::ranges::all_of(verdicts, [this](const auto& one) { return IsProven(one); });
@@ -100,12 +102,14 @@ bool ProvingLink::Prove() {
   return isProven;
 }
 
-void ProvingLink::NoteUnanswered(const std::string& key) {
+void ProvingLink::NoteUnknownSince(const std::string& key) {
   const auto sent = std::span{lines_}.subspan(setup_.Arrived.size());
   const auto line = std::ranges::find(sent, key, &SentLine::Key);
   tally_.UnknownSince = line == sent.end() ? 1 : static_cast<std::size_t>(line - sent.begin()) + 1;
   isDead_ = true;
-  problem_ = Joined("the instrument did not say what it holds of ", key, ", so SAVE was not sent");
+  const auto isUnanswered = [this](const std::string& asked) { return !left_.Find(asked)->WasAnswered; };
+  problem_ = Joined("the instrument did not say what it holds of ",
+                    *std::ranges::find_if(order_, isUnanswered), ", so SAVE was not sent");
 }
 
 std::string ProvingLink::Unproven(const std::vector<Verdict>& verdicts) const {
@@ -113,6 +117,23 @@ std::string ProvingLink::Unproven(const std::vector<Verdict>& verdicts) const {
   const auto count = std::ranges::count_if(verdicts, isUnproven);
   return Joined("SAVE was not sent, as ", std::to_string(count), " of ", std::to_string(verdicts.size()),
                 " values did not arrive; the first: ", TextOf(*std::ranges::find_if(verdicts, isUnproven)));
+}
+
+// What shows a restart is asked last, so that one amid the questions does not escape.
+std::vector<std::string> ProvingLink::InOrderOfProof() const {
+  auto arrived = Verdicts();
+  std::ranges::for_each(arrived, [](Verdict& one) { one.Left = one.Sent; });
+  auto keys = KeysOf(arrived);
+  for (const auto& last : Telltales(arrived)) {
+    const auto place = std::ranges::find(keys, last.Key);
+    std::rotate(place, std::next(place), keys.end());
+  }
+  return keys;
+}
+
+// Else what was to show one did not arrive as it was sent, and yet counts as proven.
+bool ProvingLink::EndedWithATelltale() const {
+  return order_.empty() || Telltales(Verdicts()).back().Key == order_.back();
 }
 
 // A restart between proof and SAVE takes every value back to what was kept. What was kept last is what this history knows
@@ -128,31 +149,30 @@ std::vector<Verdict> ProvingLink::Telltales(const std::vector<Verdict>& verdicts
   };
   const auto fromBoth = [&](const Verdict& one) { return fromKept(one) && fromFound(one); };
   std::vector<Verdict> telltales;
-  const auto addFirst = [&](const auto& changed) {
-    const auto first = std::ranges::find_if(verdicts, changed);
-    telltales.insert(telltales.end(), first, first == verdicts.end() ? first : std::next(first));
+  const auto addLast = [&](const auto& changed) {
+    const auto last = std::ranges::find_if(verdicts | std::views::reverse, changed);
+    telltales.insert(telltales.end(), last, last == verdicts.rend() ? last : std::next(last));
   };
-  addFirst(fromBoth);
+  addLast(fromBoth);
   if (telltales.empty()) {
-    addFirst(fromKept);
-    addFirst(fromFound);
+    addLast(fromKept);
+    addLast(fromFound);
   }
-  return telltales.empty() ? std::vector{verdicts.back()} : telltales;
+  if (telltales.empty() && !verdicts.empty()) {
+    telltales.push_back(verdicts.back());
+  }
+  return telltales;
 }
 
-bool ProvingLink::HoldsStill() {
-  const auto verdicts = Verdicts();
-  if (verdicts.empty()) {
-    return true;
-  }
-  for (const auto& asked : Telltales(verdicts)) {
+bool ProvingLink::HoldsStill(std::string_view fact) {
+  for (const auto& asked : Telltales(Verdicts())) {
     const auto now = WireFaceOfInstrument(*link_, std::span{&asked.Key, 1}).InOrder().front();
     if (!now.WasAnswered || now.Text != asked.Left) {
-      problem_ = Joined("SAVE was answered, but the instrument ",
+      problem_ = Joined(fact, " the instrument ",
                         now.WasAnswered ? "no longer holds what was sent: it may have restarted"
                                         : "does not say what it holds",
                         "; asked for ", asked.Key);
-      left_ = Values{};
+      left_ = now.WasAnswered || tally_.SaveWasSent ? Values{} : left_;
       return false;
     }
   }

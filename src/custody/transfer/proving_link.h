@@ -9,6 +9,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "custody/transfer/verdict.h"
@@ -63,13 +64,16 @@ class ProvingLink final : public BenchLink {
   std::optional<std::string> Save(const std::string& command, Delivery& delivery);
   void Note(Value setting, const std::optional<std::string>& reply, const Delivery& delivery);
   std::vector<Verdict> Telltales(const std::vector<Verdict>& verdicts) const;
-  bool HoldsStill();
-  void NoteUnanswered(const std::string& key);
+  std::vector<std::string> InOrderOfProof() const;
+  bool EndedWithATelltale() const;
+  bool HoldsStill(std::string_view fact);
+  void NoteUnknownSince(const std::string& key);
   std::string Unproven(const std::vector<Verdict>& verdicts) const;
 
   std::shared_ptr<BenchLink> link_;
   Setup setup_;
   std::vector<SentLine> lines_;
+  std::vector<std::string> order_;  // of the questions of the last proof
   Values left_;
   TransferTally tally_;
   bool isDead_ = false;  // a line was not answered

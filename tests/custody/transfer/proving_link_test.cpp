@@ -172,6 +172,35 @@ TEST(ProvingLink, ARestartIsFoundAlsoBesideOlderValuesThatWereNotSaved) {
   }
 }
 
+// The last value is the one that the instrument holds already: what it answers says nothing about a restart.
+TEST(ProvingLink, ARestartAtAnyQuestionHoldsSaveBack) {
+  for (const auto* last : {"3.5", "3.75"}) {
+    for (const auto* fault : {"power@4", "power@5", "power@6"}) {
+      Room room{{fault}};
+      EXPECT_FALSE(Upload(room.Link, {{"A", "10"}, {"B", "20"}, {"C", last}})) << fault;
+      EXPECT_FALSE(room.Link.Tally().SaveWasSent) << fault << " " << last;
+    }
+  }
+}
+
+// A rounded value that is let pass may be what it was before.
+TEST(ProvingLink, ARestartHoldsSaveBackAlsoBehindARoundedValue) {
+  const Settings script{{"B", "20"}, {"A", "1.4"}};
+  for (const auto* fault : {"power@4", "power@5"}) {
+    Room room{{"round@A", fault}, {.Found = ValuesOf(heldAtFirst), .LetsRoundedPass = true}};
+    EXPECT_FALSE(Upload(room.Link, script)) << fault;
+    EXPECT_FALSE(room.Link.Tally().SaveWasSent) << fault;
+  }
+}
+
+TEST(ProvingLink, WhatWasNotAnsweredIsNamedWhereverItIsAsked) {
+  Room room{{"silent@5"}};
+  EXPECT_FALSE(Upload(room.Link, {{"A", "10"}, {"B", "20"}, {"C", "3.5"}}));
+  EXPECT_EQ(room.Verdicts(), "A verified, B unknown, C unknown");
+  EXPECT_EQ(room.Link.Tally().UnknownSince, 2U);
+  EXPECT_EQ(room.Link.Problem(), "the instrument did not say what it holds of C, so SAVE was not sent");
+}
+
 TEST(ProvingLink, ARestartBetweenProofAndSaveIsNoticed) {
   for (const auto* fault : {"power@6", "power@7"}) {
     Room room{{fault}};
@@ -184,7 +213,7 @@ TEST(ProvingLink, ARestartBetweenProofAndSaveIsNoticed) {
   EXPECT_EQ(
       room.Link.Problem(),
       "SAVE was answered, but the instrument no longer holds what was sent: it may have restarted; asked "
-      "for A");
+      "for C");
 }
 
 TEST(ProvingLink, ASaveThatIsRefusedIsHandedBackAndIsNoSaving) {
