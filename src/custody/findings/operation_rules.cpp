@@ -26,10 +26,10 @@ namespace {
 
 void CheckPage(CheckedFile& file) {
   for (const auto& write : file.PageWrites) {
-    const auto before = file.Text.Find(write.Section, write.Key);
-    if (before && !SameText(*before, write.Text)) {
+    if (file.Changes(write)) {
+      const auto before = file.Text.Find(write.Section, write.Key).value_or("");
       file.Add("page-changes", file.LineOf(write.Section, write.Key),
-               Joined(Printable(NameOfPlace(write.Section, write.Key)), " is ", Shown(*before),
+               Joined(Printable(NameOfPlace(write.Section, write.Key)), " is ", Shown(before),
                       ", which fits no entry of the page: opening it makes ", Shown(write.Text), " of it"));
     }
   }

@@ -115,6 +115,11 @@ std::vector<SettingWrite> CheckedFile::LoadPage(const DrySettings::ReadObserver&
   return Play(ends, {.Kind = ActionKind::ShowPage}).Writes;
 }
 
+bool CheckedFile::Changes(const SettingWrite& write) const {
+  const auto before = Text.Find(write.Section, write.Key);
+  return before && !SameText(*before, write.Text);
+}
+
 // No operation begins before the page has been loaded.
 void CheckedFile::Store(const std::vector<SettingWrite>& writes) {
   FileSettingsService settings{[this](const std::string& path) { return disk_.OpenSettings(path); }};
@@ -137,9 +142,12 @@ void CheckedFile::Watch() {
     place.IsByWalk = place.IsByWalk || isByWalk;
   };
   if (Is == Kind::Configuration) {
-    PageWrites = LoadPage([](auto...) {});
-    Store(PageWrites);
-    LoadPage(observe);  // what it asks for on its way to other choices counts for nothing
+    PageWrites = LoadPage(observe);
+    if (std::ranges::any_of(PageWrites, [this](const SettingWrite& write) { return Changes(write); })) {
+      Asked.clear();  // what it asks for on its way to other choices counts for nothing
+      Store(PageWrites);
+      LoadPage(observe);
+    }
   }
   isByWalk = true;
   if (Is == Kind::Backup) {

@@ -60,6 +60,9 @@ class CheckedFile {
   Places Downloaded;
   Places Imported;
 
+  // Whether the page makes another value of one that the file has.
+  bool Changes(const SettingWrite& write) const;
+
   // From 1; 0 if the file has no such key, or no such section.
   std::size_t LineOf(std::string_view section, std::string_view key) const;
   std::size_t LineOf(std::string_view section) const { return LineOf(section, ""); }
