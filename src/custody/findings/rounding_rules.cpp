@@ -4,6 +4,7 @@
 #include <cmath>
 #include <functional>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -22,10 +23,11 @@ namespace {
 using FileLine = SectionedText::SeenLine;
 
 // What is sent of ten thousand times a number shows four decimals more of what should be sent of the number. Of
-// one to ten thousand times the number, it shows one digit of the number of the line that it comes from.
+// one to ten thousand times the number, it shows one digit of the number of the line that it comes from. What is
+// sent as 0 may be smaller than any such decimals, and shows what it is only if it is magnified far more.
 constexpr std::size_t base = 10;
-constexpr double magnification = 1000.0;
-constexpr double largestMagnification = magnification * base;
+constexpr double forDecimals = 1e3;
+constexpr double forZeros = 1e29;
 
 // Factors between file and instrument are not sent, nor are volumes: these choose the key that something is
 // sent under.
@@ -36,26 +38,31 @@ bool IsMeasured(const FileSection& section, const FileField& field) {
          (section.IsCorrection() && field.Piece == correctionFactorPiece);
 }
 
+struct Magnification {
+  double Times = 1.0;
+  double Most = 1.0;  // of this search
+};
+
 // Of a number that may be sent, also if it is magnified most.
 std::optional<std::string> Magnified(std::string_view text, const FileSection& section,
-                                     const FileField* field, const StepFactors& factors, double times) {
+                                     const FileField* field, const StepFactors& factors, Magnification by) {
   const auto number = field != nullptr && IsMeasured(section, *field) ? StrictNumber(text) : std::nullopt;
-  const bool canBe =
-      number && *number != 0.0 && field->Converts(GeneralText(*number * largestMagnification), factors);
-  return canBe ? std::optional{GeneralText(*number * times)} : std::nullopt;
+  const bool canBe = number && *number != 0.0 && field->Converts(GeneralText(*number * by.Most), factors);
+  return canBe ? std::optional{GeneralText(*number * by.Times)} : std::nullopt;
 }
 
 // Nothing if the line has no such number.
-std::optional<std::string> MagnifiedValue(const FileLine& line, const StepFactors& factors, double times) {
+std::optional<std::string> MagnifiedValue(const FileLine& line, const StepFactors& factors,
+                                          Magnification by) {
   const auto& section = FileSectionOf(line.Section);
   if (!section.NumberIn(line.Key)) {
-    return Magnified(line.Value, section, section.FieldUnder(line.Key), factors, times);
+    return Magnified(line.Value, section, section.FieldUnder(line.Key), factors, by);
   }
   bool isMagnified = false;
   std::string value;
   const auto pieces = PiecesOf(line.Value);
   for (std::size_t piece = 0; piece < pieces.size(); ++piece) {
-    const auto magnified = Magnified(pieces[piece], section, section.FieldAt(piece), factors, times);
+    const auto magnified = Magnified(pieces[piece], section, section.FieldAt(piece), factors, by);
     isMagnified = isMagnified || magnified;
     value += Joined(piece == 0 ? "" : ",", magnified.value_or(pieces[piece]));
   }
@@ -71,11 +78,12 @@ struct RoundedLine {
 
 class RoundingSearch {
  public:
-  RoundingSearch(CheckedFile& file, const StepFactors& factors, const std::vector<UploadLine>& script)
-      : file_{file}, factors_{factors}, script_{script} {
+  RoundingSearch(CheckedFile& file, const StepFactors& factors, const std::vector<UploadLine>& script,
+                 double magnification)
+      : file_{file}, factors_{factors}, script_{script}, magnification_{magnification} {
     for (const auto& line : file.Lines) {
       const bool isValue = line.Is == SectionedText::LineKind::Key && line.Counts;
-      if (isValue && MagnifiedValue(line, factors_, magnification)) {
+      if (isValue && MagnifiedValue(line, factors_, By(magnification_))) {
         measured_.push_back(&line);
       }
     }
@@ -84,7 +92,7 @@ class RoundingSearch {
   std::vector<RoundedLine> Find() {
     auto rounded = FindRounded();
     for (std::size_t place = 1; !rounded.empty() && place < measured_.size(); place *= base) {
-      const auto digits = UploadOf([place](std::size_t line) { return TimesFor(line / place % base); });
+      const auto digits = UploadOf([&](std::size_t line) { return TimesFor(line / place % base); });
       for (auto& each : rounded) {
         each.Source += place * DigitIn(digits, each);
       }
@@ -98,14 +106,16 @@ class RoundingSearch {
   }
 
  private:
-  static double TimesFor(std::size_t digit) { return magnification * static_cast<double>(digit + 1); }
+  double Most() const { return magnification_ * base; }
+  Magnification By(double times) const { return {.Times = times, .Most = Most()}; }
+  double TimesFor(std::size_t digit) const { return magnification_ * static_cast<double>(digit + 1); }
 
   std::vector<UploadLine> UploadOf(const std::function<double(std::size_t line)>& times) {
     std::vector<UploadLine> script;
     file_.Run([&](const OperationContext& context, const std::string& path) {
       for (std::size_t line = 0; line < measured_.size(); ++line) {
         const auto* const source = measured_[line];
-        const auto value = MagnifiedValue(*source, factors_, times(line));
+        const auto value = MagnifiedValue(*source, factors_, By(times(line)));
         PassOver(context.Config.Settings.WriteValue(source->Section, source->Key, path, value.value_or("")));
       }
       RefreshCurrentRecords(context.Config);
@@ -115,7 +125,7 @@ class RoundingSearch {
   }
 
   std::vector<RoundedLine> FindRounded() {
-    const auto magnified = UploadOf([](std::size_t) { return largestMagnification; });
+    const auto magnified = UploadOf([this](std::size_t) { return Most(); });
     std::vector<RoundedLine> rounded;
     for (std::size_t place = 0; place < std::min(script_.size(), magnified.size()); ++place) {
       if (const auto exact = ExactOf(script_[place], magnified[place])) {
@@ -127,21 +137,23 @@ class RoundingSearch {
 
   // What should be sent, if that is not what is sent. The scales of the axes are held in single precision: so
   // small a difference says nothing.
-  static std::optional<double> ExactOf(const UploadLine& line, const UploadLine& magnified) {
+  std::optional<double> ExactOf(const UploadLine& line, const UploadLine& magnified) const {
     constexpr double ofScales = 2e-7;
-    const auto sent = line.Value ? StrictNumber(*line.Value) : std::nullopt;
-    const auto exact = magnified.Value ? StrictNumber(*magnified.Value) : std::nullopt;
-    const bool isRounded =
-        sent && exact && magnified.Key == line.Key && magnified.Value != line.Value &&
-        std::abs(*exact - *sent * largestMagnification) > base + std::abs(*exact) * ofScales;
-    return isRounded ? std::optional{*exact / largestMagnification} : std::nullopt;
+    const auto sent = StrictNumber(line.Value.value_or(""));
+    const auto exact = StrictNumber(magnified.Value.value_or(""));
+    if (!sent || !exact || magnified.Key != line.Key || magnified.Value == line.Value) {
+      return std::nullopt;
+    }
+    const bool isSought = *sent == 0.0 || magnification_ == forDecimals;
+    const bool isRounded = std::abs(*exact - *sent * Most()) > base + std::abs(*exact) * ofScales;
+    return isSought && isRounded ? std::optional{*exact / Most()} : std::nullopt;
   }
 
   // Beyond all lines if none is the only source of what is sent.
   std::size_t DigitIn(const std::vector<UploadLine>& digits, const RoundedLine& rounded) const {
     const auto value = rounded.Place < digits.size() ? digits[rounded.Place].Value : std::nullopt;
     const auto sent = StrictNumber(value.value_or("")).value_or(0.0);
-    const auto times = std::round(sent / rounded.Exact / magnification);
+    const auto times = std::round(sent / rounded.Exact / magnification_);
     const bool isDigit = times >= 1.0 && times <= static_cast<double>(base);
     return isDigit ? static_cast<std::size_t>(times) - 1 : measured_.size();
   }
@@ -149,6 +161,7 @@ class RoundingSearch {
   CheckedFile& file_;
   const StepFactors& factors_;
   const std::vector<UploadLine>& script_;
+  double magnification_;
   std::vector<const FileLine*> measured_;
 };
 
@@ -156,9 +169,14 @@ class RoundingSearch {
 
 void CheckRounding(CheckedFile& file, const CurrentRecords& inForce, const std::vector<UploadLine>& script) {
   const auto factors = CurrentStepFactors(inForce);
-  RoundingSearch search{file, factors, script};
-  for (const auto& rounded : search.Find()) {
-    if (const auto* const source = search.SourceOf(rounded)) {
+  std::set<std::size_t> found;
+  for (const double magnification : {forDecimals, forZeros}) {
+    RoundingSearch search{file, factors, script, magnification};
+    for (const auto& rounded : search.Find()) {
+      const auto* const source = search.SourceOf(rounded);
+      if (source == nullptr || !found.insert(rounded.Place).second) {
+        continue;
+      }
       const auto& line = script[rounded.Place];
       const bool isLost = line.Value && StrictNumber(*line.Value) == 0.0;
       file.Add(isLost ? "sent-as-zero" : "sent-rounded", source->Number,
