@@ -82,6 +82,8 @@ const std::vector<Rule>& Rules() {
        "Write it to the letter, in capitals."},
       {"unknown-class", Grade::Error, "An item without a class that the upload looks for is never sent, or another one in its place.",
        "Enter the class or layout as other items of its kind have it."},
+      {"unknown-size", Grade::Error, "A head with channels or tips that its layout or the instrument does not know.",
+       "Enter the channels that its layout has, and the volume of its tips as other heads have it."},
       {"undetectable", Grade::Warning, "The query looks for the code of each item, and finds another item first or none.",
        "Give each device and each head a code of its own."},
       {"undetected-module", Grade::Note, "The query knows one module for 96/384 and one for 1/8/12 channels.",

@@ -4,9 +4,13 @@
 #include <cstdint>
 #include <iterator>
 #include <map>
+#include <optional>
 #include <span>
+#include <string>
+#include <utility>
 #include <vector>
 
+#include "config/conversions.h"
 #include "config/tables/axes.h"
 #include "config/tables/current_records.h"
 #include "config/tables/devices.h"
@@ -18,6 +22,7 @@
 #include "config/text.h"
 #include "custody/findings/rules.h"
 #include "custody/values/file_fields.h"
+#include "operations/instrument_keys.h"
 #include "text/joined.h"
 #include "text/printable.h"
 #include "text/suggestion.h"
@@ -83,6 +88,39 @@ void CheckLayouts(CheckedFile& file, const Configuration& configuration) {
   ForEach(headTable, configuration, [&file](const HeadTypeRecord& head) {
     if (head.Code == code::serialDilute) {
       CheckClass(file, headTypeSection, head.ID, head.ChannelCode, headLayouts, Others::AreLost);
+    }
+  });
+}
+
+// ---- Keys that are made of channels and volume
+
+constexpr auto channelsOfLayouts = std::to_array<std::pair<std::string_view, int>>({
+    {channel_layout::oneShort, 1},
+    {channel_layout::oneLong, 1},
+    {channel_layout::eight, 8},
+    {channel_layout::twelve, 12},
+});
+
+// Of the heads that the 1/8/12 module carries.
+void CheckSizes(CheckedFile& file, const Configuration& configuration) {
+  ForEach(headTable, configuration, [&file](const HeadTypeRecord& head) {
+    if (head.Code != code::serialDilute) {
+      return;
+    }
+    const auto item = ItemKey(head.ID);
+    const auto add = [&](const std::string& why) {
+      file.Add("unknown-size", file.LineOf(headTypeSection, item),
+               Joined(Printable(NameOfPlace(headTypeSection, item)), ": ", why));
+    };
+    const auto keys = TipEjectKeysOf(head);
+    const auto isOfLayout = [&head](const auto& one) { return one.first == head.ChannelCode; };
+    const auto layout = std::ranges::find_if(channelsOfLayouts, isOfLayout);
+    if (!keys) {
+      add(Joined("no key is for tips of ", GeneralText(head.TipVolume),
+                 " ul: its tip ejection and origin of aspiration are not sent"));
+    } else if (layout != channelsOfLayouts.end() && layout->second != head.Channels) {
+      add(Joined("a head of layout ", layout->first, " does not have ", std::to_string(head.Channels),
+                 " channels: its tip ejection is sent under ", keys->TipEject));
     }
   });
 }
@@ -175,6 +213,7 @@ void CheckItems(CheckedFile& file, const Configuration& configuration) {
   CheckClasses(file, configuration, tipTable, tipTypeSection, tipClasses, Others::AreLost);
   CheckClasses(file, configuration, nestTable, nestTypeSection, nestClasses, Others::MayBe);
   CheckLayouts(file, configuration);
+  CheckSizes(file, configuration);
   CheckDetection(file, configuration);
   CheckNames(file, configuration);
 }

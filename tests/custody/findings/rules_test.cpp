@@ -238,6 +238,16 @@ const std::vector<Case>& Cases() {
        [](const auto& file) { EXPECT_NE(Sent(file, "RackPickup_12_300_Z"), SentOfTheSample("RackPickup_12_300_Z")); }},
       {"unknown-class", "NEST8,\"1A\"", ",\"1A\"", "Item1=\"8-Channel Head Nest\"",
        [](const auto& file) { EXPECT_EQ(Sent(file, "NEST_1A_SD_X"), "(not sent)"); }},
+      {"unknown-size", "SERIALDILUTE,300,300,5,8,", "SERIALDILUTE,300,300,5,7,", "Item12=",
+       [](const auto& file) {
+         EXPECT_EQ(Sent(file, "TipEject_8Ch_300_S"), "(not sent)");
+         EXPECT_NE(Sent(file, "TipEject_7Ch_300_S"), "(not sent)");
+       }},
+      {"unknown-size", "SERIALDILUTE,300,300,5,8,", "SERIALDILUTE,301,301,5,8,", "Item12=",
+       [](const auto& file) {
+         EXPECT_EQ(Sent(file, "TipEject_8Ch_300_S"), "(not sent)");
+         EXPECT_EQ(Sent(file, "AspirateOrigin_8Ch_300_S"), "(not sent)");
+       }},
       {"sent-as-zero", "1.0685,\"VOL_8CH_30_1\"", "0.000001,\"VOL_8CH_30_1\"", "1Item=1 ul,0.000001",
        [](const auto& file) { EXPECT_EQ(Sent(file, "VOL_8CH_30_1"), "0"); }},
       {"sent-as-zero", "MountHeight=164.35", "MountHeight=0.00000000016435", "MountHeight=0.0",
