@@ -13,6 +13,12 @@ namespace zolvane {
 // Stands in the reply to a command whose key the instrument does not know.
 inline constexpr std::string_view syntaxErrorReply = "SYNTAX_ERROR";
 
+// ---- The lines that set a value (key, blank, text), ask for one (key), and keep all
+
+inline constexpr std::string_view settingStart = "SET_CALIBRATION ";
+inline constexpr std::string_view questionStart = "GET_CALIBRATION ";
+inline constexpr std::string_view saveLine = "SET_CALIBRATION SAVE";
+
 class InstrumentLink {
  public:
   virtual ~InstrumentLink() = default;

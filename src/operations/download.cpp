@@ -74,7 +74,7 @@ class Queries {
   // Sends one query; false when it, or one before it, was not answered.
   bool Send(std::string_view key) {
     if (isAnswered_) {
-      SendInstrumentCommand(context_, std::string{"GET_CALIBRATION "}.append(key), reply_, isAnswered_);
+      SendInstrumentCommand(context_, std::string{questionStart}.append(key), reply_, isAnswered_);
     }
     return isAnswered_;
   }

@@ -33,4 +33,16 @@ std::string StrippedReply(std::string_view reply) {
   return Replaced(reply, lineBreak, "");
 }
 
+std::string JudgedReply(std::string_view reply) {
+  constexpr std::string_view blanks = " \t\r\n";
+  const auto text = StrippedReply(reply);
+  const auto first = text.find_first_not_of(blanks);
+  return first == std::string::npos ? std::string{}
+                                    : text.substr(first, text.find_last_not_of(blanks) + 1 - first);
+}
+
+bool IsAcceptance(std::string_view reply) {
+  return JudgedReply(reply) == "OK";
+}
+
 }  // namespace zolvane

@@ -16,4 +16,10 @@ void SendInstrumentCommand(const OperationContext& context, std::string command,
 // A reply without its line ends.
 std::string StrippedReply(std::string_view reply);
 
+// A reply as whoever watches the wire judges it: without blanks and line ends, also lone ones, at either end.
+std::string JudgedReply(std::string_view reply);
+
+// Whether the instrument says that it has taken a line that sets a value or keeps all.
+bool IsAcceptance(std::string_view reply);
+
 }  // namespace zolvane

@@ -15,6 +15,7 @@
 #include "config/tables/stage.h"
 #include "config/tables/tips.h"
 #include "config/text.h"
+#include "host/instrument_link.h"
 #include "operations/instrument_keys.h"
 
 namespace zolvane {
@@ -80,7 +81,7 @@ constexpr auto TimesZStep = [](const auto& record, const AxisScales& scales) -> 
 // ---- The script ----
 
 std::string SettingLine(std::string_view setting) {
-  return std::string{"SET_CALIBRATION "}.append(setting).append(lineBreak);
+  return std::string{settingStart}.append(setting).append(lineBreak);
 }
 
 std::string ScriptOf(std::span<const UploadLine> lines) {
@@ -348,15 +349,10 @@ std::string VolumeItemKey(int number) {
   return WholeText(number) + "Item";
 }
 
-// A correction's third piece is the instrument's key, its second the factor, sent in hundred thousandths. An
-// item that is too short has no line.
+// The factor is sent in hundred thousandths.
 void AppendCorrection(ScriptBuilder& script, std::span<const std::string> pieces) {
-  if (pieces.size() <= correctionKeyPiece) {
-    return;
-  }
-  if (const auto key = WithoutQuotes(pieces[correctionKeyPiece]); !key.empty()) {
-    const auto value = Product(LeadingNumber(pieces[correctionFactorPiece]), 100000.0);
-    script.Append(key, RoundedText(value), Unit::None);
+  if (const auto correction = CorrectionIn(pieces)) {
+    script.Append(correction->Key, RoundedText(Product(correction->Factor, 100000.0)), Unit::None);
   }
 }
 
@@ -417,6 +413,12 @@ std::vector<UploadLine> BuildUploadLines(Configuration& configuration, const Gro
 
 std::string BuildUploadScript(Configuration& configuration, const GroupAnnouncement& announce) {
   return ScriptOf(BuildUploadLines(configuration, announce)) + SettingLine("SAVE");
+}
+
+std::optional<VolumeCorrection> CorrectionIn(std::span<const std::string> pieces) {
+  const auto key = pieces.size() > correctionKeyPiece ? WithoutQuotes(pieces[correctionKeyPiece]) : "";
+  return key.empty() ? std::nullopt
+                     : std::optional{VolumeCorrection{LeadingNumber(pieces[correctionFactorPiece]), key}};
 }
 
 std::string VolumeCorrectionSection(std::string_view headName, std::string_view tipVolume) {

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <functional>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -37,6 +38,14 @@ std::string VolumeCorrectionSection(std::string_view headName, std::string_view 
 // Of an item of a volume-correction section, which holds volume, factor and the instrument's key.
 inline constexpr std::size_t correctionFactorPiece = 1;
 inline constexpr std::size_t correctionKeyPiece = 2;
+
+struct VolumeCorrection {
+  double Factor = 0.0;  // 0 if its piece does not begin with a number
+  std::string Key;      // without quotes
+};
+
+// What is sent of such an item. nullopt if it is too short or has no key: then it has no line.
+std::optional<VolumeCorrection> CorrectionIn(std::span<const std::string> pieces);
 
 // The lines of one volume-correction section. Its items are numbered from 1 and end at the first gap;
 // empty if there are none.

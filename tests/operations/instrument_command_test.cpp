@@ -227,6 +227,21 @@ TEST(StrippedReply, LosesEveryPairOfCarriageReturnAndLineFeed) {
   EXPECT_EQ(StrippedReply(""), "");
 }
 
+TEST(JudgedReply, LosesBlanksAndLineEndsAtEitherEnd) {
+  EXPECT_EQ(JudgedReply(" OK\n"), "OK");
+  EXPECT_EQ(JudgedReply("\r\n\tA \r B\r"), "A \r B");
+  EXPECT_EQ(JudgedReply(" \n"), "");
+}
+
+TEST(IsAcceptance, IsOkAlone) {
+  for (const auto* reply : {"OK", "OK\r\n", " OK", "OK\n", "OK\t\r"}) {
+    EXPECT_TRUE(IsAcceptance(reply)) << reply;
+  }
+  for (const auto* reply : {"", "ok", "OKAY", "O K", "OK A", "\"OK\"", "SYNTAX_ERROR"}) {
+    EXPECT_FALSE(IsAcceptance(reply)) << reply;
+  }
+}
+
 TEST(StrippedReply, KeepsLoneCarriageReturnsAndLineFeeds) {
   EXPECT_EQ(StrippedReply("A\rB\nC\n\rD"), "A\rB\nC\n\rD");
 }

@@ -11,8 +11,6 @@ namespace {
 
 enum class Verdict : std::uint8_t { Accepted, UnknownKey, Unexpected, RefusedQuery };
 
-constexpr std::string_view saveCommand = "SET_CALIBRATION SAVE";
-
 bool Holds(std::string_view text, std::string_view part) {
   return text.find(part) != std::string_view::npos;
 }
@@ -22,7 +20,7 @@ bool IsSyntaxError(std::string_view reply) {
 }
 
 Verdict OfSetting(std::string_view reply) {
-  return reply == "OK" ? Verdict::Accepted : Verdict::Unexpected;
+  return IsAcceptance(reply) ? Verdict::Accepted : Verdict::Unexpected;
 }
 
 Verdict OfQuestion(std::string_view reply) {
@@ -42,8 +40,8 @@ struct CommandKind {
 };
 
 constexpr std::array<CommandKind, 3> commandKinds{{
-    {"SET_CALIBRATION ", OfSetting},
-    {"GET_CALIBRATION ", OfQuestion},
+    {settingStart, OfSetting},
+    {questionStart, OfQuestion},
     {"", OfQuery},
 }};
 
@@ -58,29 +56,21 @@ std::string KeyIn(std::string_view command) {
   return std::string{kind.Start.empty() ? rest : rest.substr(0, rest.find(' '))};
 }
 
-std::string WithoutEnds(std::string_view reply) {
-  constexpr std::string_view blanks = " \t\r\n";
-  const auto text = StrippedReply(reply);
-  const auto first = text.find_first_not_of(blanks);
-  return first == std::string::npos ? std::string{}
-                                    : text.substr(first, text.find_last_not_of(blanks) + 1 - first);
-}
-
 }  // namespace
 
 void CommandTally::Count(std::string_view command, bool isAnswered, std::string_view reply) {
   ++Sent;
-  IsSaveSent |= command == saveCommand;
+  IsSaveSent |= command == saveLine;
   if (!isAnswered) {
     ++NotAnswered;
     FirstNotAnswered = FirstNotAnswered.value_or(KeyIn(command));
     return;
   }
-  const auto text = WithoutEnds(reply);
+  const auto text = JudgedReply(reply);
   const auto verdict = KindOf(command).Judge(text);
   if (verdict == Verdict::Accepted) {
     ++Accepted;
-    IsSaveAccepted |= command == saveCommand;
+    IsSaveAccepted |= command == saveLine;
     return;
   }
   ++Refused;

@@ -7,6 +7,7 @@
 
 #include "bench/host/dry_run.h"
 #include "bench/host/result_text.h"
+#include "host/instrument_link.h"
 #include "page/page_controls.h"
 #include "text/joined.h"
 
@@ -17,9 +18,8 @@ struct FirstCommand {
   std::string_view Beginning;
   int Button;
 };
-constexpr std::array<FirstCommand, 3> firstCommands{{{"SET_CALIBRATION ", uploadButton},
-                                                     {"GET_CALIBRATION ", downloadButton},
-                                                     {"STATUS_STAGE", queryButton}}};
+constexpr std::array<FirstCommand, 3> firstCommands{
+    {{settingStart, uploadButton}, {questionStart, downloadButton}, {"STATUS_STAGE", queryButton}}};
 
 std::string Seconds(Operation::Clock::duration duration) {
   std::ostringstream text;

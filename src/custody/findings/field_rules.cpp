@@ -89,8 +89,9 @@ class FieldRules {
   }
 
   void CheckCorrection(const std::vector<std::string>& pieces) {
-    const auto key = pieces.size() > correctionKeyPiece ? WithoutQuotes(pieces[correctionKeyPiece]) : "";
-    if (key.empty()) {
+    const auto correction = CorrectionIn(pieces);
+    const auto key = correction ? correction->Key : "";
+    if (!correction) {
       Add("no-key", "there is no key of the instrument in it: the upload sends nothing of it");
     } else if (key.find_first_of(" \t") != std::string::npos) {
       Add("broken-key", Joined("the key ", Shown(key), " has a blank in it: the upload sets no such value"));

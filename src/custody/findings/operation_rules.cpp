@@ -181,10 +181,8 @@ std::size_t LineOfCorrection(const CheckedFile& file, std::string_view key) {
   for (const auto& line : file.Lines) {
     if (line.Counts && line.Is == SectionedText::LineKind::Key &&
         FileSectionOf(line.Section).IsCorrection()) {
-      const auto pieces = PiecesOf(line.Value);
-      const bool isOfKey =
-          pieces.size() > correctionKeyPiece && WithoutQuotes(pieces[correctionKeyPiece]) == key;
-      found = isOfKey ? line.Number : found;
+      const auto correction = CorrectionIn(PiecesOf(line.Value));
+      found = correction && correction->Key == key ? line.Number : found;
     }
   }
   return found;

@@ -106,24 +106,23 @@ Curve CurveOf(const SectionedText& file, std::string_view section) {
       break;
     }
     const auto pieces = PiecesOf(*item);
-    const auto factor =
-        pieces.size() > correctionFactorPiece ? StrictNumber(pieces[correctionFactorPiece]) : std::nullopt;
+    const auto correction = CorrectionIn(pieces);
     const double volume = LeadingNumber(pieces.front());
-    if (factor && volume > 0) {
-      curve.push_back({.Volume = volume, .Factor = *factor});
+    if (correction && volume > 0) {
+      curve.push_back({.Volume = volume, .Factor = correction->Factor});
     }
   }
   return curve;
 }
 
-// Sections of a volume correction, by their names and in the order of the file.
+// Sections that could be a volume correction, in the order of the file: tips name theirs as they like.
 std::vector<std::string> CorrectionSections(std::string_view configuration) {
   std::vector<std::string> sections;
   std::set<std::string> known;
   const auto face = FileFace(configuration);
   for (const auto& value : face.InOrder()) {
     const auto place = PlaceNamed(value.Name);
-    if (place && place->Section.starts_with("VolumeCorrection_") && known.insert(place->Section).second) {
+    if (place && FileSectionOf(place->Section).IsCorrection() && known.insert(place->Section).second) {
       sections.push_back(place->Section);
     }
   }
@@ -223,7 +222,7 @@ std::string VolumeCurves(const RecordContent& content) {
   for (const auto& section : CorrectionSections(content.Left.Configuration)) {
     Plot plot{.Section = section, .Left = CurveOf(left, section), .Found = CurveOf(found, section)};
     if (plot.Left.empty() || plots.size() == mostPlots) {
-      ++others;
+      others += !plot.Left.empty() || IsKnownSection(section) ? 1 : 0;
       continue;
     }
     if (plot.Found == plot.Left) {

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "custody/values/sides.h"
+#include "host/instrument_link.h"
 #include "text/joined.h"
 #include "text/printable.h"
 

@@ -195,13 +195,13 @@ std::string_view NameOf(Cause cause) {
 }
 
 bool SentLine::IsAnswered() const {
-  const auto reply = StrippedReply(Reply.value_or(""));
+  const auto reply = JudgedReply(Reply.value_or(""));
   return !reply.empty() && reply.find('=') == std::string::npos &&
          std::ranges::all_of(reply, [](char one) { return one >= ' ' && one <= '~'; });
 }
 
 bool SentLine::IsAccepted() const {
-  return Reply && Trimmed(StrippedReply(*Reply)) == "OK";
+  return Reply && IsAcceptance(*Reply);
 }
 
 std::vector<Verdict> Judged(std::span<const SentLine> lines, const Values& found, const Values& left) {

@@ -8,6 +8,7 @@
 #include "custody/values/file_fields.h"
 #include "custody/values/sides.h"
 #include "files/sectioned_text.h"
+#include "host/instrument_link.h"
 #include "text/joined.h"
 
 namespace zolvane {

@@ -174,6 +174,12 @@ bool Matches(std::string_view pattern, std::string_view name) {
   return false;
 }
 
+std::vector<FileSection>::const_iterator SectionNamed(std::string_view name) {
+  const auto upperName = UpperCase(Trimmed(name));
+  return std::ranges::find_if(
+      AllSections(), [&](const FileSection& section) { return Matches(section.Pattern, upperName); });
+}
+
 constexpr std::string_view betweenKeyAndPiece = " field ";
 
 }  // namespace
@@ -205,10 +211,12 @@ const FileField* FileSection::FieldAt(std::size_t piece) const {
 }
 
 const FileSection& FileSectionOf(std::string_view name) {
-  const auto upperName = UpperCase(Trimmed(name));
-  const auto found = std::ranges::find_if(
-      AllSections(), [&](const FileSection& section) { return Matches(section.Pattern, upperName); });
+  const auto found = SectionNamed(name);
   return found == AllSections().end() ? AllSections().back() : *found;
+}
+
+bool IsKnownSection(std::string_view name) {
+  return SectionNamed(name) != AllSections().end();
 }
 
 std::string NameOfPlace(std::string_view section, std::string_view key) {

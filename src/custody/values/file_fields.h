@@ -53,6 +53,9 @@ struct FileSection {
 // Tips can name any section for their volume correction, so every name that no table knows is taken for one.
 const FileSection& FileSectionOf(std::string_view name);
 
+// Whether it is a section of the add-in by its name alone: that of a table, or of a volume correction of a head.
+bool IsKnownSection(std::string_view name);
+
 // "[HeadType] Item3", and of a piece of a line "[HeadType] Item3 field 4 (tip volume)".
 std::string NameOfPlace(std::string_view section, std::string_view key);
 std::string NameOfPlace(std::string_view section, std::string_view key, std::size_t piece,

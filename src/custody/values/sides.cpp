@@ -14,6 +14,7 @@
 #include "custody/values/play.h"
 #include "files/paths.h"
 #include "files/sectioned_text.h"
+#include "host/instrument_link.h"
 #include "operations/instrument_command.h"
 #include "page/page_controls.h"
 #include "text/joined.h"

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "config/text.h"
+#include "host/instrument_link.h"
 
 namespace zolvane {
 namespace {

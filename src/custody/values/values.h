@@ -58,12 +58,6 @@ class Values {
   std::map<std::string, std::size_t, std::less<>> places_;
 };
 
-// ---- The lines of the wire that set a value, ask for one, and keep all ----
-
-inline constexpr std::string_view settingStart = "SET_CALIBRATION ";
-inline constexpr std::string_view questionStart = "GET_CALIBRATION ";
-inline constexpr std::string_view saveLine = "SET_CALIBRATION SAVE";
-
 // The value that a line "SET_CALIBRATION KEY TEXT" sends: its key ends at the first blank. Returns nullopt
 // for any other line, "SET_CALIBRATION SAVE" among them.
 std::optional<Value> SettingIn(std::string_view line);

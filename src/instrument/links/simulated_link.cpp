@@ -3,17 +3,16 @@
 #include <algorithm>
 #include <string_view>
 
+#include "host/instrument_link.h"
 #include "instrument/links/stream_link.h"
 #include "text/joined.h"
 
 namespace zolvane {
 namespace {
 
-constexpr std::string_view question = "GET_CALIBRATION ";
-
 bool Answers(std::string_view line, std::string_view command) {
-  return !command.starts_with(question) || line.find(syntaxErrorReply) != std::string_view::npos ||
-         line.starts_with(Joined(command.substr(question.size()), "="));
+  return !command.starts_with(questionStart) || line.find(syntaxErrorReply) != std::string_view::npos ||
+         line.starts_with(Joined(command.substr(questionStart.size()), "="));
 }
 
 }  // namespace

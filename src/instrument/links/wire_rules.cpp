@@ -12,14 +12,12 @@
 namespace zolvane {
 namespace {
 
-constexpr std::string_view question = "GET_CALIBRATION ";
-
 // Keys that every instrument holds.
 constexpr std::array<std::string_view, 2> commonKeys{"STAGE1_X", "STAGE2_X"};
 
 std::optional<std::string> KeyAskedBy(std::string_view command) {
-  return command.starts_with(question) ? std::optional{std::string{command.substr(question.size())}}
-                                       : std::nullopt;
+  return command.starts_with(questionStart) ? std::optional{std::string{command.substr(questionStart.size())}}
+                                            : std::nullopt;
 }
 
 // A text with blanks, commas or control characters in front of its "=" is no key: status texts
@@ -133,13 +131,13 @@ void WireRules::Disconnect() {
 std::optional<std::string> WireRules::AskForPlace() {
   skippedLine_.reset();
   if (auto key = KeyForPlace()) {
-    TakeInHand(std::string{question} + *key, key);
+    TakeInHand(std::string{questionStart} + *key, key);
     return command_;
   }
   // When the answer to the last line comes, whatever was sent before it has been answered or never will be.
   if (lastGivenUp_ && std::ranges::count(owed_, *lastGivenUp_) == 1) {
     std::erase(owed_, *lastGivenUp_);
-    TakeInHand(std::string{question} + *lastGivenUp_, lastGivenUp_);
+    TakeInHand(std::string{questionStart} + *lastGivenUp_, lastGivenUp_);
   }
   return std::nullopt;
 }

@@ -32,7 +32,7 @@ LineReply FaultyInstrument::Answer(const std::string& command) {
   const LineEffect meant{.KeyBefore = keyBefore_,
                          .Key = std::string{setting.Key},
                          .Value = std::string{setting.Value},
-                         .IsSaving = command == savingCommand};
+                         .IsSaving = command == saveLine};
   const auto faults = faults_.FaultsOf(++lines_, meant.IsSaving ? "SAVE" : setting.Key);
   const auto answer = CarriedOut(command, Affected(meant, faults));
   if (!setting.Key.empty()) {

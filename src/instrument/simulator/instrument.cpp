@@ -9,12 +9,7 @@
 #include "text/usage_error.h"
 
 namespace zolvane {
-namespace {
-
-constexpr std::string_view setPrefix = "SET_CALIBRATION ";
-constexpr std::string_view getPrefix = "GET_CALIBRATION ";
-
-}  // namespace
+namespace {}  // namespace
 
 SimulatedInstrument::SimulatedInstrument(Setup setup)
     : setup_{std::move(setup)}, memory_{std::make_unique<InstrumentMemory>(setup_.StateFile)} {}
@@ -42,15 +37,15 @@ bool SimulatedInstrument::KeepsSilent() {
 }
 
 std::optional<std::string> SimulatedInstrument::Reply(std::string_view command) {
-  if (command == savingCommand) {
+  if (command == saveLine) {
     // The text of this reply is never checked, so an instrument that could not save its memory sends none.
     return memory_->Save() ? std::optional<std::string>{"OK"} : std::nullopt;
   }
-  if (command.starts_with(setPrefix)) {
+  if (command.starts_with(settingStart)) {
     return Set(command);
   }
-  if (command.starts_with(getPrefix)) {
-    return Get(command.substr(getPrefix.size()));
+  if (command.starts_with(questionStart)) {
+    return Get(command.substr(questionStart.size()));
   }
   if (command == "RFID ON" || command == "RFID OFF") {
     return "OK";
@@ -76,9 +71,9 @@ std::string SimulatedInstrument::Set(std::string_view command) {
 // Everything after the key is the value, blanks included. A value with a line break
 // would not fit into one line.
 std::optional<SimulatedInstrument::Setting> SimulatedInstrument::SettingIn(std::string_view command) {
-  const auto keyAndValue = command.substr(std::min(command.size(), setPrefix.size()));
+  const auto keyAndValue = command.substr(std::min(command.size(), settingStart.size()));
   const auto blank = keyAndValue.find(' ');
-  if (!command.starts_with(setPrefix) || blank == 0 || blank == std::string_view::npos ||
+  if (!command.starts_with(settingStart) || blank == 0 || blank == std::string_view::npos ||
       blank + 1 == keyAndValue.size() || keyAndValue.find_first_of("\r\n") != std::string_view::npos) {
     return std::nullopt;
   }

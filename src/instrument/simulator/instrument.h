@@ -11,8 +11,6 @@
 
 namespace zolvane {
 
-inline constexpr std::string_view savingCommand = "SET_CALIBRATION SAVE";
-
 class SimulatedInstrument {
  public:
   struct Setup {

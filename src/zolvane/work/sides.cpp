@@ -58,15 +58,10 @@ bool IsBackup(const Workplace& work, const std::string& path, const std::string&
          !text.Find("CageType", "Installed");
 }
 
-// A file of the add-in has a section that it knows.
 bool HoldsSections(const std::string& bytes) {
-  constexpr std::string_view corrections = "VolumeCorrection_";
-  const auto* const other = &FileSectionOf("");
   bool holdsAny = false;
   SectionedText{bytes}.VisitLines([&](const SectionedText::SeenLine& line) {
-    const bool isHeader = line.Is == SectionedText::LineKind::Header;
-    const bool isCorrection = EqualIgnoringCase(line.Section.substr(0, corrections.size()), corrections);
-    holdsAny = holdsAny || (isHeader && (isCorrection || &FileSectionOf(line.Section) != other));
+    holdsAny = holdsAny || (line.Is == SectionedText::LineKind::Header && IsKnownSection(line.Section));
   });
   return holdsAny;
 }
