@@ -81,7 +81,7 @@ class FieldRules {
       Add("short-line",
           Joined(std::to_string(pieces.size()), " of ", std::to_string(section_->Pieces),
                  " fields: the add-in ",
-                 section_->IsOfAxes() ? "keeps the others of the line before" : "takes the others for 0"));
+                 section_->IsOfAxes() ? "keeps the others as they were before" : "takes the others for 0"));
     }
     if (section_->IsCorrection()) {
       CheckCorrection(pieces);
@@ -93,8 +93,10 @@ class FieldRules {
     const auto key = correction ? correction->Key : "";
     if (!correction) {
       Add("no-key", "there is no key of the instrument in it: the upload sends nothing of it");
-    } else if (key.find_first_of(" \t") != std::string::npos) {
-      Add("broken-key", Joined("the key ", Shown(key), " has a blank in it: the upload sets no such value"));
+    } else if (std::ranges::any_of(key, [](char one) { return one <= ' ' || one > '~'; })) {
+      Add("broken-key",
+          Joined("the key ", Shown(key),
+                 " has a blank in it, or what is no letter, digit or sign: no line can set it"));
     } else if (EqualIgnoringCase(key, "SAVE")) {
       Add("reserved-key",
           Joined("the key ", Shown(key), " is the instrument's command to save what it holds"));
@@ -130,7 +132,7 @@ class FieldRules {
       AddText("rounded", field, text, "is no whole number: the add-in rounds it");
     } else if (const auto kept = GeneralText(*number); StrictNumber(kept) != number) {
       AddText("too-many-digits", field, text,
-              Joined("has more than 15 digits: the add-in sends and saves ", kept));
+              Joined("has more than 15 digits: the add-in works with ", kept));
     }
   }
 
@@ -155,9 +157,7 @@ class FieldRules {
             Joined("is out of range (", field.Values, "): the add-in ", Instead()));
   }
 
-  std::string_view Instead() const {
-    return section_->IsOfAxes() ? "keeps that of the line before" : "takes 0";
-  }
+  std::string_view Instead() const { return section_->IsOfAxes() ? "keeps what it had before" : "takes 0"; }
 
   void AddText(std::string_view code, const FileField& field, std::string_view text, std::string_view what) {
     Add(code, Joined(Shown(text), " ", what), &field);

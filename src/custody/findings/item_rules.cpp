@@ -191,12 +191,12 @@ void CheckName(CheckedFile& file, std::string_view table, const std::string& ite
 }
 
 void CheckNames(CheckedFile& file, const Configuration& configuration) {
-  CurrentRecords current;
+  auto current = configuration.Current;
   ForEach(deviceTable, configuration, [&](const DeviceTypeRecord& device) {
     current.Device.Name = device.Name;
     CheckName(file, deviceTypeSection, device.ID, PositionSection(current));
   });
-  current = {};
+  current = configuration.Current;
   ForEach(cageTable, configuration, [&](const CageTypeRecord& cage) {
     current.Cage.Name = cage.Name;
     CheckName(file, cageTypeSection, cage.ID, AxisSection(current));

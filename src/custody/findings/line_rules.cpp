@@ -79,13 +79,21 @@ void AddMissingKey(CheckedFile& file, const AskedPlace& place, const FileField* 
 }
 
 void AddMissingSection(CheckedFile& file, std::string_view name, const FileSection& section) {
+  const auto line = file.LineOf(name);
+  const auto lacks = line == 0 ? " is missing" : " has no lines";
   if (section.IsCorrection()) {
-    file.Add("missing-correction", 0,
-             Joined(InSection(name), " is missing: the upload sends no volume correction of it"));
+    file.Add("missing-correction", line,
+             Joined(InSection(name), lacks, ": the upload sends no volume correction of it"));
   } else {
-    file.Add("missing-section", 0,
-             Joined(InSection(name), " is missing: all that the add-in reads from it is empty or 0"));
+    file.Add("missing-section", line,
+             Joined(InSection(name), lacks, ": all that the add-in reads from it is empty, 0 or a default"));
   }
+}
+
+bool HoldsLines(const CheckedFile& file, std::string_view section) {
+  return std::ranges::any_of(file.Lines, [&](const SeenLine& line) {
+    return line.Is == LineKind::Key && line.Counts && EqualIgnoringCase(line.Section, section);
+  });
 }
 
 // Places of one section stand together.
@@ -97,7 +105,8 @@ void AddMissing(CheckedFile& file) {
     if (section == nullptr || !EqualIgnoringCase(place.Section, name)) {
       name = place.Section;
       section = &FileSectionOf(name);
-      isThere = file.Text.HasSection(name);
+      const bool isOfLines = !section->BeforeNumber.empty() || section->IsCorrection();
+      isThere = isOfLines ? HoldsLines(file, name) : file.Text.HasSection(name);
       if (!isThere) {
         AddMissingSection(file, name, *section);
       }
@@ -106,7 +115,8 @@ void AddMissing(CheckedFile& file) {
     const bool mayLack = isLine || EqualIgnoringCase(place.Key, defaultKey);
     const auto* const field = section->FieldUnder(place.Key);
     const bool isOfFile = file.Is == CheckedFile::Kind::Configuration || (field != nullptr && field->IsSaved);
-    if (isThere && isOfFile && !mayLack && file.LineOf(place.Section, place.Key) == 0) {
+    if (isThere && isOfFile && !mayLack && !file.IsWrittenByPage(place.Section, place.Key) &&
+        file.LineOf(place.Section, place.Key) == 0) {
       AddMissingKey(file, place, field);
     }
   }
@@ -171,46 +181,71 @@ class LineRules {
     } else if (number && !asked->second.IsByWalk) {
       file_.Add("only-listed", line.Number,
                 Joined(name, " is offered by the page, but no operation comes to it"));
-    } else if (number && *number > FirstGap(line)) {
+    } else if (number && *number == EndOf(line).Number) {
       file_.Add("gap", line.Number,
-                Joined(name, " is read only while it is installed: nothing else comes to it, as there is no ",
-                       KeyOf(FirstGap(line))));
+                Joined(name, line.Value.empty() ? " is empty" : " has no name",
+                       ": the numbered lines end before it"));
+    } else if (number && *number > EndOf(line).Number) {
+      file_.Add(
+          "gap", line.Number,
+          Joined(name, " is read only while it is installed: nothing else comes to it, as ", EndText(line)));
     }
   }
 
   void AddPassedOver(const SeenLine& line) {
     const auto name = Printable(NameOfPlace(line.Section, line.Key));
     if (section_->NumberIn(line.Key)) {
-      file_.Add("gap", line.Number, Joined(name, GapText(line)));
+      file_.Add("gap", line.Number, Joined(name, " is never seen, as ", EndText(line)));
     } else {
       file_.Add("unread-key", line.Number, Joined("nothing reads ", name));
     }
   }
 
-  std::string GapText(const SeenLine& line) {
-    return section_->NumberIn(line.Key).value_or(0) > FirstGap(line)
-               ? Joined(" is never seen, as there is no ", KeyOf(FirstGap(line)))
-               : " is never seen, as a line before it has no name";
+  // Why no walk comes to it.
+  std::string EndText(const SeenLine& line) {
+    if (section_->NumberIn(line.Key).value_or(0) < firstNumber) {
+      return "the numbers begin with 1";
+    }
+    const auto end = EndOf(line);
+    return end.IsThere ? Joined(KeyOf(end.Number), " is empty or has no name")
+                       : Joined("there is no ", KeyOf(end.Number));
   }
 
   std::string KeyOf(int number) const {
     return Joined(section_->BeforeNumber, WholeText(number), section_->BehindNumber);
   }
 
-  // The first number that the section lacks.
-  int FirstGap(const SeenLine& line) {
-    const auto [gap, isNew] = gaps_.try_emplace(IndexedAs(line.Section, ""), 1);
-    while (isNew && file_.LineOf(line.Section, KeyOf(gap->second)) != 0) {
-      ++gap->second;
+  // Where the numbered lines of a section end: at the first number that it lacks, or at a line behind which nothing is
+  // asked for.
+  struct End {
+    int Number = firstNumber;
+    bool IsThere = false;
+  };
+
+  End EndOf(const SeenLine& line) {
+    const auto [place, isNew] = ends_.try_emplace(IndexedAs(line.Section, ""));
+    auto& end = place->second;
+    const auto isThere = [&](int number) { return file_.LineOf(line.Section, KeyOf(number)) != 0; };
+    while (isNew && isThere(end.Number) && !end.IsThere) {
+      end.IsThere = end.Number < lastItemNumber && !IsWalkedTo(line.Section, KeyOf(end.Number + 1));
+      end.Number += end.IsThere ? 0 : 1;
     }
-    return gap->second;
+    return end;
   }
+
+  bool IsWalkedTo(std::string_view section, std::string_view key) const {
+    const auto index = IndexedAs(section, key);
+    const auto asked = file_.Asked.find(index);
+    return (asked != file_.Asked.end() && asked->second.IsByWalk) || waiting_.contains(index);
+  }
+
+  static constexpr int firstNumber = 1;
 
   CheckedFile& file_;
   const FileSection* section_ = nullptr;
   std::set<std::string> asked_;
   std::set<std::string> waiting_;
-  std::map<std::string, int> gaps_;
+  std::map<std::string, End> ends_;
   bool isAsked_ = false;
   bool isWaiting_ = false;
   bool isCounting_ = false;  // the section is the first of its name

@@ -1,6 +1,7 @@
 // What the page and the operations make of a configuration.
 #include <algorithm>
 #include <array>
+#include <map>
 #include <optional>
 #include <span>
 #include <utility>
@@ -8,6 +9,7 @@
 #include "config/tables/axes.h"
 #include "config/tables/current_records.h"
 #include "config/tables/devices.h"
+#include "config/tables/modules.h"
 #include "config/tables/stage.h"
 #include "config/text.h"
 #include "custody/findings/rules.h"
@@ -27,10 +29,13 @@ namespace {
 void CheckPage(CheckedFile& file) {
   for (const auto& write : file.PageWrites) {
     if (file.Changes(write)) {
-      const auto before = file.Text.Find(write.Section, write.Key).value_or("");
-      file.Add("page-changes", file.LineOf(write.Section, write.Key),
-               Joined(Printable(NameOfPlace(write.Section, write.Key)), " is ", Shown(before),
-                      ", which fits no entry of the page: opening it makes ", Shown(write.Text), " of it"));
+      const auto before = file.Text.Find(write.Section, write.Key);
+      const auto line = file.LineOf(write.Section, write.Key);
+      file.Add("page-changes", before ? line : file.LineOf(write.Section),
+               Joined(Printable(NameOfPlace(write.Section, write.Key)),
+                      before ? Joined(" is ", Shown(*before), ", which fits no entry of the page")
+                             : std::string{" is missing"},
+                      ": opening the page makes ", Shown(write.Text), " of it"));
     }
   }
 }
@@ -130,13 +135,31 @@ void CheckScale(CheckedFile& file, const CurrentRecords& current, const FactorAx
   } else {
     file.Add("inherited-factor", line.Number,
              Joined("the scale of the axis ", axis.Name,
-                    " is missing or no number: the add-in keeps that of the line "
-                    "before, and sends ",
+                    " is missing or no number: the add-in keeps what it had before, and sends ",
                     CountOf(lines.Sent.size(), "line"), " by it", InBrackets(lines.Sent)));
   }
 }
 
+// The last line of an axis counts.
+void CheckAxisNames(CheckedFile& file, const std::string& section) {
+  const auto keyOf = [&](int number) {
+    return Joined(FileSectionOf(section).BeforeNumber, WholeText(number));
+  };
+  std::map<std::string, int> numbers;
+  for (int number = 1; const auto line = file.Text.Find(section, keyOf(number)); ++number) {
+    const auto pieces = PiecesOf(*line);
+    const auto axis = pieces.empty() ? std::string{} : WithoutQuotes(pieces.front());
+    const auto [first, isNew] = numbers.try_emplace(axis, number);
+    if (!isNew) {
+      file.Add("repeated-name", file.LineOf(section, keyOf(number)),
+               Joined(Printable(NameOfPlace(section, keyOf(number))), ": the axis ", Shown(axis),
+                      " stands in ", keyOf(first->second), " already, and the add-in takes it from here"));
+    }
+  }
+}
+
 void CheckFactors(CheckedFile& file, const CurrentRecords& current, const Script& now) {
+  CheckAxisNames(file, AxisSection(current));
   for (const auto& axis : factorAxes) {
     CheckScale(file, current, axis, now);
   }
@@ -155,23 +178,58 @@ void CheckFactors(CheckedFile& file, const CurrentRecords& current, const Script
 
 // ---- What the upload looks for
 
-void CheckPosition(CheckedFile& file, const Configuration& configuration, const PositionKeys& keys) {
+// "1612 for STAGE1_X".
+std::string SentFor(const Script& script, std::string_view key) {
+  const auto line = std::ranges::find(script, key, &UploadLine::Key);
+  return Joined(line == script.end() ? "nothing" : line->Value.value_or("nothing"), " for ", key);
+}
+
+void CheckPosition(CheckedFile& file, const Configuration& configuration, const PositionKeys& keys,
+                   const Script& script) {
   const auto found =
       FindByName(positionTable, configuration, &PositionRecord::PositionName, keys.PositionName);
   if (found.PositionName != keys.PositionName) {
     const auto section = PositionSection(configuration.Current);
     file.Add("missing-position", file.LineOf(section),
              Joined(Printable(Joined("[", section, "]")), " has no position ", keys.PositionName,
-                    ": the upload sends 0 for ", keys.X, " and ", keys.Y));
+                    ": the upload sends ", SentFor(script, keys.X), " and ", SentFor(script, keys.Y)));
   }
 }
 
-void CheckPositions(CheckedFile& file, const Configuration& configuration) {
+// The first one of a name counts.
+void CheckPositionNames(CheckedFile& file, const Configuration& configuration) {
+  const auto section = PositionSection(configuration.Current);
+  std::map<std::string, std::string> known;
+  ForEach(positionTable, configuration, [&](const PositionRecord& position) {
+    const auto key = ItemKey(position.ID);
+    const auto [first, isNew] = known.try_emplace(position.PositionName, key);
+    if (!isNew) {
+      file.Add("repeated-name", file.LineOf(section, key),
+               Joined(Printable(NameOfPlace(section, key)), ": the place ", Shown(position.PositionName),
+                      " stands in ", first->second, " already, and the upload takes it from there"));
+    }
+  });
+}
+
+void CheckPositions(CheckedFile& file, const Configuration& configuration, const Script& script) {
+  CheckPositionNames(file, configuration);
   for (const auto positions : {std::span<const PositionKeys>{stagePositions},
                                std::span<const PositionKeys>{serialDilutePositions}}) {
     for (const auto& keys : positions) {
-      CheckPosition(file, configuration, keys);
+      CheckPosition(file, configuration, keys, script);
     }
+  }
+}
+
+// The module of the 96 and 384 channels is found by its class, and else sent as 0.
+void CheckTipChange(CheckedFile& file, const Configuration& configuration, const Script& script) {
+  constexpr std::string_view key = "TipChange_S";
+  const bool isSent = std::ranges::find(script, key, &UploadLine::Key) != script.end();
+  if (isSent && FindMicrotiterCage(configuration).Code != code::microtiter) {
+    file.Add(
+        "missing-class", file.LineOf(cageTypeSection),
+        Joined(Printable(Joined("[", cageTypeSection, "]")), " has no module of the class ", code::microtiter,
+               ": the upload sends ", SentFor(script, key), " and ", SentFor(script, "HeadChange_S")));
   }
 }
 
@@ -215,7 +273,8 @@ void CheckOperations(CheckedFile& file) {
     const auto script = BuildUploadLines(configuration, nullptr);
     CheckFactors(file, configuration.Current, script);
     CheckOverridden(file, script);
-    CheckPositions(file, configuration);
+    CheckPositions(file, configuration, script);
+    CheckTipChange(file, configuration, script);
     CheckItems(file, configuration);
     CheckRounding(file, configuration.Current, script);
   });

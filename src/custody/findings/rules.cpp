@@ -117,7 +117,13 @@ std::vector<SettingWrite> CheckedFile::LoadPage(const DrySettings::ReadObserver&
 
 bool CheckedFile::Changes(const SettingWrite& write) const {
   const auto before = Text.Find(write.Section, write.Key);
-  return before && !SameText(*before, write.Text);
+  return !before || !SameText(*before, write.Text);
+}
+
+bool CheckedFile::IsWrittenByPage(std::string_view section, std::string_view key) const {
+  return std::ranges::any_of(PageWrites, [&](const SettingWrite& write) {
+    return EqualIgnoringCase(write.Section, section) && EqualIgnoringCase(write.Key, key);
+  });
 }
 
 // No operation begins before the page has been loaded.

@@ -60,8 +60,9 @@ class CheckedFile {
   Places Downloaded;
   Places Imported;
 
-  // Whether the page makes another value of one that the file has.
+  // Whether the file has another value for this key, or none.
   bool Changes(const SettingWrite& write) const;
+  bool IsWrittenByPage(std::string_view section, std::string_view key) const;
 
   // From 1; 0 if the file has no such key, or no such section.
   std::size_t LineOf(std::string_view section, std::string_view key) const;

@@ -119,6 +119,51 @@ const std::vector<Case>& Cases() {
       {"missing-position", "Item4=STAGE4,\"Stage 4\",STAGE,1605", "Item4=STAGE44,\"Stage 4\",STAGE,1605",
        "[Position_Zolvane 400]",
        [](const auto& file) { EXPECT_EQ(Sent(file, "STAGE4_X"), "0"); }},
+      {"missing-position", "Item1=STAGE1,\"Stage 1\",STAGE,1612,", "Item1=STAGE1,\"\",STAGE,1612,", "[Position_Zolvane 400]",
+       [](const auto& file) {
+         EXPECT_EQ(Sent(file, "STAGE6_X"), "1612") << "the place of the line without a name";
+         const auto findings = CheckConfiguration(file, "Zolvane.ini");
+         EXPECT_TRUE(std::ranges::any_of(findings, [](const Finding& one) {
+           return one.Text.ends_with("has no position STAGE6: the upload sends 1612 for STAGE6_X and 2004 for STAGE6_Y");
+         }));
+       }},
+      {"gap", "Item1=STAGE1,\"Stage 1\",STAGE,1612,", "Item1=STAGE1,\"\",STAGE,1612,", "Item1=STAGE1,\"\"",
+       [](const auto& file) { EXPECT_EQ(Sent(file, "STAGE6_X"), "1612"); }},
+      {"gap", "Item13=TIPRACKSTAGE2,\"Tip Rack Stage 2\",RACK,44835", "Item13=TIPRACKSTAGE2,\"\",RACK,44835", "Item13=TIPRACKSTAGE2,\"\"",
+       [](const auto& file) {
+         CopySession session{file};
+         session.Do(PressOf(exportButton, brokenFolder + "/own.bak"));
+         const SectionedText backup{session.Files.Read(brokenFolder + "/own.bak").Bytes};
+         EXPECT_TRUE(backup.Find("Position_Zolvane 400", "Item12"));
+         EXPECT_FALSE(backup.Find("Position_Zolvane 400", "Item13"));
+       }},
+      {"gap", "\"96-Channel 300 ul\"", "\"\"", "Item1=\"\"",
+       [](const auto& file) { EXPECT_EQ(Sent(file, "PickUp_12Ch_Z"), "(not sent)"); }},
+      {"gap", "\"96-Channel 300 ul\"", "\"\"", "Item12=\"8-Channel 300 ul\"",
+       [](const auto& file) { EXPECT_EQ(Sent(file, "TipEject_8Ch_300_S"), "(not sent)"); }},
+      {"gap", "Item1=STAGE1,\"Stage 1\",STAGE,1612,",
+       "Item0=STAGE0,\"Stage 0\",STAGE,1,2,3,4,5,6,7,8,1,0,X,1,0\nItem1=STAGE1,\"Stage 1\",STAGE,1612,", "Item0=",
+       [](const auto& file) { EXPECT_EQ(Sent(file, "STAGE1_X"), SentOfTheSample("STAGE1_X")); }},
+      {"missing-class", "MICROTITER,1,1,0,2150", "MICROPLATE,1,1,0,2150", "[CageType]",
+       [](const auto& file) { EXPECT_EQ(Sent(file, "TipChange_S"), "0"); }},
+      {"repeated-name", "Axis7=\"SDS\",0.005,300,9000,18000,-50,9800,1000,550,250,16,0,0,7,120\n\n[HeadType]",
+       "Axis7=\"Z\",0.02,300,9000,18000,-50,9800,1000,550,250,16,0,0,7,120\n\n[HeadType]", "Axis7=\"Z\"",
+       [](const auto& file) { EXPECT_EQ(Sent(file, "MountHeight"), "8218"); }},
+      {"repeated-name", "Item4=STAGE4,\"Stage 4\",STAGE,1605", "Item4=STAGE3,\"Stage 4\",STAGE,1605", "Item4=STAGE3",
+       [](const auto& file) { EXPECT_EQ(Sent(file, "STAGE3_X"), SentOfTheSample("STAGE3_X")); }},
+      {"missing-section", "[NestType]\n", "[NestType]\n[NestTypes]\n", "[NestType]\n",
+       [](const auto& file) { EXPECT_EQ(Sent(file, "Nest_1A_Z"), "(not sent)"); }},
+      {"missing-correction", "[VolumeCorrection_8_CH_30]\n", "[VolumeCorrection_8_CH_30]\n[VolumeCorrection_8_CH_3]\n",
+       "[VolumeCorrection_8_CH_30]\n",
+       [](const auto& file) { EXPECT_EQ(Sent(file, "VOL_8CH_30_1"), "(not sent)"); }},
+      {"page-changes", "Installed=12\n", "", "[HeadType]",
+       [](const auto& file) {
+         CopySession session{file};
+         session.Do({.Kind = ActionKind::ShowPage});
+         EXPECT_EQ(session.Stored("HeadType", "Installed"), "1");
+       }},
+      {"broken-key", "1.0685,\"VOL_8CH_30_1\"", "1.0685,\"VOL_\x01" "8CH_30_1\"", "1Item=1 ul,1.0685,\"VOL_",
+       [](const auto& file) { EXPECT_EQ(Sent(file, "VOL_8CH_30_1"), "(not sent)"); }},
       {"not-understood", "MountHeight=164.35", "MountHeight 164.35", "MountHeight 164.35",
        [](const auto& file) { EXPECT_EQ(Sent(file, "MountHeight"), "0"); }},
       {"unread-section", "[PumpControl]", "[PumpKontrol]", "[PumpKontrol]",
