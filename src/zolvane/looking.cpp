@@ -246,27 +246,24 @@ void Diff(Workplace& work, const Words& words) {
 
 namespace {
 
-// What the instrument was left with, each value by the last operation that sent some.
+// What the instrument was left with. Throws UsageError if nobody knows.
 Values LastLeft(Workplace& work) {
   auto history = ReadHistory(work);
-  Values left;
-  for (const auto& operation : history.Operations()) {
+  const auto operations = history.Operations();
+  for (const auto& operation : operations) {
     const bool sends = action::SendsValues(operation.Begun->Action);
     if (sends && operation.Ended == nullptr) {
       work.Out.Error(Joined("operation ", std::to_string(operation.Number()), ", ", operation.Begun->Action,
                             ", has not ended: what it left is not known"));
-    }
-    const bool isKept = sends && operation.Ended != nullptr && !operation.Ended->Left.empty();
-    if (const auto values = isKept ? KeptValues(history, operation.Ended->Left) : std::nullopt) {
-      for (const auto& value : values->InOrder() | std::views::filter(&Value::WasAnswered)) {
-        left.Add(value);
-      }
+    } else if (sends) {
+      KeptValues(history, operation.Ended->Left);
     }
   }
-  if (left.InOrder().empty()) {
+  auto left = LeftLast(history, operations);
+  if (!left) {
     throw UsageError{"no operation of the history has left values on an instrument"};
   }
-  return left;
+  return *std::move(left);
 }
 
 // A value on all three.

@@ -173,7 +173,7 @@ bool ProvingLink::HoldsStill(std::string_view fact) {
                         now.WasAnswered ? "no longer holds what was sent: it may have restarted"
                                         : "does not say what it holds",
                         "; asked for ", asked.Key);
-      left_ = now.WasAnswered || tally_.SaveWasSent ? Values{} : left_;
+      left_ = now.WasAnswered ? Values{} : left_;
       return false;
     }
   }

@@ -35,6 +35,7 @@ enum class Standing : std::uint8_t {
   ToDo,
   Changed,          // neither wanted nor expected: by somebody else
   CannotBeRemoved,  // not known before
+  Unreadable,       // not known before and not known now, though it may have been sent
 };
 
 struct Step {

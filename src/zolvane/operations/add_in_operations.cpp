@@ -292,8 +292,10 @@ void ShowRoundTrip(Workplace& work, const Custody& custody, Evidence& evidence) 
                                            : WireFaceOfFile(*custody.Found.Configuration).Lines;
   const auto changes = Compare(before, now.Lines);
   if (changes.NotAnswered > 0) {
-    work.Out.Error(Joined("what an upload would now change is not known: the instrument does not answer",
-                          LinkProblem(*work.Link)));
+    work.Out.Error(Joined("what an upload would now change is not known: ",
+                          ProgramInterrupt().IsRaised()
+                              ? std::string{"stopped by the user"}
+                              : Joined("the instrument does not answer", LinkProblem(*work.Link))));
     return;
   }
   work.Result.Counts.emplace_back("upload_would_change", changes.Differences.size());
@@ -312,7 +314,7 @@ Conclusion AddInOperation::Act(Custody& custody) {
   const auto proving = std::make_shared<ProvingLink>(
       work.Link != nullptr ? work.Link : std::make_shared<NoLink>(ProgramInterrupt()),
       ProvingLink::Setup{.Found = Sends() ? *custody.Found.Answers : Values{},
-                         .Kept = Sends() ? HeldBeforeUnsaved(custody.Kept) : std::nullopt,
+                         .Kept = Sends() ? KeptByInstrument(custody.Kept, custody.Number()) : std::nullopt,
                          .Arrived = {},
                          .LetsUnreadablePass = IsLetPass(work.Options, objection_code::unreadable),
                          .LetsRoundedPass = IsLetPass(work.Options, objection_code::rounded)},
@@ -328,8 +330,10 @@ Conclusion AddInOperation::Act(Custody& custody) {
   }
   evidence.TakeConfiguration();
   CloseSavedFile(custody, evidence);
-  const auto& commands = played.Result.Tally.Commands;
-  if (ChangesFile() && commands.NotAnswered == 0 && commands.Undelivered == 0) {
+  const auto& tally = played.Result.Tally;
+  const auto& commands = tally.Commands;
+  const bool hasRun = !tally.WasCancelled && !tally.WasRefused;
+  if (ChangesFile() && hasRun && commands.NotAnswered == 0 && commands.Undelivered == 0) {
     ShowRoundTrip(work, custody, evidence);
   }
   return evidence.Conclude();

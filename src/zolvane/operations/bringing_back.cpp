@@ -50,6 +50,7 @@ class BringingBack final : public CustodyOperation {
   void LeaveMissingFile(Custody& custody, const std::string& wanted);
   void LookAtValues(Custody& custody);
   void LeaveToLaterOnes(Custody& custody);
+  void DoubtTheUnreadable(const CustodyOptions& options);
   void ObjectToChanges(Custody& custody) const;
   void WriteFile(Custody& custody, Evidence& evidence) const;
   void SendValues(Custody& custody, Evidence& evidence) const;
@@ -140,6 +141,7 @@ void BringingBack::LookAtValues(Custody& custody) {
   const auto wishes = WishesFor(wanted, target_.Of ? target_.Of->TracesOf() : Traces{});
   lines_ = PlanFor(wishes, *custody.Found.Answers, target_.Of ? Spelling::GoesBack : Spelling::Stays);
   LeaveToLaterOnes(custody);
+  DoubtTheUnreadable(custody.Work.Options);
   Values intended;
   for (const auto& step : lines_) {
     if (step.Is == Standing::AsWanted || step.Is == Standing::ToDo) {
@@ -151,9 +153,10 @@ void BringingBack::LookAtValues(Custody& custody) {
 }
 
 // A value that a later operation of this history left, and that this one had left as it was, is nobody else's change and
-// not this one's to bring back.
+// not this one's to bring back; unless that one never came to its SAVE, which this one would now do for it.
 void BringingBack::LeaveToLaterOnes(Custody& custody) {
   Values later;
+  const auto held = HeldBeforeUnsaved(custody.Kept);
   for (const auto& operation : custody.Kept.Operations()) {
     const bool isLater = target_.Of && operation.Number() > target_.Of->Numbers.Last;
     const bool sends = operation.Ended != nullptr && action::SendsValues(operation.Begun->Action);
@@ -167,10 +170,24 @@ void BringingBack::LeaveToLaterOnes(Custody& custody) {
     const auto textOf = [&name](const std::optional<Values>& values) {
       return values ? values->TextOf(name) : std::nullopt;
     };
-    return step.Is == Standing::Changed && later.Find(name) != nullptr &&
+    const bool isSaved = !held || held->Find(name) == nullptr || SameValue(held->TextOf(name), step.Present);
+    return step.Is == Standing::Changed && isSaved && later.Find(name) != nullptr &&
            SameValue(later.TextOf(name), step.Present) && target_.Of->Left.Answers &&
            SameValue(textOf(target_.Of->Found.Answers), textOf(target_.Of->Left.Answers));
   });
+}
+
+// A key that the instrument does not tell may hold what was sent.
+void BringingBack::DoubtTheUnreadable(const CustodyOptions& options) {
+  if (IsLetPass(options, objection_code::unreadable)) {
+    return;
+  }
+  for (auto& step : lines_) {
+    const bool isKnown = step.Of.Wanted || step.Present;
+    const bool mayBeSent =
+        !target_.Of || !target_.Of->Intended.Answers || target_.Of->Intended.Answers->TextOf(step.Of.Name);
+    step.Is = step.Is == Standing::AsWanted && !isKnown && mayBeSent ? Standing::Unreadable : step.Is;
+  }
 }
 
 void BringingBack::ObjectToChanges(Custody& custody) const {
@@ -263,7 +280,7 @@ void BringingBack::SendValues(Custody& custody, Evidence& evidence) const {
   auto& work = custody.Work;
   ProvingLink link{work.Link,
                    {.Found = *custody.Found.Answers,
-                    .Kept = HeldBeforeUnsaved(custody.Kept),
+                    .Kept = KeptByInstrument(custody.Kept, custody.Number()),
                     .Arrived = ArrivedOf(lines_),
                     .LetsUnreadablePass = IsLetPass(work.Options, objection_code::unreadable),
                     .LetsRoundedPass = IsLetPass(work.Options, objection_code::rounded)},
@@ -280,9 +297,10 @@ struct StayingRow {
   std::string_view Why;
 };
 
-constexpr std::array<StayingRow, 2> stayingRows{{
+constexpr std::array<StayingRow, 3> stayingRows{{
     {Standing::Changed, changedVerdict, "changed by somebody else, and left as found: "},
     {Standing::CannotBeRemoved, "cannot_be_removed", "not known before, and cannot be removed: "},
+    {Standing::Unreadable, objection_code::unreadable, "cannot be read, and may hold what was sent: "},
 }};
 
 // The account names the first few, the values of the report all.
@@ -324,7 +342,7 @@ Target TakingBack(Custody& custody, const std::optional<std::string>& number) {
   }
   auto kept = KeptOf(custody.Kept, operations, *place);
   Target target{.Wanted = kept.Found, .Saves = kept.SavedOrMayHave};
-  if (kept.HasEnded && kept.Left.Answers == kept.Found.Answers) {
+  if (kept.HasEnded && !kept.HasSentUnreadable && kept.Left.Answers == kept.Found.Answers) {
     target.Wanted.Answers.reset();
   }
   target.Of = std::move(kept);

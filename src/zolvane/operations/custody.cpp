@@ -275,7 +275,9 @@ void Custody::RecordEnd(const Conclusion& conclusion) {
   const bool isOtherFileKept = KeepOtherFile();
   auto end = Draft;
   end.Outcome = conclusion.Outcome;
-  const auto file = Keep(Left.Configuration);
+  // What was not to be changed was changed by somebody else, and is found as that later.
+  const auto file =
+      Keep(Intended.Configuration == Found.Configuration ? Found.Configuration : Left.Configuration);
   const auto left = Keep(Left.Answers);
   const auto details = Keep(std::optional{BareJsonText(JsonOf(conclusion.Details))});
   end.FileAfter = file.value_or("");

@@ -49,6 +49,11 @@ bool HasSentSome(const Operation& operation) {
   return operation.Ended != nullptr && operation.Ended->Counts.contains("sent") && HasSent(*operation.Ended);
 }
 
+bool HasSentUnreadable(const Entry& ended) {
+  const auto unreadable = ended.Counts.find("unreadable");
+  return HasSent(ended) && unreadable != ended.Counts.end() && unreadable->second != 0;
+}
+
 bool IsProvenSending(const Operation& operation) {
   return operation.Ended != nullptr && operation.Ended->Outcome == outcome::done &&
          action::SendsValues(operation.Begun->Action);
@@ -112,6 +117,7 @@ KeptOperation Alone(History& history, const Operation& operation) {
     kept.IsProven = operation.Ended->Outcome == outcome::done;
     kept.Left.Configuration = KeptObject(history, operation.Ended->FileAfter);
     const auto left = kept.Found.Answers ? KeptValues(history, operation.Ended->Left) : std::nullopt;
+    kept.HasSentUnreadable = HasSentUnreadable(*operation.Ended);
     kept.Left.Answers = left ? std::optional{LeftByItself(history, *operation.Ended, *left)} : std::nullopt;
   }
   return kept;
@@ -140,9 +146,11 @@ KeptOperation KeptOf(History& history, const std::vector<Operation>& operations,
   return kept;
 }
 
-std::optional<Values> HeldBeforeUnsaved(const History& history) {
+namespace {
+
+std::optional<Values> HeldBeforeUnsaved(const History& history, std::span<const Operation> operations) {
   std::optional<Values> held;
-  for (const auto& operation : history.Operations()) {
+  for (const auto& operation : operations) {
     const auto& begun = *operation.Begun;
     if (operation.Ended != nullptr && MayHaveSaved(operation)) {
       held.reset();
@@ -152,6 +160,35 @@ std::optional<Values> HeldBeforeUnsaved(const History& history) {
     }
   }
   return held;
+}
+
+}  // namespace
+
+std::optional<Values> HeldBeforeUnsaved(const History& history) {
+  return HeldBeforeUnsaved(history, history.Operations());
+}
+
+std::optional<Values> LeftLast(const History& history, std::span<const Operation> operations) {
+  std::optional<Values> kept;
+  for (const auto& operation : operations) {
+    const bool isKnown = action::SendsValues(operation.Begun->Action) && operation.Ended != nullptr;
+    const auto text = isKnown ? history.Object(operation.Ended->Left) : std::nullopt;
+    const auto left = text ? ValuesIn(*text) : std::nullopt;
+    for (const auto& value : left ? left->InOrder() : std::vector<Value>{}) {
+      if (value.WasAnswered) {
+        kept = kept ? std::move(kept) : Values{};
+        kept->Add(value);
+      }
+    }
+  }
+  return kept;
+}
+
+std::optional<Values> KeptByInstrument(const History& history, std::uint64_t number) {
+  auto earlier = history.Operations();
+  std::erase_if(earlier, [number](const Operation& one) { return one.Number() >= number; });
+  auto held = HeldBeforeUnsaved(history, earlier);
+  return held ? std::move(held) : LeftLast(history, earlier);
 }
 
 std::optional<std::string> LeftOtherwise(const History& history, std::string_view file,
@@ -180,8 +217,8 @@ bool HasChangedSomething(std::span<const Operation> operations, std::size_t plac
   const auto& begun = *operations[first].Begun;
   const auto* const ended = operations[place].Ended;
   return ended == nullptr || ended->FileAfter != begun.FileBefore ||
-         (action::SendsValues(begun.Action) && ended->Left != begun.Found &&
-          (first != place || HasSent(*ended)));
+         (action::SendsValues(begun.Action) &&
+          (HasSentUnreadable(*ended) || (ended->Left != begun.Found && (first != place || HasSent(*ended)))));
 }
 
 std::optional<std::size_t> LastOfOurs(std::span<const Operation> operations) {

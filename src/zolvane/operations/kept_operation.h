@@ -20,6 +20,7 @@ struct KeptOperation {
   bool IsProven = false;
   bool Saves = true;           // it was to send SAVE
   bool SavedOrMayHave = true;  // SAVE was sent, as far as anybody knows
+  bool HasSentUnreadable = false;
   Moment Found{};
   Moment Intended{};
   Moment Left{};  // of one that has ended
@@ -52,6 +53,14 @@ KeptOperation KeptOf(History& history, const std::vector<Operation>& operations,
 // What the instrument held before the first of the values that no SAVE has kept since. Nothing if all are kept, or nobody
 // knows.
 std::optional<Values> HeldBeforeUnsaved(const History& history);
+
+// Each value as the last of these operations left it that sent some. Of an object that the history has lost nothing is
+// known. Nothing if no value is known.
+std::optional<Values> LeftLast(const History& history, std::span<const Operation> operations);
+
+// What a restart takes the instrument back to, as far as the history before that operation knows: that, or what was left
+// last if all is kept. Nothing if it knows of no value.
+std::optional<Values> KeptByInstrument(const History& history, std::uint64_t number);
 
 // What the file held when it was last left, if it holds something else at present: the name of an object, empty if the
 // file was not there. Nothing if it is as it was left, or if nobody knows: an operation that was cut short may have left
