@@ -1,5 +1,7 @@
 #include "custody/disk/disk.h"
 
+#include <utility>
+
 #include "text/joined.h"
 #include "text/printable.h"
 

@@ -13,7 +13,6 @@
 #include <set>
 #include <string>
 #include <string_view>
-#include <utility>
 
 #include "files/exchanged_file.h"
 #include "host/status.h"

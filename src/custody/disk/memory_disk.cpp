@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 #include "custody/disk/disk.h"
 #include "files/paths.h"

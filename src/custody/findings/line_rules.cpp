@@ -1,5 +1,4 @@
 // Lines that stand twice, that nothing reads, or that are missing.
-#include <optional>
 #include <set>
 
 #include "config/item_lists.h"

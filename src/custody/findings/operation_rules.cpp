@@ -3,7 +3,6 @@
 #include <array>
 #include <optional>
 #include <span>
-#include <utility>
 
 #include "config/tables/axes.h"
 #include "config/tables/current_records.h"

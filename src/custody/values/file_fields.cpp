@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <utility>
 
 #include "config/tables/axes.h"
 #include "config/tables/devices.h"

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <functional>
-#include <memory>
 #include <ranges>
 #include <string_view>
 #include <utility>
