@@ -8,7 +8,7 @@
 namespace zolvane {
 namespace {
 
-// As no file of a user is named.
+// A name that no user's file has.
 std::string FreshNameOf(const std::string& path) {
   return path + ".zolvane-new";
 }

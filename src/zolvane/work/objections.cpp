@@ -81,7 +81,8 @@ std::string MissingSection(const std::vector<std::string>& sections,
   return last == exported.rbegin() || last == exported.rend() ? std::string{} : *std::prev(last);
 }
 
-// Of one that custody exported the beginning is there. A host that has written over it closes nothing.
+// True if the file is a beginning of what zolvane exported under its name, or still has our heading. A host that
+// overwrote it writes no closing lines.
 bool IsExpectedToBeOurs(const History& history, const std::string& file, const std::string& backup) {
   const auto isLeft = [&](const FileChange& other) {
     const auto left = IsSameFile(other.Path, file) ? history.Object(other.After) : std::nullopt;
