@@ -169,7 +169,7 @@ class LineRules {
       AddPassedOver(line);
     } else if (number && !asked->second.IsByWalk) {
       file_.Add("only-listed", line.Number,
-                Joined(name, " is offered by the page, but no operation comes to it"));
+                Joined(name, " is offered by the page, but no operation reads it"));
     } else if (number && *number > FirstGap(line)) {
       file_.Add("gap", line.Number,
                 Joined(name, " is read only while it is installed: nothing else comes to it, as there is no ",

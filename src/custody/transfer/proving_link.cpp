@@ -108,8 +108,8 @@ void ProvingLink::NoteUnknownSince(const std::string& key) {
   tally_.UnknownSince = line == sent.end() ? 1 : static_cast<std::size_t>(line - sent.begin()) + 1;
   isDead_ = true;
   const auto isUnanswered = [this](const std::string& asked) { return !left_.Find(asked)->WasAnswered; };
-  problem_ = Joined("the instrument did not say what it holds of ",
-                    *std::ranges::find_if(order_, isUnanswered), ", so SAVE was not sent");
+  problem_ = Joined("the instrument did not answer for ", *std::ranges::find_if(order_, isUnanswered),
+                    ", so SAVE was not sent");
 }
 
 std::string ProvingLink::Unproven(const std::vector<Verdict>& verdicts) const {

@@ -185,7 +185,7 @@ void AddInOperation::DemandForeseen(const PlayedAction& played) const {
   }
   if (tally.WritesFailed > 0 || tally.ReadsFailed > 0) {
     throw UsageError{
-        Joined(row_.Name, " cannot be played: a settings file cannot be read, or cannot hold a value")};
+        Joined(row_.Name, " cannot be rehearsed: a settings file cannot be read, or cannot hold a value")};
   }
 }
 
@@ -272,12 +272,12 @@ void AddInOperation::ShowLoss(Custody& custody) const {
   if (!changed.Differences.empty()) {
     const Descriptions descriptions{WireFaceOfFile(configuration)};
     work.Out.Print(
-        Joined("  It will make another of ", CountOf(changed.Differences.size(), "value"), ":\n",
+        Joined("  It will change ", CountOf(changed.Differences.size(), "value"), ":\n",
                DifferencesText(changed, {descriptions, "in the file"}, {descriptions, "after an import"})));
   }
   if (!missing.empty()) {
     work.Out.Print(Joined("  ", CountOf(missing.size(), "value"),
-                          " will stay as they are then, as the backup does not hold them:\n",
+                          " will not be touched, because the backup does not hold them:\n",
                           NamesOfMissing(missing, intendedFile_)));
   }
 }
