@@ -1,7 +1,6 @@
 // What every table procedure works on: the settings files, and the records that are in force.
 #pragma once
 
-#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>

@@ -136,7 +136,7 @@ void DetectHeadType(const OperationContext& context) {
 
 void DetectPumpModule(const OperationContext& context) {
   if (const auto reply = Ask(context, "Getting Pump Module Status", "STATUS PUMPS")) {
-    // The file keeps "0" either way: only the label tells whether the module answered.
+    // The file keeps "0" whatever the reply; only the label shows whether it held "OPEN".
     WriteSetting(context, pumpSection, pumpModuleInstalledKey, "0");
     PassOver(context.Page.ShowPumpModule(reply->find("OPEN") == std::string::npos));
   }

@@ -123,6 +123,7 @@ struct Coordinate {
   Unit SentIn;
 };
 
+// A position that the file lacks is the empty record at the end of the table, and is sent as 0, 0.
 void AppendPositions(ScriptBuilder& script, std::span<const PositionKeys> positions, const Coordinate& x,
                      const Coordinate& y) {
   for (const auto& keys : positions) {

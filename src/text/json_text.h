@@ -1,4 +1,4 @@
-// JSON and its texts. To compile the library's reader and writer takes longer than most rooms, so few others use them.
+// JSON and its texts. The library is slow to compile, so few headers include it.
 #pragma once
 
 #include <nlohmann/json_fwd.hpp>
@@ -17,8 +17,8 @@ Json ParsedJson(std::string_view text);
 // To be kept: on one line, without blanks. Bytes that are not UTF-8 become the replacement character.
 std::string BareJsonText(const Json& value);
 
-// To be printed: on one line, or indented by two. Bytes that are not UTF-8 become the replacement character; characters
-// that would control a terminal are escaped.
+// To be printed: on one line, or indented by two. Bytes that are not UTF-8 become the replacement character;
+// characters that would control a terminal are escaped.
 std::string JsonText(const Json& value, bool isIndented = false);
 
 Json EntryJson(const ListEntry& entry);

@@ -43,12 +43,12 @@ void Describe(CommandLine& line, CustodyOptions& options) {
   line.AddFlag("--rehearse", options.Rehearses, "play it on copies, and change nothing");
   line.AddFlag("--wire", options.ComparesWire, "show, diff: what an upload would send");
   line.AddFlag("--instrument", options.TakesInstrument, "restore: the instrument's values, too");
-  line.AddOption("--explain", "CODE", options.Explains, "check: tell about one kind of finding");
+  line.AddOption("--explain", "CODE", options.Explains, "check: explain one kind of finding");
   line.AddFlag("--csv", options.PrintsCsv, "history: as comma-separated values");
   line.AddOption("--against", "FILE", options.Against,
                  "history audit: a record, a backup or a text that holds checkpoints; can be repeated");
   line.AddOption("--fault", "KIND@WHERE", options.Faults,
-                 "with a simulated link: let something go wrong; can be repeated");
+                 "with a simulated link: inject a fault; can be repeated");
 }
 
 // Which option goes with which command, where it does not go with all.

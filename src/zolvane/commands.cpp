@@ -87,7 +87,7 @@ constexpr std::array<CustodyCommandRow, 15> commandRows{{
      "history               list the operations; --csv for a table program\n"
      "history show N        one operation with the verdict on each value\n"
      "history audit         whether it is intact and complete, and agrees with checkpoints kept elsewhere\n"},
-    {helpCommand, "help [COMMAND]", "tell how a command is used", 1, 2, nullptr, "help upload",
+    {helpCommand, "help [COMMAND]", "explain a command", 1, 2, nullptr, "help upload",
      "The same as COMMAND --help.\n"},
 }};
 

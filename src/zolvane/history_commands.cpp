@@ -195,7 +195,8 @@ void ShowOperation(Workplace& work, const std::string& number) {
 std::vector<Checkpoint> CheckpointsOf(Workplace& work, const std::string& name) {
   const auto bytes = ReadFile(work.Files, AbsolutePath(name));
   if (StateOfSeal(bytes, backupSeal) == SealState::Broken) {
-    throw UsageError{Joined(Quoted(name), " was changed since it was exported, and so anchors nothing")};
+    throw UsageError{
+        Joined(Quoted(name), " has changed since it was exported, so its checkpoint proves nothing")};
   }
   const auto record = LooksLikeRecord(bytes) ? std::optional{RecordIn(bytes, name)} : std::nullopt;
   auto checkpoints = CheckpointsIn(record ? BareJsonText(JsonOf(record->Checkpoint)) : bytes);

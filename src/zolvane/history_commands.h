@@ -1,4 +1,5 @@
-// history: the list of operations, one of them, and whether the history is what it was.
+// history: the list of operations, one of them, and whether the history is what it was. Throws UsageError if
+// something that it needs is unusable.
 #pragma once
 
 #include "zolvane/looking.h"

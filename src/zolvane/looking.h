@@ -1,4 +1,5 @@
-// The commands that look and write nothing: show, check, diff, drift.
+// The commands that look and write nothing: show, check, diff, drift. They throw UsageError if something that they
+// need is unusable.
 #pragma once
 
 #include <string>

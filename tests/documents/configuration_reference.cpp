@@ -341,9 +341,10 @@ constexpr std::string_view preface =
     "Each section with numbered lines can have two keys more. `Installed` holds the number of the item that "
     "is fitted:\n"
     "the page writes it when it opens and when you choose, Query Zolvane when it finds something. `Default` "
-    "(text, `=`, a name in double "
-    "quotes) names the\n"
-    "entry that a list selects first; the installed one is selected right after, so it never lasts.\n";
+    "(text, `=`, a\n"
+    "name in double quotes) names the entry that a list selects first; the installed one is selected right "
+    "after, so it\n"
+    "never lasts.\n";
 
 void AddSwitches(Reference& reference) {
   reference.Add(

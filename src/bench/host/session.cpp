@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <stdexcept>
-#include <utility>
 
 #include "bench/host/outcome.h"
 #include "bench/host/result_text.h"

@@ -166,7 +166,7 @@ constexpr std::array<CommandRow, 12> commandRows{{
      "All of them in one host session. # starts a comment, double quotes group words. It stops behind the "
      "first\n"
      "command that fails, unless --keep-going is given.\n"},
-    {helpCommand, "help [COMMAND]", "tell how a command is used", 1, 2, nullptr, "help upload",
+    {helpCommand, "help [COMMAND]", "explain a command", 1, 2, nullptr, "help upload",
      "The same as COMMAND --help.\n"},
 }};
 

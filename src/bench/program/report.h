@@ -4,7 +4,6 @@
 #include <chrono>
 #include <cstddef>
 #include <nlohmann/json_fwd.hpp>
-#include <optional>
 #include <string>
 #include <vector>
 

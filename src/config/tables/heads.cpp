@@ -1,7 +1,6 @@
 #include "config/tables/heads.h"
 
 #include <array>
-#include <cstdint>
 #include <optional>
 #include <string>
 #include <utility>

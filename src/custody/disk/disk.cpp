@@ -1,12 +1,14 @@
 #include "custody/disk/disk.h"
 
+#include <utility>
+
 #include "text/joined.h"
 #include "text/printable.h"
 
 namespace zolvane {
 namespace {
 
-// As no file of a user is named.
+// A name that no user's file has.
 std::string FreshNameOf(const std::string& path) {
   return path + ".zolvane-new";
 }

@@ -1,9 +1,9 @@
 // The seam to the disk: everything that custody reads or keeps goes through it, so that all of it can be
 // played in memory, and on a disk that loses its power. Paths are UTF-8 texts, as in files/paths.h.
 //
-// A call that fails changes nothing, but for Append: the file then ends in a part of the bytes, or in all of
-// them. Two promises, apart from each other: after SyncFile a power cut takes nothing from what the file
-// holds, after SyncFolder nothing from what the folder names. Without them any part of it may be gone.
+// A call that fails changes nothing, but for Append: the file then ends in a part of the bytes, or in all of them.
+// Two separate promises: after SyncFile the bytes of the file survive a power cut, after SyncFolder the names in the
+// folder do. Without them any part of either may be gone.
 #pragma once
 
 #include <cstddef>
@@ -13,7 +13,6 @@
 #include <set>
 #include <string>
 #include <string_view>
-#include <utility>
 
 #include "files/exchanged_file.h"
 #include "host/status.h"
@@ -70,16 +69,16 @@ class Disk {
   // A settings file, for FileSettingsService. The disk outlives it.
   virtual std::unique_ptr<ExchangedFile> OpenSettings(const std::string& path) = 0;
 
-  // Why a settings file cannot be written there, as the end of a sentence about it ("cannot be written"). Nothing if it
-  // can; it may be missing.
+  // Why a settings file cannot be written there, as the end of a sentence about it ("cannot be written"). Nothing if
+  // it can; it may be missing.
   virtual std::optional<std::string> ReasonAgainstWriting(const std::string& path) = 0;
 
   // Puts the file there, whatever stood under its name: at any time it is the old one or the new one, whole. The
   // name lasts after the next SyncFolder.
   Status Replace(const std::string& path, std::string_view bytes);
 
-  // Whether Replace can make a file there. Nothing of the trial stays but, after a power cut, an empty file of another
-  // name.
+  // Whether Replace can make a file there. Nothing of the trial stays but, after a power cut, an empty file of
+  // another name.
   Status TryReplacing(const std::string& path);
 
   // Why the last call that failed did, as a sentence without its full stop, with the path in it.

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 #include "custody/disk/disk.h"
 #include "files/paths.h"
@@ -67,7 +68,7 @@ std::string MemoryDisk::NameOnDisk(const std::string& path) {
   return {name.begin(), name.end()};
 }
 
-// Its name here, with the bytes that the original has under it.
+// Copies the file from the original on first use. Returns its name on this disk.
 std::string MemoryDisk::Fetched(const std::string& path) {
   auto name = NameOnDisk(path);
   if (original_ != nullptr && seen_.insert(name).second) {

@@ -14,8 +14,8 @@ struct SealForm {
 };
 
 enum class SealState : std::uint8_t {
-  Missing,  // the last line is none
-  Broken,   // it tells of other bytes
+  Missing,  // there is no seal
+  Broken,   // its hash is of other bytes
   Whole
 };
 
@@ -24,7 +24,7 @@ std::string SealOf(std::string_view bytes, const SealForm& form);
 
 SealState StateOfSeal(std::string_view sealed, const SealForm& form);
 
-// What the seal tells of; nothing unless it is there.
+// The bytes before the seal; nothing if there is none.
 std::string_view WithoutSeal(std::string_view sealed, const SealForm& form);
 
 }  // namespace zolvane

@@ -1,6 +1,5 @@
 #include "custody/disk/sha256.h"
 
-#include <algorithm>
 #include <cstddef>
 
 namespace zolvane {

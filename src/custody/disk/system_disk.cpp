@@ -1,5 +1,6 @@
 #include <filesystem>
 #include <system_error>
+#include <utility>
 
 #include "custody/disk/disk.h"
 #include "files/file_claim.h"

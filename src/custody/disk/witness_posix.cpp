@@ -2,7 +2,6 @@
 #include <unistd.h>
 
 #include <array>
-#include <cstddef>
 #include <ctime>
 
 #include "custody/disk/witness.h"

@@ -72,7 +72,7 @@ class FieldRules {
     }
     if (pieces.size() > section_->Pieces) {
       Add("extra-field", Joined(std::to_string(pieces.size()), " fields where the add-in knows ",
-                                std::to_string(section_->Pieces), ": those behind are passed over"));
+                                std::to_string(section_->Pieces), ": the extra ones are ignored"));
     }
     const auto lacksField = [&](const FileField& field) {
       return field.Key.empty() && field.Piece >= pieces.size() && field.Kind != FieldKind::Text;

@@ -1,5 +1,4 @@
 // Lines that stand twice, that nothing reads, or that are missing.
-#include <optional>
 #include <set>
 
 #include "config/item_lists.h"
@@ -180,7 +179,7 @@ class LineRules {
       AddPassedOver(line);
     } else if (number && !asked->second.IsByWalk) {
       file_.Add("only-listed", line.Number,
-                Joined(name, " is offered by the page, but no operation comes to it"));
+                Joined(name, " is offered by the page, but no operation reads it"));
     } else if (number && *number == EndOf(line).Number) {
       file_.Add("gap", line.Number,
                 Joined(name, line.Value.empty() ? " is empty" : " has no name",

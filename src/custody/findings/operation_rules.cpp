@@ -4,7 +4,6 @@
 #include <map>
 #include <optional>
 #include <span>
-#include <utility>
 
 #include "config/tables/axes.h"
 #include "config/tables/current_records.h"
@@ -87,9 +86,9 @@ Touched TouchedBy(const Script& now, const Script& with) {
 void AddZeroFactor(CheckedFile& file, const Touched& lines, std::string_view factor, std::size_t line) {
   if (!lines.Missing.empty() || !lines.Sent.empty()) {
     file.Add("zero-factor", line,
-             Joined(factor, " is 0 or missing: of the upload ", CountOf(lines.Missing.size(), "line"),
-                    " fall out", InBrackets(lines.Missing), " and ", CountOf(lines.Sent.size(), "line"),
-                    " are sent with a wrong value", InBrackets(lines.Sent)));
+             Joined(factor, " is 0 or missing: the upload leaves out ", CountOf(lines.Missing.size(), "line"),
+                    InBrackets(lines.Missing), " and sends ", CountOf(lines.Sent.size(), "line"),
+                    " with a wrong value", InBrackets(lines.Sent)));
   }
 }
 

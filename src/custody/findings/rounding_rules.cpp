@@ -22,9 +22,11 @@ namespace {
 
 using FileLine = SectionedText::SeenLine;
 
-// What is sent of ten thousand times a number shows four decimals more of what should be sent of the number. Of
-// one to ten thousand times the number, it shows one digit of the number of the line that it comes from. What is
-// sent as 0 may be smaller than any such decimals, and shows what it is only if it is magnified far more.
+// Every measured number of the file is multiplied by ten thousand, and the upload is made again: it then shows what
+// should be sent for the number itself, to four decimals. To find the line of the file that a sent value comes from,
+// the lines are numbered, and one more upload is made for each digit of these numbers. In it a line is multiplied by
+// one thousand to ten thousand, as its digit says, and the sent value shows the digit. A value that is sent as 0 may
+// be too small for four decimals: a second search multiplies by far more, and looks only at what is sent as 0.
 constexpr std::size_t base = 10;
 constexpr double forDecimals = 1e3;
 constexpr double forZeros = 1e29;

@@ -31,10 +31,10 @@ struct AskedPlace {
   bool IsByWalk = false;  // by an operation, and not only by the lists of the page
 };
 
-// Two names that the file takes for one have the same key here.
+// Makes the key of a place in the maps below. Two names that the file takes for one have the same key.
 std::string IndexedAs(std::string_view section, std::string_view key);
 
-// A text of the file in double quotes, for people; of a long one its start.
+// Puts a text of the file in double quotes, for people, and shortens a long one to its start.
 std::string Shown(std::string_view text);
 
 // A file on its way through the rules.

@@ -22,7 +22,8 @@ struct AuditResult {
   std::vector<std::string> Notes;  // what is no defect: a torn last line, an operation without an end
 };
 
-// Of the configuration in that folder. Changes nothing. `against` are checkpoints that were kept elsewhere.
+// Audits the history of the configuration in that folder. Changes nothing. `against` are checkpoints that were kept
+// elsewhere.
 AuditResult Audit(Disk& disk, const std::string& folder, const std::vector<Checkpoint>& against = {});
 
 }  // namespace zolvane

@@ -10,7 +10,7 @@
 
 namespace zolvane {
 
-// NOLINTBEGIN(misc-use-anonymous-namespace): looked for in the namespace of what they are asked about
+// NOLINTBEGIN(misc-use-anonymous-namespace): found by argument-dependent lookup
 static constexpr auto MembersOf(const FileChange*) {
   return std::tuple{Member{"path", &FileChange::Path, Presence::Always},
                     Member{"before", &FileChange::Before}, Member{"after", &FileChange::After}};

@@ -37,7 +37,7 @@ struct Operation {
 
 class History {
  public:
-  // Of the configuration in that folder. Reads nothing yet. The disk and the witness outlive it.
+  // The history of the configuration in that folder. Reads nothing yet. The disk and the witness outlive it.
   History(Disk& disk, Witness& witness, const std::string& folder);
 
   // Reads the history; makes and changes nothing. One that is not there is empty. Fails if it cannot be read
@@ -63,28 +63,31 @@ class History {
   const std::vector<Entry>& Entries() const { return journal_.Entries; }
   std::vector<Operation> Operations() const;
 
-  // Of an empty history, nothing.
+  // Nothing if the history is empty.
   std::optional<Checkpoint> LastCheckpoint() const;
 
   // ---- For who opened it for recording ----
 
-  // A damaged history is given another name, which is returned, and an empty one takes its place.
+  // Gives a damaged history another name, and puts an empty one in its place. Returns the path that it has now;
+  // nullopt on failure, see FailureReason.
   std::optional<std::string> SetAside();
 
-  // Keeps the bytes; durable with the next entry at the latest. Returns their name.
+  // Keeps the bytes; durable with the next entry at the latest. Returns their name; nullopt on failure, see
+  // FailureReason.
   std::optional<std::string> PutObject(std::string_view bytes);
 
   // The bytes of that name. Nothing if they are missing or are not what the name says.
   std::optional<std::string> Object(std::string_view name) const;
 
-  // Whether the object of these bytes is there and damaged: "object 5e88... does not hold what its name says". Empty if
-  // not.
+  // Whether the object of these bytes is there and damaged: "object 5e88... does not hold what its name says". Empty
+  // if not.
   std::string DamageOfObject(std::string_view bytes) const;
 
-  // The entry is on the disk when it returns. Its number is that of the operation.
+  // Writes the entry that begins an operation; it is on the disk on return. Returns its number, which is that of the
+  // operation; nullopt on failure, see FailureReason.
   std::optional<std::uint64_t> Begin(Entry entry);
 
-  // The same for the end of operation `number`.
+  // Writes the end of operation `number`; it is on the disk on return.
   Status End(std::uint64_t number, Entry entry);
 
  private:

@@ -237,7 +237,7 @@ std::string PageOf(const RecordContent& content, std::string_view hiddenElement)
   const auto head = Joined(Element("h1", "Adjustment record"),
                            Element("p",
                                    "What was set, and what was found. It states no result of a measurement: "
-                                   "whether the instrument is right, a test with a standard says."));
+                                   "only a test against a standard shows whether the instrument is right."));
   const auto body = Joined(
       Element("header", Joined(head, Facts(content, faces), problem)),
       Section("As found and as left", ChangePart(content, faces)),

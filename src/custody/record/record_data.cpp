@@ -17,7 +17,7 @@ constexpr std::size_t base64Line = 100;
 
 }  // namespace
 
-// NOLINTBEGIN(misc-use-anonymous-namespace): looked for in the namespace of what they are asked about
+// NOLINTBEGIN(misc-use-anonymous-namespace): found by argument-dependent lookup
 static constexpr auto MembersOf(const RecordedState*) {
   return std::tuple{Member{"configuration", &RecordedState::Configuration, Presence::Always},
                     Member{"instrument", &RecordedState::Instrument}};

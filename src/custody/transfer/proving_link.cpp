@@ -109,8 +109,8 @@ void ProvingLink::NoteUnknownSince(const std::string& key) {
   tally_.UnknownSince = line == sent.end() ? 1 : static_cast<std::size_t>(line - sent.begin()) + 1;
   isDead_ = true;
   const auto isUnanswered = [this](const std::string& asked) { return !left_.Find(asked)->WasAnswered; };
-  problem_ = Joined("the instrument did not say what it holds of ",
-                    *std::ranges::find_if(order_, isUnanswered), ", so SAVE was not sent");
+  problem_ = Joined("the instrument did not answer for ", *std::ranges::find_if(order_, isUnanswered),
+                    ", so SAVE was not sent");
 }
 
 std::string ProvingLink::Unproven(const std::vector<Verdict>& verdicts) const {
@@ -120,7 +120,7 @@ std::string ProvingLink::Unproven(const std::vector<Verdict>& verdicts) const {
                 " values did not arrive; the first: ", TextOf(*std::ranges::find_if(verdicts, isUnproven)));
 }
 
-// What shows a restart is asked last, so that one amid the questions does not escape.
+// The values that reveal a restart are asked last, so that a restart amid the questions does not escape.
 std::vector<std::string> ProvingLink::InOrderOfProof() const {
   auto arrived = Verdicts();
   std::ranges::for_each(arrived, [](Verdict& one) { one.Left = one.Sent; });
@@ -132,13 +132,15 @@ std::vector<std::string> ProvingLink::InOrderOfProof() const {
   return keys;
 }
 
-// Else what was to show one did not arrive as it was sent, and yet counts as proven.
+// Whether the proof asked last for a value that reveals a restart. The order of its questions follows from what was
+// sent; a value that was stored otherwise, and yet counts as proven, may upset it.
 bool ProvingLink::EndedWithATelltale() const {
   return order_.empty() || Telltales(Verdicts()).back().Key == order_.back();
 }
 
-// A restart between proof and SAVE takes every value back to what was kept. What was kept last is what this history knows
-// of it or, if somebody else has saved since, what was found: a value that is neither shows it, else one of each do.
+// The values that reveal a restart. One between proof and SAVE takes every value back to what was kept: to what this
+// history knows of it or, if somebody else has saved since, to what was found. A value that differs from both reveals
+// a restart; otherwise one that differs from each is needed.
 std::vector<Verdict> ProvingLink::Telltales(const std::vector<Verdict>& verdicts) const {
   const auto differs = [](const Verdict& one, const std::optional<std::string>& before) {
     return one.Left && !(before && SameText(*before, *one.Left));

@@ -1,8 +1,7 @@
 // The link between the add-in and the instrument: what was sent is asked again before it is saved.
 //
-// Each key is asked once when SAVE comes, and SAVE goes on only if every value is proven. One more question
-// behind SAVE, or two, notice a restart in between. Without faults whoever sends sees no difference to the link
-// behind.
+// Each key is asked once when SAVE comes, and SAVE goes on only if every value is proven. One more question behind
+// SAVE, or two, notice a restart in between. Without faults the sender sees what it would see on the link behind it.
 #pragma once
 
 #include <cstddef>

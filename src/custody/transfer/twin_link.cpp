@@ -51,7 +51,7 @@ void TwinLink::Store(const std::string& key, const std::string& text) {
   const auto known = replies_.find(command);
   if (known == replies_.end() || known->second == syntaxErrorReply) {
     guesses_.push_back(
-        Joined("the instrument is not known to hold ", Printable(key), ", and is taken to store it"));
+        Joined("the instrument may not know the key ", Printable(key), "; it is assumed to store it"));
   }
   replies_.insert_or_assign(command, ReplyFor(key, text));
 }

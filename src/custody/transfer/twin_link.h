@@ -14,8 +14,8 @@ namespace zolvane {
 
 class TwinLink final : public BenchLink {
  public:
-  // `known` is what the instrument answered to questions for its keys. What else the twin is asked, it asks
-  // the original, once; that one is never told to do anything. Without an original (null) it guesses.
+  // `known` is what the instrument answered to questions for its keys. Other questions go to the original once; it is
+  // never sent a command that changes anything. Without an original (null) the twin guesses.
   TwinLink(const Values& known, std::shared_ptr<BenchLink> original, const InterruptFlag& interrupt);
 
   // The keys whose values it was asked for, in that order.

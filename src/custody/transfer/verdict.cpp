@@ -77,7 +77,7 @@ struct CauseRow {
   bool IsTelling = true;  // hardly anybody sets such a value by chance
 };
 
-// The first that holds. A number without its last zero is rather cut than a tenth.
+// The first that holds. `cut` comes before `factor`: 120 of which 12 is left has lost a character.
 constexpr std::array<CauseRow, 8> causeRows{{
     {Cause::Cut, LacksLastCharacter},
     {Cause::Rounded, IsRounded},
@@ -166,7 +166,8 @@ class Judge {
     return line > 0 && IsLast(line - 1) && !IsVerified(line - 1) && Holds(line - 1, lines_[line].Text);
   }
 
-  // The value of the next line stands here. That line's own value is not where it should be, or has been there before.
+  // The value of the next line stands here. That line's own value is not where it should be, or has been there
+  // before.
   bool HoldsOfNeighbour(std::size_t line) const {
     return line + 1 < lines_.size() && IsLast(line + 1) && Holds(line, lines_[line + 1].Text) &&
            (!IsVerified(line + 1) || (WasThere(line + 1) && !SameText(lines_[line + 1].Text, "0")));

@@ -64,8 +64,8 @@ struct SentLine {
 // last counts. `found` and `left` are what the instrument gave before and after all lines.
 std::vector<Verdict> Judged(std::span<const SentLine> lines, const Values& found, const Values& left);
 
-// What is held is what was sent, rounded. Whether an instrument that held it before has rounded or has stored nothing
-// cannot be told.
+// What is held is what was sent, rounded. Also true if the instrument held that value before: it may have stored
+// nothing.
 bool CouldBeRounded(const Verdict& verdict);
 
 // An instrument in which something fails could have made `left` of `sent`. For the use of an operation that

@@ -57,7 +57,7 @@ struct Traces {
 // A wish for each wanted value.
 std::vector<Wish> WishesFor(const Values& wanted, const Traces& traces);
 
-// Whether a number goes back that only the operation spelled in another way.
+// Whether to restore the old spelling of a number whose value is unchanged.
 enum class Spelling : std::uint8_t { Stays, GoesBack };
 
 // Where each stands. What is not among the answered present values is `Changed`: it is not touched.

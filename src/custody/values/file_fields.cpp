@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <utility>
 
 #include "config/tables/axes.h"
 #include "config/tables/devices.h"
@@ -74,7 +73,7 @@ void AddFields(FileSection& section, const RecordTable<Record>& table) {
 template <class Record>
 FileSection SectionOf(const RecordTable<Record>& table, std::string_view beforeNumber = "Item") {
   CurrentRecords anyNames;
-  anyNames.Device.Name = std::string{'*'};  // of a literal the optimizing GCC 12 warns for nothing
+  anyNames.Device.Name = std::string{'*'};  // GCC 12 warns wrongly about a literal here
   anyNames.Cage.Name = std::string{'*'};
   FileSection section{.Pattern = UpperCase(table.Section.Name(anyNames)),
                       .BeforeNumber = beforeNumber,

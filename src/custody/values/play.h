@@ -1,5 +1,4 @@
-// One host session with given ends: the operation itself, its rehearsal and every look at a copy are played
-// so.
+// Plays one host session on given ends. Operations, rehearsals and looks at copies all use it.
 #pragma once
 
 #include <memory>

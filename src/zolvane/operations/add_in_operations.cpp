@@ -113,8 +113,7 @@ void AddInOperation::Look(Custody& custody) {
   }
 }
 
-// What the import of a backup makes 0 or passes over is an error in the backup, and no longer one in what comes into
-// force.
+// What an import makes 0 or passes over is an error of the backup: the configuration that results no longer shows it.
 std::vector<Finding> AddInOperation::FindingsAhead(const Custody& custody) const {
   std::vector<Finding> findings;
   if (row_.File == FileRole::Loaded) {
@@ -186,7 +185,7 @@ void AddInOperation::DemandForeseen(const PlayedAction& played) const {
   }
   if (tally.WritesFailed > 0 || tally.ReadsFailed > 0) {
     throw UsageError{
-        Joined(row_.Name, " cannot be played: a settings file cannot be read, or cannot hold a value")};
+        Joined(row_.Name, " cannot be rehearsed: a settings file cannot be read, or cannot hold a value")};
   }
 }
 
@@ -222,7 +221,7 @@ void AddInOperation::Show(Custody& custody) {
   }
 }
 
-// The values of a section that a backup does not hold at all are counted, of others each line is named.
+// One row for each section that the backup lacks, else one for each line, with the number of values.
 std::string NamesOfMissing(const std::vector<Difference>& missing, const std::string& backup) {
   const SectionedText text{backup};
   std::vector<std::pair<std::string, std::size_t>> groups;
@@ -243,8 +242,8 @@ std::string NamesOfMissing(const std::vector<Difference>& missing, const std::st
   return ColumnsText(rows, 4);
 }
 
-// What a later import of the exported file would not bring back: what it makes another value of, and what is not in the
-// file and so stays as it is then.
+// What a later import of the exported file would not bring back: values that it would change, and values that the
+// backup does not hold.
 void AddInOperation::ShowLoss(Custody& custody) const {
   auto& work = custody.Work;
   const auto& configuration = *custody.Intended.Configuration;
@@ -273,12 +272,12 @@ void AddInOperation::ShowLoss(Custody& custody) const {
   if (!changed.Differences.empty()) {
     const Descriptions descriptions{WireFaceOfFile(configuration)};
     work.Out.Print(
-        Joined("  It will make another of ", CountOf(changed.Differences.size(), "value"), ":\n",
+        Joined("  It will change ", CountOf(changed.Differences.size(), "value"), ":\n",
                DifferencesText(changed, {descriptions, "in the file"}, {descriptions, "after an import"})));
   }
   if (!missing.empty()) {
     work.Out.Print(Joined("  ", CountOf(missing.size(), "value"),
-                          " will stay as they are then, as the backup does not hold them:\n",
+                          " will not be touched, because the backup does not hold them:\n",
                           NamesOfMissing(missing, intendedFile_)));
   }
 }

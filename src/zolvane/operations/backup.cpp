@@ -1,7 +1,6 @@
 #include "zolvane/operations/backup.h"
 
 #include <optional>
-#include <ranges>
 #include <string_view>
 #include <utility>
 

@@ -1,4 +1,5 @@
-// backup: a record of the configuration and, with a link, of the instrument.
+// backup: a record of the configuration and, with a link, of the instrument. Throws UsageError if something that it
+// needs is unusable, and Refusal after an objection; nothing was changed then.
 #pragma once
 
 #include <string>

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <functional>
-#include <memory>
 #include <ranges>
 #include <string_view>
 #include <utility>
@@ -152,8 +151,9 @@ void BringingBack::LookAtValues(Custody& custody) {
   steps_.insert(steps_.end(), lines_.begin(), lines_.end());
 }
 
-// A value that a later operation of this history left, and that this one had left as it was, is nobody else's change and
-// not this one's to bring back; unless that one never came to its SAVE, which this one would now do for it.
+// Passes over values that a later operation of this history left, and that this one had left as it found them. Such a
+// value was changed by our own history, so it is neither objected to nor restored; unless that operation never came
+// to its SAVE: this one would now do it.
 void BringingBack::LeaveToLaterOnes(Custody& custody) {
   Values later;
   const auto held = HeldBeforeUnsaved(custody.Kept);
@@ -349,7 +349,7 @@ Target TakingBack(Custody& custody, const std::optional<std::string>& number) {
   return target;
 }
 
-// What it left to somebody else is nothing to go on with.
+// An operation that is settled may have left values to somebody else, or that cannot be removed: no reason to resume.
 bool CanGoOn(const Operation& operation) {
   return operation.Ended == nullptr ||
          ((operation.Ended->Outcome == outcome::failed || operation.Ended->Outcome == outcome::notProven) &&

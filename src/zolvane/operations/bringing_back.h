@@ -1,4 +1,5 @@
-// undo, resume and restore: one operation that brings the configuration and the instrument to a wanted state.
+// undo, resume and restore: one operation that brings the configuration and the instrument to a wanted state. They
+// throw UsageError if something that they need is unusable, and Refusal after an objection; nothing was changed then.
 #pragma once
 
 #include <optional>

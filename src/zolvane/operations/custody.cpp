@@ -1,4 +1,5 @@
 #include "zolvane/operations/custody.h"
+#include "custody/transfer/wanted_state.h"
 
 #include <algorithm>
 #include <iterator>
@@ -216,8 +217,8 @@ void Custody::Begin() {
   number_ = *number;
 }
 
-// An operation that was cut short is over as soon as a later one has proven whatever it may have changed: the one that
-// takes it back or resumes it, and whoever let it pass and sent all values or, if it sent none, wrote the file.
+// An operation that was cut short is over as soon as a later one has proven whatever it may have changed: the one
+// that takes it back or resumes it, and whoever let it pass and sent all values or, if it sent none, wrote the file.
 bool Custody::Settles(const Entry& unfinished) const {
   if (action::LeavesBothSides(unfinished.Action) || unfinished.Action == action::outside) {
     return true;  // nothing of ours is unknown
@@ -230,8 +231,8 @@ bool Custody::Settles(const Entry& unfinished) const {
              : !action::LeavesBothSides(Draft.Action);
 }
 
-// It left the file as the next operation found it, and the instrument as the next one found that which sent values. So its
-// end tells what was seen, by whom and when, and not what it did.
+// Its end records what later operations found: the file as the next operation on it found it, the values as the next
+// sender found them. It tells what was seen, by whom and when, not what was done.
 Entry Custody::EndOf(const Entry& unfinished) const {
   auto end = unfinished;
   end.Outcome = outcome::failed;
@@ -271,13 +272,19 @@ void Custody::EndOlderOnes() {
   }
 }
 
+// An upload writes no more of the file than it meant to. What else stands in it is somebody else's, and is found as that
+// by the next operation.
+const std::optional<std::string>& Custody::OwnConfiguration() const {
+  const bool isOwn = Draft.Action != action::upload ||
+                     CouldBeOnTheWay(Found.Configuration, Intended.Configuration, Left.Configuration);
+  return isOwn ? Left.Configuration : Intended.Configuration;
+}
+
 void Custody::RecordEnd(const Conclusion& conclusion) {
   const bool isOtherFileKept = KeepOtherFile();
   auto end = Draft;
   end.Outcome = conclusion.Outcome;
-  // What was not to be changed was changed by somebody else, and is found as that later.
-  const auto file =
-      Keep(Intended.Configuration == Found.Configuration ? Found.Configuration : Left.Configuration);
+  const auto file = Keep(OwnConfiguration());
   const auto left = Keep(Left.Answers);
   const auto details = Keep(std::optional{BareJsonText(JsonOf(conclusion.Details))});
   end.FileAfter = file.value_or("");
@@ -308,7 +315,7 @@ void Custody::End(const Conclusion& conclusion) {
 
 namespace {
 
-// What the user can do now. Who has sent and changed nothing has nothing to go on with, and nothing to take back.
+// What the user can do now. If nothing was sent or changed, there is nothing to resume or undo.
 std::string_view WayOn(const Custody& custody, const Conclusion& conclusion) {
   const auto& counts = custody.Work.Result.Counts;
   const bool hasStopped = conclusion.Outcome == outcome::failed || conclusion.Outcome == outcome::notProven;

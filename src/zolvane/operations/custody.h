@@ -72,10 +72,21 @@ class Custody {
 
   // ---- For the frame ----
 
+  // Throws UsageError if the configuration is to change and cannot be written.
   void DemandWritable() const;
+
+  // Settles what is wrong with the history. Throws Refusal unless all of it is let pass.
   void SettleDamage();
+
+  // Settles all other objections, and sets a damaged history aside. Throws Refusal unless all are let pass, and
+  // UsageError if the history cannot be set aside.
   void SettleDoubts();
+
+  // Records what was found and what is intended. Throws UsageError if that fails; neither side was changed then.
   void Begin();
+
+  // Records the conclusion. Never throws: what cannot be recorded is an error on the console and makes the outcome
+  // `not_proven`.
   void End(const Conclusion& conclusion);
 
  private:
@@ -88,6 +99,7 @@ class Custody {
   bool Settles(const Entry& unfinished) const;
   Entry EndOf(const Entry& unfinished) const;
   void EndOlderOnes();
+  const std::optional<std::string>& OwnConfiguration() const;
   void RecordEnd(const Conclusion& conclusion);
 
   std::uint64_t number_ = 0;
@@ -105,7 +117,7 @@ class CustodyOperation {
   // Tells the user what would change.
   virtual void Show(Custody& custody) = 0;
 
-  // Changes it, and proves it.
+  // Changes it, and proves it. Every failure is in the conclusion.
   virtual Conclusion Act(Custody& custody) = 0;
 };
 

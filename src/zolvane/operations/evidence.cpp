@@ -46,8 +46,8 @@ std::string SaveText(const TransferTally& tally, bool isToBeSaved) {
                              : "SAVE was not needed, as none had been sent";
 }
 
-// Nothing left any more from this line on, or nobody knows what became of it, and nothing was asked again. Who has sent
-// nothing has left nothing unknown.
+// The first line that was not sent, or whose effect is unknown, where the transfer broke off. Nothing if no line was
+// sent.
 std::optional<std::size_t> UnknownSince(const TransferTally& tally, const std::vector<Verdict>& verdicts) {
   if (tally.Sent == 0) {
     return std::nullopt;

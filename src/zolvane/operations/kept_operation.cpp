@@ -26,7 +26,8 @@ bool MayHaveSaved(const Operation& operation) {
   return saved != operation.Ended->Counts.end() && saved->second != 0;
 }
 
-// Where that began which the operation at this place goes on with.
+// The place of the operation that the resume at `place` continues, through all resumes in between; `place` itself if
+// it is no resume.
 std::size_t FirstOf(std::span<const Operation> operations, std::size_t place) {
   while (operations[place].Begun->Action == action::resume) {
     const auto resumed = LastOfOurs(operations.first(place));
@@ -38,13 +39,13 @@ std::size_t FirstOf(std::span<const Operation> operations, std::size_t place) {
   return place;
 }
 
-// One that was cancelled in time has not, and so has asked nothing afterwards either.
+// False if it ended before its first line, as when it was cancelled in time.
 bool HasSent(const Entry& ended) {
   const auto sent = ended.Counts.find("sent");
   return sent == ended.Counts.end() || sent->second != 0;
 }
 
-// Whatever the instrument made of it.
+// It sent at least one line, whether or not it was accepted.
 bool HasSentSome(const Operation& operation) {
   return operation.Ended != nullptr && operation.Ended->Counts.contains("sent") && HasSent(*operation.Ended);
 }
@@ -85,7 +86,7 @@ std::optional<std::string> WithOutside(History& history, const std::vector<Opera
   return state;
 }
 
-// What it named as changed by somebody else, and left alone, it has not left.
+// The values it left, without those that it reported as changed by somebody else and did not touch.
 Values LeftByItself(History& history, const Entry& ended, const Values& left) {
   const auto text = KeptObject(history, ended.Details);
   const auto details = text ? FromJson<OperationDetails>(*text) : std::nullopt;

@@ -30,14 +30,14 @@ struct PassableRow {
 
 constexpr std::array<PassableRow, 11> passableRows{{
     {objection_code::findings, "the configuration has errors"},
-    {objection_code::otherInstrument, "the instrument is another than expected"},
+    {objection_code::otherInstrument, "not the instrument that was expected"},
     {objection_code::unfinished, "an operation was begun and has not ended"},
     {objection_code::notABackup, "the file has no section that a backup has"},
     {objection_code::cutOff, "the end of the file is missing"},
     {objection_code::otherDevice, "the file has positions of another device only"},
     {objection_code::changed, "somebody else changed values since"},
     {objection_code::exists, "a file of that name is there already"},
-    {objection_code::historyDamaged, "the history is damaged; to go on begins a new one"},
+    {objection_code::historyDamaged, "the history is damaged; going on starts a new one"},
     {objection_code::unreadable, "values that the instrument never gives back count as proven"},
     {objection_code::rounded, "values that the instrument rounds count as proven"},
 }};
@@ -52,8 +52,8 @@ bool UserLetsPass(Workplace& work, const Objection& objection) {
     return false;
   }
   work.Out.ClearStatus();
-  const auto answer = work.Terminal->Ask(
-      Joined(ObjectionText(objection), "\nGo on all the same? Type the code to let it pass: "));
+  const auto answer =
+      work.Terminal->Ask(Joined(ObjectionText(objection), "\nGo on anyway? Type the code to let it pass: "));
   return answer && Trimmed(*answer) == objection.Code;
 }
 
@@ -81,7 +81,8 @@ std::string MissingSection(const std::vector<std::string>& sections,
   return last == exported.rbegin() || last == exported.rend() ? std::string{} : *std::prev(last);
 }
 
-// Of one that custody exported the beginning is there. A host that has written over it closes nothing.
+// True if the file is a beginning of what zolvane exported under its name, or still has our heading. A host that
+// overwrote it writes no closing lines.
 bool IsExpectedToBeOurs(const History& history, const std::string& file, const std::string& backup) {
   const auto isLeft = [&](const FileChange& other) {
     const auto left = IsSameFile(other.Path, file) ? history.Object(other.After) : std::nullopt;

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -44,13 +43,13 @@ struct OperationRange {
 // Ends a command: nothing was changed, because of the objections in the report.
 struct Refusal {};
 
-// With both values and its code.
+// One line for people, with both values and the code.
 std::string ObjectionText(const Objection& objection);
 
-// Of --despite.
+// Whether --despite names the code.
 bool IsLetPass(const CustodyOptions& options, std::string_view code);
 
-// Throws UsageError if nothing of that code can be let pass.
+// Throws UsageError if there is no such code.
 void DemandPassable(const std::string& code);
 
 // The codes, for the help.
@@ -66,19 +65,22 @@ using Objections = std::vector<Objection>;
 
 void Object(Objections& objections, std::string_view code, std::string expected, std::string actual);
 
-// In the findings of the report.
+// Objects to the errors among the report's findings.
 void ObjectToFindings(const Workplace& work, Objections& objections);
 
 // `stage` is what the instrument says of itself.
 void ObjectToInstrument(const History& history, const std::string& configuration, const std::string& stage,
                         Objections& objections);
 
-// But for those that the next operation takes back or resumes, or does again: it is known by its action and, of an import,
-// by the hash of the file.
+// The operation that is about to begin. `OtherFile` is the hash of the file that an import reads.
 struct NextOperation {
   std::string_view Action;
   std::string OtherFile{};
 };
+
+// Objects to operations that have not ended, except those that the next one undoes or resumes (`about`) or repeats.
+// It repeats one that sends nothing if it has the same action and, for an import, the same hash of the file. An undo
+// or a resume passes over operations that change neither side as well.
 void ObjectToUnfinished(const History& history, const NextOperation& next, Objections& objections,
                         const std::optional<OperationRange>& about = {});
 
@@ -87,7 +89,7 @@ void ObjectToUnfinished(const History& history, const NextOperation& next, Objec
 void ObjectToBackup(const History& history, const std::string& file, const std::string& backup,
                     const std::string& exported, const std::string& device, Objections& objections);
 
-// The same, or to a file that is no backup at all.
+// Objects to a file that is no backup at all, or else as ObjectToBackup does.
 void ObjectToImport(const Workplace& work, const History& history, const std::string& file,
                     const std::string& backup, const std::string& configuration, Objections& objections);
 

@@ -4,7 +4,7 @@
 
 namespace zolvane {
 
-// NOLINTBEGIN(misc-use-anonymous-namespace): looked for in the namespace of what they are asked about
+// NOLINTBEGIN(misc-use-anonymous-namespace): found by argument-dependent lookup
 static Json JsonOf(const Checkpoint& checkpoint) {
   return LinesOf(checkpoint);
 }

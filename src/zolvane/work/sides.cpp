@@ -22,7 +22,7 @@ constexpr std::string_view lastOperation = "@last";
   throw UsageError{Joined(Quoted(name), " ", reason)};
 }
 
-// Whatever stops a reader.
+// Tells the user where the history stops being readable.
 void TellDamage(Workplace& work, const History& history) {
   if (history.IsTorn()) {
     work.Out.Note("the last line of the journal was not written to its end; it is no entry");
@@ -50,8 +50,8 @@ Side SideOfOperation(Workplace& work, const std::string& name) {
           .Answers = KeptValues(history, isFound ? entry.Found : entry.Left)};
 }
 
-// An export writes every key of the page's settings but what is installed. The configuration of the folder is
-// none however damaged it is.
+// An export writes every key of the page's settings but what is installed. The folder's own configuration is never
+// taken for a backup, even if it is damaged.
 bool IsBackup(const Workplace& work, const std::string& path, const std::string& bytes) {
   const SectionedText text{bytes};
   return !IsSameFile(path, work.ConfigFile()) && !text.Find("DeviceType", "Installed") &&

@@ -30,7 +30,7 @@ void DemandOutsideHistory(const std::string& folder, const std::string& path) {
   const auto holder = FolderHolding(path);
   if (IsSameFile(path, place.Folder) || IsSameFile(holder, place.Folder) ||
       IsSameFile(holder, place.Objects)) {
-    throw UsageError{Joined(Quoted(path), " is of the history, which nobody else writes to")};
+    throw UsageError{Joined(Quoted(path), " lies in the history, which only zolvane writes")};
   }
 }
 

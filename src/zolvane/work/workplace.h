@@ -36,10 +36,10 @@ struct Workplace {
   std::string ConfigFile() const { return ConfigFileIn(Options.Folder); }
 };
 
-// Of a file that the command cannot do without. Throws UsageError.
+// Reads a file that the command cannot do without. Throws UsageError if it cannot be read; `advice` ends its message.
 std::string ReadFile(Disk& files, const std::string& path, std::string_view advice = {});
 
-// The same of the configuration.
+// Reads the configuration in the same way.
 std::string ReadConfiguration(Workplace& work);
 
 std::string FolderHolding(const std::string& path);

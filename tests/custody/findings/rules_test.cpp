@@ -448,9 +448,9 @@ TEST(CheckRules, NameTheLinesThatFallOut) {
   }
   const auto lost = Compare(WireFaceOfFile(SampleConfiguration()).Lines, WireFaceOfFile(file).Lines);
   EXPECT_GT(lost.OnlyInA, 0U);
-  EXPECT_NE(text.find("of the upload " + std::to_string(lost.OnlyInA) + " lines fall out"), std::string::npos)
+  EXPECT_NE(text.find("the upload leaves out " + std::to_string(lost.OnlyInA) + " lines"), std::string::npos)
       << text;
-  const auto behindFallenOut = text.find(" and ", text.find("fall out ("));
+  const auto behindFallenOut = text.find(" and sends ", text.find("leaves out "));
   ASSERT_NE(behindFallenOut, std::string::npos) << text;
   for (const auto& difference : lost.Differences) {
     const bool fallsOut = !difference.B;

@@ -48,6 +48,21 @@ TEST_F(Meanwhile, AnUploadThatFindsAnotherFileInTheEndIsNotCalledDone) {
   ExpectEditorsValue();
 }
 
+TEST_F(Meanwhile, WhatAnEditorSavesDuringAnUploadIsNoPartOfIt) {
+  for (const auto* way : {"undo", "resume"}) {
+    SCOPED_TRACE(way);
+    Edited.clear();
+    Disk.Put(labFile, Exchanged(LabConfiguration(), "STAGE,1612,", "STAGE,11613,"));
+    EditAt("SET_CALIBRATION SAVE");
+    LabProgram upload;
+    ASSERT_EQ(upload.Run(Disk, Instrument, {"--yes", "upload"}), 1) << upload.All();
+    LabProgram next;
+    EXPECT_EQ(next.Run(Disk, Instrument, {way}), 0) << next.All();
+    ExpectEditorsValue();
+    EXPECT_NE(next.All().find("\"outside\""), std::string::npos) << next.All();
+  }
+}
+
 TEST_F(Meanwhile, ARestoreDoesNotOverwriteWhatAnEditorHasJustSaved) {
   Disk.Put(labFile, LabConfiguration());
   EditAt("STATUS_STAGE");

@@ -80,8 +80,9 @@ TEST_F(Unsaved, OfALaterUploadStandsInTheWayOfAnOlderOnesUndo) {
   const auto older = NumberIn(Run(Words{"upload"}).Printed);
   Edit("MountHeight=164.35", "MountHeight=160.25");
   Expect(Words{"upload"}, 1, FaultPlan{"limit@MountHeight"});
-  const auto kept = WireFaceOfFile(Replaced(Room_.Configuration(), "MountHeight=160.25", "MountHeight=164.35"))
-                        .Lines.TextOf("MountHeight");
+  const auto kept =
+      WireFaceOfFile(Replaced(Room_.Configuration(), "MountHeight=160.25", "MountHeight=164.35"))
+          .Lines.TextOf("MountHeight");
   const auto undo = Room_.Run(Words{"undo", older});
   EXPECT_EQ(undo.Status(), 3) << undo.Printed;
   EXPECT_NE(undo.Printed.find("somebody else changed values since: expected MountHeight"), std::string::npos)

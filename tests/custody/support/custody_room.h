@@ -120,9 +120,15 @@ class CustodyRoom {
   // The instrument has kept the values that it holds.
   explicit CustodyRoom(const std::string& configuration, const Values& held = Values{})
       : Instrument{std::make_shared<SimulatedInstrument>(
-            SimulatedInstrument::Setup{.Stage = WireFaceOfFile(configuration).InForce.Device.Code})} {
+            SimulatedInstrument::Setup{.Stage = StageFor(configuration)})} {
     Files.Put(ConfigFileIn(Folder()), configuration);
     Teach(held);
+  }
+
+  // No instrument is without a name.
+  static std::string StageFor(const std::string& configuration) {
+    const auto code = WireFaceOfFile(configuration).InForce.Device.Code;
+    return code.empty() ? "ZV" : code;
   }
 
   static std::string Folder() { return AbsolutePath("/lab"); }

@@ -104,7 +104,7 @@ TEST(ProvingLink, AQuestionWithoutAnswerEndsTheProof) {
   EXPECT_FALSE(Upload(room.Link, wholeScript));
   EXPECT_EQ(room.Verdicts(), "A verified, B unknown, C unknown");
   EXPECT_EQ(room.Link.Tally().UnknownSince, 2U);
-  EXPECT_EQ(room.Link.Problem(), "the instrument did not say what it holds of B, so SAVE was not sent");
+  EXPECT_EQ(room.Link.Problem(), "the instrument did not answer for B, so SAVE was not sent");
 }
 
 TEST(ProvingLink, WhatIsUnknownIsCountedFromTheFirstLineSent) {
@@ -198,7 +198,7 @@ TEST(ProvingLink, WhatWasNotAnsweredIsNamedWhereverItIsAsked) {
   EXPECT_FALSE(Upload(room.Link, {{"A", "10"}, {"B", "20"}, {"C", "3.5"}}));
   EXPECT_EQ(room.Verdicts(), "A verified, B unknown, C unknown");
   EXPECT_EQ(room.Link.Tally().UnknownSince, 2U);
-  EXPECT_EQ(room.Link.Problem(), "the instrument did not say what it holds of C, so SAVE was not sent");
+  EXPECT_EQ(room.Link.Problem(), "the instrument did not answer for C, so SAVE was not sent");
 }
 
 TEST(ProvingLink, ARestartBetweenProofAndSaveIsNoticed) {

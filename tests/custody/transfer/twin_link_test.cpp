@@ -34,7 +34,7 @@ TEST(TwinLink, SaysWhatItHadToGuess) {
   EXPECT_EQ(SendLine(twin, "GET_CALIBRATION LOST"), "SYNTAX_ERROR");
   EXPECT_EQ(twin.Guesses(),
             (std::vector<std::string>{
-                "the instrument is not known to hold NEW, and is taken to store it",
+                "the instrument may not know the key NEW; it is assumed to store it",
                 "nobody asked the instrument \"GET_CALIBRATION LOST\", and it is taken to refuse it"}));
 }
 
