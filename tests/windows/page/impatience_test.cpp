@@ -112,6 +112,16 @@ TEST_F(ImpatientUser, AnAccessKeyThatIsHeldDownPressesItsButtonOnce) {
   EXPECT_EQ(queries_, 1);
 }
 
+TEST_F(ImpatientUser, EnterThatIsHeldDownPressesItsButtonOnce) {
+  constexpr LPARAM repeated = 0x40000001;
+  SetFocus(Button());
+  SendMessageW(Button(), WM_KEYDOWN, VK_RETURN, 1);
+  for (int repeat = 0; repeat < 5; ++repeat) {
+    SendMessageW(Button(), WM_KEYDOWN, VK_RETURN, repeated);
+  }
+  EXPECT_EQ(queries_, 1);
+}
+
 // ---- Lists that are open ----
 
 TEST_F(ImpatientUser, AnOperationStartedFromAnOpenListWorksWithWhatTheListShows) {

@@ -230,6 +230,19 @@ TEST_P(Keyboard, AccessKeysReachListsAndPressBoxesAndButtons) {
   EXPECT_EQ(queries, 1);
 }
 
+// Their numbers are those of the small letters q, i and n.
+TEST_P(Keyboard, FunctionAndNumberKeysWithAltAreNoAccessKeys) {
+  int queries = 0;
+  page_.Host().Link().WhileSending = [&](const std::string&) { ++queries; };
+  for (const WPARAM key : {VK_F2, VK_NUMPAD9, VK_DECIMAL}) {
+    Focus(deviceList);
+    Key(WM_SYSKEYDOWN, key, downWithAlt);
+    EXPECT_EQ(Focused(), deviceList) << key;
+  }
+  EXPECT_EQ(Value(tipBox), 0);
+  EXPECT_EQ(queries, 0);
+}
+
 TEST_P(Keyboard, TheAccessKeyOfADisabledControlDoesNothing) {
   EnableWindow(Control(tipBox), FALSE);
   Focus(deviceList);

@@ -127,6 +127,14 @@ COLORREF BackgroundOf(HWND host, HWND list) {
   return colour;
 }
 
+TEST(PageWindow, OfItsOwnCannotBeClosedFromOutside) {
+  const HostedPage page;
+  const HWND own = FindWindowW(nullptr, L"Zolvane Setup");
+  ASSERT_NE(own, nullptr);
+  SendMessageW(own, WM_CLOSE, 0, 0);
+  EXPECT_TRUE(IsWindow(own));
+}
+
 TEST(PageWindow, AnOperationGreysTheListsAndDisablesTheControlsAndPutsAllBack) {
   constexpr std::array lists{deviceList, cageList, headList, nestList, tipList};
   ASSERT_NE(GetSysColor(COLOR_WINDOW), GetSysColor(COLOR_BTNFACE));
