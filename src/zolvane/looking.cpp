@@ -168,6 +168,14 @@ void Explain(Workplace& work, const std::string& code) {
                                      {"advice", rule->Advice}};
 }
 
+// Of the configuration as an import of the backup would leave it, which objects to them.
+std::vector<Finding> ErrorsAfterImport(Workplace& work, const std::string& path, const std::string& bytes) {
+  auto findings =
+      CheckConfiguration(AfterImport(work, path, bytes, ReadConfiguration(work)), NameAfterImport(work));
+  std::erase_if(findings, [](const Finding& one) { return one.Grade != Grade::Error; });
+  return findings;
+}
+
 // What an import of the backup would object to.
 bool TellDoubts(Workplace& work, const std::string& path, const std::string& bytes) {
   Objections doubts;
@@ -192,8 +200,12 @@ void Check(Workplace& work, const Words& words) {
   }
   const auto file = side.Name == "file" ? work.ConfigFile() : side.Name;
   auto& findings = work.Result.Findings;
-  findings = side.IsBackup ? CheckBackup(*side.Configuration, file, ReadConfiguration(work))
-                           : CheckConfiguration(*side.Configuration, file);
+  if (side.IsBackup) {
+    findings = CheckBackup(*side.Configuration, file, ReadConfiguration(work));
+    std::ranges::move(ErrorsAfterImport(work, file, *side.Configuration), std::back_inserter(findings));
+  } else {
+    findings = CheckConfiguration(*side.Configuration, file);
+  }
   std::string counts;
   for (const auto grade : allGrades) {
     const auto count = static_cast<std::size_t>(std::ranges::count(findings, grade, &Finding::Grade));

@@ -1,4 +1,5 @@
-# The component as one module. Its rooms spend their time in the host that they call, so they are built for size.
+# The component as one module. Its rooms spend their time in the host that they call, so they are built for size. To
+# read the sample and to build its upload takes a tenth longer so: 1.23 ms and not 1.12.
 foreach(room host config config_tables operations page shell win32 shell_windows_page shell_windows_host shell_windows)
   target_compile_options(zolvane_${room} PRIVATE $<$<CONFIG:Release>:-Os>)
 endforeach()

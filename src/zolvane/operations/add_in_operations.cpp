@@ -119,8 +119,9 @@ std::vector<Finding> AddInOperation::FindingsAhead(const Custody& custody) const
   if (row_.File == FileRole::Loaded) {
     findings = CheckBackup(*custody.OtherFile->Before, *file_, *custody.Found.Configuration);
   }
-  std::ranges::move(CheckConfiguration(*custody.Intended.Configuration, custody.Work.ConfigFile()),
-                    std::back_inserter(findings));
+  const auto& work = custody.Work;
+  const auto name = row_.File == FileRole::Loaded ? NameAfterImport(work) : work.ConfigFile();
+  std::ranges::move(CheckConfiguration(*custody.Intended.Configuration, name), std::back_inserter(findings));
   return findings;
 }
 

@@ -233,6 +233,19 @@ void ObjectToBackup(const History& history, const std::string& file, const std::
   }
 }
 
+std::string AfterImport(const Workplace& work, const std::string& file, const std::string& backup,
+                        const std::string& configuration) {
+  MemoryDisk copy;
+  copy.Put(work.ConfigFile(), configuration);
+  copy.Put(file, backup);
+  Play(EndsOn(copy, work.Options.Folder), PressOf(importButton, file));
+  return copy.Read(work.ConfigFile()).Bytes;
+}
+
+std::string NameAfterImport(const Workplace& work) {
+  return work.ConfigFile() + " as an import would leave it";
+}
+
 void ObjectToImport(const Workplace& work, const History& history, const std::string& file,
                     const std::string& backup, const std::string& configuration, Objections& objections) {
   const std::string exportedFile = "exported.bak";

@@ -89,6 +89,11 @@ void ObjectToUnfinished(const History& history, const NextOperation& next, Objec
 void ObjectToBackup(const History& history, const std::string& file, const std::string& backup,
                     const std::string& exported, const std::string& device, Objections& objections);
 
+// The configuration as an import of the backup would leave it, and what its findings call that file.
+std::string AfterImport(const Workplace& work, const std::string& file, const std::string& backup,
+                        const std::string& configuration);
+std::string NameAfterImport(const Workplace& work);
+
 // Objects to a file that is no backup at all, or else as ObjectToBackup does.
 void ObjectToImport(const Workplace& work, const History& history, const std::string& file,
                     const std::string& backup, const std::string& configuration, Objections& objections);

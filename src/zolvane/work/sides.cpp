@@ -87,7 +87,7 @@ Side SideOfFile(Workplace& work, const std::string& name) {
 
 void DemandFolder(Workplace& work, const std::string& folder) {
   // One that is there cannot be read as a file.
-  if (work.Files.Read(folder).Is == DiskContent::State::Missing) {
+  if (work.Files.Read(folder).Is != DiskContent::State::Unreadable) {
     throw UsageError{Joined("there is no folder ", Quoted(folder))};
   }
 }

@@ -1,3 +1,6 @@
+#include <filesystem>
+#include <fstream>
+
 #include "custody/program/zolvane_fixture.h"
 
 namespace zolvane {
@@ -7,6 +10,14 @@ using HistoryCommands = Zolvane;
 
 TEST_F(HistoryCommands, AnEmptyHistoryIsSaid) {
   EXPECT_EQ(RunAlone({"history"}).Output, "The history has no operation yet.\n");
+}
+
+TEST_F(HistoryCommands, AFileIsNoFolderWithAHistory) {
+  std::filesystem::remove_all(Folder.Path());
+  std::ofstream{Folder.Path()} << "no folder";
+  const auto run = RunAlone({"history"});
+  EXPECT_EQ(run.Status, 2) << run.All();
+  EXPECT_NE(run.Errors.find("there is no folder"), std::string::npos) << run.Errors;
 }
 
 TEST_F(HistoryCommands, AFolderThatIsNotThereHasNone) {

@@ -56,6 +56,23 @@ TEST_F(Looking, ARecordWithoutAnInstrumentIsSaidToHaveOneFaceOnly) {
   EXPECT_NE(run.Errors.find("holds no answers of an instrument"), std::string::npos) << run.Errors;
 }
 
+TEST_F(Looking, CheckOfABackupNamesTheErrorsThatAnImportWouldBring) {
+  const auto backup = Folder.Path("own.bak");
+  ASSERT_EQ(RunAlone({"export", backup}).Status, 0);
+  auto altered = Folder.Read("own.bak");
+  const std::string_view factor = "SDXYEncoderMMStepFactorOn=";
+  const auto place = altered.find(factor) + factor.size();
+  altered.replace(place, altered.find_first_of("\r\n", place) - place, "0");
+  Folder.Put("own.bak", altered);
+  const auto check = RunJson({"check", backup});
+  ASSERT_EQ(check.at("counts").at("error"), 1) << check.dump(2);
+  const auto import = RunJson({"--yes", "--despite", "changed", "import", backup});
+  EXPECT_EQ(import.at("exit_status"), 3);
+  const auto file = import.at("findings")[0].at("file").get<std::string>();
+  EXPECT_TRUE(file.ends_with("Zolvane.ini as an import would leave it")) << file;
+  EXPECT_EQ(check.at("findings").back(), import.at("findings")[0]);
+}
+
 TEST_F(Looking, CheckOfABackupNamesWhatAnImportObjectsTo) {
   const auto backup = Folder.Path("own.bak");
   ASSERT_EQ(RunAlone({"export", backup}).Status, 0);
