@@ -178,6 +178,10 @@ void ShowOperation(Workplace& work, const std::string& number) {
   const auto operation = OperationNamed(history, number);
   work.Out.Print(ColumnsText(FactsOf(operation), 0));
   work.Result.More["operation"] = OperationJson(operation);
+  work.Result.Objections = operation.Begun->Objections;
+  for (const auto& [name, count] : (operation.Ended != nullptr ? operation.Ended : operation.Begun)->Counts) {
+    work.Result.Counts.emplace_back(name, static_cast<std::size_t>(count));
+  }
   if (operation.Ended == nullptr || operation.Ended->Details.empty()) {
     return;
   }

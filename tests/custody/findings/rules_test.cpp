@@ -415,6 +415,15 @@ TEST(CheckRules, TakeNoOtherLayoutForAMisspeltOne) {
   }
 }
 
+// The instrument could take the number as it stands: only the file cannot.
+TEST(CheckRules, WhatTheFileRoundsIsNotSaidToBeRoundedByTheUpload) {
+  const auto file = Replaced(SampleConfiguration(), ",96,118,7840,98.5,1,", ",96,118.4,7840,98.5,1,");
+  const auto findings = CheckConfiguration(file, "Zolvane.ini");
+  const auto line = LineThatStarts(file, "Item1=\"1250 ul Tips\"");
+  EXPECT_TRUE(Has(findings, "rounded", line)) << AsList(findings);
+  EXPECT_FALSE(Has(findings, "sent-rounded", line));
+}
+
 TEST(CheckRules, AreAllShown) {
   std::set<std::string_view> shown{"unreadable"};
   for (const auto& broken : Cases()) {

@@ -12,6 +12,15 @@ TEST_F(HistoryCommands, AnEmptyHistoryIsSaid) {
   EXPECT_EQ(RunAlone({"history"}).Output, "The history has no operation yet.\n");
 }
 
+TEST_F(HistoryCommands, AnOperationIsShownWithWhatWasLetPassAndItsCounts) {
+  Replace("MountHeight=164.35", "MountHeight=164,35");
+  ASSERT_EQ(Run({"--yes", "--despite", "findings", "upload"}).Status, 0);
+  const auto shown = RunJson({"history", "show", "@last"});
+  ASSERT_EQ(shown.at("objections").size(), 1U) << shown.dump(2);
+  EXPECT_EQ(shown.at("objections")[0].at("code"), "findings");
+  EXPECT_EQ(shown.at("counts").at("sent"), shown.at("values").size());
+}
+
 TEST_F(HistoryCommands, AFileIsNoFolderWithAHistory) {
   std::filesystem::remove_all(Folder.Path());
   std::ofstream{Folder.Path()} << "no folder";
