@@ -114,7 +114,7 @@ void CheckSizes(CheckedFile& file, const Configuration& configuration) {
     };
     const auto keys = TipEjectKeysOf(head);
     const auto isOfLayout = [&head](const auto& one) { return one.first == head.ChannelCode; };
-    const auto layout = std::ranges::find_if(channelsOfLayouts, isOfLayout);
+    const auto* const layout = std::ranges::find_if(channelsOfLayouts, isOfLayout);
     if (!keys) {
       add(Joined("no key is for tips of ", GeneralText(head.TipVolume),
                  " ul: its tip ejection and origin of aspiration are not sent"));

@@ -79,7 +79,7 @@ void AddMissingKey(CheckedFile& file, const AskedPlace& place, const FileField* 
 
 void AddMissingSection(CheckedFile& file, std::string_view name, const FileSection& section) {
   const auto line = file.LineOf(name);
-  const auto lacks = line == 0 ? " is missing" : " has no lines";
+  const auto* const lacks = line == 0 ? " is missing" : " has no lines";
   if (section.IsCorrection()) {
     file.Add("missing-correction", line,
              Joined(InSection(name), lacks, ": the upload sends no volume correction of it"));

@@ -234,9 +234,9 @@ TEST_P(Keyboard, AccessKeysReachListsAndPressBoxesAndButtons) {
 TEST_P(Keyboard, FunctionAndNumberKeysWithAltAreNoAccessKeys) {
   int queries = 0;
   page_.Host().Link().WhileSending = [&](const std::string&) { ++queries; };
-  for (const WPARAM key : {VK_F2, VK_NUMPAD9, VK_DECIMAL}) {
+  for (const int key : {VK_F2, VK_NUMPAD9, VK_DECIMAL}) {
     Focus(deviceList);
-    Key(WM_SYSKEYDOWN, key, downWithAlt);
+    Key(WM_SYSKEYDOWN, static_cast<WPARAM>(key), downWithAlt);
     EXPECT_EQ(Focused(), deviceList) << key;
   }
   EXPECT_EQ(Value(tipBox), 0);
