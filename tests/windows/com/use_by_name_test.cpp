@@ -85,6 +85,17 @@ TEST_F(UseByName, ANullObjectDetachesThePage) {
   EXPECT_EQ(PageWindow(), 0);
 }
 
+TEST_F(UseByName, NullAndAnEmptyVariableDetachAsNothingDoes) {
+  for (const auto* const name : {L"FormParent", L"ObjectParent"}) {
+    for (const VARTYPE type : {VT_NULL, VT_EMPTY}) {
+      VARIANT value{};
+      V_VT(&value) = type;
+      EXPECT_EQ(SetByName(form_.Get(), name, DISPATCH_PROPERTYPUTREF, value), S_OK) << type;
+    }
+  }
+  EXPECT_EQ(PageWindow(), 0);
+}
+
 // An object that cannot be used by name.
 struct Faceless final : IUnknown {
   HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override {
