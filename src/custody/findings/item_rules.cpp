@@ -7,7 +7,6 @@
 #include <optional>
 #include <span>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "config/conversions.h"
@@ -36,8 +35,18 @@ constexpr std::array moduleClasses{code::microtiter, code::serialDilute};
 constexpr std::array headClasses{code::microtiter, code::serialDilute, code::calibrate};
 constexpr std::array tipClasses{code::microtiter, code::serialDilute};
 constexpr std::array nestClasses{code::nest8, code::nest12};
-constexpr std::array headLayouts{channel_layout::oneShort, channel_layout::oneLong, channel_layout::eight,
-                                 channel_layout::twelve};
+
+struct HeadLayout {
+  std::string_view Name;
+  int Channels = 0;
+};
+
+constexpr auto headLayouts = std::to_array<HeadLayout>({
+    {channel_layout::oneShort, 1},
+    {channel_layout::oneLong, 1},
+    {channel_layout::eight, 8},
+    {channel_layout::twelve, 12},
+});
 
 std::string DigitsOf(std::string_view text) {
   std::string digits;
@@ -85,21 +94,16 @@ void CheckClasses(CheckedFile& file, const Configuration& configuration, const R
 
 // Of the heads that the 1/8/12 module carries.
 void CheckLayouts(CheckedFile& file, const Configuration& configuration) {
-  ForEach(headTable, configuration, [&file](const HeadTypeRecord& head) {
+  std::array<std::string_view, headLayouts.size()> names{};
+  std::ranges::transform(headLayouts, names.begin(), &HeadLayout::Name);
+  ForEach(headTable, configuration, [&](const HeadTypeRecord& head) {
     if (head.Code == code::serialDilute) {
-      CheckClass(file, headTypeSection, head.ID, head.ChannelCode, headLayouts, Others::AreLost);
+      CheckClass(file, headTypeSection, head.ID, head.ChannelCode, names, Others::AreLost);
     }
   });
 }
 
 // ---- Keys that are made of channels and volume
-
-constexpr auto channelsOfLayouts = std::to_array<std::pair<std::string_view, int>>({
-    {channel_layout::oneShort, 1},
-    {channel_layout::oneLong, 1},
-    {channel_layout::eight, 8},
-    {channel_layout::twelve, 12},
-});
 
 // Of the heads that the 1/8/12 module carries.
 void CheckSizes(CheckedFile& file, const Configuration& configuration) {
@@ -113,13 +117,12 @@ void CheckSizes(CheckedFile& file, const Configuration& configuration) {
                Joined(Printable(NameOfPlace(headTypeSection, item)), ": ", why));
     };
     const auto keys = TipEjectKeysOf(head);
-    const auto isOfLayout = [&head](const auto& one) { return one.first == head.ChannelCode; };
-    const auto* const layout = std::ranges::find_if(channelsOfLayouts, isOfLayout);
+    const auto* const layout = std::ranges::find(headLayouts, head.ChannelCode, &HeadLayout::Name);
     if (!keys) {
       add(Joined("no key is for tips of ", GeneralText(head.TipVolume),
                  " ul: its tip ejection and origin of aspiration are not sent"));
-    } else if (layout != channelsOfLayouts.end() && layout->second != head.Channels) {
-      add(Joined("a head of layout ", layout->first, " does not have ", std::to_string(head.Channels),
+    } else if (layout != headLayouts.end() && layout->Channels != head.Channels) {
+      add(Joined("a head of layout ", layout->Name, " does not have ", std::to_string(head.Channels),
                  " channels: its tip ejection is sent under ", keys->TipEject));
     }
   });

@@ -107,13 +107,10 @@ struct AxisLine {
 
 AxisLine LineOfAxis(const CheckedFile& file, const std::string& section, std::string_view axis) {
   constexpr std::size_t scalePiece = 1;
-  const auto keyOf = [&](int number) {
-    return Joined(FileSectionOf(section).BeforeNumber, WholeText(number));
-  };
-  for (int number = 1; const auto line = file.Text.Find(section, keyOf(number)); ++number) {
+  for (int number = 1; const auto line = file.Text.Find(section, AxisKey(number)); ++number) {
     const auto pieces = PiecesOf(*line);
     if (!pieces.empty() && WithoutQuotes(pieces.front()) == axis) {
-      return {.Number = file.LineOf(section, keyOf(number)),
+      return {.Number = file.LineOf(section, AxisKey(number)),
               .HasScale = pieces.size() > scalePiece && StrictNumber(pieces[scalePiece])};
     }
   }
@@ -141,18 +138,15 @@ void CheckScale(CheckedFile& file, const CurrentRecords& current, const FactorAx
 
 // The last line of an axis counts.
 void CheckAxisNames(CheckedFile& file, const std::string& section) {
-  const auto keyOf = [&](int number) {
-    return Joined(FileSectionOf(section).BeforeNumber, WholeText(number));
-  };
   std::map<std::string, int> numbers;
-  for (int number = 1; const auto line = file.Text.Find(section, keyOf(number)); ++number) {
+  for (int number = 1; const auto line = file.Text.Find(section, AxisKey(number)); ++number) {
     const auto pieces = PiecesOf(*line);
     const auto axis = pieces.empty() ? std::string{} : WithoutQuotes(pieces.front());
     const auto [first, isNew] = numbers.try_emplace(axis, number);
     if (!isNew) {
-      file.Add("repeated-name", file.LineOf(section, keyOf(number)),
-               Joined(Printable(NameOfPlace(section, keyOf(number))), ": the axis ", Shown(axis),
-                      " stands in ", keyOf(first->second), " already, and the add-in takes it from here"));
+      file.Add("repeated-name", file.LineOf(section, AxisKey(number)),
+               Joined(Printable(NameOfPlace(section, AxisKey(number))), ": the axis ", Shown(axis),
+                      " stands in ", AxisKey(first->second), " already, and the add-in takes it from here"));
     }
   }
 }
