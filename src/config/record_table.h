@@ -55,7 +55,7 @@ struct Field {
   std::string_view SectionKey;  // empty: a piece of the record line
   std::string_view Fallback;    // what a missing key reads as
   std::string_view Title;       // empty: the key's own name, or a value that is only kept
-  std::string_view Values;      // which texts convert
+  const ValueTexts* Values = &BareText::Values;
   Unit FileUnit = Unit::None;
   std::size_t Piece = 0;  // place in the record line, from 0
   Reader Read = nullptr;
@@ -108,7 +108,7 @@ Record RecordWith(Value Record::* member);
 template <auto Member, class Form, class Record>
 constexpr Field<Record> FieldOf() {
   Field<Record> field;
-  field.Values = Form::Values;
+  field.Values = &Form::Values;
   field.Read = [](std::string_view text, const StepFactors& factors, Record& record) {
     AssignIf(std::invoke(Member, record), Form::Read(text, factors));
   };

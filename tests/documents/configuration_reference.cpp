@@ -60,19 +60,21 @@ struct Place {
   std::optional<std::size_t> Piece;  // of a line
 };
 
-std::string OtherText(const std::string& text, std::string_view values) {
-  if (values == QuotedText::Values) {
-    return "\"X" + WithoutQuotes(text) + "\"";
+std::string OtherText(const std::string& text, const ValueTexts& values) {
+  switch (values.Kind) {
+    case ValueKind::Text:
+      return text.starts_with('"') ? "\"X" + text.substr(1) : "X" + text;
+    case ValueKind::Flag:
+      return FlagText(text != "1");
+    case ValueKind::Whole:
+    case ValueKind::Real:
+      break;
   }
-  if (values == BareText::Values) {
-    return "X" + text;
-  }
-  const bool isFlag = values == StrictFlag::Values || values == LeadingFlag::Values;
-  return isFlag ? FlagText(text != "1") : GeneralText(LeadingNumber(text) + 8);
+  return GeneralText(LeadingNumber(text) + 8);
 }
 
 void ChangePiece(FakeSettings& settings, const Place& place, const std::string& key,
-                 std::string_view values) {
+                 const ValueTexts& values) {
   auto pieces = settings.SplitText(",", settings.Value(place.Section, key).value()).value();
   if (*place.Piece < pieces.size()) {
     pieces[*place.Piece] = OtherText(pieces[*place.Piece], values);
@@ -85,7 +87,7 @@ void ChangePiece(FakeSettings& settings, const Place& place, const std::string& 
 }
 
 // Gives the value another text, in every line that has it.
-void Change(FakeSettings& settings, const Place& place, std::string_view values) {
+void Change(FakeSettings& settings, const Place& place, const ValueTexts& values) {
   if (!place.Piece) {
     settings.Set(place.Section, place.Key,
                  OtherText(settings.Value(place.Section, place.Key).value_or(""), values));
@@ -97,7 +99,7 @@ void Change(FakeSettings& settings, const Place& place, std::string_view values)
 }
 
 // The lines of the upload that another value changes, by their instrument keys.
-std::vector<std::string> UploadedAs(const Place& place, std::string_view values) {
+std::vector<std::string> UploadedAs(const Place& place, const ValueTexts& values) {
   OperationFixture operation{SampleConfiguration()};
   static const auto before = UploadOf(operation);
   Change(operation.Settings(), place, values);
@@ -263,8 +265,8 @@ class Reference {
     }
     const auto fallback = field.Fallback.empty() ? std::string{} : "`" + std::string{field.Fallback} + "`";
     AddCells({key, isPiece ? WholeText(static_cast<int>(field.Piece) + 1) : "", Called(field.Title, place),
-              std::string{NameOf(field.FileUnit)}, std::string{field.Values}, fallback,
-              Uploaded(place, field.Values), downloaded_.Contain(place) ? "stored" : ""});
+              std::string{NameOf(field.FileUnit)}, std::string{field.Values->ForPeople}, fallback,
+              Uploaded(place, *field.Values), downloaded_.Contain(place) ? "stored" : ""});
   }
 
   static std::string Called(std::string_view title, const Place& place) {
@@ -272,12 +274,12 @@ class Reference {
   }
 
   // A number is sent; a text or a flag decides what is.
-  static std::string Uploaded(const Place& place, std::string_view values) {
+  static std::string Uploaded(const Place& place, const ValueTexts& values) {
     const auto keys = UploadedAs(place, values);
     if (keys.empty()) {
       return {};
     }
-    const bool isNumber = values.starts_with("number") || values.starts_with("whole");
+    const bool isNumber = values.Kind == ValueKind::Whole || values.Kind == ValueKind::Real;
     const auto more =
         keys.size() == 1 ? "" : " and " + WholeText(static_cast<int>(keys.size()) - 1) + " more";
     return isNumber ? "`" + keys.front() + "`" + more : "decides " + WholeText(static_cast<int>(keys.size()));

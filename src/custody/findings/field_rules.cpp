@@ -75,7 +75,7 @@ class FieldRules {
                                 std::to_string(section_->Pieces), ": the extra ones are ignored"));
     }
     const auto lacksField = [&](const FileField& field) {
-      return field.Key.empty() && field.Piece >= pieces.size() && field.Kind != FieldKind::Text;
+      return field.Key.empty() && field.Piece >= pieces.size() && field.Values.Kind != ValueKind::Text;
     };
     if (!pieces.empty() && std::ranges::any_of(section_->Fields, lacksField)) {
       Add("short-line",
@@ -106,16 +106,16 @@ class FieldRules {
   }
 
   void CheckText(const FileField& field, std::string_view text) {
-    switch (field.Kind) {
-      case FieldKind::Text:
+    switch (field.Values.Kind) {
+      case ValueKind::Text:
         return;
-      case FieldKind::Flag:
+      case ValueKind::Flag:
         if (!StrictBoolean(text)) {
           AddText("not-a-flag", field, text, "is neither 1 nor 0: the add-in takes it for off");
         }
         return;
-      case FieldKind::Whole:
-      case FieldKind::Real:
+      case ValueKind::Whole:
+      case ValueKind::Real:
         CheckNumber(field, text);
         return;
     }
@@ -127,7 +127,7 @@ class FieldRules {
       CheckNoNumber(field, text);
     } else if (!field.Converts(text, factors_)) {
       AddOutOfRange(field, text);
-    } else if (field.Kind == FieldKind::Whole &&
+    } else if (field.Values.Kind == ValueKind::Whole &&
                *number != static_cast<double>(PictureWhole(*number).value_or(0))) {
       AddText("rounded", field, text, "is no whole number: the add-in rounds it");
     } else if (const auto kept = GeneralText(*number); StrictNumber(kept) != number) {
@@ -139,7 +139,7 @@ class FieldRules {
   void CheckNoNumber(const FileField& field, std::string_view text) {
     const auto trimmed = Trimmed(text);
     const auto number = NumberAtStart(trimmed);
-    const bool takesStart = field.TakesStart && !number.empty();
+    const bool takesStart = field.Values.MayGoOn && !number.empty();
     if (IsTooLarge(trimmed)) {
       AddOutOfRange(field, text);
       return;
@@ -154,7 +154,7 @@ class FieldRules {
 
   void AddOutOfRange(const FileField& field, std::string_view text) {
     AddText("out-of-range", field, text,
-            Joined("is out of range (", field.Values, "): the add-in ", Instead()));
+            Joined("is out of range (", field.Values.ForPeople, "): the add-in ", Instead()));
   }
 
   std::string_view Instead() const { return section_->IsOfAxes() ? "keeps what it had before" : "takes 0"; }

@@ -69,7 +69,8 @@ void AddMissingKey(CheckedFile& file, const AskedPlace& place, const FileField* 
   if (!place.Fallback.empty()) {
     file.Add("default-value", file.LineOf(place.Section),
              Joined(name, " is missing: the add-in takes ", place.Fallback));
-  } else if (field != nullptr && (field->Kind == FieldKind::Whole || field->Kind == FieldKind::Real)) {
+  } else if (field != nullptr &&
+             (field->Values.Kind == ValueKind::Whole || field->Values.Kind == ValueKind::Real)) {
     file.Add("missing-value", file.LineOf(place.Section), Joined(name, " is missing: the add-in takes 0"));
   } else {
     file.Add("missing-key", file.LineOf(place.Section),

@@ -50,7 +50,7 @@ std::optional<std::string> Magnified(std::string_view text, const FileSection& s
                                      const FileField* field, const StepFactors& factors, Magnification by) {
   const auto number = field != nullptr && IsMeasured(section, *field) ? StrictNumber(text) : std::nullopt;
   // The file's own rounding is another matter: the instrument could take the number as it stands.
-  const bool isKeptWhole = number && field->Kind == FieldKind::Whole && *number != std::round(*number);
+  const bool isKeptWhole = number && field->Values.Kind == ValueKind::Whole && *number != std::round(*number);
   const bool canBe =
       number && !isKeptWhole && *number != 0.0 && field->Converts(GeneralText(*number * by.Most), factors);
   return canBe ? std::optional{GeneralText(*number * by.Times)} : std::nullopt;

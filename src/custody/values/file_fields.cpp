@@ -24,16 +24,6 @@ namespace {
 
 // ---- Out of the record tables ----
 
-FieldKind KindOf(std::string_view values) {
-  if (values == BareText::Values || values == QuotedText::Values) {
-    return FieldKind::Text;
-  }
-  if (values == StrictFlag::Values || values == LeadingFlag::Values) {
-    return FieldKind::Flag;
-  }
-  return values.starts_with("whole") ? FieldKind::Whole : FieldKind::Real;
-}
-
 // A text converts if the value that was there before is gone, whatever it was.
 template <class Record>
 bool Converts(const Field<Record>& field, std::string_view text, const StepFactors& factors) {
@@ -59,10 +49,8 @@ void AddFields(FileSection& section, const RecordTable<Record>& table) {
     section.Fields.push_back({.Key = std::string{field.SectionKey},
                               .Piece = field.Piece,
                               .Title = field.Title,
-                              .Values = field.Values,
+                              .Values = *field.Values,
                               .Of = field.FileUnit,
-                              .Kind = KindOf(field.Values),
-                              .TakesStart = field.Values.find("alone") == std::string_view::npos,
                               .IsSaved = field.IsSaved,
                               .Converts = [&field](std::string_view text, const StepFactors& factors) {
                                 return Converts(field, text, factors);
@@ -91,11 +79,7 @@ bool IsFlagText(std::string_view text, const StepFactors&) {
 }
 
 FileField FlagUnder(std::string_view key, std::string_view title) {
-  return {.Key = std::string{key},
-          .Title = title,
-          .Values = StrictFlag::Values,
-          .Kind = FieldKind::Flag,
-          .Converts = IsFlagText};
+  return {.Key = std::string{key}, .Title = title, .Values = StrictFlag::Values, .Converts = IsFlagText};
 }
 
 FileSection WithChecks(FileSection section) {
@@ -131,8 +115,6 @@ FileSection CorrectionSection() {
            .Piece = correctionFactorPiece,
            .Title = "correction factor",
            .Values = LeadingReal::Values,
-           .Kind = FieldKind::Real,
-           .TakesStart = true,
            .Converts = anyText},
           {.Key = "", .Piece = correctionKeyPiece, .Title = "key of the instrument", .Converts = anyText}}};
 }

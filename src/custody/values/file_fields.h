@@ -13,17 +13,13 @@
 
 namespace zolvane {
 
-enum class FieldKind : std::uint8_t { Text, Flag, Whole, Real };
-
 struct FileField {
   std::string Key{};  // empty: a piece of the section's numbered lines
   std::size_t Piece = 0;
   std::string_view Title{};
-  std::string_view Values{};  // which texts convert, for people
+  ValueTexts Values = BareText::Values;
   Unit Of = Unit::None;
-  FieldKind Kind = FieldKind::Text;
-  bool TakesStart = false;  // of a number: what stands behind it is passed over
-  bool IsSaved = true;      // a backup holds it
+  bool IsSaved = true;  // a backup holds it
 
   // Loading takes the text; else the value stays empty or zero.
   std::function<bool(std::string_view text, const StepFactors& factors)> Converts;
