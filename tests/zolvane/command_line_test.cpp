@@ -1,6 +1,6 @@
 #include <algorithm>
 
-#include "custody/program/zolvane_fixture.h"
+#include "zolvane/zolvane_fixture.h"
 
 namespace zolvane {
 namespace {

@@ -1,7 +1,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "custody/program/zolvane_fixture.h"
+#include "zolvane/zolvane_fixture.h"
 
 namespace zolvane {
 namespace {

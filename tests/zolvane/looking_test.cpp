@@ -1,4 +1,4 @@
-#include "custody/program/zolvane_fixture.h"
+#include "zolvane/zolvane_fixture.h"
 
 namespace zolvane {
 namespace {

@@ -4,8 +4,8 @@
 
 #include <string>
 
-#include "custody/program/zolvane_fixture.h"
 #include "files/ordinary_user_posix.h"
+#include "zolvane/zolvane_fixture.h"
 
 namespace zolvane {
 namespace {

@@ -14,8 +14,8 @@
 #include "custody/disk/sha256.h"
 #include "custody/history/audit.h"
 #include "custody/history/history.h"
-#include "custody/program/zolvane_fixture.h"
 #include "custody/support/fake_witness.h"
+#include "zolvane/zolvane_fixture.h"
 
 namespace zolvane {
 namespace {

@@ -135,9 +135,8 @@ class Zolvane : public ::testing::Test {
       lines += document + "\n";
     }
     const auto file = Folder.Put("documents.jsonl", lines);
-    const auto command = std::string{"python3 "} + ZOLVANE_SOURCE_PATH +
-                         "/tests/custody/program/validate.py " + ZOLVANE_SOURCE_PATH +
-                         "/docs/schema/zolvane-1.json " + file;
+    const auto command = std::string{"python3 "} + ZOLVANE_SOURCE_PATH + "/tests/zolvane/validate.py " +
+                         ZOLVANE_SOURCE_PATH + "/docs/schema/zolvane-1.json " + file;
     EXPECT_EQ(std::system(command.c_str()), 0) << lines;
 #endif
   }

@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "custody/findings/findings.h"
-#include "custody/transfer/transfer_room.h"
+#include "custody/support/transfer_room.h"
 #include "custody/values/play.h"
 #include "custody/values/sides.h"
 #include "files/paths.h"

@@ -27,8 +27,6 @@
 namespace zolvane {
 namespace {
 
-using Words = std::vector<std::string>;
-
 const std::string labBackup = TextOf(PathOf(labFolder) / "old.bak");
 const std::string labRecord = TextOf(PathOf(labFolder) / "record.html");
 

@@ -8,22 +8,25 @@
 #include <sstream>
 #include <string>
 #include <utility>
-#include <variant>
 #include <vector>
 
 #include "custody/support/fake_witness.h"
+#include "custody/support/run_command.h"
 #include "custody/values/sides.h"
 #include "files/paths.h"
 #include "instrument/links/simulated_link.h"
 #include "text/json_text.h"
-#include "zolvane/command_line.h"
-#include "zolvane/zolvane_program.h"
 
 namespace zolvane {
 
-using Words = std::vector<std::string>;
-
 struct RanCommand {
+  static RanCommand On(const CommandEnds& ends, const Words& words) {
+    std::ostringstream printed;
+    auto report = RunCommandOn(ends, words, printed, printed);
+    printed << JsonText(ReportJson(report), true);
+    return {.Result = std::move(report), .Printed = printed.str()};
+  }
+
   Report Result;
   std::string Printed;  // everything, the document of --json among it
 
@@ -32,38 +35,6 @@ struct RanCommand {
   // The word is a promise wherever it stands.
   bool ClaimsSuccess() const { return Status() == 0 || Printed.find("done") != std::string::npos; }
 };
-
-// What a command reaches.
-struct CommandEnds {
-  Disk& Files;
-  Witness& Who;
-  std::shared_ptr<BenchLink> Link{};  // null: no instrument is named
-  Questioner* Terminal = nullptr;
-  TraceLog* Trace = nullptr;
-};
-
-inline RanCommand RunCommandOn(const CommandEnds& ends, const std::string& folder, Words words) {
-  if (ends.Link != nullptr) {
-    words.insert(words.begin(), {"--link", "sim"});
-  }
-  auto options = std::get<CustodyOptions>(ParseCustodyOptions(words));
-  options.Folder = folder;
-  std::ostringstream printed;
-  Console console{printed, printed, {.Program = programName, .NotesWidth = {}}};
-  RanCommand ran{.Result = {.Command = options.Command.front()}, .Printed = {}};
-  Workplace work{.Options = options,
-                 .Files = ends.Files,
-                 .Who = ends.Who,
-                 .Link = ends.Link,
-                 .Terminal = ends.Terminal,
-                 .Out = console,
-                 .Trace = ends.Trace,
-                 .Result = ran.Result};
-  RunReported(work, printed);
-  console.PrintDocument(JsonText(ReportJson(ran.Result), true));
-  ran.Printed = printed.str();
-  return ran;
-}
 
 // Hands every line on, and looks behind the wire when SAVE comes.
 class WatchedLink final : public BenchLink {
@@ -151,7 +122,7 @@ class CustodyRoom {
 
   RanCommand Run(const Words& words, FaultPlan faults = {}) {
     Wire = std::make_shared<WatchedLink>(Instrument, std::move(faults));
-    return RunCommandOn({.Files = Files, .Who = Witness, .Link = Wire}, Folder(), words);
+    return RanCommand::On({.Folder = Folder(), .Files = Files, .Who = Witness, .Link = Wire}, words);
   }
 
   // Stores the values and keeps them.

@@ -14,21 +14,18 @@
 #include <string>
 #include <string_view>
 #include <utility>
-#include <variant>
 #include <vector>
 
 #include "custody/disk/disk.h"
 #include "custody/support/fake_witness.h"
-#include "custody/transfer/transfer_room.h"
+#include "custody/support/run_command.h"
+#include "custody/support/transfer_room.h"
 #include "custody/values/sides.h"
-#include "files/file_settings_service.h"
 #include "files/paths.h"
 #include "instrument/links/simulated_link.h"
 #include "support/file_bytes.h"
 #include "support/long_tests.h"
 #include "text/joined.h"
-#include "zolvane/command_line.h"
-#include "zolvane/zolvane_program.h"
 
 namespace zolvane {
 
@@ -169,22 +166,12 @@ class LabInstrument final : public BenchLink {
 class LabProgram {
  public:
   // `link` is null without an instrument.
-  int Run(Disk& disk, std::shared_ptr<BenchLink> link, std::vector<std::string> words) {
-    ForgetSeenFiles();  // each command is a process of its own
+  int Run(Disk& disk, std::shared_ptr<BenchLink> link, Words words) {
     // The small configuration lacks values, on purpose.
-    words.insert(words.begin(), {"--folder", labFolder, "--despite", "findings"});
-    auto options = std::get<CustodyOptions>(ParseCustodyOptions(words));
-    options.Link = link != nullptr ? "lab" : "";
-    Console console{Output, Errors, {.Program = programName, .NotesWidth = {}}};
+    words.insert(words.begin(), {"--despite", "findings"});
     FakeWitness witness;
-    Result.Command = options.Command.front();
-    Workplace work{.Options = options,
-                   .Files = disk,
-                   .Who = witness,
-                   .Link = std::move(link),
-                   .Out = console,
-                   .Result = Result};
-    RunReported(work, Errors);
+    Result = RunCommandOn({.Folder = labFolder, .Files = disk, .Who = witness, .Link = std::move(link)},
+                          std::move(words), Output, Errors);
     return Result.ExitStatus;
   }
 

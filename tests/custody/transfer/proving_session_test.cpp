@@ -4,7 +4,7 @@
 #include <sstream>
 
 #include "custody/disk/disk.h"
-#include "custody/transfer/transfer_room.h"
+#include "custody/support/transfer_room.h"
 #include "custody/values/play.h"
 #include "files/paths.h"
 #include "page/page_controls.h"

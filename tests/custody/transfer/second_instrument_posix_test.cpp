@@ -4,7 +4,7 @@
 #include <nlohmann/json.hpp>
 
 #include "custody/second_instrument.h"
-#include "custody/transfer/transfer_room.h"
+#include "custody/support/transfer_room.h"
 #include "instrument/links/link_factory.h"
 #include "support/temporary_folder.h"
 

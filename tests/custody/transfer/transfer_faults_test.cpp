@@ -5,7 +5,7 @@
 #include <map>
 #include <random>
 
-#include "custody/transfer/transfer_room.h"
+#include "custody/support/transfer_room.h"
 #include "custody/transfer/wanted_state.h"
 #include "support/file_bytes.h"
 #include "support/long_tests.h"

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "custody/transfer/transfer_room.h"
+#include "custody/support/transfer_room.h"
 
 namespace zolvane {
 namespace {

@@ -4,7 +4,7 @@
 
 #include <array>
 
-#include "custody/transfer/transfer_room.h"
+#include "custody/support/transfer_room.h"
 
 namespace zolvane {
 namespace {

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "bench/process_support.h"
-#include "custody/program/zolvane_fixture.h"
+#include "zolvane/zolvane_fixture.h"
 
 namespace zolvane {
 namespace {

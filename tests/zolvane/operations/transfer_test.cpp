@@ -1,7 +1,7 @@
 #include <map>
 
-#include "custody/program/zolvane_fixture.h"
 #include "support/long_tests.h"
+#include "zolvane/zolvane_fixture.h"
 
 namespace zolvane {
 namespace {
@@ -247,8 +247,9 @@ TEST_F(TransferInCustody, AnAnswerThatDoesNotFitChangesNothing) {
 TEST_F(TransferInCustody, AQueryWithAReplyThatIsNoneIsNotProven) {
   ASSERT_EQ(Run({"--yes", "query"}).Status, 0);
   const auto whole = Configuration();
+  int first = 2;
   for (const auto* const kind : {"garbage@", "empty@", "shift@"}) {
-    for (int line = 2; line <= 12; ++line) {
+    for (int line = TriesAll() ? 2 : first++; line <= 12; line += TriesAll() ? 1 : 3) {
       Folder.Put("Zolvane.ini", Sample());
       const auto fault = kind + std::to_string(line);
       const auto run = Run({"--yes", "--despite", "unfinished", "--fault", fault, "query"});
