@@ -35,22 +35,29 @@ class HestrionPlays : public testing::TestWithParam<Plan> {
     std::string Backup;
   };
 
+  std::string InFolder(std::string text) const {
+    if (const auto at = text.find("FOLDER"); at != std::string::npos) {
+      text.replace(at, std::strlen("FOLDER"), folder_.Text());
+    }
+    return text;
+  }
+
   void StoreCommands() const {
     std::string text;
-    for (auto command : GetParam().Commands) {
-      if (const auto at = command.find("FOLDER"); at != std::string::npos) {
-        command.replace(at, std::strlen("FOLDER"), folder_.Text());
-      }
-      text += command + "\n";
+    for (const auto& command : GetParam().Commands) {
+      text += InFolder(command) + "\n";
     }
     Store(folder_.File("commands.txt"), text);
+    Store(folder_.File("stop.json"), R"({"default": "OK", "stop_after": ["STATUS_MECH"]})");
   }
 
   Played Play(const std::filesystem::path& program, const Arguments& how) const {
     folder_.Reset();
     StoreCommands();
     Arguments arguments{"--folder", folder_.Text(), "--trace-reads", "--trace", folder_.File("trace.jsonl")};
-    arguments.insert(arguments.end(), GetParam().Options.begin(), GetParam().Options.end());
+    for (const auto& option : GetParam().Options) {
+      arguments.push_back(InFolder(option));
+    }
     arguments.insert(arguments.end(), how.begin(), how.end());
     Played played{.Result = RunToItsEnd(program, arguments), .Calls = {}, .Configuration = {}, .Backup = {}};
     std::istringstream trace{folder_.Content("trace.jsonl")};
@@ -94,6 +101,14 @@ INSTANTIATE_TEST_SUITE_P(
                     Plan{"AnEntryThatIsNotThere", {"select cboTipType Nothing"}, {}, 2},
                     Plan{"AnExportOntoTheConfiguration", {"export FOLDER/Zolvane.ini"}, {"--yes"}, 1},
                     Plan{"ADialogueThatIsCancelled", {"export"}, {}, 1},
+                    Plan{"GoingOnBehindWhatFailed",
+                         {"query", "tick chkRFID 2", "page"},
+                         {"--link", "none", "--yes", "--keep-going"},
+                         1},
+                    Plan{"AnInstrumentThatIsStopped",
+                         {"query", "tick chkRFID 2"},
+                         {"--link", "script:FOLDER/stop.json", "--yes"},
+                         1},
                     Plan{"NoSuchButton", {"press 9", "press -1"}, {}, 0}),
     [](const auto& plan) { return std::string{plan.param.Name}; });
 

@@ -56,8 +56,18 @@ std::string Described(const DISPPARAMS& parameters) {
   return text;
 }
 
+// A property of the host may be a method without arguments, so it is read as either.
 std::string_view KindOf(WORD flags) {
-  return (flags & DISPATCH_PROPERTYPUT) != 0 ? "put" : (flags & DISPATCH_PROPERTYGET) != 0 ? "get" : "call";
+  switch (flags) {
+    case DISPATCH_PROPERTYGET | DISPATCH_METHOD:
+      return "read";
+    case DISPATCH_PROPERTYPUT:
+      return "put";
+    case DISPATCH_METHOD:
+      return "call";
+    default:
+      return "other use of";
+  }
 }
 
 // One object of the host. Its members answer with an object or a value of their own, and each use of one
@@ -209,7 +219,7 @@ class CallsByName : public testing::Test {
 
 TEST_F(CallsByName, TheWindowIsAskedForItsStatusPanel) {
   Open();
-  EXPECT_EQ(Calls(), (Texts{"get sbstatusbar", "get Panels BSTR STATUS"}));
+  EXPECT_EQ(Calls(), (Texts{"read sbstatusbar", "read Panels BSTR STATUS"}));
 }
 
 TEST_F(CallsByName, TheWindowIsToldThatNothingIsPending) {
@@ -230,7 +240,7 @@ TEST_F(CallsByName, TheLinkIsLetGoWhenTheHostTakesItsObjectBack) {
   Open();
   Calls();
   Form().putref_ObjectParent(nullptr);
-  EXPECT_EQ(Calls(), (Texts{"get InstrumentLink", "put Hold BOOL 0 named -3"}));
+  EXPECT_EQ(Calls(), (Texts{"read InstrumentLink", "put Hold BOOL 0 named -3"}));
 }
 
 TEST_F(CallsByName, AnOperationSpeaksToPanelLinkLogAndDialogue) {
@@ -238,26 +248,26 @@ TEST_F(CallsByName, AnOperationSpeaksToPanelLinkLogAndDialogue) {
   Calls();
   PressQuery();
   const Texts firstStep{"put Text BSTR Getting Zolvane Type named -3",
-                        "get InstrumentLink",
+                        "read InstrumentLink",
                         "put Stop BOOL 0 named -3",
-                        "get InstrumentLink",
+                        "read InstrumentLink",
                         "put Hold BOOL -1 named -3",
-                        "get InstrumentLink",
+                        "read InstrumentLink",
                         "call SendCommand BSTR& STATUS_STAGE BSTR&  I4 0",
-                        "get Text",
+                        "read Text",
                         "call WriteLogLine BSTR ******* Message dialogue : Communication Error [, , Please "
                         "ensure that the Zolvane "
                         "is switched on, and in 'Remote Mode']",
-                        "get HostDialogAvailable",
-                        "get Dialogs",
-                        "get MessageDialog",
+                        "read HostDialogAvailable",
+                        "read Dialogs",
+                        "read MessageDialog",
                         "put Style I2 0 named -3",
                         "put Title BSTR Communication Error named -3",
                         "put Message BSTR \r\n\r\nPlease ensure that the Zolvane is switched on\r\nand in "
                         "'Remote Mode' named -3",
                         "call Show BOOL -1",
-                        "get Result",
-                        "get Result",
+                        "read Result",
+                        "read Result",
                         "call WriteLogLine BSTR ******* Message dialogue : button selected : 1"};
   auto calls = Calls();
   calls.resize(firstStep.size());
