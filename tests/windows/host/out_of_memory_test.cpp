@@ -10,6 +10,7 @@
 #include "bench/windows/com/offered_settings.h"
 #include "shell/windows/class_factory.h"
 #include "shell/windows/page/page_layout.h"
+#include "win32/guarded.h"
 #include "win32/module_instance.h"
 #include "win32/unique_handle.h"
 #include "windows/host/counted_memory.h"
@@ -115,6 +116,12 @@ TEST_P(OutOfMemory, TheHostGoesOnAndNothingIsLeftBehind) {
     ASSERT_EQ(OfferedServicesAlive(), 0) << allocations;
     ASSERT_FALSE(ModuleLock::IsHeld()) << allocations;
   }
+}
+
+TEST(GuardedCall, SaysOfWantOfMemoryThatItIsThat) {
+  EXPECT_EQ(Guarded([]() -> HRESULT { throw std::bad_alloc{}; }), E_OUTOFMEMORY);
+  EXPECT_EQ(Guarded([]() -> HRESULT { throw std::exception{}; }), E_UNEXPECTED);
+  EXPECT_EQ(Guarded([] { return S_FALSE; }), S_FALSE);
 }
 
 INSTANTIATE_TEST_SUITE_P(StepOfASession, OutOfMemory, testing::Range<std::size_t>(0, 11));
