@@ -7,6 +7,7 @@
 #include <array>
 #include <chrono>
 #include <cstddef>
+#include <fstream>
 #include <string>
 
 #include "files/exchanged_file.h"
@@ -102,6 +103,42 @@ TEST_F(SettledFile, IsInUseWhileAnotherProgramReadsIt) {
   }
   EXPECT_EQ(file_->Write(content_.Bytes, change), WriteOutcome::Done);
   EXPECT_EQ(ContentOf(path_), "[A]\r\nx=\r\n");
+}
+
+// In its place, the file staying the one that it is.
+void PutByte(const std::filesystem::path& path, char byte) {
+  std::fstream file{path, std::ios::binary | std::ios::in | std::ios::out};
+  file.seekp(7);
+  file.put(byte);
+  EXPECT_TRUE(file.flush());
+}
+
+// An editor that saves has written half of it: that is waited for, and not taken for its change.
+TEST_F(SettledFile, IsInUseWhileAnotherProgramWritesItWhateverStandsThereMeanwhile) {
+  const OpenFile other{path_, GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE};
+  PutByte(path_, '5');
+  EXPECT_EQ(file_->Write(content_.Bytes, change), WriteOutcome::InUse);
+  EXPECT_EQ(ContentOf(path_), "[A]\r\nx=5\r\n");
+}
+
+// Nobody waits for a file that will not become writable.
+TEST_F(SettledFile, IsAFailedWriteWhileItMayOnlyBeRead) {
+  ASSERT_NE(::SetFileAttributesW(path_.c_str(), FILE_ATTRIBUTE_READONLY), 0);
+  Settle();
+  EXPECT_EQ(file_->Write(content_.Bytes, change), WriteOutcome::Failed);
+  EXPECT_EQ(ContentOf(path_), "[A]\r\nx=1\r\n");
+  ASSERT_NE(::SetFileAttributesW(path_.c_str(), FILE_ATTRIBUTE_NORMAL), 0);
+}
+
+// Two changes within a step of the clock have one time, so a young file is compared byte by byte.
+TEST_F(SettledFile, IsNotOverwrittenWhereAChangeLeftItsSizeAndTime) {
+  const auto young = std::filesystem::last_write_time(path_) + std::chrono::hours{2};
+  std::filesystem::last_write_time(path_, young);
+  const auto before = file_->Read().Bytes;
+  PutByte(path_, '7');
+  std::filesystem::last_write_time(path_, young);
+  EXPECT_EQ(file_->Write(before, change), WriteOutcome::Changed);
+  EXPECT_EQ(ContentOf(path_), "[A]\r\nx=7\r\n");
 }
 
 std::string AccessListOf(const std::filesystem::path& path) {
