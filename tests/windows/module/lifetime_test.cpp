@@ -219,6 +219,19 @@ TEST_F(Lifetimes, AHundredWholeSessionsLeaveNothingBehind) {
   ExpectNothingLeftBehind(100, [&] { PlayWholeSession(host); });
 }
 
+// A script of the host may hold the add-in longer than the host shows its page.
+TEST_F(Lifetimes, ASessionThatEndsTakesThePageFromWhoeverStillHoldsTheAddIn) {
+  Host host;
+  const auto held = Module().Create();
+  HWND frame = nullptr;
+  {
+    const ComSession session{held, host.Object(), host.Window()};
+    frame = session.Frame();
+    EXPECT_TRUE(IsWindow(frame));
+  }
+  EXPECT_FALSE(IsWindow(frame));
+}
+
 TEST(Lifetime, SessionsWithoutASettingsServiceLeaveNothingBehind) {
   if (sizeof(void*) == 8) {
     GTEST_SKIP()
