@@ -11,6 +11,7 @@
 #include "custody/record/record.h"
 #include "text/joined.h"
 #include "text/json_text.h"
+#include "text/listed.h"
 #include "text/printable.h"
 #include "text/usage_error.h"
 #include "zolvane/work/actions.h"
@@ -64,7 +65,7 @@ std::string CsvCell(std::string text) {
 std::string CsvLine(const auto& cells) {
   std::string line;
   for (const auto& cell : cells) {
-    line.append(line.empty() ? "" : ",").append(CsvCell(std::string{cell}));
+    AddListed(line, ",", CsvCell(std::string{cell}));
   }
   return line + "\n";
 }

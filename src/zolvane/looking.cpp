@@ -12,6 +12,7 @@
 #include "instrument/links/interrupt_flag.h"
 #include "text/counted.h"
 #include "text/joined.h"
+#include "text/listed.h"
 #include "text/printable.h"
 #include "text/usage_error.h"
 #include "zolvane/operations/custody.h"
@@ -210,7 +211,7 @@ void Check(Workplace& work, const Words& words) {
   for (const auto grade : allGrades) {
     const auto count = static_cast<std::size_t>(std::ranges::count(findings, grade, &Finding::Grade));
     work.Result.Counts.emplace_back(NameOf(grade), count);
-    counts.append(counts.empty() ? "" : ", ").append(CountOf(count, NameOf(grade)));
+    AddListed(counts, ", ", CountOf(count, NameOf(grade)));
   }
   work.Out.Print(FindingsText(findings) + counts + "\n");
   const bool isDoubted = side.IsBackup && TellDoubts(work, file, *side.Configuration);

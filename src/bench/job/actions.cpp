@@ -11,6 +11,7 @@
 #include "files/paths.h"
 #include "program/command_rows.h"
 #include "text/joined.h"
+#include "text/listed.h"
 #include "text/printable.h"
 #include "text/suggestion.h"
 #include "text/usage_error.h"
@@ -185,7 +186,7 @@ std::string WrittenAs(const Words& words) {
   std::string text;
   for (const auto& word : words) {
     const bool needsQuotes = word.empty() || word.find_first_of(" \t\"") != std::string::npos;
-    text.append(text.empty() ? "" : " ").append(needsQuotes ? InQuotes(Replaced(word, "\"", "\"\"")) : word);
+    AddListed(text, " ", needsQuotes ? InQuotes(Replaced(word, "\"", "\"\"")) : word);
   }
   return text;
 }

@@ -7,6 +7,7 @@
 #include "config/text.h"
 #include "host/dialogues.h"
 #include "text/joined.h"
+#include "text/listed.h"
 #include "text/printable.h"
 #include "text/usage_error.h"
 
@@ -38,7 +39,7 @@ std::int32_t CautiousAnswer(const std::vector<std::int32_t>& buttons) {
 std::string ChoiceText(const std::vector<std::int32_t>& buttons) {
   std::string text;
   for (const auto button : buttons) {
-    text.append(text.empty() ? "" : " / ").append(ButtonName(button));
+    AddListed(text, " / ", ButtonName(button));
   }
   return text + "? ";
 }

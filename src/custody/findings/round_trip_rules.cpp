@@ -6,6 +6,7 @@
 #include "custody/values/file_fields.h"
 #include "custody/values/values.h"
 #include "text/joined.h"
+#include "text/listed.h"
 #include "text/printable.h"
 
 namespace zolvane {
@@ -29,8 +30,9 @@ std::string ChangesOf(const std::string& section, const std::string& key, const 
       const auto* const field = fields.FieldAt(piece);
       const auto title =
           field == nullptr || field->Title.empty() ? std::string{} : Joined(" (", field->Title, ")");
-      changes += Joined(changes.empty() ? "" : ", ", "field ", std::to_string(piece + 1), title, " ",
-                        Shown(pieceOf(old, piece)), " becomes ", Shown(pieceOf(now, piece)));
+      AddListed(changes, ", ",
+                Joined("field ", std::to_string(piece + 1), title, " ", Shown(pieceOf(old, piece)),
+                       " becomes ", Shown(pieceOf(now, piece))));
     }
   }
   return changes;

@@ -7,6 +7,7 @@
 
 #include "config/conversions.h"
 #include "text/joined.h"
+#include "text/listed.h"
 #include "text/printable.h"
 #include "text/suggestion.h"
 #include "text/usage_error.h"
@@ -118,7 +119,7 @@ std::string KnownKinds(std::string_view typed) {
   std::string names;
   std::vector<std::string_view> known;
   for (const auto& row : faultRows) {
-    names.append(names.empty() ? "" : ", ").append(row.Name);
+    AddListed(names, ", ", row.Name);
     known.push_back(row.Name);
   }
   return names + DidYouMean(typed, known);

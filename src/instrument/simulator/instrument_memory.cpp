@@ -9,6 +9,7 @@
 #include "text/byte_text.h"
 #include "text/joined.h"
 #include "text/json_text.h"
+#include "text/listed.h"
 #include "text/printable.h"
 #include "text/usage_error.h"
 
@@ -25,7 +26,7 @@ std::string MemberText(std::string_view key, std::string_view value) {
 }
 
 void AppendMember(std::string& members, std::string_view key, std::string_view value) {
-  members.append(members.empty() ? "" : ",").append(MemberText(key, value));
+  AddListed(members, ",", MemberText(key, value));
 }
 
 // A reply of two lines would answer two commands.

@@ -11,6 +11,7 @@
 #include "instrument/links/interrupt_flag.h"
 #include "text/counted.h"
 #include "text/joined.h"
+#include "text/listed.h"
 #include "text/printable.h"
 #include "zolvane/work/printing.h"
 
@@ -250,7 +251,7 @@ Conclusion Evidence::Conclude() {
   details_.Values = work.Result.Values;
   std::string account;
   for (const auto& fact : facts_) {
-    account.append(account.empty() ? "" : "; ").append(fact);
+    AddListed(account, "; ", fact);
   }
   return {.Outcome = outcome_, .Account = std::move(account), .Details = std::move(details_)};
 }

@@ -4,6 +4,7 @@
 #include <set>
 
 #include "text/joined.h"
+#include "text/listed.h"
 #include "text/printable.h"
 
 namespace zolvane {
@@ -90,7 +91,7 @@ std::string CountsText(const std::vector<std::pair<std::string, std::size_t>>& c
   for (const auto& [name, count] : counts) {
     std::string words = name;
     std::ranges::replace(words, '_', ' ');
-    text.append(text.empty() ? "" : ", ").append(std::to_string(count)).append(" ").append(words);
+    AddListed(text, ", ", Joined(std::to_string(count), " ", words));
   }
   return text;
 }

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "bench/windows/play/imports.h"
+#include "text/listed.h"
 #include "win32/text.h"
 
 namespace zolvane {
@@ -22,7 +23,7 @@ std::string FilterText(const wchar_t* pairs) {
   std::string filter;
   while (pairs != nullptr && *pairs != L'\0') {
     const std::wstring_view text{pairs};
-    filter.append(filter.empty() ? "" : "|").append(Utf8(text));
+    AddListed(filter, "|", Utf8(text));
     pairs += text.size() + 1;
   }
   return filter;
