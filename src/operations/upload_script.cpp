@@ -353,7 +353,7 @@ std::string VolumeItemKey(int number) {
 // The factor is sent in hundred thousandths.
 void AppendCorrection(ScriptBuilder& script, std::span<const std::string> pieces) {
   if (const auto correction = CorrectionIn(pieces)) {
-    script.Append(correction->Key, RoundedText(Product(correction->Factor, 100000.0)), Unit::None);
+    script.Append(correction->Key, correction->Sent, Unit::None);
   }
 }
 
@@ -418,8 +418,11 @@ std::string BuildUploadScript(Configuration& configuration, const GroupAnnouncem
 
 std::optional<VolumeCorrection> CorrectionIn(std::span<const std::string> pieces) {
   const auto key = pieces.size() > correctionKeyPiece ? WithoutQuotes(pieces[correctionKeyPiece]) : "";
-  return key.empty() ? std::nullopt
-                     : std::optional{VolumeCorrection{LeadingNumber(pieces[correctionFactorPiece]), key}};
+  if (key.empty()) {
+    return std::nullopt;
+  }
+  const auto factor = LeadingNumber(pieces[correctionFactorPiece]);
+  return VolumeCorrection{factor, key, RoundedText(Product(factor, 100000.0))};
 }
 
 std::string VolumeCorrectionSection(std::string_view headName, std::string_view tipVolume) {

@@ -40,8 +40,9 @@ inline constexpr std::size_t correctionFactorPiece = 1;
 inline constexpr std::size_t correctionKeyPiece = 2;
 
 struct VolumeCorrection {
-  double Factor = 0.0;  // 0 if its piece does not begin with a number
-  std::string Key;      // without quotes
+  double Factor = 0.0;              // 0 if its piece does not begin with a number
+  std::string Key;                  // without quotes
+  std::optional<std::string> Sent;  // hundred thousandths; nullopt if there is no such number, and so no line
 };
 
 // What is sent of such an item. nullopt if it is too short or has no key: then it has no line.

@@ -100,6 +100,9 @@ class FieldRules {
     } else if (EqualIgnoringCase(key, "SAVE")) {
       Add("reserved-key",
           Joined("the key ", Shown(key), " is the instrument's command to save what it holds"));
+    } else if (!correction->Sent) {
+      Add("out-of-range",
+          Joined("the factor is out of range: the upload sends nothing for ", Printable(key)));
     } else if (StrictNumber(pieces[correctionFactorPiece]) == 0.0) {
       Add("zero-factor", Joined("the factor is 0: the upload sends 0 for ", Printable(key)));
     }

@@ -228,6 +228,8 @@ const std::vector<Case>& Cases() {
        [](const auto& file) { EXPECT_EQ(Sent(file, "Nest_12D_Z"), "0"); }},
       {"no-key", "4Item=1000 ul,0.9994,\"VOL_1CHSHORT_1250_4\"", "4Item=1000 ul,0.9994,\"\"", "4Item=1000 ul,0.9994,\"\"",
        [](const auto& file) { EXPECT_EQ(Sent(file, "VOL_1CHSHORT_1250_4"), "(not sent)"); }},
+      {"out-of-range", "1 ul,1.0685,\"VOL_8CH_30_1\"", "1 ul,1e307,\"VOL_8CH_30_1\"", "1Item=1 ul,1e307",
+       [](const auto& file) { EXPECT_EQ(Sent(file, "VOL_8CH_30_1"), "(not sent)"); }},
       {"zero-factor", "1 ul,1.0685,\"VOL_8CH_30_1\"", "1 ul,0,\"VOL_8CH_30_1\"", "1Item=1 ul,0",
        [](const auto& file) { EXPECT_EQ(Sent(file, "VOL_8CH_30_1"), "0"); }},
       {"zero-factor", "Axis3=\"Z\",0.0125,600,20000,40000,-80,15200", "Axis3=\"Z\",0,600,20000,40000,-80,15200",
