@@ -350,7 +350,6 @@ std::string VolumeItemKey(int number) {
   return WholeText(number) + "Item";
 }
 
-// The factor is sent in hundred thousandths.
 void AppendCorrection(ScriptBuilder& script, std::span<const std::string> pieces) {
   if (const auto correction = CorrectionIn(pieces)) {
     script.Append(correction->Key, correction->Sent, Unit::None);
